@@ -1,0 +1,50 @@
+#pragma once
+
+#include <string>
+
+/// Files and folders of the system. Paths are texts in the ANSI code page, parted by "\".
+/// What throws, throws a Failure with the system's error code, the action and the path.
+namespace vesk {
+
+/// The whole file as one text; empty when it is missing or cannot be read.
+std::string ReadWholeFile(const std::string& path);
+
+/// Writes the text over the file's beginning, a read-only file included. Nothing happens for an
+/// empty text, errors are swallowed, and a longer old file keeps its tail: every caller writes at
+/// least as much as it read. Programs that need more care use WriteCompleteFile.
+void WriteWholeFile(const std::string& path, const std::string& text);
+
+/// Makes `path` hold exactly `text`: written beside it first and moved into place when complete, so
+/// that the old content survives every failure. Throws.
+void WriteCompleteFile(const std::string& path, const std::string& text);
+
+/// True when the path's attributes can be read and it is not a folder.
+bool FileExists(const std::string& path);
+
+/// True when the path's attributes can be read and it is a folder.
+bool FolderExists(const std::string& path);
+
+/// Deletes one file, a read-only one too. Throws.
+void RemoveFile(const std::string& path);
+
+/// Deletes a folder and everything in it, read-only files too. A junction or symbolic link below it
+/// (or in its place) is removed itself and never entered. What cannot be deleted does not stop the
+/// rest; the first such failure is thrown at the end.
+void RemoveFolder(const std::string& path);
+
+/// Creates one folder, whose parent must exist. Throws, also when it exists already.
+void CreateFolder(const std::string& path);
+
+/// Creates a folder with all missing levels above it; one that exists already is fine. Throws.
+void CreateFolderPath(const std::string& path);
+
+/// Copies one file over the target, a read-only target too. Throws.
+void CopyFileOver(const std::string& source, const std::string& target);
+
+/// Renames or moves a file or folder; the target must not exist. Throws.
+void MovePath(const std::string& source, const std::string& target);
+
+/// The absolute form of a path, without ".", ".." and doubled backslashes. Throws.
+std::string AbsolutePath(const std::string& path);
+
+} // namespace vesk

@@ -1,0 +1,136 @@
+#include "base/modText.h"
+
+#include <algorithm>
+
+namespace vesk {
+
+namespace {
+
+char Lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+char Upper(char c) {
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+std::string Mapped(std::string_view text, char (*map)(char)) {
+    std::string result(text);
+    std::ranges::transform(result, result.begin(), map);
+    return result;
+}
+
+using Finder = std::size_t (*)(std::string_view text, std::string_view what, std::size_t from);
+
+std::string ReplaceFound(std::string_view text, std::string_view what, std::string_view with,
+                         Finder find) {
+    if (what.empty())
+        return std::string(text);
+    std::string result;
+    std::size_t from = 0;
+    for (std::size_t at = find(text, what, from); at != std::string_view::npos;
+         at = find(text, what, from)) {
+        result.append(text.substr(from, at - from)).append(with);
+        from = at + what.size();
+    }
+    return result.append(text.substr(from));
+}
+
+} // namespace
+
+std::string TrimBlanks(std::string_view text) {
+    const std::size_t first = text.find_first_not_of(' ');
+    if (first == std::string_view::npos)
+        return {};
+    return std::string(text.substr(first, text.find_last_not_of(' ') - first + 1));
+}
+
+std::string LowerCase(std::string_view text) {
+    return Mapped(text, Lower);
+}
+std::string UpperCase(std::string_view text) {
+    return Mapped(text, Upper);
+}
+
+bool EqualNoCase(std::string_view left, std::string_view right) {
+    return std::ranges::equal(left, right, {}, Lower, Lower);
+}
+
+bool StartsWithNoCase(std::string_view text, std::string_view start) {
+    return EqualNoCase(text.substr(0, start.size()), start);
+}
+
+std::size_t FindNoCase(std::string_view text, std::string_view what, std::size_t from) {
+    if (from > text.size())
+        return std::string_view::npos;
+    const auto rest = text.substr(from);
+    const auto found = std::ranges::search(rest, what, {}, Lower, Lower);
+    if (found.begin() == rest.end() && !what.empty())
+        return std::string_view::npos;
+    return from + static_cast<std::size_t>(found.begin() - rest.begin());
+}
+
+std::string ReplaceAll(std::string_view text, std::string_view what, std::string_view with) {
+    return ReplaceFound(text, what, with,
+                        [](std::string_view in, std::string_view sought, std::size_t from) {
+                            return in.find(sought, from);
+                        });
+}
+
+std::string ReplaceAllNoCase(std::string_view text, std::string_view what, std::string_view with) {
+    return ReplaceFound(text, what, with, FindNoCase);
+}
+
+std::vector<std::string> Split(std::string_view text, char separator) {
+    std::vector<std::string> pieces;
+    if (text.empty())
+        return pieces;
+    for (std::size_t from = 0;;) {
+        const std::size_t at = text.find(separator, from);
+        pieces.emplace_back(text.substr(from, at - from));
+        if (at == std::string_view::npos)
+            return pieces;
+        from = at + 1;
+    }
+}
+
+std::string FileNameOf(std::string_view path) {
+    return std::string(path.substr(path.rfind('\\') + 1)); // npos + 1 is 0: the whole text
+}
+
+std::string ParentOf(std::string_view path) {
+    const std::size_t at = path.rfind('\\');
+    return at == std::string_view::npos ? std::string() : std::string(path.substr(0, at));
+}
+
+std::string ExtensionOf(std::string_view path) {
+    const std::string name = FileNameOf(path);
+    const std::size_t dot = name.rfind('.');
+    return dot == std::string::npos ? std::string() : name.substr(dot + 1);
+}
+
+std::string BaseNameOf(std::string_view path) {
+    const std::string name = FileNameOf(path);
+    return name.substr(0, name.rfind('.'));
+}
+
+std::string WithoutTrailingBackslash(std::string_view path) {
+    return std::string(path.substr(0, path.find_last_not_of('\\') + 1));
+}
+
+std::string WithTrailingBackslash(std::string_view path) {
+    std::string result(path);
+    if (result.empty() || result.back() != '\\')
+        result += '\\';
+    return result;
+}
+
+std::string FirstWord(std::string_view commandLine, int maxWords) {
+    constexpr std::string_view kSeparators = " \t";
+    const std::size_t first = commandLine.find_first_not_of(kSeparators);
+    if (maxWords < 1 || first == std::string_view::npos)
+        return {};
+    const std::size_t end = commandLine.find_first_of(kSeparators, first);
+    return std::string(commandLine.substr(first, end - first));
+}
+
+} // namespace vesk

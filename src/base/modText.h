@@ -1,0 +1,52 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Small operations on text in the system's ANSI code page. Letter case is ASCII's: every word that
+/// the program compares without regard to case is plain English.
+namespace vesk {
+
+/// The text without the blanks (and only blanks) at its two ends.
+std::string TrimBlanks(std::string_view text);
+
+std::string LowerCase(std::string_view text);
+std::string UpperCase(std::string_view text);
+
+bool EqualNoCase(std::string_view left, std::string_view right);
+bool StartsWithNoCase(std::string_view text, std::string_view start);
+
+/// Position of the first `what` at or after `from`, without regard to case; npos when absent.
+std::size_t FindNoCase(std::string_view text, std::string_view what, std::size_t from = 0);
+
+/// Replaces every occurrence, left to right; what was put in is not searched again.
+std::string ReplaceAll(std::string_view text, std::string_view what, std::string_view with);
+std::string ReplaceAllNoCase(std::string_view text, std::string_view what, std::string_view with);
+
+/// The pieces between the separators, untrimmed. An empty text has no pieces.
+std::vector<std::string> Split(std::string_view text, char separator);
+
+/// The part after the last backslash; the whole text when there is none.
+std::string FileNameOf(std::string_view path);
+
+/// The path without its last "\name"; empty when it holds no backslash.
+std::string ParentOf(std::string_view path);
+
+/// What stands behind the file name's last dot, without the dot; empty when it has none.
+std::string ExtensionOf(std::string_view path);
+
+/// The file name without folder and extension.
+std::string BaseNameOf(std::string_view path);
+
+/// The text without the backslashes at its end.
+std::string WithoutTrailingBackslash(std::string_view path);
+
+/// The text with a backslash at its end, added only when there is none.
+std::string WithTrailingBackslash(std::string_view path);
+
+/// The first word of a command line, words being parted by blanks and tabs; empty when there is
+/// none. At most `maxWords` words are looked at, so 0 gives an empty text.
+std::string FirstWord(std::string_view commandLine, int maxWords);
+
+} // namespace vesk

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "build/LogMode.h"
+
+#include <string>
+#include <vector>
+
+namespace vesk {
+
+/// File name of the saved log in the program folder. The spelling is what users and tools look for.
+inline constexpr const char* kLogFileName = "veskbuider.log";
+
+/// The build log without its view: the lines shown and the text kept for saving.
+class BuildLog {
+public:
+    /// Adds a line in the given mode. @return the lines to show for it (one, or two with a blank).
+    std::vector<std::string> Add(const std::string& text, LogMode mode);
+
+    [[nodiscard]] const std::vector<std::string>& Lines() const { return lines_; }
+
+    /// What a saved log holds: each line ended by CR LF.
+    [[nodiscard]] const std::string& SavedText() const { return savedText_; }
+
+    /// True when a line tells of something that went wrong in the run.
+    [[nodiscard]] bool HasWarnings() const { return hasWarnings_; }
+
+private:
+    std::vector<std::string> lines_;
+    std::string savedText_;
+    bool hasWarnings_ = false;
+};
+
+/// True for a line that tells of something that went wrong: a warning, an error, a missing archive.
+bool IsWarningLine(const std::string& line);
+
+/// Makes the log file in the program path (which ends in "\") hold the text; an older file goes in
+/// any case, an empty text writes none. @throws Failure
+void SaveBuildLog(const std::string& programPath, const std::string& text);
+
+} // namespace vesk

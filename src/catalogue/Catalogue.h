@@ -1,0 +1,42 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace vesk {
+
+/// One base component or plug-in of the catalogue.
+struct CatalogueEntry {
+    std::string name;     ///< Shown to people; also ticked by this name.
+    std::string zip;      ///< Archive file name in the program folder, .zip or .cab.
+    std::string cat;      ///< Key of the plug-in's category; empty for base components.
+    bool enabled = false; ///< Ticked.
+    bool lock = false;    ///< The user cannot change the tick.
+    std::string url;      ///< Where the archive is downloaded from; several are parted by ",".
+    std::string crc;      ///< Expected CRC-32, upper-case hexadecimal without leading zeros.
+
+    bool operator==(const CatalogueEntry&) const = default;
+};
+
+/// One plug-in category.
+struct CategoryRecord {
+    std::string value;   ///< Folder name below the plug-in folder.
+    std::string key;     ///< What plug-ins carry in `cat`, and the prefix of their names.
+    std::string caption; ///< Title for people, derived from value and key on load.
+
+    bool operator==(const CategoryRecord&) const = default;
+};
+
+/// Everything the catalogue file says, with what follows from it.
+struct Catalogue {
+    std::string installFolder;   ///< Name of the build tree's folder below the install root.
+    std::string installPathFlag; ///< "0": the root is Program Files' drive, else Program Files.
+    std::vector<CatalogueEntry> baseComponents;
+    std::vector<CatalogueEntry> plugins;
+    bool showCategories = false;
+    std::vector<CategoryRecord> categories;
+    std::string installRoot;  ///< Derived; no trailing backslash.
+    std::string pluginFolder; ///< Derived, or set by the front end along with the folder chosen.
+};
+
+} // namespace vesk

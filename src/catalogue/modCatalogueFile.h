@@ -1,0 +1,31 @@
+#pragma once
+
+#include "catalogue/Catalogue.h"
+
+#include <string>
+
+namespace vesk {
+
+/// File name of the catalogue in the program folder.
+inline constexpr const char* kCatalogueFileName = "veskbuilder.ini";
+
+/// Fills the catalogue from the file in the program path (which ends in "\"), by position and not
+/// by name. A missing or empty file leaves the catalogue as it was.
+/// @throws Failure when a value cannot be read (a tick that is no boolean, an entry cut short);
+/// what
+///         was read before it stays in the catalogue. The text names section and entry.
+void LoadCatalogue(const std::string& programPath, Catalogue& catalogue);
+
+/// Derives install root and plug-in folder from install folder and path flag.
+void DeriveInstallPaths(Catalogue& catalogue, const std::string& programFilesFolder);
+
+/// Title of a category for people, from its value and key: "100_system_tools", "100" gives
+/// "System Tools".
+std::string CategoryCaption(const std::string& value, const std::string& key);
+
+/// Writes the catalogue file into the program path. The old file stays until the new one is
+/// complete beside it. The text is exact: other tools compare it.
+/// @throws Failure; the old file is then untouched.
+void SaveCatalogue(const std::string& programPath, const Catalogue& catalogue);
+
+} // namespace vesk

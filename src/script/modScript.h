@@ -1,0 +1,24 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+namespace vesk {
+
+/// What a plug-in script sees of the run that it is part of.
+struct ScriptContext {
+    std::function<void(const std::string& line)> addLogLine;
+    std::string installFolder; ///< Stands for %ProgramPath%.
+    std::string sourceFolder;  ///< Stands for %SourcePath%.
+};
+
+/// Runs the named section (lower case, brackets included) of a script file, line by line.
+/// @throws Failure (or another std::exception) at the first line that fails; what was done before
+///         stays done.
+void ProcessScript(const std::string& scriptPath, const std::string& sectionName,
+                   const ScriptContext& context);
+
+/// True when the file holds exactly this line, letter case included.
+bool IsLineInFile(const std::string& path, const std::string& line);
+
+} // namespace vesk

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "source/SourceState.h"
+
+#include <string>
+
+namespace vesk {
+
+/// What a look at a chosen source folder gave, for the front end to show.
+struct SourceCheck {
+    std::string path;         ///< The folder, ending in "\": what the source field shows.
+    bool usable = false;      ///< Shown as green (usable) or dark red text.
+    std::string productLabel; ///< Product name and service pack; empty when not usable.
+};
+
+/// Looks at a folder (or a file in it) that the user chose as Windows source, and takes over what
+/// it tells of product and service pack. A folder that is no source leaves the state as it was.
+SourceCheck CheckSourceFolder(const std::string& chosenPath, SourceState& state);
+
+/// True when the folder (ending in "\") directly holds the three files that make it an I386 folder.
+bool IsI386Folder(const std::string& folder);
+
+/// What LAYOUT.INF in an I386 folder (ending in "\") tells.
+struct SourceProduct {
+    std::string productName;
+    std::string servicePackTag; ///< Extension of the spcdtagfilei value, as written; may be empty.
+};
+SourceProduct ReadSourceProduct(const std::string& i386Folder);
+
+/// Sets the codes that product name and tag stand for; what is not recognised keeps its code.
+void ApplySourceProduct(const SourceProduct& product, SourceState& state);
+
+} // namespace vesk

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <string>
+
+namespace vesk {
+
+/// Paths fixed at start-up; both end in "\".
+struct ProgramPaths {
+    std::string programPath;   ///< The running program's own folder.
+    std::string temporaryPath; ///< The environment variable Temp; "\" when that is unset.
+};
+
+ProgramPaths FindProgramPaths();
+
+/// Value of an environment variable, cut at 254 characters; empty when unset.
+std::string ReadEnvironmentVariable(const std::string& name);
+
+/// Why the program refuses to start.
+enum class StartRefusal { None, NotWindowsNt, NotAdministrator };
+
+/// What the start-up checks ask of the system; tests answer in its place.
+struct SystemProbe {
+    bool (*isWindowsNt)();
+    bool (*isAdministrator)();
+};
+
+/// The probe that asks Windows itself.
+SystemProbe WindowsProbe();
+
+StartRefusal CheckSystem(const SystemProbe& probe);
+
+/// The sentence for a refusal.
+std::string RefusalText(StartRefusal refusal);
+
+} // namespace vesk

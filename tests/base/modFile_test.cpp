@@ -1,0 +1,71 @@
+#include "base/modFile.h"
+
+#include "TestFolder.h"
+#include "base/Failure.h"
+#include "base/UniqueHandle.h"
+
+using namespace vesk;
+using vesk::test::TestFolder;
+
+namespace {
+
+FileHandle OpenExclusively(const std::string& path) {
+    return FileHandle(
+        CreateFileA(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+}
+
+} // namespace
+
+TEST_CASE("whole files: bytes survive, read-only files are rewritten, an old tail stays") {
+    const TestFolder folder;
+    const std::string path = folder.Write("a.txt", std::string("x\r\n\0\xE4", 5));
+    CHECK(ReadWholeFile(path) == std::string("x\r\n\0\xE4", 5));
+    SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_READONLY);
+    WriteWholeFile(path, "AB");
+    CHECK(ReadWholeFile(path) == std::string("AB\n\0\xE4", 5));
+    WriteWholeFile(path, "");
+    CHECK(ReadWholeFile(path).size() == 5);
+    CHECK(ReadWholeFile(folder / "none").empty());
+    CHECK(ReadWholeFile(folder.Path()).empty());
+}
+
+TEST_CASE("a complete file replaces the old one, or leaves it as it was") {
+    const TestFolder folder;
+    const std::string path = folder.Write("a.ini", "a long old text");
+    WriteCompleteFile(path, "new");
+    CHECK(ReadWholeFile(path) == "new");
+    {
+        const FileHandle lock = OpenExclusively(path);
+        CHECK_THROWS_AS(WriteCompleteFile(path, "newer"), Failure);
+    }
+    CHECK(ReadWholeFile(path) == "new");
+    CHECK_FALSE(FileExists(path + ".new"));
+}
+
+TEST_CASE("a folder goes with everything that can go, and the failure names what stayed") {
+    const TestFolder folder;
+    const std::string readOnly = folder.Write("tree\\sub\\read-only.txt", "x");
+    SetFileAttributesA(readOnly.c_str(), FILE_ATTRIBUTE_READONLY);
+    const std::string locked = folder.Write("tree\\a-locked.txt", "x");
+    {
+        const FileHandle lock = OpenExclusively(locked);
+        CHECK_THROWS_WITH_AS(RemoveFolder(folder / "tree"), doctest::Contains("a-locked.txt"),
+                             Failure);
+    }
+    CHECK_FALSE(FileExists(readOnly));
+    CHECK(FileExists(locked));
+    RemoveFolder(folder / "tree");
+    CHECK_FALSE(FolderExists(folder / "tree"));
+    CHECK_THROWS_AS(RemoveFolder(folder / "tree"), Failure);
+}
+
+TEST_CASE("creating folders") {
+    const TestFolder folder;
+    CHECK_THROWS_AS(CreateFolder(folder / "a\\b"), Failure);
+    CreateFolderPath(folder / "a\\b\\c");
+    CreateFolderPath(folder / "a\\b\\c");
+    CHECK(FolderExists(folder / "a\\b\\c"));
+    CHECK_THROWS_AS(CreateFolder(folder / "a"), Failure);
+    folder.Write("file", "x");
+    CHECK_THROWS_AS(CreateFolderPath(folder / "file\\b"), Failure);
+}

@@ -1,0 +1,45 @@
+#include "base/modText.h"
+
+#include <doctest/doctest.h>
+
+using namespace vesk;
+
+TEST_CASE("paths come apart at their last backslash and last dot") {
+    struct Row {
+        const char *path, *parent, *file, *base, *extension;
+    };
+    for (const Row& row :
+         {Row{"C:\\a\\b.tar.zip", "C:\\a", "b.tar.zip", "b.tar", "zip"},
+          Row{"plain", "", "plain", "plain", ""}, Row{"C:\\a.b\\c", "C:\\a.b", "c", "c", ""},
+          Row{"\\top\\", "\\top", "", "", ""}, Row{"", "", "", "", ""}}) {
+        CAPTURE(row.path);
+        CHECK(ParentOf(row.path) == row.parent);
+        CHECK(FileNameOf(row.path) == row.file);
+        CHECK(BaseNameOf(row.path) == row.base);
+        CHECK(ExtensionOf(row.path) == row.extension);
+    }
+}
+
+TEST_CASE("searching and replacing without regard to case") {
+    CHECK(FindNoCase("xx[APPEND]", "[append]") == 2);
+    CHECK(FindNoCase("abc", "bc", 2) == std::string::npos);
+    CHECK(FindNoCase("abc", "c", 7) == std::string::npos);
+    CHECK(FindNoCase("", "a") == std::string::npos);
+    CHECK(ReplaceAllNoCase("aXbxA", "x", ";x") == "a;xb;xA");
+    CHECK(ReplaceAll("aXbxA", "x", "") == "aXbA");
+    CHECK(ReplaceAll("aaa", "", "-") == "aaa");
+}
+
+TEST_CASE("splitting keeps blanks and empty pieces; an empty text has none") {
+    CHECK(Split("", ',').empty());
+    CHECK(Split("0, 1", ',') == std::vector<std::string>{"0", " 1"});
+    CHECK(Split(",a,", ',') == std::vector<std::string>{"", "a", ""});
+}
+
+TEST_CASE("only blanks are trimmed, only the first word is taken") {
+    CHECK(TrimBlanks("  a b\t ") == "a b\t");
+    CHECK(TrimBlanks("   ").empty());
+    CHECK(FirstWord(" \t-SETUP more", 1) == "-SETUP");
+    CHECK(FirstWord(" \t", 1).empty());
+    CHECK(FirstWord("word", 0).empty());
+}
