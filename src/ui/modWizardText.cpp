@@ -1,0 +1,81 @@
+#include "ui/modWizardText.h"
+
+#include "base/modText.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace vesk {
+
+namespace {
+
+constexpr const char* kLineEnd = "\r\n";
+
+void AppendEnabledNames(std::string& text, const std::vector<CatalogueEntry>& entries) {
+    for (const CatalogueEntry& entry : entries) {
+        if (entry.enabled)
+            text += "   " + entry.name + kLineEnd;
+    }
+}
+
+} // namespace
+
+std::string WelcomeText(const std::string& versionText, const std::string& legalNotice,
+                        const std::string& storedText) {
+    return std::string("Vesk Builder for Windows NT/2000/XP/Vista") + kLineEnd + versionText + " " +
+           legalNotice + kLineEnd + storedText;
+}
+
+std::string SummaryText(const SummaryInputs& inputs) {
+    std::string text = std::string("Base Components:") + kLineEnd;
+    AppendEnabledNames(text, inputs.catalogue.baseComponents);
+    text += std::string(kLineEnd) + "Plugins:" + kLineEnd;
+    AppendEnabledNames(text, inputs.catalogue.plugins);
+    text += kLineEnd;
+    text += "Installation path: " + inputs.installFolder + kLineEnd;
+    text += "Source path: " + (inputs.sourceValid ? inputs.sourceFolder : "Invalid") + kLineEnd;
+    text += kLineEnd;
+    text += "Press Next to continue with the installation.";
+    return text;
+}
+
+ArchiveState FindArchiveState(const CatalogueEntry& entry, bool fileExists) {
+    if (fileExists)
+        return ArchiveState::Present;
+    return entry.url.empty() ? ArchiveState::Missing : ArchiveState::Downloaded;
+}
+
+std::string StateText(const CatalogueEntry& entry, ArchiveState state) {
+    std::string text = state == ArchiveState::Present      ? "Present"
+                       : state == ArchiveState::Downloaded ? "To download"
+                                                           : "Missing";
+    return entry.lock ? text + ", locked" : text;
+}
+
+std::string EntryTip(const CatalogueEntry& entry, ArchiveState state) {
+    std::string text = "Archive: " + entry.zip;
+    for (const std::string& address : Split(entry.url, ','))
+        text += kLineEnd + ("Address: " + TrimBlanks(address));
+    text += kLineEnd + ("CRC-32: " + (entry.crc.empty() ? "not given" : entry.crc));
+    switch (state) {
+    case ArchiveState::Present:
+        text += kLineEnd + std::string("The archive is in the program folder.");
+        break;
+    case ArchiveState::Downloaded:
+        text += kLineEnd + std::string("The archive is not there yet and will be downloaded.");
+        break;
+    case ArchiveState::Missing:
+        text += kLineEnd + std::string("The archive is missing from the program folder.");
+        break;
+    }
+    if (entry.lock)
+        text += kLineEnd + std::string("This entry is locked: its tick cannot be changed.");
+    return text;
+}
+
+std::string CategoryTitle(const Catalogue& catalogue, const CatalogueEntry& entry) {
+    const auto found = std::ranges::find(catalogue.categories, entry.cat, &CategoryRecord::key);
+    return found == catalogue.categories.end() ? entry.cat : found->caption;
+}
+
+} // namespace vesk
