@@ -1,6 +1,7 @@
 #include "ui/clsComponentList.h"
 
 #include "base/modFile.h"
+#include "ui/frmItems.h"
 #include "ui/modListWalk.h"
 #include "ui/modWindow.h"
 
@@ -52,13 +53,15 @@ const CatalogueEntry& clsComponentList::EntryAt(int line) const {
     return Entries().at(static_cast<std::size_t>(line));
 }
 
-ArchiveState clsComponentList::StateAt(int line) const {
+ArchivePlace clsComponentList::StateAt(int line) const {
     const CatalogueEntry& entry = EntryAt(line);
-    return FindArchiveState(entry, FileExists(programPath_ + entry.zip));
+    return FindArchivePlace(entry, FileExists(programPath_ + entry.zip));
 }
 
-int clsComponentList::Selected() const {
-    return ListView_GetNextItem(list_, -1, LVNI_SELECTED);
+void clsComponentList::OpenSelected() const {
+    const int line = ListView_GetNextItem(list_, -1, LVNI_SELECTED);
+    if (line >= 0)
+        frmItems(catalogue_, EntryAt(line), programPath_).Show(list_);
 }
 
 void clsComponentList::Attach(HWND list) {
@@ -143,6 +146,14 @@ bool clsComponentList::HandleNotify(const NMHDR& header, LRESULT& result) {
     case NM_CLICK:
         Walk();
         return false;
+    case NM_DBLCLK: {
+        LVHITTESTINFO hit{};
+        hit.pt = reinterpret_cast<const NMITEMACTIVATE&>(header).ptAction;
+        ListView_HitTest(list_, &hit);
+        if (hit.iItem >= 0 && (hit.flags & LVHT_ONITEMSTATEICON) == 0)
+            OpenSelected();
+        return false;
+    }
     case LVN_ITEMCHANGED: {
         const auto& change = reinterpret_cast<const NMLISTVIEW&>(header);
         if (((change.uNewState ^ change.uOldState) & LVIS_STATEIMAGEMASK) != 0)

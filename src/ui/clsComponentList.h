@@ -13,7 +13,8 @@
 namespace vesk {
 
 /// A list view with check boxes that shows catalogue entries and keeps their ticks. Locked entries
-/// are shown in grey and spring back. Resting the mouse on a line shows the entry's tool tip.
+/// are shown in grey and spring back. Resting the mouse on a line shows the entry's tool tip, a
+/// double click opens the item view.
 class clsComponentList {
 public:
     enum class Kind { BaseComponents, Plugins };
@@ -28,16 +29,15 @@ public:
     /// Handles a notification of the list. @return true when `result` answers it
     bool HandleNotify(const NMHDR& header, LRESULT& result);
 
-    /// Number of the selected entry; -1 for none.
-    [[nodiscard]] int Selected() const;
+    /// Shows the selected entry in the item view.
+    void OpenSelected() const;
 
     /// Reads anew which archives lie in the program folder.
     void RefreshStates();
 
-    [[nodiscard]] const CatalogueEntry& EntryAt(int line) const;
-    [[nodiscard]] ArchiveState StateAt(int line) const;
-
 private:
+    [[nodiscard]] const CatalogueEntry& EntryAt(int line) const;
+    [[nodiscard]] ArchivePlace StateAt(int line) const;
     [[nodiscard]] std::vector<CatalogueEntry>& Entries() const;
     [[nodiscard]] int LineCount() const;
     void AddColumns();

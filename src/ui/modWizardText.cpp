@@ -39,32 +39,32 @@ std::string SummaryText(const SummaryInputs& inputs) {
     return text;
 }
 
-ArchiveState FindArchiveState(const CatalogueEntry& entry, bool fileExists) {
+ArchivePlace FindArchivePlace(const CatalogueEntry& entry, bool fileExists) {
     if (fileExists)
-        return ArchiveState::Present;
-    return entry.url.empty() ? ArchiveState::Missing : ArchiveState::Downloaded;
+        return ArchivePlace::Present;
+    return entry.url.empty() ? ArchivePlace::Missing : ArchivePlace::ToDownload;
 }
 
-std::string StateText(const CatalogueEntry& entry, ArchiveState state) {
-    std::string text = state == ArchiveState::Present      ? "Present"
-                       : state == ArchiveState::Downloaded ? "To download"
+std::string StateText(const CatalogueEntry& entry, ArchivePlace state) {
+    std::string text = state == ArchivePlace::Present      ? "Present"
+                       : state == ArchivePlace::ToDownload ? "To download"
                                                            : "Missing";
     return entry.lock ? text + ", locked" : text;
 }
 
-std::string EntryTip(const CatalogueEntry& entry, ArchiveState state) {
+std::string EntryTip(const CatalogueEntry& entry, ArchivePlace state) {
     std::string text = "Archive: " + entry.zip;
     for (const std::string& address : Split(entry.url, ','))
         text += kLineEnd + ("Address: " + TrimBlanks(address));
     text += kLineEnd + ("CRC-32: " + (entry.crc.empty() ? "not given" : entry.crc));
     switch (state) {
-    case ArchiveState::Present:
+    case ArchivePlace::Present:
         text += kLineEnd + std::string("The archive is in the program folder.");
         break;
-    case ArchiveState::Downloaded:
+    case ArchivePlace::ToDownload:
         text += kLineEnd + std::string("The archive is not there yet and will be downloaded.");
         break;
-    case ArchiveState::Missing:
+    case ArchivePlace::Missing:
         text += kLineEnd + std::string("The archive is missing from the program folder.");
         break;
     }

@@ -21,18 +21,18 @@ struct SummaryInputs {
 std::string SummaryText(const SummaryInputs& inputs);
 
 /// Whether an entry's archive can be had.
-enum class ArchiveState {
+enum class ArchivePlace {
     Present,    ///< It lies in the program folder.
-    Downloaded, ///< It does not, but there is an address: the build fetches it.
+    ToDownload, ///< It does not, but there is an address: the build fetches it.
     Missing,    ///< It does not, and nobody knows where it is.
 };
-ArchiveState FindArchiveState(const CatalogueEntry& entry, bool fileExists);
+ArchivePlace FindArchivePlace(const CatalogueEntry& entry, bool fileExists);
 
 /// One or two words for a list's column; a locked entry says so.
-std::string StateText(const CatalogueEntry& entry, ArchiveState state);
+std::string StateText(const CatalogueEntry& entry, ArchivePlace state);
 
 /// The tool tip of a line: archive, address, CRC and whether the archive is there.
-std::string EntryTip(const CatalogueEntry& entry, ArchiveState state);
+std::string EntryTip(const CatalogueEntry& entry, ArchivePlace state);
 
 /// Title of the category that an entry belongs to; its key when the catalogue does not know it.
 std::string CategoryTitle(const Catalogue& catalogue, const CatalogueEntry& entry);
