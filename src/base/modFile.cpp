@@ -145,6 +145,15 @@ bool FolderExists(const std::string& path) {
     return HasAttribute(GetFileAttributesA(path.c_str()), FILE_ATTRIBUTE_DIRECTORY);
 }
 
+bool HasLinkBelow(const std::string& folder, const std::string& path) {
+    const std::size_t top = WithoutTrailingBackslash(folder).size();
+    for (std::string level = path; level.size() > top; level = ParentOf(level)) {
+        if (HasAttribute(GetFileAttributesA(level.c_str()), FILE_ATTRIBUTE_REPARSE_POINT))
+            return true;
+    }
+    return false;
+}
+
 void RemoveFile(const std::string& path) {
     ClearAttributes(path);
     if (DeleteFileA(path.c_str()) == 0)

@@ -37,6 +37,16 @@ std::string FileCrc(const std::string& path) {
     return clsCRC().CalculateFile(path);
 }
 
+/// Keeps the front end alive while a cabinet is extracted.
+class CabOwner : public CabEvents {
+public:
+    explicit CabOwner(BuildFrontEnd& frontEnd) : frontEnd_(frontEnd) {}
+    void OnAfterExtract(const std::string&) override { frontEnd_.LetEventsRun(); }
+
+private:
+    BuildFrontEnd& frontEnd_;
+};
+
 std::string WarningLine(const CatalogueEntry& component, const std::string& what) {
     return "Warning: " + component.zip + what;
 }
@@ -263,7 +273,8 @@ void clsBuildRun::Steps::Extract(const CatalogueEntry& component, const std::str
     const std::string extension = LowerCase(ExtensionOf(archive));
     ResumeNext([&] {
         if (extension == "cab") {
-            clsCab cab;
+            CabOwner owner(frontEnd_);
+            clsCab cab(&owner);
             cab.CabName = archive;
             cab.DestinationFolder = folder;
             cab.Extract();
