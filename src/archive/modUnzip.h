@@ -6,29 +6,50 @@
 
 namespace vesk {
 
-/// What the owner of an extraction may be asked. Left empty, the natural answer is taken.
+/// What the owner of an extraction may be asked. Left empty, the natural answer is taken: an
+/// existing file stays, there is no password, nothing runs between members.
 struct UnzipCallbacks {
     enum class Replace { No = 100, Yes = 102, Cancel = 104 };
 
     /// Asked about an existing file, only when extraction does not overwrite silently.
     std::function<Replace(const std::string& fileName)> replace;
 
-    /// Asked for the password of an encrypted member; nothing means there is none to be had.
+    /// Asked for the password of an encrypted member, up to three times while it is wrong; nothing
+    /// means there is none to be had, and no further member asks.
     std::function<std::optional<std::string>(const std::string& memberName)> password;
 
     /// Called between members, so that a window stays alive.
     std::function<void()> letEventsRun;
 };
 
+/// Texts for owners that ask with a window.
+constexpr const char* kReplaceTitle = "VBUnZip32 - File Already Exists!";
+constexpr const char* kPasswordTitle = "Please Enter The Password!";
+std::string ReplaceQuestion(const std::string& fileName);
+
+/// The option record of one run: the switches that change what is done. The others of the family
+/// have one value ever (all members, stored folders kept, no conversions) and are simply how
+/// extraction works.
+struct DCL {
+    bool PromptToOverwrite = false; ///< Ask `replace` about each existing file.
+    bool noflag = true;             ///< Overwrite existing files; without both switches they stay.
+    bool nvflag = false;            ///< List the archive, write nothing.
+    std::string Zip;                ///< The archive's path.
+    std::string ExtractDir;         ///< The target folder.
+};
+
+/// Extracts or lists one archive as the options say. What UnzipFile does, for other options.
+void SingleEntryUnzip(const DCL& options, const UnzipCallbacks& callbacks);
+
 /// Extracts every member of a ZIP archive below the target folder, with its stored folders, times
 /// and attributes, over existing files and without a question. With an empty target folder the
 /// archive is listed instead. No failure is reported: what went wrong stands in the message buffer,
-/// the rest is extracted.
+/// the rest is extracted. Callbacks must not throw.
 void UnzipFile(const std::string& zipPath, const std::string& targetFolder,
                const UnzipCallbacks& callbacks = {});
 
-/// What the last UnzipFile had to say: a line for each member refused or failed, the listing, and a
-/// summary at the end.
+/// What the last run had to say: a line for each member refused or failed, the listing, and a
+/// summary at the end. Lines end in CR LF.
 const std::string& UnzipMessages();
 
 } // namespace vesk

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace vesk {
+
+/// Why an archive or one of its members is not read; the text is for people.
+struct ZipProblem : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+/// What a stored name's bytes mean.
+enum class NameEncoding {
+    Ascii, ///< The same in every code page.
+    Utf8,
+    Oem, ///< The code page of DOS.
+    Ansi ///< The system's own: names from systems that never had a DOS code page.
+};
+
+/// Times in units of 100 ns since 1601, UTC: the form that the file system takes.
+struct ZipTimes {
+    std::optional<std::uint64_t> modified, accessed, created;
+};
+
+/// One member as the central directory describes it. Positions count from the first byte of the
+/// file, whatever stands in front of the archive.
+struct ZipMember {
+    std::string name; ///< Bytes as stored, see `encoding`.
+    NameEncoding encoding = NameEncoding::Ascii;
+    std::uint16_t flags = 0;
+    std::uint16_t method = 0;
+    std::uint16_t dosTime = 0;
+    std::uint16_t dosDate = 0;
+    std::uint32_t crc = 0;
+    std::uint32_t externalAttributes = 0;
+    std::uint64_t packedSize = 0;
+    std::uint64_t size = 0;
+    std::uint64_t headerAt = 0;
+    std::uint64_t dataAt = 0; ///< Behind the local header; the whole packed data lies in the file.
+    ZipTimes times;
+    std::string refusal; ///< Why it must not be extracted; empty when nothing speaks against it.
+
+    /// The cipher's own bytes in front of an encrypted member's packed data.
+    static constexpr std::size_t kCipherHeaderSize = 12;
+
+    [[nodiscard]] bool IsFolder() const {
+        return !name.empty() && (name.back() == '/' || name.back() == '\\');
+    }
+    [[nodiscard]] bool IsEncrypted() const { return (flags & 1) != 0; }
+    [[nodiscard]] bool IsDeflated() const { return method == 8; }
+};
+
+/// What the end of the archive says about the whole.
+struct ZipDirectory {
+    std::vector<ZipMember> members;
+    std::string comment;
+    std::string problem; ///< What is wrong with the directory as a whole; empty when nothing is.
+};
+
+/// Reads the central directory, finds each member's data and judges each member. What was claimed
+/// by the archive and does not fit the bytes that are there ends as a `refusal` of the member; no
+/// memory is given for a claim.
+/// @throws ZipProblem when the bytes hold no readable archive at all.
+ZipDirectory ReadZipDirectory(std::span<const std::byte> archive);
+
+} // namespace vesk

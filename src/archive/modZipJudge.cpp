@@ -1,0 +1,229 @@
+#include "archive/modZipJudge.h"
+
+#include "archive/ByteReader.h"
+#include "archive/clsCRC.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace vesk {
+
+namespace {
+
+using Bytes = std::span<const std::byte>;
+
+constexpr std::uint32_t kLocalSignature = 0x04034B50;
+constexpr std::uint64_t kLocalSize = 30;
+
+/// Two bits of deflate stand for at most 258 bytes.
+constexpr std::uint64_t kMaxDeflateRatio = 1032;
+
+constexpr std::uint16_t kFlagPatch = 1U << 5;
+constexpr std::uint16_t kFlagStrongEncryption = 1U << 6;
+constexpr std::uint16_t kFlagUtf8 = 1U << 11;
+constexpr std::uint16_t kFlagMasked = 1U << 13;
+
+/// Adds 100 ns units from 1601 to 1970.
+constexpr std::int64_t kUnixEpoch = 116444736000000000;
+
+void ApplyWideValues(ByteReader field, ZipMember& member, std::uint32_t& disk) {
+    // Only the values whose narrow form is saturated are there, in this order.
+    const auto widen = [&field](std::uint64_t& value) {
+        if (value == 0xFFFFFFFF && field.Left() >= 8)
+            value = field.U64();
+    };
+    widen(member.size);
+    widen(member.packedSize);
+    widen(member.headerAt);
+    if (disk == 0xFFFF && field.Left() >= 4)
+        disk = field.U32();
+}
+
+void ApplyNtfsTimes(ByteReader field, ZipTimes& times) {
+    field.Skip(4);
+    while (field.Left() >= 4) {
+        const std::uint16_t tag = field.U16();
+        const std::uint16_t size = field.U16();
+        ByteReader attribute(field.Bytes(size));
+        if (tag != 1 || size < 24)
+            continue;
+        for (auto* time : {&times.modified, &times.accessed, &times.created})
+            if (const std::uint64_t value = attribute.U64(); value != 0)
+                *time = value;
+    }
+}
+
+/// The central directory's copy of the field holds the time of modification only.
+void ApplyUnixTime(ByteReader field, ZipTimes& times) {
+    if ((field.U8() & 1) == 0 || field.Left() < 4 || times.modified)
+        return;
+    const auto seconds = static_cast<std::int32_t>(field.U32());
+    times.modified = static_cast<std::uint64_t>(kUnixEpoch + std::int64_t{seconds} * 10'000'000);
+}
+
+/// The name in UTF-8 counts only while it belongs to the name it stands beside: a program that
+/// renames a member and does not know the field leaves an old one behind.
+void ApplyUnicodeName(ByteReader field, ZipMember& member) {
+    const std::uint8_t version = field.U8();
+    const auto crc = static_cast<std::int32_t>(field.U32());
+    if (version != 1 || !field.Ok() || field.Left() == 0 ||
+        clsCRC().CalculateString(member.name) != crc)
+        return;
+    member.name = field.Text(field.Left());
+    member.encoding = NameEncoding::Utf8;
+}
+
+std::string MethodName(std::uint16_t method) {
+    switch (method) {
+    case 1:
+        return "shrink";
+    case 2:
+    case 3:
+    case 4:
+    case 5:
+        return "reduce";
+    case 6:
+        return "implode";
+    case 9:
+        return "deflate64";
+    case 12:
+        return "bzip2";
+    case 14:
+        return "LZMA";
+    case 93:
+        return "Zstandard";
+    case 95:
+        return "xz";
+    case 98:
+        return "PPMd";
+    case 99:
+        return "AES encryption";
+    default:
+        return "unknown";
+    }
+}
+
+/// A link, a device or anything else that is neither file nor folder, in Unix's or Windows' terms.
+bool IsSpecial(const ZipMember& member) {
+    constexpr std::uint32_t kReparsePoint = 0x400;
+    const std::uint32_t unixType = member.externalAttributes >> 28;
+    return (member.externalAttributes & kReparsePoint) != 0 ||
+           (unixType != 0 && unixType != 4 && unixType != 8);
+}
+
+std::string RefusalByDescription(const ZipMember& member) {
+    if (IsSpecial(member))
+        return "is a link or a special file";
+    if (member.IsFolder())
+        return {};
+    if ((member.flags & (kFlagStrongEncryption | kFlagMasked)) != 0)
+        return "its kind of encryption is not supported";
+    if ((member.flags & kFlagPatch) != 0)
+        return "is a patch, not a file";
+    if (member.method != 0 && !member.IsDeflated())
+        return "compression method " + std::to_string(member.method) + " (" +
+               MethodName(member.method) + ") is not supported";
+    return {};
+}
+
+/// @return why the member's sizes cannot be true; they fit the file already.
+std::string RefusalBySizes(const ZipMember& member) {
+    const std::uint64_t header = member.IsEncrypted() ? ZipMember::kCipherHeaderSize : 0;
+    if (member.packedSize < header)
+        return "its encryption header is cut short";
+    const std::uint64_t packed = member.packedSize - header;
+    if (member.IsDeflated() ? member.size > packed * kMaxDeflateRatio : member.size != packed)
+        return "its declared size is impossible";
+    return {};
+}
+
+/// Sets `dataAt`, or says why there is no data.
+std::string LocateData(Bytes data, ZipMember& member) {
+    if (member.headerAt > data.size() || data.size() - member.headerAt < kLocalSize)
+        return "its local header lies outside the archive";
+    ByteReader local(data.subspan(static_cast<std::size_t>(member.headerAt)));
+    if (local.U32() != kLocalSignature)
+        return "its local header is damaged";
+    local.Skip(22);
+    const std::uint64_t nameSize = local.U16();
+    const std::uint64_t extraSize = local.U16();
+    member.dataAt = member.headerAt + kLocalSize + nameSize + extraSize;
+    if (member.dataAt > data.size() || member.packedSize > data.size() - member.dataAt)
+        return "its data reaches beyond the archive";
+    return {};
+}
+
+/// Refuses what shares bytes with a member before it in the file: no archiver writes such a thing,
+/// and a small file can be blown up without end with it.
+void RefuseOverlaps(std::vector<ZipMember*>& located) {
+    std::ranges::stable_sort(located, {}, &ZipMember::headerAt);
+    std::uint64_t used = 0;
+    for (ZipMember* member : located) {
+        if (member->headerAt < used && member->refusal.empty())
+            member->refusal = "overlaps another member";
+        used = std::max(used, member->dataAt + member->packedSize);
+    }
+}
+
+} // namespace
+
+NameEncoding EncodingOf(const ZipMember& member, std::uint8_t host) {
+    constexpr std::uint8_t kUnix = 3;
+    constexpr std::uint8_t kMac = 7;
+    constexpr std::uint8_t kMacOsX = 19;
+    if (std::ranges::all_of(member.name, [](char c) { return (c & 0x80) == 0; }))
+        return NameEncoding::Ascii;
+    if ((member.flags & kFlagUtf8) != 0)
+        return NameEncoding::Utf8;
+    const bool neverDos = host == kUnix || host == kMac || host == kMacOsX;
+    return neverDos ? NameEncoding::Ansi : NameEncoding::Oem;
+}
+
+void ApplyExtraFields(Bytes extra, ZipMember& member, std::uint32_t& disk) {
+    constexpr std::uint16_t kWideValues = 0x0001;
+    constexpr std::uint16_t kNtfs = 0x000A;
+    constexpr std::uint16_t kUnixTime = 0x5455;
+    constexpr std::uint16_t kUnicodeName = 0x7075;
+    ByteReader reader(extra);
+    while (reader.Left() >= 4) {
+        const std::uint16_t tag = reader.U16();
+        const ByteReader field(reader.Bytes(reader.U16()));
+        if (!reader.Ok())
+            return;
+        switch (tag) {
+        case kWideValues:
+            ApplyWideValues(field, member, disk);
+            break;
+        case kNtfs:
+            ApplyNtfsTimes(field, member.times);
+            break;
+        case kUnixTime:
+            ApplyUnixTime(field, member.times);
+            break;
+        case kUnicodeName:
+            ApplyUnicodeName(field, member);
+            break;
+        default:
+            break;
+        }
+    }
+}
+
+void JudgeMembers(Bytes data, std::vector<ZipMember>& members) {
+    std::vector<ZipMember*> located;
+    located.reserve(members.size());
+    for (ZipMember& member : members) {
+        const std::string unlocated = LocateData(data, member);
+        if (unlocated.empty())
+            located.push_back(&member);
+        if (member.refusal.empty())
+            member.refusal = RefusalByDescription(member);
+        if (member.refusal.empty())
+            member.refusal = unlocated;
+        if (member.refusal.empty() && !member.IsFolder())
+            member.refusal = RefusalBySizes(member);
+    }
+    RefuseOverlaps(located);
+}
+
+} // namespace vesk
