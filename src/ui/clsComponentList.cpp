@@ -66,8 +66,8 @@ void clsComponentList::OpenSelected() const {
 
 void clsComponentList::Attach(HWND list) {
     list_ = list;
-    ListView_SetExtendedListViewStyle(list_, LVS_EX_CHECKBOXES | LVS_EX_FULLROWSELECT |
-                                                 kDoubleBuffer);
+    ListView_SetExtendedListViewStyle(list_,
+                                      LVS_EX_CHECKBOXES | LVS_EX_FULLROWSELECT | kDoubleBuffer);
     SetWindowSubclass(list_, ListProcedure, kSubclassId, reinterpret_cast<DWORD_PTR>(this));
     AttachTip();
     AddColumns();
@@ -125,8 +125,8 @@ void clsComponentList::FitColumns() {
     for (int column = last; column > 0; --column) {
         ListView_SetColumnWidth(list_, column, LVSCW_AUTOSIZE_USEHEADER);
         // A last column that is fitted to its header takes all the room that is left.
-        const int width = column == last ? ScalePixels(110)
-                                         : ListView_GetColumnWidth(list_, column);
+        const int width =
+            column == last ? ScalePixels(110) : ListView_GetColumnWidth(list_, column);
         ListView_SetColumnWidth(list_, column, width);
         rest -= width;
     }
@@ -190,8 +190,9 @@ LRESULT clsComponentList::Draw(const NMLVCUSTOMDRAW& draw) const {
 }
 
 void clsComponentList::AttachTip() {
-    tip_ = CreateWindowExA(WS_EX_TOPMOST, TOOLTIPS_CLASSA, nullptr, WS_POPUP | TTS_NOPREFIX | TTS_ALWAYSTIP,
-                           0, 0, 0, 0, list_, nullptr, ProgramInstance(), nullptr);
+    tip_ = CreateWindowExA(WS_EX_TOPMOST, TOOLTIPS_CLASSA, nullptr,
+                           WS_POPUP | TTS_NOPREFIX | TTS_ALWAYSTIP, 0, 0, 0, 0, list_, nullptr,
+                           ProgramInstance(), nullptr);
     TTTOOLINFOA tool{};
     tool.cbSize = TTTOOLINFOA_V2_SIZE;
     tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;

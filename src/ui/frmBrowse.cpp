@@ -108,8 +108,8 @@ std::string ChooseInFolderTree(HWND owner, const std::string& title,
 
 std::string frmBrowse::ChooseFolder(const std::string& title,
                                     const std::string& startFolder) const {
-    const std::string start = startFolder.size() > 3 ? WithoutTrailingBackslash(startFolder)
-                                                     : startFolder;
+    const std::string start =
+        startFolder.size() > 3 ? WithoutTrailingBackslash(startFolder) : startFolder;
     if (const auto chosen = ChooseInFileDialog(owner_, title, start))
         return *chosen;
     return ChooseInFolderTree(owner_, title, start);

@@ -32,8 +32,8 @@ std::string frmItems::ArchiveSentence() const {
 void frmItems::OnCreated() {
     const auto font = reinterpret_cast<HFONT>(SendMessageA(Window(), WM_GETFONT, 0, 0));
     nameFont_ = DerivedFont(font, FW_BOLD, 100);
-    SendMessageA(Control(IDC_LBL_ITEM_NAME), WM_SETFONT,
-                 reinterpret_cast<WPARAM>(nameFont_.Get()), FALSE);
+    SendMessageA(Control(IDC_LBL_ITEM_NAME), WM_SETFONT, reinterpret_cast<WPARAM>(nameFont_.Get()),
+                 FALSE);
     const auto show = [this](int id, const std::string& text, const std::string& whenEmpty) {
         SetText(Control(id), text.empty() ? whenEmpty : text);
     };

@@ -25,8 +25,8 @@ DialogFont SystemMessageFont() {
     if (!SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, metrics.cbSize, &metrics, 0))
         return font;
     const LOGFONTW& found = metrics.lfMessageFont;
-    const int points = MulDiv(found.lfHeight < 0 ? -found.lfHeight : found.lfHeight, 72,
-                              ScalePixels(96));
+    const int points =
+        MulDiv(found.lfHeight < 0 ? -found.lfHeight : found.lfHeight, 72, ScalePixels(96));
     // A dialog in a tiny font cannot be read; one in a huge font does not fit on any screen.
     if (points < 7 || points > 20 || found.lfFaceName[0] == L'\0')
         return font;
@@ -104,7 +104,8 @@ DialogTemplate::DialogTemplate(int resourceId) {
     // The resource compiler writes every dialog of this program in the extended form with a font.
     const std::uint8_t* font =
         SkipNameOrNumber(SkipNameOrNumber(SkipNameOrNumber(start + kFixedPart)));
-    const auto itemsOffset = (static_cast<std::size_t>(SkipFont(font) - start) + 3) & ~std::size_t{3};
+    const auto itemsOffset =
+        (static_cast<std::size_t>(SkipFont(font) - start) + 3) & ~std::size_t{3};
 
     TemplateWriter writer;
     writer.Bytes(start, font);

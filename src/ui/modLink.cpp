@@ -24,7 +24,8 @@ std::string WordAtCaret(std::string_view text, std::size_t caret) {
     caret = std::min(caret, text.size());
     if (caret < text.size() && text[caret] == ' ')
         return {};
-    const std::size_t blankBefore = caret == 0 ? std::string_view::npos : text.rfind(' ', caret - 1);
+    const std::size_t blankBefore =
+        caret == 0 ? std::string_view::npos : text.rfind(' ', caret - 1);
     const std::size_t begin = blankBefore == std::string_view::npos ? 0 : blankBefore + 1;
     const std::size_t end =
         std::min({text.find(' ', caret), text.find(kLineBreak, caret), text.size()});

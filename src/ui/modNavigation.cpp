@@ -64,6 +64,21 @@ std::string PageSubheading(Page page) {
     return {};
 }
 
+EndingHeading HeadingOf(BuildEnding ending, bool hasWarnings) {
+    switch (ending) {
+    case BuildEnding::InstallFailed:
+        return {"Install Failed", "The build cannot be made; the log below tells why"};
+    case BuildEnding::Aborted:
+        return {"Aborted", "Nothing was changed"};
+    case BuildEnding::Done:
+        break;
+    }
+    if (hasWarnings)
+        return {"Finished with Warnings",
+                "Not everything is in the build; the log below tells what"};
+    return {"Finished", "The build folder is ready for PE Builder"};
+}
+
 ClosingAnswer AnswerClosing(const ClosingState& state) {
     if (state.finished)
         return ClosingAnswer::Close;

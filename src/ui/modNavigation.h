@@ -1,5 +1,7 @@
 #pragma once
 
+#include "build/BuildFrontEnd.h"
+
 #include <string>
 
 namespace vesk {
@@ -28,6 +30,13 @@ std::string PageHeading(Page page, const std::string& versionText);
 
 /// The sentence below the heading; empty for the welcome page, which has none.
 std::string PageSubheading(Page page);
+
+/// Title and sentence that replace heading and subheading once a build run is over.
+struct EndingHeading {
+    std::string title;
+    std::string sentence;
+};
+EndingHeading HeadingOf(BuildEnding ending, bool hasWarnings);
 
 /// What decides whether the wizard may close.
 struct ClosingState {

@@ -80,16 +80,17 @@ void pagBase::ShowSource(const std::string& folder, const std::string& product,
 }
 
 void pagBase::cmdProgPath_Click() {
-    const std::string folder = frmBrowse(GetAncestor(Window(), GA_ROOT))
-                                   .ChooseFolder("Choose the folder to build into",
-                                                 NearestFolder(InstallFolder()));
+    const std::string folder =
+        frmBrowse(GetAncestor(Window(), GA_ROOT))
+            .ChooseFolder("Choose the folder to build into", NearestFolder(InstallFolder()));
     if (!folder.empty())
         SetInstallFolder(WithoutTrailingBackslash(folder));
 }
 
 void pagBase::cmdWinPath_Click() {
     const std::string shown = SourceFolder();
-    const std::string start = shown.empty() ? SpecialFolderPath(SpecialFolder::ProgramFiles) : shown;
+    const std::string start =
+        shown.empty() ? SpecialFolderPath(SpecialFolder::ProgramFiles) : shown;
     const std::string chosen =
         frmBrowse(GetAncestor(Window(), GA_ROOT))
             .ChooseFolder("Choose the folder of the Windows CD that holds I386",
@@ -100,8 +101,7 @@ void pagBase::cmdWinPath_Click() {
 
 void pagBase::cmdScan_Click() {
     const HWND wizard = GetAncestor(Window(), GA_ROOT);
-    if (ShowMessage(wizard,
-                    "Search for Windows installation files ?\r\n(can take some time)",
+    if (ShowMessage(wizard, "Search for Windows installation files ?\r\n(can take some time)",
                     "File Search", MB_YESNO | MB_ICONINFORMATION) == IDNO)
         return;
     const auto found = frmSelOS(source_).Choose(wizard);
@@ -156,7 +156,7 @@ INT_PTR pagBase::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
     case WM_NOTIFY: {
         LRESULT result = 0;
         return list_.HandleNotify(*reinterpret_cast<const NMHDR*>(lparam), result) ? Answer(result)
-                                                                                  : FALSE;
+                                                                                   : FALSE;
     }
     default:
         return FALSE;

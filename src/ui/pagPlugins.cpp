@@ -20,7 +20,8 @@ INT_PTR pagPlugins::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
         return FALSE;
     case WM_NOTIFY: {
         LRESULT result = 0;
-        return list_.HandleNotify(*reinterpret_cast<const NMHDR*>(lparam), result) ? Answer(result) : FALSE;
+        return list_.HandleNotify(*reinterpret_cast<const NMHDR*>(lparam), result) ? Answer(result)
+                                                                                   : FALSE;
     }
     default:
         return FALSE;

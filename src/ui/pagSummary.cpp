@@ -15,8 +15,7 @@ void pagSummary::SetSummary(const std::string& text) {
 }
 
 INT_PTR pagSummary::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
-    if (message != WM_CTLCOLORSTATIC ||
-        reinterpret_cast<HWND>(lparam) != Control(IDC_TXT_SUMMARY))
+    if (message != WM_CTLCOLORSTATIC || reinterpret_cast<HWND>(lparam) != Control(IDC_TXT_SUMMARY))
         return FALSE;
     // Text to be read, not a field that happens to be locked.
     SetTextColor(reinterpret_cast<HDC>(wparam), GetSysColor(COLOR_WINDOWTEXT));

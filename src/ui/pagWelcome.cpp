@@ -17,8 +17,7 @@ bool MouseIsOnLink(HWND textBox) {
     POINT position{};
     GetCursorPos(&position);
     ScreenToClient(textBox, &position);
-    const LRESULT at =
-        SendMessageA(textBox, EM_CHARFROMPOS, 0, MAKELPARAM(position.x, position.y));
+    const LRESULT at = SendMessageA(textBox, EM_CHARFROMPOS, 0, MAKELPARAM(position.x, position.y));
     return at != -1 && !LinkAtCaret(TextOf(textBox), LOWORD(at)).empty();
 }
 
