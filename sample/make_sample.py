@@ -13,6 +13,7 @@ catalogue hold; where they do not, the recipe stops and prints those that it got
 
 import pathlib
 import re
+import struct
 import sys
 import zipfile
 import zlib
@@ -59,11 +60,22 @@ def pe_builder():
     return files
 
 
+SCRIPT = "\r\n".join([
+    "[base]",
+    "dirmake,%ProgramPath%\\Vesk",
+    "regwrite,HKCU,0x0,Software\\Vesk Builder Sample",
+    "regwrite,HKCU,0x1,Software\\Vesk Builder Sample,Tree,%ProgramPath%",
+    "regwrite,HKCU,0x4,Software\\Vesk Builder Sample,Count,42",
+    "[end]",
+    "dirmake,%ProgramPath%\\never made: the section has ended",
+]) + "\r\n"
+
 ARCHIVES = {
     "pebuilder3110a.zip": pe_builder(),
     "livebase.zip": {
         "vesk.ico": "Stand-in for the icon of the shortcuts.\r\n",
         "desktop/wallpaper.txt": "A picture would be here.\r\n" * 40,
+        "livebase.script": SCRIPT,
     },
     "hexview.zip": {
         "hexview.inf": inf("01 Hex Viewer", *menu("hexview_nu2menu.xml")),
@@ -72,6 +84,11 @@ ARCHIVES = {
     },
     "netnotes.zip": {"netnotes.inf": inf("Network Notes"), "files/notes.txt": "ping\r\n" * 60},
     "diskcheck.zip": {"diskcheck.inf": inf("Disk Checker"), "files/check.txt": "ok\r\n" * 60},
+    "regtool.cab": {
+        "regtool.inf": inf("5 Registry Tool", *menu("regtool_nu2menu.xml")),
+        "regtool_nu2menu.xml": "<!-- menu -->\r\n",
+        "files\\regtool.txt": "HKEY_LOCAL_MACHINE\r\n" * 50,
+    },
     "sphelper.zip": {
         "sphelper.inf": inf("Service Pack Helper", "[VeskBuilder]", "OSType=0,1", "SP=1,2", ""),
         "files/helper.txt": "For home and professional editions.\r\n" * 20,
@@ -97,6 +114,26 @@ def write_zip(path, files):
             archive.writestr(info, text.encode("cp1252"))
 
 
+def write_cab(path, files):
+    """A cabinet with its members stored in one folder and one data block."""
+    names = [name.encode("cp1252") + b"\0" for name in files]
+    data = [text.encode("cp1252") for text in files.values()]
+    header_size, folder_size = 36, 8
+    files_at = header_size + folder_size
+    data_at = files_at + sum(16 + len(name) for name in names)
+    block = struct.pack("<IHH", 0, len(b"".join(data)), len(b"".join(data))) + b"".join(data)
+    date = (STAMP[0] - 1980) << 9 | STAMP[1] << 5 | STAMP[2]
+    time = STAMP[3] << 11 | STAMP[4] << 5 | STAMP[5] // 2
+    cabinet = struct.pack("<4sIIIIIBBHHHHH", b"MSCF", 0, data_at + len(block), 0, files_at, 0,
+                          3, 1, 1, len(files), 0, 0, 0)
+    cabinet += struct.pack("<IHH", data_at, 1, 0)
+    offset = 0
+    for name, content in zip(names, data):
+        cabinet += struct.pack("<IIHHHH", len(content), offset, 0, date, time, 0x20) + name
+        offset += len(content)
+    path.write_bytes(cabinet + block)
+
+
 def catalogue_crcs(text):
     """Archive name to checksum, as the catalogue says."""
     return dict(re.findall(r"^Zip\d+=(\S+) *\r\n(?:Cat\d+=.*\r\n)?(?:.*\r\n){3}CRC\d+=(\S+)", text,
@@ -111,7 +148,7 @@ def main(target):
         (target / folder).mkdir(parents=True, exist_ok=True)
     for name, files in ARCHIVES.items():
         path = target / ("server" if name == SERVED else "program") / name
-        write_zip(path, files)
+        (write_cab if path.suffix == ".cab" else write_zip)(path, files)
         crc = f"{zlib.crc32(path.read_bytes()):X}"
         if crcs.get(name) != crc:
             wrong.append(f"{name}: the catalogue says {crcs.get(name)}, the recipe gives {crc}")

@@ -29,6 +29,10 @@ bool FolderExists(const std::string& path);
 /// other way. The path must begin with the folder.
 bool HasLinkBelow(const std::string& folder, const std::string& path);
 
+/// True when the folder, or anything at any depth in it, is a junction or symbolic link to a
+/// folder.
+bool HoldsLink(const std::string& folder);
+
 /// Deletes one file, a read-only one too. Throws.
 void RemoveFile(const std::string& path);
 

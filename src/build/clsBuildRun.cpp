@@ -79,7 +79,7 @@ private:
     void LogHeader();
     PeBuilder FetchPeBuilder();
     DownloadResult Download(const CatalogueEntry& component);
-    void RemoveOldTree();
+    bool RemoveOldTree();
     void InstallBaseComponents();
     void InstallBaseComponent(std::size_t index);
     void CreateTree();
@@ -129,9 +129,8 @@ BuildEnding clsBuildRun::Steps::RunToEnding() {
     case PeBuilder::GoOn:
         break;
     }
-    if (frontEnd_.StopRequested())
+    if (frontEnd_.StopRequested() || !RemoveOldTree())
         return abort();
-    RemoveOldTree();
     InstallBaseComponents();
     DownloadPlugins();
     InstallPlugins();
@@ -211,11 +210,17 @@ DownloadResult clsBuildRun::Steps::Download(const CatalogueEntry& component) {
     return result;
 }
 
-void clsBuildRun::Steps::RemoveOldTree() {
+/// @return false when the run must not go on: a link that could not be removed would lead what the
+/// run writes next to some place outside the folder that the user named
+bool clsBuildRun::Steps::RemoveOldTree() {
     context_.Status("Removing directory");
     context_.Log("Removing directory: " + inputs_.installFolder);
     frontEnd_.LetEventsRun();
     ResumeNext([&] { DeleteFolderLogged(context_, inputs_.installFolder); });
+    if (!HoldsLink(inputs_.installFolder))
+        return true;
+    context_.Log("ERROR: a link in the old folder could not be removed: " + inputs_.installFolder);
+    return false;
 }
 
 void clsBuildRun::Steps::InstallBaseComponents() {
