@@ -74,7 +74,7 @@ void clsDownload::Download(const std::optional<std::string>& url,
         SetDestination(*destination);
     fileSize_ = 0;
     try {
-        transfer_ = std::make_shared<Transfer>(*this);
+        transfer_ = std::make_shared<Transfer>(static_cast<SocketEvents&>(*this));
     } catch (const Failure& failure) {
         return Fail(static_cast<std::int32_t>(failure.number), failure.what());
     }
