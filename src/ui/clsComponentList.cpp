@@ -5,6 +5,8 @@
 #include "ui/modListWalk.h"
 #include "ui/modWindow.h"
 
+#include <algorithm>
+#include <array>
 #include <utility>
 
 namespace vesk {
@@ -13,7 +15,8 @@ namespace {
 
 constexpr DWORD kDoubleBuffer = 0x00010000; // LVS_EX_DOUBLEBUFFER
 constexpr UINT_PTR kSubclassId = 1;
-constexpr int kTipWidth = 420; // pixels at 96 DPI, for long addresses
+constexpr int kTitleMargin = 16; // pixels at 96 DPI on both sides of a column's title together
+constexpr int kTipWidth = 420;   // pixels at 96 DPI, for long addresses
 
 /// Holds a flag up for the length of a scope.
 class Guard {
@@ -34,6 +37,22 @@ void SetCell(HWND list, int line, int column, const std::string& text) {
     item.pszText = const_cast<char*>(text.c_str()); // only read
     SendMessageA(list, LVM_SETITEMTEXTA, static_cast<WPARAM>(line),
                  reinterpret_cast<LPARAM>(&item));
+}
+
+/// Pixels that a column needs for its title and its texts.
+int FittingWidth(HWND list, int column) {
+    // Fitted to its title, the last column would take all the room that is left.
+    std::array<char, 64> title{};
+    LVCOLUMNA description{};
+    description.mask = LVCF_TEXT;
+    description.pszText = title.data();
+    description.cchTextMax = static_cast<int>(title.size());
+    SendMessageA(list, LVM_GETCOLUMNA, static_cast<WPARAM>(column),
+                 reinterpret_cast<LPARAM>(&description));
+    const auto titleWidth = static_cast<int>(
+        SendMessageA(list, LVM_GETSTRINGWIDTHA, 0, reinterpret_cast<LPARAM>(title.data())));
+    ListView_SetColumnWidth(list, column, LVSCW_AUTOSIZE);
+    return std::max(titleWidth + ScalePixels(kTitleMargin), ListView_GetColumnWidth(list, column));
 }
 
 } // namespace
@@ -120,19 +139,16 @@ void clsComponentList::RefreshStates() {
 void clsComponentList::FitColumns() {
     RECT client{};
     GetClientRect(list_, &client);
+    int rest = client.right;
+    if (LineCount() > ListView_GetCountPerPage(list_))
+        rest -= GetSystemMetrics(SM_CXVSCROLL);
     const int last = kind_ == Kind::Plugins ? 3 : 2;
-    int rest = client.right - GetSystemMetrics(SM_CXVSCROLL);
-    for (int column = last; column > 0; --column) {
-        ListView_SetColumnWidth(list_, column, LVSCW_AUTOSIZE_USEHEADER);
-        // A last column that is fitted to its header takes all the room that is left.
-        const int width =
-            column == last ? ScalePixels(110) : ListView_GetColumnWidth(list_, column);
+    for (int column = last; column >= 0; --column) {
+        // The first column takes the room that the others leave, if its texts need no more.
+        const int width = std::max(FittingWidth(list_, column), column == 0 ? rest : 0);
         ListView_SetColumnWidth(list_, column, width);
         rest -= width;
     }
-    ListView_SetColumnWidth(list_, 0, LVSCW_AUTOSIZE_USEHEADER);
-    if (ListView_GetColumnWidth(list_, 0) < rest)
-        ListView_SetColumnWidth(list_, 0, rest);
 }
 
 bool clsComponentList::HandleNotify(const NMHDR& header, LRESULT& result) {

@@ -38,6 +38,7 @@ frmBuilder::~frmBuilder() = default;
 void frmBuilder::Show() {
     Create(nullptr, IDD_BUILDER);
     ShowWindow(Window(), SW_SHOW);
+    SetForegroundWindow(Window());
 }
 
 void frmBuilder::SetButtonFace(const std::string& face) {

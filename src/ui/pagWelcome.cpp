@@ -46,6 +46,8 @@ void pagWelcome::SetWelcomeText(const std::string& text) {
 
 void pagWelcome::OnCreated() {
     SetWindowSubclass(Control(IDC_TXT_WELCOME), TextProcedure, kSubclassId, 0);
+    // The text stands exactly below the heading.
+    SendMessageA(Control(IDC_TXT_WELCOME), EM_SETMARGINS, EC_LEFTMARGIN, 0);
 }
 
 INT_PTR pagWelcome::Handle(UINT message, WPARAM wparam, LPARAM) {
