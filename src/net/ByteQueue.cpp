@@ -1,0 +1,35 @@
+#include "net/ByteQueue.h"
+
+#include <algorithm>
+
+namespace vesk {
+
+std::span<char> ByteQueue::Room(std::size_t size) {
+    if (storage_.size() - end_ < size && begin_ > 0) {
+        std::copy(storage_.begin() + static_cast<std::ptrdiff_t>(begin_),
+                  storage_.begin() + static_cast<std::ptrdiff_t>(end_), storage_.begin());
+        end_ -= begin_;
+        begin_ = 0;
+    }
+    if (storage_.size() - end_ < size)
+        storage_.resize(std::max(end_ + size, storage_.size() * 2));
+    return std::span(storage_).subspan(end_);
+}
+
+void ByteQueue::Append(std::string_view bytes) {
+    std::ranges::copy(bytes, Room(bytes.size()).begin());
+    Commit(bytes.size());
+}
+
+void ByteQueue::Drop(std::size_t size) {
+    begin_ += std::min(size, Size());
+    if (Empty())
+        begin_ = end_ = 0;
+}
+
+void ByteQueue::Clear() {
+    storage_ = {};
+    begin_ = end_ = 0;
+}
+
+} // namespace vesk

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "net/DownloadResult.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vesk {
+
+/// What the download of one archive decides on its way: whether the answer counts as a success,
+/// which address is tried after an error, what became of it all.
+class DownloadDecisions {
+public:
+    /// @param urls one address, or several parted by ","; blanks around each do not matter, an
+    /// empty one keeps its place
+    explicit DownloadDecisions(std::string_view urls);
+
+    /// The address to download from now.
+    [[nodiscard]] const std::string& Url() const { return urls_[current_]; }
+
+    /// Judges an answer by its header.
+    void OnStarting(std::int32_t fileSize, std::string_view header);
+
+    /// Takes in an error. @return true when Url() is now another one that is to be tried at once
+    bool OnError(std::int32_t number);
+
+    /// The user cancelled and confirmed it.
+    void OnCancelled() { cancelled_ = true; }
+
+    /// What became of the download. @param expectedCrc checksum text to match exactly, or empty for
+    /// any file @param fileCrc asked for the file's checksum text, only when it decides
+    [[nodiscard]] DownloadResult Result(const std::string& expectedCrc,
+                                        const std::function<std::string()>& fileCrc) const;
+
+private:
+    std::vector<std::string> urls_;
+    std::size_t current_ = 0;
+    bool succeeded_ = false;
+    bool cancelled_ = false;
+};
+
+} // namespace vesk

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <optional>
+
+namespace vesk {
+
+/// Speed of a transfer over its last few seconds.
+class TransferRate {
+public:
+    /// Takes in how many bytes have come in all, at a time in milliseconds of a clock that may
+    /// wrap.
+    void Add(double received, std::uint32_t milliseconds);
+
+    /// Bytes a second; 0 until there is enough to tell.
+    [[nodiscard]] double BytesPerSecond() const;
+
+    /// Seconds until `total` bytes have come; nothing when that cannot be told.
+    [[nodiscard]] std::optional<std::int64_t> SecondsLeft(double total) const;
+
+private:
+    struct Sample {
+        double received;
+        std::uint32_t milliseconds;
+    };
+    std::deque<Sample> samples_; ///< The newest is last and replaced until it is worth keeping.
+};
+
+} // namespace vesk

@@ -1,0 +1,202 @@
+#include "net/clsDownload.h"
+
+#include "base/Failure.h"
+#include "base/UniqueHandle.h"
+#include "base/modFile.h"
+#include "base/modSystemError.h"
+#include "base/modText.h"
+#include "net/modHttpText.h"
+
+#include <utility>
+
+namespace vesk {
+
+namespace {
+
+constexpr std::int32_t kHttpPort = 80;
+
+/// True when the folder lists a file by exactly this name, letter case included.
+bool IsListedExactly(const std::string& path) {
+    WIN32_FIND_DATAA entry{};
+    const FindHandle find(FindFirstFileA(path.c_str(), &entry));
+    return find && (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0 &&
+           FileNameOf(path) == entry.cFileName;
+}
+
+/// Opens the file for appending. @throws Failure
+FileHandle OpenAfresh(const std::string& path) {
+    // A file whose name differs in letter case is not the one meant and is not deleted: where the
+    // system takes both for the same, the bytes follow its own and the checksum tells.
+    if (IsListedExactly(path))
+        RemoveFile(path);
+    FileHandle file(CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_ALWAYS,
+                                FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!file)
+        ThrowLastError("cannot create", path);
+    if (SetFilePointer(file.Get(), 0, nullptr, FILE_END) == INVALID_SET_FILE_POINTER &&
+        GetLastError() != NO_ERROR)
+        ThrowLastError("cannot write", path);
+    return file;
+}
+
+} // namespace
+
+struct clsDownload::Transfer {
+    explicit Transfer(SocketEvents& owner) : cmSocket(owner) {}
+
+    clsSocketMaster cmSocket;
+    std::string header; ///< What has come of it.
+    bool headerComplete = false;
+    FileHandle file;
+};
+
+clsDownload::clsDownload(DownloadEvents& owner) : owner_(owner) {}
+
+clsDownload::~clsDownload() = default;
+
+void clsDownload::SetProxy(const std::string& proxy) {
+    proxy_ = TrimBlanks(proxy);
+}
+
+void clsDownload::SetURL(const std::string& url) {
+    url_ = TrimBlanks(url);
+}
+
+void clsDownload::SetDestination(const std::string& destination) {
+    destination_ = TrimBlanks(destination);
+}
+
+void clsDownload::Download(const std::optional<std::string>& url,
+                           const std::optional<std::string>& destination) {
+    if (url)
+        SetURL(*url);
+    if (destination)
+        SetDestination(*destination);
+    fileSize_ = 0;
+    try {
+        transfer_ = std::make_shared<Transfer>(static_cast<SocketEvents&>(*this));
+    } catch (const Failure& failure) {
+        return Fail(static_cast<std::int32_t>(failure.number), failure.what());
+    }
+    const std::weak_ptr<Transfer> running = transfer_;
+    const bool direct = accessType_ == kAccessDirect;
+    try {
+        // The port is always the usual one: a port in the URL is part of the host's text.
+        transfer_->cmSocket.Connect(direct ? HostOfUrl(url_) : proxy_,
+                                    direct ? kHttpPort : proxyPort_);
+    } catch (const Failure& failure) {
+        if (!running.expired())
+            Fail(static_cast<std::int32_t>(failure.number), failure.what());
+    }
+}
+
+void clsDownload::Cancel() {
+    transfer_.reset();
+}
+
+void clsDownload::Fail(std::int32_t number, const std::string& description) {
+    Cancel();
+    owner_.OnError(number, description);
+}
+
+void clsDownload::OnConnect() {
+    if (OpenDestination())
+        transfer_->cmSocket.SendData(RequestText(url_, accessType_));
+}
+
+bool clsDownload::OpenDestination() {
+    try {
+        transfer_->file = OpenAfresh(destination_);
+        return true;
+    } catch (const Failure& failure) {
+        Fail(static_cast<std::int32_t>(failure.number), failure.what());
+        return false;
+    }
+}
+
+void clsDownload::OnDataArrival(std::int32_t) {
+    if (transfer_->headerComplete)
+        DeliverBody();
+    else
+        CollectHeader();
+}
+
+void clsDownload::CollectHeader() {
+    Transfer& transfer = *transfer_;
+    const std::size_t before = transfer.header.size();
+    const std::string_view received = transfer.cmSocket.Received();
+    transfer.header.append(received);
+    const std::optional<std::size_t> end = FindHeaderEnd(transfer.header, before);
+    // What follows the header stays in the socket, so that it is delivered before anything newer
+    // even when the owner lets messages run inside OnStarting.
+    transfer.cmSocket.DropReceived(end ? *end - before : received.size());
+    if (end) {
+        transfer.header.resize(*end);
+        transfer.headerComplete = true;
+        OnHeader(std::exchange(transfer.header, {}));
+    } else if (transfer.header.size() > kLongestHeader) {
+        Fail(kHeaderTooLong, "The header of the server's answer does not end");
+    }
+}
+
+void clsDownload::OnHeader(const std::string& header) {
+    if (const auto error = RecognizeErrorPage(header))
+        return Fail(error->number, error->description);
+    const std::string location = disableRedirection_ ? "" : HeaderValue("Location", header);
+    if (!location.empty()) {
+        Cancel();
+        return Download(location);
+    }
+    fileSize_ = LeadingNumber(HeaderValue("Content-Length", header));
+    const std::weak_ptr<Transfer> running = transfer_;
+    owner_.OnStarting(fileSize_, header);
+    if (!running.expired())
+        DeliverBody();
+}
+
+void clsDownload::DeliverBody() {
+    const std::string_view body = transfer_->cmSocket.Received();
+    const std::size_t size = body.size();
+    if (!AppendToFile(body))
+        return;
+    transfer_->cmSocket.DropReceived(size);
+    owner_.OnDataArrival(static_cast<std::int32_t>(size));
+}
+
+bool clsDownload::AppendToFile(std::string_view bytes) {
+    DWORD written = 0;
+    if (WriteFile(transfer_->file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written,
+                  nullptr) != 0 &&
+        written == bytes.size())
+        return true;
+    // A full disk may take a part without an error code.
+    const DWORD error = written < bytes.size() && written > 0 ? ERROR_DISK_FULL : GetLastError();
+    Fail(static_cast<std::int32_t>(error),
+         "cannot write " + destination_ + ": " + SystemErrorText(error));
+    return false;
+}
+
+void clsDownload::OnCloseSck() {
+    const std::weak_ptr<Transfer> running = transfer_;
+    if (!transfer_->headerComplete) {
+        // Without a header the whole answer is the file.
+        const std::string content = std::exchange(transfer_->header, {});
+        const auto size = static_cast<std::int32_t>(content.size());
+        owner_.OnStarting(size, "");
+        if (running.expired() || !AppendToFile(content))
+            return;
+        owner_.OnDataArrival(size);
+    } else if (!transfer_->cmSocket.Received().empty()) {
+        DeliverBody();
+    }
+    if (running.expired())
+        return;
+    Cancel();
+    owner_.OnCompleted();
+}
+
+void clsDownload::OnError(const SocketErrorInfo& error, bool&) {
+    Fail(error.number, error.description);
+}
+
+} // namespace vesk

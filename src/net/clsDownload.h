@@ -1,0 +1,111 @@
+#pragma once
+
+#include "net/clsSocketMaster.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace vesk {
+
+/// The owner of a download. Inside every event it may cancel, restart or destroy the download.
+class DownloadEvents {
+public:
+    virtual ~DownloadEvents() = default;
+
+    /// The answer's header is complete. @param fileSize bytes announced, 0 when unknown
+    virtual void OnStarting(std::int32_t fileSize, const std::string& header) = 0;
+
+    /// @param bytesTotal size of the piece just appended to the file
+    virtual void OnDataArrival(std::int32_t bytesTotal) = 0;
+
+    /// The download is over. @param number status of an error page, or the code of the socket
+    /// layer or of the system for what went wrong
+    virtual void OnError(std::int32_t number, const std::string& description) = 0;
+
+    /// The server closed the connection. Whether all has come is for the owner to judge.
+    virtual void OnCompleted() = 0;
+};
+
+/// Fetches one file over HTTP/1.0 and writes it to a path, reporting through events. Reusable: each
+/// Download starts afresh. Memory use does not depend on the size of the file.
+///
+/// Everything that goes wrong arrives as OnError, a file that cannot be written included. A header
+/// that has not ended after 16 MB is given up with kHeaderTooLong; so is an answer without a header
+/// of that size, because it can only be told from one at its end.
+class clsDownload : private SocketEvents {
+public:
+    /// Number of the error for a header that does not end.
+    static constexpr std::int32_t kHeaderTooLong = 431;
+    static constexpr std::size_t kLongestHeader = 16 * 1024 * 1024;
+
+    /// @param owner must outlive the object
+    explicit clsDownload(DownloadEvents& owner);
+    clsDownload(const clsDownload&) = delete;
+    clsDownload& operator=(const clsDownload&) = delete;
+    ~clsDownload() override;
+
+    /// Name or address of the proxy.
+    [[nodiscard]] const std::string& Proxy() const { return proxy_; }
+    void SetProxy(const std::string& proxy);
+
+    [[nodiscard]] std::int32_t ProxyPort() const { return proxyPort_; }
+    void SetProxyPort(std::int32_t port) { proxyPort_ = port; }
+
+    /// See vesk::AccessType.
+    [[nodiscard]] std::int32_t AccessType() const { return accessType_; }
+    void SetAccessType(std::int32_t accessType) { accessType_ = accessType; }
+
+    [[nodiscard]] const std::string& URL() const { return url_; }
+    void SetURL(const std::string& url);
+
+    /// Full path of the file; what stands there is replaced once the connection is made.
+    [[nodiscard]] const std::string& Destination() const { return destination_; }
+    void SetDestination(const std::string& destination);
+
+    /// Redirects are followed unless this is set.
+    [[nodiscard]] bool DisableRedirection() const { return disableRedirection_; }
+    void SetDisableRedirection(bool disable) { disableRedirection_ = disable; }
+
+    /// Size of the file in bytes as announced (the greatest 32-bit value when it is larger), or 0.
+    [[nodiscard]] std::int32_t FileSize() const { return fileSize_; }
+
+    /// Starts the download, ending one that runs. What is given replaces the property.
+    void Download(const std::optional<std::string>& url = {},
+                  const std::optional<std::string>& destination = {});
+
+    /// Ends the download without an event. The file stays as far as it was written.
+    void Cancel();
+
+private:
+    struct Transfer;
+
+    void OnConnect() override;
+    void OnDataArrival(std::int32_t bytesTotal) override;
+    void OnCloseSck() override;
+    void OnError(const SocketErrorInfo& error, bool& cancelDisplay) override;
+
+    void Fail(std::int32_t number, const std::string& description);
+    bool OpenDestination();
+    void CollectHeader();
+    void OnHeader(const std::string& header);
+    void DeliverBody();
+    bool AppendToFile(std::string_view bytes);
+
+    DownloadEvents& owner_;
+    std::string proxy_;
+    std::string url_;
+    std::string destination_;
+    std::int32_t proxyPort_ = 0;
+    std::int32_t accessType_ = 0;
+    std::int32_t fileSize_ = 0;
+    bool disableRedirection_ = false;
+
+    /// What exists only while a download runs. After an event a weak pointer to it tells whether
+    /// the handler has ended, replaced or destroyed this download.
+    std::shared_ptr<Transfer> transfer_;
+};
+
+} // namespace vesk

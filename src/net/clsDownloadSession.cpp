@@ -1,0 +1,71 @@
+#include "net/clsDownloadSession.h"
+
+#include "archive/clsCRC.h"
+#include "base/Trace.h"
+
+#include <windows.h>
+
+namespace vesk {
+
+clsDownloadSession::clsDownloadSession(DownloadSessionEvents& owner, const std::string& urls,
+                                       const std::string& destination, const std::string& crc,
+                                       const ProxySettings& proxy)
+    : owner_(owner), decisions_(urls), destination_(destination), crc_(crc), objDownload_(*this) {
+    objDownload_.SetAccessType(proxy.accessType);
+    objDownload_.SetProxy(proxy.proxy);
+    objDownload_.SetProxyPort(proxy.proxyPort);
+}
+
+void clsDownloadSession::Start() {
+    rate_.Add(0, GetTickCount());
+    objDownload_.Download(decisions_.Url(), destination_);
+}
+
+void clsDownloadSession::Cancel() {
+    objDownload_.Cancel();
+    decisions_.OnCancelled();
+    finished_ = true;
+}
+
+DownloadResult clsDownloadSession::Result() const {
+    return decisions_.Result(crc_, [this] {
+        clsCRC checksum;
+        checksum.SetAlgorithm(true);
+        return checksum.CalculateFile(destination_);
+    });
+}
+
+void clsDownloadSession::OnStarting(std::int32_t fileSize, const std::string& header) {
+    decisions_.OnStarting(fileSize, header);
+}
+
+void clsDownloadSession::OnDataArrival(std::int32_t bytesTotal) {
+    received_ += bytesTotal;
+    rate_.Add(received_, GetTickCount());
+    DownloadProgress progress;
+    progress.received = received_;
+    progress.fileSize = objDownload_.FileSize();
+    progress.bytesPerSecond = rate_.BytesPerSecond();
+    progress.secondsLeft = rate_.SecondsLeft(progress.fileSize).value_or(-1);
+    owner_.OnProgress(progress);
+}
+
+void clsDownloadSession::OnError(std::int32_t number, const std::string& description) {
+    Trace("download failed with " + std::to_string(number) + ": " + description);
+    if (decisions_.OnError(number))
+        objDownload_.Download(decisions_.Url(), destination_);
+    else
+        Finish();
+}
+
+void clsDownloadSession::OnCompleted() {
+    Finish();
+}
+
+void clsDownloadSession::Finish() {
+    objDownload_.Cancel();
+    finished_ = true;
+    owner_.OnFinished();
+}
+
+} // namespace vesk

@@ -1,0 +1,82 @@
+#pragma once
+
+#include "net/DownloadDecisions.h"
+#include "net/TransferRate.h"
+#include "net/clsDownload.h"
+
+#include <memory>
+#include <string>
+
+namespace vesk {
+
+/// The way to the servers.
+struct ProxySettings {
+    std::int32_t accessType = 0; ///< See AccessType.
+    std::string proxy;
+    std::int32_t proxyPort = 0;
+};
+
+/// What there is to show of a running download.
+struct DownloadProgress {
+    double received = 0;           ///< Bytes, of all addresses tried.
+    std::int32_t fileSize = 0;     ///< Bytes announced; 0 when unknown: then nothing can be shown.
+    double bytesPerSecond = 0;     ///< 0 while it cannot be told.
+    std::int64_t secondsLeft = -1; ///< -1 while it cannot be told.
+};
+
+/// Whoever shows a download.
+class DownloadSessionEvents {
+public:
+    virtual ~DownloadSessionEvents() = default;
+
+    virtual void OnProgress(const DownloadProgress& progress) = 0;
+
+    /// The download is over (not after Cancel): stop waiting and ask for the Result.
+    virtual void OnFinished() = 0;
+};
+
+/// The download of one archive as dialog and console run it: it tries further addresses on certain
+/// errors, judges the answer and checks the finished file. The owner keeps the thread's messages
+/// running until OnFinished or its own Cancel, and then asks for the result.
+class clsDownloadSession : private DownloadEvents {
+public:
+    /// @param owner must outlive the session
+    /// @param urls one address, or several parted by ","
+    /// @param destination full path of the file
+    /// @param crc expected CRC-32 text, to match exactly, or empty for any file
+    clsDownloadSession(DownloadSessionEvents& owner, const std::string& urls,
+                       const std::string& destination, const std::string& crc,
+                       const ProxySettings& proxy = {});
+
+    /// Starts with the first address. OnFinished may come before it returns.
+    void Start();
+
+    /// Ends the download; the user has confirmed it. No event follows.
+    void Cancel();
+
+    /// True once nothing more is going to happen.
+    [[nodiscard]] bool Finished() const { return finished_; }
+
+    /// What became of it; reads the whole file where its checksum decides, so let pending events
+    /// run first. Cancelled whatever else happened, once Cancel was called.
+    [[nodiscard]] DownloadResult Result() const;
+
+private:
+    void OnStarting(std::int32_t fileSize, const std::string& header) override;
+    void OnDataArrival(std::int32_t bytesTotal) override;
+    void OnError(std::int32_t number, const std::string& description) override;
+    void OnCompleted() override;
+
+    void Finish();
+
+    DownloadSessionEvents& owner_;
+    DownloadDecisions decisions_;
+    std::string destination_;
+    std::string crc_;
+    double received_ = 0;
+    TransferRate rate_;
+    bool finished_ = false;
+    clsDownload objDownload_;
+};
+
+} // namespace vesk

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+/// What the download dialog shows of a running download.
+namespace vesk {
+
+/// Puts the separators of the user's locale between the digits of a whole number.
+using DigitGrouping = std::function<std::string(const std::string& digits)>;
+
+/// Title of the dialog before the first data arrive.
+inline constexpr const char* kDownloadCaption = "Downloading";
+
+/// Width of the full bar in twips.
+inline constexpr double kFullBarWidth = 3885;
+
+/// "Bytes" below 999, "Kb" below 999999, "Mb" from there on. The odd limits are meant.
+std::string DownloadUnit(double count);
+
+/// Title with the bytes received and the file's size, for example "Downloading - 1,234 Mb of 5,678
+/// Mb": both always in thousands, whatever their unit says.
+std::string DownloadCaption(double received, std::int32_t fileSize, const DigitGrouping& group);
+
+/// Whole percents received, with a leading space: " 45%". @param fileSize at least 1
+std::string PercentText(double received, std::int32_t fileSize);
+
+/// Width of the bar in twips for a PercentText.
+double BarWidth(const std::string& percentText);
+
+} // namespace vesk

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <winsock2.h>
+
+#include <cstdint>
+#include <string>
+
+/// Internet addresses, as 32 bits in network order; INADDR_NONE stands for "none".
+namespace vesk {
+
+sockaddr_in EndPoint(std::uint32_t address, std::uint16_t port);
+
+/// "127.0.0.1" and the like; empty for none.
+std::string AddressText(std::uint32_t address);
+
+/// The address that a dotted text stands for; none for any other text.
+std::uint32_t DottedAddress(const std::string& text);
+
+/// First address of a host entry; none when it has none of this kind, or is null.
+std::uint32_t FirstAddressOf(const hostent* host);
+
+} // namespace vesk

@@ -1,0 +1,97 @@
+#include "net/DownloadDecisions.h"
+
+#include <doctest/doctest.h>
+
+using namespace vesk;
+
+namespace {
+
+const std::string kGood = "HTTP/1.1 200 OK\r\n\r\n";
+
+DownloadResult ResultOf(const DownloadDecisions& decisions, const std::string& crc) {
+    return decisions.Result(crc, [] { return std::string("12AB"); });
+}
+
+} // namespace
+
+TEST_CASE("only an HTTP/1.1 200 OK with a length counts, and the checksum text decides") {
+    struct Row {
+        const char* header;
+        std::int32_t size;
+        const char* crc;
+        DownloadResult result;
+    };
+    for (const Row& row : {Row{"HTTP/1.1 200 OK\r\n\r\n", 1, "12AB", DownloadResult::Done},
+                           Row{"HTTP/1.1 200 OK\r\n\r\n", 1, "12ab", DownloadResult::CrcDiffers},
+                           Row{"HTTP/1.1 200 OK\r\n\r\n", 1, "", DownloadResult::Done},
+                           Row{"HTTP/1.1 200 OK\r\n\r\n", 0, "12AB", DownloadResult::Failed},
+                           Row{"HTTP/1.0 200 OK\r\n\r\n", 1, "12AB", DownloadResult::Failed},
+                           Row{"HTTP/1.1 200 Ok\r\n\r\n", 1, "", DownloadResult::Failed},
+                           Row{"X: HTTP/1.1 200 OK\r\n\r\n", 1, "", DownloadResult::Done},
+                           Row{"", 7, "12AB", DownloadResult::Failed}}) {
+        CAPTURE(row.header);
+        CAPTURE(row.crc);
+        DownloadDecisions decisions("a");
+        decisions.OnStarting(row.size, row.header);
+        CHECK(ResultOf(decisions, row.crc) == row.result);
+        decisions.OnCancelled();
+        CHECK(ResultOf(decisions, row.crc) == DownloadResult::Cancelled);
+    }
+}
+
+TEST_CASE("a checksum is computed only where it decides") {
+    DownloadDecisions decisions("a");
+    const auto fail = [] {
+        FAIL("asked for the checksum");
+        return std::string();
+    };
+    CHECK(decisions.Result("12AB", fail) == DownloadResult::Failed);
+    decisions.OnStarting(1, kGood);
+    CHECK(decisions.Result("", fail) == DownloadResult::Done);
+    decisions.OnCancelled();
+    CHECK(decisions.Result("12AB", fail) == DownloadResult::Cancelled);
+}
+
+TEST_CASE("the next address is tried after three kinds of error, and never the second of two") {
+    struct Row {
+        const char* urls;
+        std::int32_t number;
+        const char* next; ///< null when it is over
+    };
+    for (const Row& row :
+         {Row{"a", 404, nullptr}, Row{"a,b", 404, nullptr}, Row{" a , b ,c", 404, "b"},
+          Row{"a,b,c", 10060, "b"}, Row{"a,b,c", 11004, "b"}, Row{"a,,c", 11004, ""},
+          Row{"a,b,c", 401, nullptr}, Row{"a,b,c", 403, nullptr}, Row{"a,b,c", 10061, nullptr},
+          Row{"a,b,c", 11001, nullptr}, Row{"", 404, nullptr}}) {
+        CAPTURE(row.urls);
+        CAPTURE(row.number);
+        DownloadDecisions decisions(row.urls);
+        const std::string first = decisions.Url();
+        CHECK(first == (*row.urls == '\0' ? "" : "a"));
+        CHECK(decisions.OnError(row.number) == (row.next != nullptr));
+        CHECK(decisions.Url() == (row.next != nullptr ? row.next : first));
+    }
+    DownloadDecisions walk("a,b,c");
+    CHECK(walk.OnError(404));
+    CHECK(walk.OnError(10060));
+    CHECK(walk.Url() == "c");
+    CHECK_FALSE(walk.OnError(404));
+}
+
+TEST_CASE("an answer that counted stands after errors that are no answer") {
+    for (const auto& [number, result] : {std::pair{10054, DownloadResult::Done},
+                                         {404, DownloadResult::Failed},
+                                         {401, DownloadResult::Failed},
+                                         {403, DownloadResult::Failed},
+                                         {10060, DownloadResult::Done}}) {
+        CAPTURE(number);
+        DownloadDecisions decisions("a");
+        decisions.OnStarting(5, kGood);
+        CHECK_FALSE(decisions.OnError(number));
+        CHECK(ResultOf(decisions, "12AB") == result);
+    }
+    DownloadDecisions mirrors("a,b,c");
+    mirrors.OnStarting(5, kGood);
+    CHECK(mirrors.OnError(10060));
+    CHECK(ResultOf(mirrors, "") == DownloadResult::Failed);
+}

@@ -1,0 +1,412 @@
+#include "net/clsSocketMaster.h"
+
+#include "base/Failure.h"
+#include "net/MessagePump.h"
+#include "net/modSocketMaster.h"
+
+#include <doctest/doctest.h>
+
+#include <functional>
+#include <vector>
+
+using namespace vesk;
+using vesk::test::PumpFor;
+using vesk::test::PumpUntil;
+
+namespace {
+
+const std::string kLocal = "127.0.0.1";
+
+/// A socket object whose events are counted; each can be given something to do.
+struct Peer : SocketEvents {
+    std::unique_ptr<clsSocketMaster> socket = std::make_unique<clsSocketMaster>(*this);
+    std::string log, received;
+    SocketErrorInfo error;
+    std::int32_t arrived = 0;
+    bool takeData = true;
+    std::function<void(char event)> react;
+    Peer* acceptor = nullptr;
+
+    void Note(char event) {
+        log += event;
+        if (react)
+            react(event);
+    }
+    void OnConnect() override { Note('c'); }
+    void OnCloseSck() override { Note('x'); }
+    void OnSendComplete() override { Note('s'); }
+    void OnSendProgress(std::int32_t, std::int32_t) override { Note('p'); }
+    void OnError(const SocketErrorInfo& info, bool& cancelDisplay) override {
+        CHECK(cancelDisplay);
+        error = info;
+        Note('e');
+    }
+    void OnConnectionRequest(std::uintptr_t request) override {
+        if (acceptor != nullptr)
+            acceptor->socket->Accept(request);
+        Note('r');
+    }
+    void OnDataArrival(std::int32_t bytesTotal) override {
+        arrived += bytesTotal;
+        if (takeData) {
+            SocketValue data;
+            socket->GetData(data);
+            received += std::get<std::string>(data);
+        }
+        Note('d');
+    }
+    [[nodiscard]] bool Saw(char event) const { return log.find(event) != std::string::npos; }
+    [[nodiscard]] bool Is(SocketState state) const { return socket && socket->State() == state; }
+};
+
+/// Two connected peers over the loopback, and the one that listened.
+struct Pair {
+    Peer listener, server, client;
+
+    Pair() {
+        listener.acceptor = &server;
+        listener.socket->Listen();
+        client.socket->Connect(kLocal, listener.socket->LocalPort());
+        REQUIRE(PumpUntil([&] {
+            return client.Is(SocketState::sckConnected) && server.Is(SocketState::sckConnected);
+        }));
+    }
+};
+
+struct CheckNothingLeft {
+    ~CheckNothingLeft() {
+        const SocketCounts counts = CountSockets();
+        CHECK(counts.objects == 0);
+        CHECK(counts.sockets == 0);
+        CHECK(counts.accepted == 0);
+        CHECK(counts.lookups == 0);
+        CHECK(counts.window == nullptr);
+    }
+};
+
+std::string FailureText(const std::function<void()>& action) {
+    try {
+        action();
+    } catch (const Failure& failure) {
+        return std::to_string(failure.number) + " " + failure.source + ": " + failure.what();
+    }
+    return "held";
+}
+
+} // namespace
+
+TEST_CASE("connect, talk both ways, close: states, events, properties") {
+    const CheckNothingLeft after;
+    Pair pair;
+    CHECK(pair.client.log == "c");
+    CHECK(pair.client.socket->RemoteHostIP() == kLocal);
+    CHECK(pair.server.socket->RemoteHostIP() == kLocal);
+    CHECK(pair.server.socket->RemotePort() == pair.client.socket->LocalPort());
+    CHECK(pair.client.socket->LocalPort() != 0);
+    CHECK_FALSE(pair.client.socket->LocalHostName().empty());
+    CHECK_FALSE(pair.client.socket->LocalIP().empty());
+    CHECK(FindWindowExA(HWND_MESSAGE, nullptr, "STATIC", "SOCKET_WINDOW") == CountSockets().window);
+
+    const std::string bytes("ping\0\xFF", 6);
+    pair.client.socket->SendData(SocketBytes(bytes.begin(), bytes.end()));
+    CHECK(pair.client.log == "cps");
+    REQUIRE(PumpUntil([&] { return pair.server.received.size() == 6; }));
+    CHECK(pair.server.received == bytes);
+
+    pair.server.socket->CloseSck();
+    CHECK(pair.server.Is(SocketState::sckClosed));
+    REQUIRE(PumpUntil([&] { return pair.client.Saw('x'); }));
+    CHECK(pair.client.Is(SocketState::sckClosing));
+    CHECK_FALSE(pair.server.Saw('x'));
+    pair.client.socket->CloseSck();
+    pair.client.socket->Connect(kLocal, pair.listener.socket->LocalPort());
+    CHECK(PumpUntil([&] { return pair.client.Is(SocketState::sckConnected); }));
+}
+
+TEST_CASE("received bytes wait, can be looked at, cut and converted") {
+    const CheckNothingLeft after;
+    Pair pair;
+    pair.server.takeData = false;
+    pair.client.socket->SendData(std::string("\x05\x00\x00\x00tail", 8));
+    REQUIRE(PumpUntil([&] { return pair.server.arrived == 8; }));
+    clsSocketMaster& socket = *pair.server.socket;
+    SocketValue data;
+    CHECK(socket.BytesReceived() == 8);
+    socket.PeekData(data, VarType::Long);
+    CHECK(std::get<std::int32_t>(data) == 5);
+    socket.GetData(data, VarType::ByteArray, 4);
+    CHECK(std::get<SocketBytes>(data) == SocketBytes{5, 0, 0, 0});
+    socket.PeekData(data, VarType::String, std::string("2"));
+    CHECK(std::get<std::string>(data) == "ta");
+    CHECK(FailureText([&] { socket.GetData(data, VarType::String, 0); }) ==
+          "40014 clsSocketMaster.GetData: The argument passed to a function was not in the correct "
+          "format or in the specified range.");
+    socket.GetData(data);
+    CHECK(std::get<std::string>(data) == "tail");
+    CHECK(socket.BytesReceived() == 0);
+}
+
+TEST_CASE("what must not be done is refused with number, source and text, and changes nothing") {
+    const CheckNothingLeft after;
+    Pair pair;
+    Peer closed;
+    SocketValue data;
+    const std::string wrongState =
+        ": Wrong protocol or connection state for the requested transaction or request";
+    const std::string badArgument = ": The argument passed to a function was not in the correct "
+                                    "format or in the specified range.";
+    const std::string invalidState = ": Invalid operation at current state";
+    clsSocketMaster& busy = *pair.client.socket;
+    clsSocketMaster& idle = *closed.socket;
+    struct Row {
+        const char* start;
+        std::string text;
+        std::function<void()> action;
+    };
+    for (const Row& row : std::vector<Row>{
+             {"40020 clsSocketMaster.Connect", invalidState, [&] { busy.Connect("x", 1); }},
+             {"40020 clsSocketMaster.Bind", invalidState, [&] { busy.Bind(0); }},
+             {"40020 clsSocketMaster.Listen", invalidState, [&] { busy.Listen(); }},
+             {"40020 clsSocketMaster.Accept", invalidState, [&] { busy.Accept(1); }},
+             {"40020 clsSocketMaster.Protocol", invalidState,
+              [&] { busy.SetProtocol(SocketProtocol::UDP); }},
+             {"40006 clsSocketMaster.Accept", wrongState, [&] { idle.Accept(12345); }},
+             {"40006 clsSocketMaster.SendData", wrongState, [&] { idle.SendData("x"); }},
+             {"40006 clsSocketMaster.GetData", wrongState, [&] { idle.GetData(data); }},
+             {"40006 clsSocketMaster.PeekData", wrongState, [&] { idle.PeekData(data); }},
+             {"40014 clsSocketMaster.Connect", badArgument, [&] { idle.Connect("x", 65536); }},
+             {"40014 clsSocketMaster.RemotePort", badArgument, [&] { idle.SetRemotePort(-1); }},
+             {"40018 clsSocketMaster.Connect", ": Unsupported variant type.",
+              [&] { idle.Connect("x", SocketBytes{1}); }},
+             {"40018 clsSocketMaster.SendData", ": Unsupported variant type.",
+              [&] { busy.SendData(5); }},
+             {"40014 clsSocketMaster.Bind", badArgument, [&] { idle.Bind(std::string("p")); }},
+             {"40014 clsSocketMaster.Bind", ": Invalid argument", [&] { idle.Bind(0, "host"); }},
+             {"40014 clsSocketMaster.Bind", ": Invalid argument", [&] { idle.Bind(0, "8.8.8.8"); }},
+             {"10048 clsSocketMaster.Bind", ": Address already in use.",
+              [&] { idle.Bind(pair.listener.socket->LocalPort()); }}}) {
+        CAPTURE(row.start);
+        CHECK(FailureText(row.action) == row.start + row.text);
+        CHECK(busy.State() == SocketState::sckConnected);
+        CHECK(idle.State() == SocketState::sckClosed);
+        CHECK(idle.RemoteHost().empty());
+    }
+    idle.SetProtocol(SocketProtocol::UDP);
+    CHECK(FailureText([&] { idle.Listen(); }) == "40020 clsSocketMaster.Listen" + invalidState);
+}
+
+TEST_CASE("failing to connect ends in the error state, and the object can be used again") {
+    const CheckNothingLeft after;
+    Peer peer;
+    std::int32_t freePort = 0;
+    {
+        Peer probe;
+        probe.socket->Bind(0, kLocal);
+        freePort = probe.socket->LocalPort();
+    }
+    struct Row {
+        std::string host;
+        std::int32_t number;
+        const char* text;
+    };
+    for (const Row& row :
+         {Row{kLocal, 10061, "Connection refused."},
+          Row{"no-such-host.invalid", 11001, "Host not found."}, Row{"", 11001, "Host not found."},
+          Row{std::string(300, 'a'), 11001, "Host not found."}}) {
+        CAPTURE(row.host);
+        peer.log.clear();
+        peer.socket->Connect(row.host, freePort);
+        REQUIRE(PumpUntil([&] { return peer.Saw('e'); }));
+        CHECK(peer.error.number == row.number);
+        CHECK(peer.error.description == row.text);
+        CHECK(peer.Is(SocketState::sckError));
+        peer.socket->CloseSck();
+        CHECK(peer.log == "e");
+    }
+    Peer listener;
+    Peer server;
+    listener.acceptor = &server;
+    listener.socket->Listen();
+    peer.socket->Connect("localhost", listener.socket->LocalPort());
+    CHECK(peer.Is(SocketState::sckResolvingHost));
+    CHECK(PumpUntil([&] { return peer.Is(SocketState::sckConnected); }));
+}
+
+TEST_CASE("a look-up given up answers nobody") {
+    const CheckNothingLeft after;
+    Peer keepsWindow;
+    keepsWindow.socket->Listen();
+    Peer peer;
+    peer.socket->Connect("localhost", 1);
+    peer.socket->CloseSck();
+    CHECK(CountSockets().lookups == 0);
+    PumpFor(200);
+    CHECK(peer.log.empty());
+    {
+        Peer gone;
+        gone.socket->Connect("no-such-host.invalid", 1);
+    }
+    PumpFor(200);
+    peer.socket->Connect("localhost", 1); // with the window gone as well
+    keepsWindow.socket->CloseSck();
+    peer.socket->CloseSck();
+    PumpFor(200);
+    CHECK(peer.log.empty());
+}
+
+TEST_CASE("more than the system takes goes out in pieces, and nothing is lost at the close") {
+    const CheckNothingLeft after;
+    Pair pair;
+    std::string big(9'000'000, '\0');
+    for (std::size_t i = 0; i < big.size(); ++i)
+        big[i] = static_cast<char>(i * 7 / 3);
+    std::size_t completed = 0;
+    pair.server.react = [&](char event) {
+        completed += event == 's' ? 1 : 0;
+        if (event == 's')
+            pair.server.socket->CloseSck();
+    };
+    pair.server.socket->SendData(big);
+    REQUIRE(PumpUntil([&] { return pair.client.Saw('x'); }));
+    CHECK(pair.client.received == big);
+    CHECK(completed == 1);
+    CHECK(std::count(pair.server.log.begin(), pair.server.log.end(), 'p') > 1);
+}
+
+TEST_CASE("bytes sent from within a send event follow in order") {
+    const CheckNothingLeft after;
+    Pair pair;
+    int more = 3;
+    pair.client.react = [&](char event) {
+        if (event == 'p' && more-- > 0)
+            pair.client.socket->SendData(std::string(1, static_cast<char>('0' + more)));
+    };
+    pair.client.socket->SendData("a");
+    REQUIRE(PumpUntil([&] { return pair.server.received.size() == 4; }));
+    CHECK(pair.server.received == "a210");
+    CHECK(std::count(pair.client.log.begin(), pair.client.log.end(), 's') == 1);
+}
+
+TEST_CASE("an unclaimed connection is closed") {
+    const CheckNothingLeft after;
+    Peer listener;
+    Peer client;
+    listener.socket->Listen();
+    client.socket->Connect(kLocal, listener.socket->LocalPort());
+    REQUIRE(PumpUntil([&] { return client.Saw('x'); }));
+    CHECK(listener.log == "r");
+    CHECK(CountSockets().accepted == 0);
+    CHECK(CountSockets().sockets == 2);
+}
+
+TEST_CASE("datagrams") {
+    const CheckNothingLeft after;
+    Peer left;
+    Peer right;
+    for (Peer* peer : {&left, &right})
+        peer->socket->SetProtocol(SocketProtocol::UDP);
+    right.socket->Bind(0, kLocal);
+    CHECK(right.Is(SocketState::sckOpen));
+    left.socket->Connect(kLocal, right.socket->LocalPort());
+    CHECK(left.Is(SocketState::sckOpen));
+    right.takeData = false;
+    left.socket->SendData("one");
+    left.socket->SendData("three");
+    CHECK(left.log == "psps");
+    REQUIRE(PumpUntil([&] { return right.arrived == 3; }));
+    CHECK(right.socket->BytesReceived() == 3);
+    SocketValue data;
+    right.socket->PeekData(data);
+    right.socket->GetData(data);
+    CHECK(std::get<std::string>(data) == "one");
+    REQUIRE(PumpUntil([&] { return right.arrived == 8; }));
+    right.socket->GetData(data, VarType::String, 2);
+    CHECK(std::get<std::string>(data) == "th");
+    CHECK(right.socket->BytesReceived() == 0);
+
+    right.socket->SetRemoteHost("localhost"); // back to the sender's port
+    right.socket->SendData("back");
+    REQUIRE(PumpUntil([&] { return left.received == "back"; }));
+    left.socket->SendData(std::string(70'000, 'x'));
+    CHECK(left.error.number == 10040);
+    CHECK(left.error.source == "clsSocketMaster.SendBufferedData");
+}
+
+TEST_CASE("in every event the handler may close, reconnect or destroy its socket") {
+    const CheckNothingLeft after;
+    for (const char event : {'c', 'd', 'x', 'e', 'p', 's', 'r'}) {
+        for (const int action : {0, 1, 2}) {
+            CAPTURE(event);
+            CAPTURE(action);
+            Peer listener;
+            Peer server;
+            Peer client;
+            listener.acceptor = &server;
+            listener.socket->Listen();
+            const std::int32_t port = listener.socket->LocalPort();
+            Peer& subject = event == 'r' ? listener : client;
+            bool acted = false;
+            subject.react = [&](char happened) {
+                if (happened != event || acted)
+                    return;
+                acted = true;
+                if (action == 2)
+                    return subject.socket.reset();
+                subject.socket->CloseSck();
+                if (action == 1 && event == 'r')
+                    subject.socket->Listen();
+                else if (action == 1)
+                    subject.socket->Connect(kLocal, port);
+            };
+            client.socket->Connect(kLocal, event == 'e' ? 1 : port);
+            if (event != 'e') {
+                REQUIRE(PumpUntil([&] { return server.Is(SocketState::sckConnected); }));
+                PumpUntil([&] { return acted || client.Is(SocketState::sckConnected); });
+                if (client.Is(SocketState::sckConnected) && !acted)
+                    client.socket->SendData(std::string(100'000, 'u'));
+                if (!acted) {
+                    server.socket->SendData(std::string(700'000, 'd'));
+                    server.socket->CloseSck();
+                }
+            }
+            REQUIRE(PumpUntil([&] { return acted; }));
+            subject.react = nullptr;
+            const std::string before = subject.log;
+            PumpFor(20);
+            if (action != 1)
+                CHECK(subject.log == before);
+            else if (event != 'r')
+                CHECK(PumpUntil([&] { return subject.log.size() > before.size(); }));
+        }
+    }
+}
+
+TEST_CASE("a notification for a closed socket does not reach the next one with its number") {
+    const CheckNothingLeft after;
+    Pair pair;
+    const std::uintptr_t number = pair.client.socket->SocketHandle();
+    const LPARAM reset = WSAMAKESELECTREPLY(FD_CLOSE, WSAECONNRESET);
+    const HWND window = CountSockets().window;
+    PostMessageA(window, 2049, number, reset);
+    pair.client.socket->CloseSck();
+
+    std::vector<std::unique_ptr<Peer>> others;
+    Peer* successor = nullptr;
+    while (successor == nullptr && others.size() < 50) {
+        Peer& other = *others.emplace_back(std::make_unique<Peer>());
+        other.socket->Bind(0, kLocal);
+        if (other.socket->SocketHandle() == number)
+            successor = &other;
+    }
+    REQUIRE(successor != nullptr);
+    PumpFor(50);
+    CHECK(successor->log.empty());
+    CHECK(successor->Is(SocketState::sckClosed));
+
+    PostMessageA(window, 2049, number, reset); // and its own do reach it
+    REQUIRE(PumpUntil([&] { return successor->Saw('e'); }));
+    CHECK(successor->error.number == 10054);
+    CHECK(successor->error.description == "Connection reset by peer.");
+    CHECK(successor->error.source == "clsSocketMaster.PostSocket");
+    CHECK(successor->Is(SocketState::sckError));
+}
