@@ -77,7 +77,9 @@ class KeepLastError {
 public:
     KeepLastError() = default;
     KeepLastError(const KeepLastError&) = delete;
+    KeepLastError(KeepLastError&&) = delete;
     KeepLastError& operator=(const KeepLastError&) = delete;
+    KeepLastError& operator=(KeepLastError&&) = delete;
     ~KeepLastError() { SetLastError(error_); }
 
 private:

@@ -113,7 +113,7 @@ std::string Rendered(const StoredValue& value) {
 } // namespace
 
 std::optional<std::vector<std::string>> clsRegistry::EnumKeys(std::uint32_t root,
-                                                              const std::string& keyPath) const {
+                                                              const std::string& keyPath) {
     const RegistryKey key = OpenKey(root, keyPath, KEY_READ);
     if (!key)
         return std::nullopt;
@@ -121,8 +121,7 @@ std::optional<std::vector<std::string>> clsRegistry::EnumKeys(std::uint32_t root
 }
 
 void clsRegistry::EnumValues(std::uint32_t root, const std::string& keyPath,
-                             std::vector<std::string>& names,
-                             std::vector<std::string>& values) const {
+                             std::vector<std::string>& names, std::vector<std::string>& values) {
     names.clear();
     values.clear();
     const RegistryKey key = OpenKey(root, keyPath);
@@ -140,7 +139,7 @@ void clsRegistry::EnumValues(std::uint32_t root, const std::string& keyPath,
     }
 }
 
-void clsRegistry::GetFileTypes(std::vector<std::string>& list) const {
+void clsRegistry::GetFileTypes(std::vector<std::string>& list) {
     list.clear();
     for (const std::string& name : SubKeyNames(OpenKey(kClassesRoot, ""))) {
         if (name.starts_with('.'))
@@ -150,7 +149,7 @@ void clsRegistry::GetFileTypes(std::vector<std::string>& list) const {
 
 bool clsRegistry::SetKeyValue(std::uint32_t root, const std::string& keyPath,
                               const std::string& valueName, const RegistryData& data,
-                              std::uint32_t type) const {
+                              std::uint32_t type) {
     // Without a key the data is converted all the same, and only the write fails.
     const RegistryKey key = OpenKey(root, keyPath);
     const bool isWritten = type == kRegistryText || type == kRegistryBinary ||
@@ -165,28 +164,28 @@ bool clsRegistry::SetKeyValue(std::uint32_t root, const std::string& keyPath,
 }
 
 std::string clsRegistry::QueryValue(std::uint32_t root, const std::string& keyPath,
-                                    const std::string& valueName) const {
+                                    const std::string& valueName) {
     return Rendered(ReadValue(OpenKey(root, keyPath), valueName));
 }
 
 void clsRegistry::DeleteValue(std::uint32_t root, const std::string& keyPath,
-                              const std::string& valueName) const {
+                              const std::string& valueName) {
     RegDeleteValueA(OpenKey(root, keyPath).Get(), valueName.c_str());
 }
 
 void clsRegistry::DeleteKey(std::uint32_t root, const std::string& keyPath,
-                            const std::string& subKey) const {
+                            const std::string& subKey) {
     RegDeleteKeyA(OpenKey(root, keyPath).Get(), subKey.c_str());
 }
 
-void clsRegistry::CreateNewKey(std::uint32_t root, const std::string& keyPath) const {
+void clsRegistry::CreateNewKey(std::uint32_t root, const std::string& keyPath) {
     HKEY created = nullptr;
     if (RegCreateKeyExA(RootKey(root), keyPath.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
                         kAccess, nullptr, &created, nullptr) == ERROR_SUCCESS)
         RegistryKey{created}.Reset();
 }
 
-bool clsRegistry::IsPathEmpty(std::uint32_t root, const std::string& keyPath) const {
+bool clsRegistry::IsPathEmpty(std::uint32_t root, const std::string& keyPath) {
     std::vector<std::string> names;
     std::vector<std::string> values;
     EnumValues(root, keyPath, names, values);

@@ -16,16 +16,16 @@ namespace vesk {
 class clsRegistry {
 public:
     /// Names of the keys below a key; nothing when it cannot be opened.
-    [[nodiscard]] std::optional<std::vector<std::string>>
-    EnumKeys(std::uint32_t root, const std::string& keyPath) const;
+    [[nodiscard]] static std::optional<std::vector<std::string>>
+    EnumKeys(std::uint32_t root, const std::string& keyPath);
 
     /// Names and raw data of a key's values, up to the first that does not fit into 255 characters:
     /// there the enumeration ends. Both are cut at their first NUL.
-    void EnumValues(std::uint32_t root, const std::string& keyPath, std::vector<std::string>& names,
-                    std::vector<std::string>& values) const;
+    static void EnumValues(std::uint32_t root, const std::string& keyPath,
+                           std::vector<std::string>& names, std::vector<std::string>& values);
 
     /// The file name extensions that are registered, in upper case and without the dot.
-    void GetFileTypes(std::vector<std::string>& list) const;
+    static void GetFileTypes(std::vector<std::string>& list);
 
     /// Writes one value into a key that exists already. Types 1 (text), 3 (binary), 4 (number) and
     /// 7 (list of texts) are written, other types are not.
@@ -33,27 +33,29 @@ public:
     /// written
     /// @throws Failure when the data cannot be taken as that type
     // Type 3's result and the missing type 2 are relied on as they are.
-    bool SetKeyValue(std::uint32_t root, const std::string& keyPath, const std::string& valueName,
-                     const RegistryData& data, std::uint32_t type) const;
+    static bool SetKeyValue(std::uint32_t root, const std::string& keyPath,
+                            const std::string& valueName, const RegistryData& data,
+                            std::uint32_t type);
 
     /// One value as text, cut at its first NUL: a text as it is, an expandable one with its
     /// environment variables replaced, a number in decimal digits, a list as its first text,
     /// anything else as hexadecimal digits. Empty when there is no such value.
-    [[nodiscard]] std::string QueryValue(std::uint32_t root, const std::string& keyPath,
-                                         const std::string& valueName) const;
+    [[nodiscard]] static std::string QueryValue(std::uint32_t root, const std::string& keyPath,
+                                                const std::string& valueName);
 
     /// Deletes one value.
-    void DeleteValue(std::uint32_t root, const std::string& keyPath,
-                     const std::string& valueName) const;
+    static void DeleteValue(std::uint32_t root, const std::string& keyPath,
+                            const std::string& valueName);
 
     /// Deletes the key `subKey` below a key. One that has keys below it stays.
-    void DeleteKey(std::uint32_t root, const std::string& keyPath, const std::string& subKey) const;
+    static void DeleteKey(std::uint32_t root, const std::string& keyPath,
+                          const std::string& subKey);
 
     /// Creates a key with all missing levels above it; one that exists already is left as it is.
-    void CreateNewKey(std::uint32_t root, const std::string& keyPath) const;
+    static void CreateNewKey(std::uint32_t root, const std::string& keyPath);
 
     /// True when no value of the key has a name; the unnamed default value does not count.
-    [[nodiscard]] bool IsPathEmpty(std::uint32_t root, const std::string& keyPath) const;
+    [[nodiscard]] static bool IsPathEmpty(std::uint32_t root, const std::string& keyPath);
 };
 
 } // namespace vesk

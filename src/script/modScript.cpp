@@ -23,18 +23,17 @@ public:
             context_.addLogLine(line);
     }
     void CreateKey(std::uint32_t root, const std::string& key) override {
-        registry_.CreateNewKey(root, key);
+        clsRegistry::CreateNewKey(root, key);
     }
     void SetValue(std::uint32_t root, const std::string& key, const std::string& valueName,
                   const std::string& data, std::uint32_t type) override {
         // What the registry refuses does not end a script.
-        registry_.SetKeyValue(root, key, valueName, data, type);
+        clsRegistry::SetKeyValue(root, key, valueName, data, type);
     }
     void MakeFolder(const std::string& path) override { CreateFolder(path); }
 
 private:
     const ScriptContext& context_;
-    clsRegistry registry_;
 };
 
 std::vector<std::string> LinesOfExistingFile(const std::string& path) {

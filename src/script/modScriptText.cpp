@@ -165,7 +165,7 @@ ScriptBody FindScriptBody(const std::vector<std::string>& lines, const std::stri
 }
 
 std::string ExpandScriptVariables(const std::string& argument, const ScriptVariables& variables) {
-    const std::string text = Unquoted(argument);
+    std::string text = Unquoted(argument);
     const std::size_t percent = text.find('%', 1);
     const std::string prefix = percent == std::string::npos ? "" : text.substr(0, percent + 1);
     if (prefix == "%ProgramPath%")

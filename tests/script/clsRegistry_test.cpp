@@ -38,66 +38,64 @@ std::uintptr_t NextHandle() {
 
 TEST_CASE("each type is stored as it is stored, and told as it is told") {
     const RegistryTestKey key;
-    const clsRegistry registry;
     const RegistryData list = Texts{"a", "b"};
-    CHECK(registry.SetKeyValue(kUser, kTestKey, "text", "some text", 1));
-    CHECK(registry.SetKeyValue(kUser, kTestKey, "number", "16", 4));
-    CHECK(registry.SetKeyValue(kUser, kTestKey, "list", list, 7));
-    CHECK_FALSE(registry.SetKeyValue(kUser, kTestKey, "binary", "31", 3)); // written all the same
+    CHECK(clsRegistry::SetKeyValue(kUser, kTestKey, "text", "some text", 1));
+    CHECK(clsRegistry::SetKeyValue(kUser, kTestKey, "number", "16", 4));
+    CHECK(clsRegistry::SetKeyValue(kUser, kTestKey, "list", list, 7));
+    CHECK_FALSE(
+        clsRegistry::SetKeyValue(kUser, kTestKey, "binary", "31", 3)); // written all the same
     for (const std::uint32_t type : {0u, 2u, 5u, 6u, 8u})
-        CHECK_FALSE(registry.SetKeyValue(kUser, kTestKey, "text", "other", type));
+        CHECK_FALSE(clsRegistry::SetKeyValue(kUser, kTestKey, "text", "other", type));
 
     const std::string told = RegQuery();
     CAPTURE(told);
     for (const char* line : {" text REG_SZ some text\n", " number REG_DWORD 0x10\n",
                              " list REG_MULTI_SZ a", " binary REG_BINARY 3100\n"})
         CHECK(told.find(line) != std::string::npos);
-    CHECK(registry.QueryValue(kUser, kTestKey, "text") == "some text");
-    CHECK(registry.QueryValue(kUser, kTestKey, "number") == "16");
-    CHECK(registry.QueryValue(kUser, kTestKey, "binary") == "3100");
-    CHECK(registry.QueryValue(kUser, kTestKey, "list") == "a");
-    CHECK(registry.QueryValue(kUser, kTestKey, "none").empty());
+    CHECK(clsRegistry::QueryValue(kUser, kTestKey, "text") == "some text");
+    CHECK(clsRegistry::QueryValue(kUser, kTestKey, "number") == "16");
+    CHECK(clsRegistry::QueryValue(kUser, kTestKey, "binary") == "3100");
+    CHECK(clsRegistry::QueryValue(kUser, kTestKey, "list") == "a");
+    CHECK(clsRegistry::QueryValue(kUser, kTestKey, "none").empty());
     CHECK(StoredBytes("list") == std::string("a\0b\0", 4)); // no second NUL
 
     constexpr std::string_view kVariable = "%SystemRoot%\\x";
     SHSetValueA(HKEY_CURRENT_USER, kTestKey, "expand", REG_EXPAND_SZ, kVariable.data(),
                 kVariable.size() + 1);
-    const std::string expanded = registry.QueryValue(kUser, kTestKey, "expand");
+    const std::string expanded = clsRegistry::QueryValue(kUser, kTestKey, "expand");
     CHECK(expanded.find('%') == std::string::npos);
     CHECK(expanded.ends_with("\\x"));
 }
 
 TEST_CASE("a key that is not there is not made, and the results say so") {
     const RegistryTestKey key;
-    const clsRegistry registry;
     for (const std::uint32_t root : {kUser, kDynamicData, 0u}) {
         CAPTURE(root);
-        CHECK_FALSE(registry.SetKeyValue(root, Below("none"), "n", "1", 1));
-        CHECK_FALSE(registry.SetKeyValue(root, Below("none"), "n", "1", 4));
-        CHECK(registry.SetKeyValue(root, Below("none"), "n", "1", 3));
-        CHECK_FALSE(registry.EnumKeys(root, Below("none")).has_value());
-        CHECK(registry.IsPathEmpty(root, Below("none")));
-        registry.DeleteValue(root, Below("none"), "n");
-        registry.DeleteKey(root, Below("none"), "n");
+        CHECK_FALSE(clsRegistry::SetKeyValue(root, Below("none"), "n", "1", 1));
+        CHECK_FALSE(clsRegistry::SetKeyValue(root, Below("none"), "n", "1", 4));
+        CHECK(clsRegistry::SetKeyValue(root, Below("none"), "n", "1", 3));
+        CHECK_FALSE(clsRegistry::EnumKeys(root, Below("none")).has_value());
+        CHECK(clsRegistry::IsPathEmpty(root, Below("none")));
+        clsRegistry::DeleteValue(root, Below("none"), "n");
+        clsRegistry::DeleteKey(root, Below("none"), "n");
     }
-    registry.CreateNewKey(kDynamicData, Below("none"));
+    clsRegistry::CreateNewKey(kDynamicData, Below("none"));
     CHECK(RegQuery().find("none") == std::string::npos);
 }
 
 TEST_CASE("keys are created level by level, listed and deleted") {
     const RegistryTestKey key;
-    const clsRegistry registry;
-    registry.CreateNewKey(kUser, Below("one\\two\\three"));
-    registry.SetKeyValue(kUser, Below("one"), "kept", "x", 1);
-    registry.CreateNewKey(kUser, Below("one"));
-    registry.CreateNewKey(kUser, Below("other"));
-    CHECK(registry.QueryValue(kUser, Below("one"), "kept") == "x");
-    auto names = registry.EnumKeys(kUser, kTestKey).value_or(Texts{});
+    clsRegistry::CreateNewKey(kUser, Below("one\\two\\three"));
+    clsRegistry::SetKeyValue(kUser, Below("one"), "kept", "x", 1);
+    clsRegistry::CreateNewKey(kUser, Below("one"));
+    clsRegistry::CreateNewKey(kUser, Below("other"));
+    CHECK(clsRegistry::QueryValue(kUser, Below("one"), "kept") == "x");
+    auto names = clsRegistry::EnumKeys(kUser, kTestKey).value_or(Texts{});
     std::ranges::sort(names);
     CHECK(names == Texts{"one", "other"});
-    registry.DeleteKey(kUser, kTestKey, "one"); // has keys below it
-    registry.DeleteKey(kUser, kTestKey, "other");
-    CHECK(registry.EnumKeys(kUser, kTestKey) == Texts{"one"});
+    clsRegistry::DeleteKey(kUser, kTestKey, "one"); // has keys below it
+    clsRegistry::DeleteKey(kUser, kTestKey, "other");
+    CHECK(clsRegistry::EnumKeys(kUser, kTestKey) == Texts{"one"});
     const std::string told = RegQuery();
     CAPTURE(told);
     CHECK(told.find("VeskBuilderTest\\one\\two\\three\n") != std::string::npos);
@@ -105,24 +103,23 @@ TEST_CASE("keys are created level by level, listed and deleted") {
 
 TEST_CASE("values are listed up to the first that is too long") {
     const RegistryTestKey key;
-    const clsRegistry registry;
     Texts names{"left over"};
     Texts values{"left over"};
-    registry.EnumValues(kUser, kTestKey, names, values);
+    clsRegistry::EnumValues(kUser, kTestKey, names, values);
     CHECK(names.empty());
     CHECK(values.empty());
-    registry.SetKeyValue(kUser, kTestKey, "", "default", 1);
-    CHECK(registry.IsPathEmpty(kUser, kTestKey));
-    registry.SetKeyValue(kUser, kTestKey, "n", "value", 1);
-    CHECK_FALSE(registry.IsPathEmpty(kUser, kTestKey));
-    registry.EnumValues(kUser, kTestKey, names, values);
+    clsRegistry::SetKeyValue(kUser, kTestKey, "", "default", 1);
+    CHECK(clsRegistry::IsPathEmpty(kUser, kTestKey));
+    clsRegistry::SetKeyValue(kUser, kTestKey, "n", "value", 1);
+    CHECK_FALSE(clsRegistry::IsPathEmpty(kUser, kTestKey));
+    clsRegistry::EnumValues(kUser, kTestKey, names, values);
     CHECK(names.size() == 2);
     const auto at = static_cast<std::size_t>(std::ranges::find(names, "n") - names.begin());
     CHECK(values.at(at) == "value");
-    registry.DeleteValue(kUser, kTestKey, "n");
-    registry.DeleteValue(kUser, kTestKey, "");
-    registry.SetKeyValue(kUser, kTestKey, "long", std::string(255, 'x'), 1);
-    registry.EnumValues(kUser, kTestKey, names, values);
+    clsRegistry::DeleteValue(kUser, kTestKey, "n");
+    clsRegistry::DeleteValue(kUser, kTestKey, "");
+    clsRegistry::SetKeyValue(kUser, kTestKey, "long", std::string(255, 'x'), 1);
+    clsRegistry::EnumValues(kUser, kTestKey, names, values);
     CHECK(names.empty());
 }
 
@@ -130,12 +127,14 @@ TEST_CASE("file types are the keys with a leading dot, in upper case") {
     struct Association {
         Association() { SHSetValueA(HKEY_CLASSES_ROOT, ".veskTest", nullptr, REG_SZ, "x", 2); }
         Association(const Association&) = delete;
+        Association(Association&&) = delete;
         Association& operator=(const Association&) = delete;
+        Association& operator=(Association&&) = delete;
         ~Association() { SHDeleteKeyA(HKEY_CLASSES_ROOT, ".veskTest"); }
     };
     const Association association;
     Texts list;
-    clsRegistry().GetFileTypes(list);
+    clsRegistry::GetFileTypes(list);
     CHECK(std::ranges::count(list, "VESKTEST") == 1);
     CHECK(std::ranges::count(list, "") == 0);
     CHECK(std::ranges::count(list, "CLSID") == 0);
@@ -143,18 +142,17 @@ TEST_CASE("file types are the keys with a leading dot, in upper case") {
 
 TEST_CASE("no operation keeps a key open, not even one that throws") {
     const RegistryTestKey key;
-    const clsRegistry registry;
     Texts names, values;
     const auto runAll = [&] {
-        CHECK_THROWS_AS(registry.SetKeyValue(kUser, kTestKey, "n", "no number", 4), Failure);
-        CHECK_THROWS_AS(registry.SetKeyValue(kUser, kTestKey, "n", "no list", 7), Failure);
-        registry.SetKeyValue(kUser, kTestKey, "n", "x", 1);
-        registry.CreateNewKey(kUser, Below("below"));
-        registry.EnumValues(kUser, kTestKey, names, values);
-        (void)registry.EnumKeys(kUser, kTestKey);
-        (void)registry.QueryValue(kUser, kTestKey, "n");
-        registry.DeleteKey(kUser, kTestKey, "below");
-        registry.DeleteValue(kUser, kTestKey, "n");
+        CHECK_THROWS_AS(clsRegistry::SetKeyValue(kUser, kTestKey, "n", "no number", 4), Failure);
+        CHECK_THROWS_AS(clsRegistry::SetKeyValue(kUser, kTestKey, "n", "no list", 7), Failure);
+        clsRegistry::SetKeyValue(kUser, kTestKey, "n", "x", 1);
+        clsRegistry::CreateNewKey(kUser, Below("below"));
+        clsRegistry::EnumValues(kUser, kTestKey, names, values);
+        (void)clsRegistry::EnumKeys(kUser, kTestKey);
+        (void)clsRegistry::QueryValue(kUser, kTestKey, "n");
+        clsRegistry::DeleteKey(kUser, kTestKey, "below");
+        clsRegistry::DeleteValue(kUser, kTestKey, "n");
     };
     runAll();
     const std::uintptr_t before = NextHandle();

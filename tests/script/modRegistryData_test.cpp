@@ -7,8 +7,12 @@
 using namespace vesk;
 
 TEST_CASE("texts as numbers") {
-    for (const auto& [text, expected] : {
-             std::pair<const char*, std::int32_t>{"16", 16},
+    struct Row {
+        const char* text;
+        std::int32_t expected;
+    };
+    for (const Row& row : {
+             Row{"16", 16},
              {" -7 ", -7},
              {"+7", 7},
              {"2.5", 2},
@@ -17,8 +21,8 @@ TEST_CASE("texts as numbers") {
              {"2147483647", 2147483647},
              {"-2147483648", -2147483647 - 1},
          }) {
-        CAPTURE(text);
-        CHECK(NumberOf(text) == expected);
+        CAPTURE(row.text);
+        CHECK(NumberOf(row.text) == row.expected);
     }
     for (const char* text : {"", " ", "x", "12a", "0x10", "inf", "nan", "+-1", "--1", "1 2",
                              "2147483648", "-2147483649", "1e999", "1e"}) {

@@ -56,7 +56,7 @@ TEST_CASE("lines end at CR LF, LF or CR") {
 
 TEST_CASE("which lines belong to a section") {
     struct BodyRow {
-        const char* script;
+        const char* script = "";
         ScriptBody expected;
     };
     for (const BodyRow& row : {
@@ -79,20 +79,24 @@ TEST_CASE("which lines belong to a section") {
 }
 
 TEST_CASE("variables stand at the very start of an argument") {
-    for (const auto& [argument, expected] : {
-             std::pair{"%ProgramPath%plugin", "C:\\treeplugin"},
-             {"  \"%ProgramPath%\\a\"%ProgramPath%b ", "C:\\tree\\ab"},
+    struct ArgumentRow {
+        const char* argument;
+        const char* expected;
+    };
+    for (const ArgumentRow& row : {
+             ArgumentRow{"%ProgramPath%plugin", "C:\\treeplugin"},
+             {R"(  "%ProgramPath%\a"%ProgramPath%b )", "C:\\tree\\ab"},
              {"%SourcePath%\\i386", "D:\\source"},
              {"x%ProgramPath%", "x%ProgramPath%"},
              {"%programpath%", "%programpath%"},
              {"%%ProgramPath%", "%%ProgramPath%"},
-             {"%\"Program\"Path%", "C:\\tree"},
-             {" \"a b\" ", "a b"},
+             {R"(%"Program"Path%)", "C:\\tree"},
+             {R"( "a b" )", "a b"},
              {"%", "%"},
              {"", ""},
          }) {
-        CAPTURE(argument);
-        CHECK(ExpandScriptVariables(argument, kVariables) == expected);
+        CAPTURE(row.argument);
+        CHECK(ExpandScriptVariables(row.argument, kVariables) == row.expected);
     }
 }
 
@@ -107,7 +111,7 @@ TEST_CASE("what a line does, and what ends a run") {
                  {"  Directory Create: x", "folder x"}},
              Row{"dirmake,a\n\ndirmake,b", {"  Directory Create: a", "folder a", kFails}},
              Row{"dirmake", {kFails}},
-             Row{"regwrite,HKCU,0x0,\" Software\\Demo \"",
+             Row{R"(regwrite,HKCU,0x0," Software\Demo ")",
                  {"  Registry Write: HKCU\\Software\\Demo", "key " + user + " Software\\Demo"}},
              Row{"regwrite,HKCU,0x0,K,name", {kFails}},
              Row{"regwrite,HKCU,0x0,K,name,data,more",
@@ -116,23 +120,23 @@ TEST_CASE("what a line does, and what ends a run") {
              Row{"regwrite,HKCU,0x1,K", {kFails}},
              Row{"regwrite,HKCU,0x1,K,name", {kFails}},
              Row{"regwrite", {kFails}},
-             Row{"regwrite,HKCU,0x4,K, \"Mode\" , 0x10 ",
-                 {"  Registry Write: HKCU\\K \"Mode\" = 0", "value " + user + " K Mode 0 4"}},
+             Row{R"(regwrite,HKCU,0x4,K, "Mode" , 0x10 )",
+                 {R"(  Registry Write: HKCU\K "Mode" = 0)", "value " + user + " K Mode 0 4"}},
              Row{"regwrite,HKCU,0x1,K,n,fXyz",
-                 {"  Registry Write: HKCU\\K \"n\" = z", "value " + user + " K n z 1"}},
-             Row{"regwrite,HKLM,0x3,K,n,a,\" %SourcePath%x\"",
-                 {"  Registry Write: HKLM\\K \"n\" = a,D:\\source",
+                 {R"(  Registry Write: HKCU\K "n" = z)", "value " + user + " K n z 1"}},
+             Row{R"(regwrite,HKLM,0x3,K,n,a," %SourcePath%x")",
+                 {R"(  Registry Write: HKLM\K "n" = a,D:\source)",
                   "value 2147483654 K n a,D:\\source 3"}}, // 0x80000006
              Row{"regwrite,HKCU,0x7,K,n,a,0x10",
-                 {"  Registry Write: HKCU\\K \"n\" = a,0x10", "value " + user + " K n a,0x10 7"}},
+                 {R"(  Registry Write: HKCU\K "n" = a,0x10)", "value " + user + " K n a,0x10 7"}},
              Row{"regwrite,HKCU,0x2,K,n,a,b,c",
-                 {"  Registry Write: HKCU\\K \"n\" = a", "value " + user + " K n a 2"}},
+                 {R"(  Registry Write: HKCU\K "n" = a)", "value " + user + " K n a 2"}},
              Row{"regwrite, HKCU,0x1,K,n,a",
-                 {"  Registry Write:  HKCU\\K \"n\" = a", "value 0 K n a 1"}},
+                 {R"(  Registry Write:  HKCU\K "n" = a)", "value 0 K n a 1"}},
              Row{"regwrite,HKCU,0x4,K,n,1\nregwrite,hklm, 0x1,K,n,2\nregwrite,,0x5,K,n,3",
-                 {"  Registry Write: HKCU\\K \"n\" = 1", "value " + user + " K n 1 4",
-                  "  Registry Write: hklm\\K \"n\" = 2", "value " + user + " K n 2 4",
-                  "  Registry Write: \\K \"n\" = 3", "value " + user + " K n 3 4"}},
+                 {R"(  Registry Write: HKCU\K "n" = 1)", "value " + user + " K n 1 4",
+                  R"(  Registry Write: hklm\K "n" = 2)", "value " + user + " K n 2 4",
+                  R"(  Registry Write: \K "n" = 3)", "value " + user + " K n 3 4"}},
              Row{"regwrite,HKCU,first,K", {"  Registry Write: HKCU\\K", "key " + user + " K"}},
          }) {
         CAPTURE(row.script);

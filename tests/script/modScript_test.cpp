@@ -94,7 +94,7 @@ TEST_CASE("the first failure ends a script and what was done before stays") {
         CHECK_FALSE(FolderExists(folder / "after"));
         RemoveFolder(folder / "before");
     }
-    CHECK(clsRegistry().IsPathEmpty(kUser, kTestKey));
+    CHECK(clsRegistry::IsPathEmpty(kUser, kTestKey));
     log.clear();
     CHECK_THROWS_AS(ProcessScript(folder / "none.script", "[base]", context), Failure);
     CHECK(log == Lines{"Processing script: " + (folder / "none.script")});
