@@ -16,6 +16,7 @@ namespace {
 constexpr DWORD kDoubleBuffer = 0x00010000; // LVS_EX_DOUBLEBUFFER
 constexpr UINT_PTR kSubclassId = 1;
 constexpr int kTitleMargin = 16; // pixels at 96 DPI on both sides of a column's title together
+constexpr int kTextMargin = 6;   // pixels at 96 DPI between a column's widest text and the next one
 constexpr int kTipWidth = 420;   // pixels at 96 DPI, for long addresses
 
 /// Holds a flag up for the length of a scope.
@@ -52,7 +53,8 @@ int FittingWidth(HWND list, int column) {
     const auto titleWidth = static_cast<int>(
         SendMessageA(list, LVM_GETSTRINGWIDTHA, 0, reinterpret_cast<LPARAM>(title.data())));
     ListView_SetColumnWidth(list, column, LVSCW_AUTOSIZE);
-    return std::max(titleWidth + ScalePixels(kTitleMargin), ListView_GetColumnWidth(list, column));
+    return std::max(titleWidth + ScalePixels(kTitleMargin),
+                    ListView_GetColumnWidth(list, column) + ScalePixels(kTextMargin));
 }
 
 } // namespace

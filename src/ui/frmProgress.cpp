@@ -4,6 +4,7 @@
 #include "net/modDownloadText.h"
 #include "net/modLocaleNumber.h"
 #include "ui/modWindow.h"
+#include "ui/modWizardText.h"
 #include "ui/resources/ids.h"
 
 #include <commctrl.h>
@@ -46,6 +47,7 @@ void frmProgress::OnProgress(const DownloadProgress& progress) {
     const std::string percent = PercentText(progress.received, progress.fileSize);
     SetText(Control(IDC_LBL_RATE), percent);
     SendMessageA(Control(IDC_SHP_PROGRESS), PBM_SETPOS, static_cast<WPARAM>(BarWidth(percent)), 0);
+    SetText(Control(IDC_LBL_DETAIL), RateText(progress.bytesPerSecond, progress.secondsLeft));
 }
 
 void frmProgress::OnFinished() {

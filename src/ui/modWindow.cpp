@@ -108,6 +108,11 @@ void RunPendingEvents() {
     }
 }
 
+void RestoreDefaultButton(HWND button, int defaultId) {
+    SendMessageA(button, BM_SETSTYLE, BS_PUSHBUTTON, TRUE);
+    SendMessageA(GetAncestor(button, GA_ROOT), DM_SETDEFID, static_cast<WPARAM>(defaultId), 0);
+}
+
 int ShowMessage(HWND owner, const std::string& text, const std::string& title, UINT style) {
     return MessageBoxA(owner, text.c_str(), title.c_str(), style);
 }

@@ -42,6 +42,11 @@ void DispatchForDialogs(MSG& message);
 /// loop.
 void RunPendingEvents();
 
+/// For a page within a dialog: takes the look of the default button off a button that loses the
+/// keyboard, and gives it back to the dialog's own default button. The system looks for both among
+/// the dialog's direct children only.
+void RestoreDefaultButton(HWND button, int defaultId);
+
 /// A message box. @return the button, IDOK ...
 int ShowMessage(HWND owner, const std::string& text, const std::string& title, UINT style);
 

@@ -3,6 +3,8 @@
 #include "base/modText.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdio>
 #include <vector>
 
 namespace vesk {
@@ -71,6 +73,22 @@ std::string EntryTip(const CatalogueEntry& entry, ArchivePlace state) {
     if (entry.lock)
         text += kLineEnd + std::string("This entry is locked: its tick cannot be changed.");
     return text;
+}
+
+std::string RateText(double bytesPerSecond, std::int64_t secondsLeft) {
+    if (bytesPerSecond < 1)
+        return {};
+    std::array<char, 32> rate{};
+    const bool mega = bytesPerSecond >= 999999;
+    std::snprintf(rate.data(), rate.size(), mega ? "%.1f Mb/s" : "%.0f Kb/s",
+                  bytesPerSecond / (mega ? 1e6 : 1e3));
+    if (secondsLeft < 0)
+        return rate.data();
+    constexpr std::int64_t kMinute = 60;
+    const bool minutes = secondsLeft >= 2 * kMinute;
+    const std::int64_t count = minutes ? (secondsLeft + kMinute / 2) / kMinute : secondsLeft;
+    return std::string(rate.data()) + ", " + std::to_string(count) +
+           (minutes ? " minute" : " second") + (count == 1 ? " left" : "s left");
 }
 
 std::string CategoryTitle(const Catalogue& catalogue, const CatalogueEntry& entry) {

@@ -2,6 +2,7 @@
 
 #include "catalogue/Catalogue.h"
 
+#include <cstdint>
 #include <string>
 
 /// The longer texts that the wizard's windows show, lines parted by CR LF.
@@ -33,6 +34,10 @@ std::string StateText(const CatalogueEntry& entry, ArchivePlace state);
 
 /// The tool tip of a line: archive, address, CRC and whether the archive is there.
 std::string EntryTip(const CatalogueEntry& entry, ArchivePlace state);
+
+/// Speed of a download and the time it still takes, each as far as known.
+/// @param secondsLeft negative while unknown
+std::string RateText(double bytesPerSecond, std::int64_t secondsLeft);
 
 /// Title of the category that an entry belongs to; its key when the catalogue does not know it.
 std::string CategoryTitle(const Catalogue& catalogue, const CatalogueEntry& entry);

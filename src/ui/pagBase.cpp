@@ -113,6 +113,11 @@ void pagBase::cmdScan_Click() {
 }
 
 INT_PTR pagBase::OnCommand(int id, int notification) {
+    const bool isField = id == IDC_TXT_PROG_PATH || id == IDC_TXT_WIN_PATH;
+    if (notification == EN_KILLFOCUS && isField)
+        CommitFields();
+    if (notification != BN_CLICKED)
+        return TRUE;
     switch (id) {
     case IDC_CMD_BASE_DETAILS:
         list_.OpenSelected();
@@ -125,11 +130,6 @@ INT_PTR pagBase::OnCommand(int id, int notification) {
         return TRUE;
     case IDC_CMD_SCAN:
         cmdScan_Click();
-        return TRUE;
-    case IDC_TXT_PROG_PATH:
-    case IDC_TXT_WIN_PATH:
-        if (notification == EN_KILLFOCUS)
-            CommitFields();
         return TRUE;
     default:
         return FALSE;
@@ -150,6 +150,8 @@ INT_PTR pagBase::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
         OnCreated();
         return FALSE;
     case WM_COMMAND:
+        if (HIWORD(wparam) == BN_KILLFOCUS)
+            RestoreDefaultButton(reinterpret_cast<HWND>(lparam), IDC_CMD_NEXT);
         return OnCommand(LOWORD(wparam), HIWORD(wparam));
     case WM_CTLCOLOREDIT:
         return OnColour(reinterpret_cast<HDC>(wparam), reinterpret_cast<HWND>(lparam));

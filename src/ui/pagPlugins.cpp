@@ -1,5 +1,6 @@
 #include "ui/pagPlugins.h"
 
+#include "ui/modWindow.h"
 #include "ui/resources/ids.h"
 
 namespace vesk {
@@ -15,7 +16,9 @@ INT_PTR pagPlugins::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
         list_.Attach(Control(IDC_LST_PLUGINS));
         return FALSE;
     case WM_COMMAND:
-        if (LOWORD(wparam) == IDC_CMD_PLUGIN_DETAILS)
+        if (HIWORD(wparam) == BN_KILLFOCUS)
+            RestoreDefaultButton(reinterpret_cast<HWND>(lparam), IDC_CMD_NEXT);
+        else if (wparam == MAKEWPARAM(IDC_CMD_PLUGIN_DETAILS, BN_CLICKED))
             list_.OpenSelected();
         return FALSE;
     case WM_NOTIFY: {
