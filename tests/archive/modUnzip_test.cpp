@@ -173,7 +173,7 @@ TEST_CASE("what stands in the way is named") {
     CHECK(std::ranges::count(problems, '\n') == 3);
     CHECK(problems.find("folder: a folder stands in its place") != std::string::npos);
     CHECK(problems.find("file/sub: a file stands on the way") != std::string::npos);
-    CHECK(problems.find("locked: cannot delete") != std::string::npos);
+    CHECK(problems.find("locked: cannot replace") != std::string::npos);
     CHECK(unzip.Read("fine") == "x");
 }
 

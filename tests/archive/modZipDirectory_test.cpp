@@ -211,6 +211,14 @@ TEST_CASE("which code page a name is in") {
           Row{0, 0, "\x84", "", NameEncoding::Oem, "\x84"},
           Row{10, 0, "\x84", "", NameEncoding::Oem, "\x84"},
           Row{3, 0, "\xE4", "", NameEncoding::Ansi, "\xE4"},
+          Row{3, 0, "\xC3\xA4", "", NameEncoding::Utf8, "\xC3\xA4"},
+          Row{3, 0, "\xE2\x82", "", NameEncoding::Ansi, "\xE2\x82"},
+          Row{3, 0,
+              "\xC3"
+              "a",
+              "", NameEncoding::Ansi,
+              "\xC3"
+              "a"},
           Row{3, 0x800, "\xC3\xA4", "", NameEncoding::Utf8, "\xC3\xA4"},
           Row{0, 0, "\x84", unicode("\x84", "\xC3\xA4"), NameEncoding::Utf8, "\xC3\xA4"},
           Row{0, 0, "\x84", unicode("other", "\xC3\xA4"), NameEncoding::Oem, "\x84"},
