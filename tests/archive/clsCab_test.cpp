@@ -2,6 +2,7 @@
 
 #include "TestFolder.h"
 #include "base/Failure.h"
+#include "base/UniqueHandle.h"
 #include "base/modText.h"
 
 #include <functional>
@@ -257,6 +258,19 @@ TEST_CASE("what cannot be read raises the system's number and a fixed text") {
     CHECK(FailureNumber([&] { cab.Extract(); }) != 0);
     cab.DestinationFolder = folder / std::string(240, 'x');
     CHECK_THROWS_WITH(cab.Extract(), "The file name is too long.");
+}
+
+TEST_CASE("a file in the way is written over, or stays as it is when it is in use") {
+    Fixture f(CabBytes(kThree));
+    const std::string path = f.folder.Write("out\\one.txt", "older and longer");
+    {
+        const FileHandle lock(
+            CreateFileA(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+        CHECK(FailureNumber([&] { f.cab.Extract(); }) != 0);
+    }
+    CHECK(f.Out("one.txt") == "older and longer");
+    f.cab.Extract();
+    CHECK(f.Out("one.txt") == "1");
 }
 
 TEST_CASE("names that lead elsewhere are left out, the rest is written") {
