@@ -166,8 +166,9 @@ class PeersTest(unittest.TestCase):
         target.mkdir()
         (target / "folder").symlink_to(outside)
         (target / "file").symlink_to(outside / "file")
+        (target / "dangling").symlink_to(outside / "nothing")
         with zipfile.ZipFile(self.archive, "w") as archive:
-            for name in ("folder/new", "folder/sub/new", "folder/file", "file", "fine/new"):
+            for name in ("folder/new", "folder/sub/new", "folder/file", "file", "dangling", "fine/new"):
                 archive.writestr(name, b"new")
         _, output = self.extract()
         self.assertEqual(output.count(": a link stands on the way to it"), 3, output)
