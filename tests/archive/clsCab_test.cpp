@@ -79,18 +79,21 @@ struct Recorder : CabEvents {
     std::vector<CabMember> found;
     std::function<void(const std::string& event, bool& cancel)> react;
 
-    void Note(const std::string& event, bool* cancel = nullptr) {
-        bool unused = false;
+    void Note(const std::string& event, bool& cancel) {
         events.push_back(event);
         if (react)
-            react(event, cancel == nullptr ? unused : *cancel);
+            react(event, cancel);
+    }
+    void Note(const std::string& event) {
+        bool unused = false;
+        Note(event, unused);
     }
     void OnFileFound(const CabMember& member) override {
         found.push_back(member);
         Note("found " + member.fullName);
     }
     void OnBeforeExtract(bool& cancel, const std::string& name) override {
-        Note("before " + name, &cancel);
+        Note("before " + name, cancel);
     }
     void OnAfterExtract(const std::string& targetPath) override {
         Note("after " + FileNameOf(targetPath));
