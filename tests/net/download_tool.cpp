@@ -19,6 +19,7 @@ struct Options {
     bool session = false;
     std::string crc;
     int times = 1;
+    bool timed = false; ///< Whether to say how long a download took.
     DWORD cancelAfter = 0;          ///< Milliseconds; 0: never.
     std::string actEvent;           ///< Event in which something is done,
     std::string actAction;          ///< and what: cancel, restart or destroy.
@@ -54,6 +55,7 @@ public:
     void Run() {
         over_ = false;
         bytes_ = 0;
+        const DWORD start = GetTickCount();
         download_->Download(options_.names.at(0), options_.names.at(1));
         const DWORD limit = options_.cancelAfter != 0 ? options_.cancelAfter : 60000;
         if (!test::PumpUntil([this] { return over_; }, limit)) {
@@ -62,6 +64,8 @@ public:
             test::PumpFor(50);
         }
         Say("Bytes " + std::to_string(bytes_));
+        if (options_.timed)
+            Say("Milliseconds " + std::to_string(GetTickCount() - start));
     }
 
 private:
@@ -145,6 +149,8 @@ Options Parse(int count, char** words) {
             options.noRedirect = true;
         } else if (word == "--times") {
             options.times = std::atoi(value().c_str());
+        } else if (word == "--timed") {
+            options.timed = true;
         } else if (word == "--cancel-after") {
             options.cancelAfter = static_cast<DWORD>(std::atoi(value().c_str()));
         } else if (word == "--act") {
