@@ -35,6 +35,20 @@ void ClearAttributes(const std::string& path) {
     SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_NORMAL);
 }
 
+/// Calls visit(full path, attributes) for everything in a folder.
+template <class Visitor>
+void ForEachEntry(const std::string& folder, Visitor&& visit) {
+    WIN32_FIND_DATAA entry{};
+    const FindHandle find(FindFirstFileA((folder + "\\*").c_str(), &entry));
+    if (!find)
+        return;
+    do {
+        const std::string name = entry.cFileName;
+        if (name != "." && name != "..")
+            visit(folder + "\\" + name, entry.dwFileAttributes);
+    } while (FindNextFileA(find.Get(), &entry) != FALSE);
+}
+
 /// Removes what one directory entry stands for and remembers the first failure.
 class TreeRemover {
 public:
@@ -55,19 +69,12 @@ public:
 
 private:
     void RemoveContents(const std::string& folder) {
-        WIN32_FIND_DATAA entry{};
-        const FindHandle find(FindFirstFileA((folder + "\\*").c_str(), &entry));
-        if (!find)
-            return;
-        do {
-            const std::string name = entry.cFileName;
-            if (name == "." || name == "..")
-                continue;
-            if (HasAttribute(entry.dwFileAttributes, FILE_ATTRIBUTE_DIRECTORY))
-                RemoveFolderTree(folder + "\\" + name);
+        ForEachEntry(folder, [&](const std::string& path, DWORD attributes) {
+            if (HasAttribute(attributes, FILE_ATTRIBUTE_DIRECTORY))
+                RemoveFolderTree(path);
             else
-                RemoveOneFile(folder + "\\" + name);
-        } while (FindNextFileA(find.Get(), &entry) != 0);
+                RemoveOneFile(path);
+        });
     }
 
     void RemoveOneFile(const std::string& path) {
@@ -143,6 +150,25 @@ bool FileExists(const std::string& path) {
 
 bool FolderExists(const std::string& path) {
     return HasAttribute(GetFileAttributesA(path.c_str()), FILE_ATTRIBUTE_DIRECTORY);
+}
+
+bool HasLinkBelow(const std::string& folder, const std::string& path) {
+    const std::size_t top = WithoutTrailingBackslash(folder).size();
+    for (std::string level = path; level.size() > top; level = ParentOf(level)) {
+        if (HasAttribute(GetFileAttributesA(level.c_str()), FILE_ATTRIBUTE_REPARSE_POINT))
+            return true;
+    }
+    return false;
+}
+
+bool HoldsLink(const std::string& folder) {
+    if (HasAttribute(GetFileAttributesA(folder.c_str()), FILE_ATTRIBUTE_REPARSE_POINT))
+        return true;
+    bool found = false;
+    ForEachEntry(folder, [&](const std::string& path, DWORD attributes) {
+        found = found || (HasAttribute(attributes, FILE_ATTRIBUTE_DIRECTORY) && HoldsLink(path));
+    });
+    return found;
 }
 
 void RemoveFile(const std::string& path) {

@@ -24,6 +24,15 @@ bool FileExists(const std::string& path);
 /// True when the path's attributes can be read and it is a folder.
 bool FolderExists(const std::string& path);
 
+/// True when something on the way from the folder (itself not looked at) down to the path (looked
+/// at) is there already and is a junction or symbolic link, or stands in for another place in any
+/// other way. The path must begin with the folder.
+bool HasLinkBelow(const std::string& folder, const std::string& path);
+
+/// True when the folder, or anything at any depth in it, is a junction or symbolic link to a
+/// folder.
+bool HoldsLink(const std::string& folder);
+
 /// Deletes one file, a read-only one too. Throws.
 void RemoveFile(const std::string& path);
 

@@ -42,7 +42,8 @@ public:
     /// True once the user asked for the run to end at its next step.
     virtual bool StopRequested() = 0;
 
-    /// The run is over; nothing more is asked. The log is saved right after this.
+    /// The run is over and nothing more is asked. The front end offers to finish, and saves the log
+    /// (SaveBuildLog): the text is its own.
     virtual void EnterFinishedState(BuildEnding ending) = 0;
 };
 

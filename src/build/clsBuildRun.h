@@ -5,6 +5,7 @@
 #include "source/SourceState.h"
 
 #include <functional>
+#include <memory>
 #include <string>
 
 namespace vesk {
@@ -29,18 +30,20 @@ public:
     /// All three must outlive the run. The run adds the stock plug-ins that it regroups to the
     /// catalogue's plug-ins.
     clsBuildRun(const BuildInputs& inputs, Catalogue& catalogue, BuildFrontEnd& frontEnd);
+    clsBuildRun(const clsBuildRun&) = delete;
+    clsBuildRun& operator=(const clsBuildRun&) = delete;
+    ~clsBuildRun();
 
     /// Replaces the question to the system whether it has a network connection.
     void SetNetworkProbe(std::function<bool()> isConnected);
 
-    /// Runs from the project-folder question to the saved log.
+    /// Runs from the project-folder question to the closing; then the front end is in its finished
+    /// state and saves the log.
     BuildEnding Run();
 
 private:
-    const BuildInputs& inputs_;
-    Catalogue& catalogue_;
-    BuildFrontEnd& frontEnd_;
-    std::function<bool()> networkIsConnected_;
+    class Steps;
+    std::unique_ptr<Steps> steps_;
 };
 
 } // namespace vesk

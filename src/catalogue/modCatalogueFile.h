@@ -16,6 +16,10 @@ inline constexpr const char* kCatalogueFileName = "veskbuilder.ini";
 ///         was read before it stays in the catalogue. The text names section and entry.
 void LoadCatalogue(const std::string& programPath, Catalogue& catalogue);
 
+/// Loads the catalogue for a front end, which goes on with what was read.
+/// @return a sentence that names the file and what is wrong with it; empty when all of it was read
+std::string LoadCatalogueReporting(const std::string& programPath, Catalogue& catalogue);
+
 /// Derives install root and plug-in folder from install folder and path flag.
 void DeriveInstallPaths(Catalogue& catalogue, const std::string& programFilesFolder);
 

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace vesk {
 
@@ -13,12 +14,16 @@ struct ScriptContext {
 };
 
 /// Runs the named section (lower case, brackets included) of a script file, line by line.
-/// @throws Failure (or another std::exception) at the first line that fails; what was done before
-///         stays done.
+/// @throws Failure (or another std::exception) at the first line that fails, and when there is no
+///         such file; what was done before stays done.
 void ProcessScript(const std::string& scriptPath, const std::string& sectionName,
                    const ScriptContext& context);
 
+/// The lines of a file: none when it does not exist, at least one when it does.
+std::vector<std::string> ReadFileLines(const std::string& path);
+
 /// True when the file holds exactly this line, letter case included.
+/// @throws Failure when there is no such file.
 bool IsLineInFile(const std::string& path, const std::string& line);
 
 } // namespace vesk

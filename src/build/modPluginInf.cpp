@@ -1,0 +1,112 @@
+#include "build/modPluginInf.h"
+
+#include "base/Failure.h"
+#include "base/modFile.h"
+#include "base/modText.h"
+#include "build/modInfText.h"
+#include "catalogue/clsINI.h"
+
+#include <algorithm>
+
+namespace vesk {
+
+namespace {
+
+constexpr const char* kPluginSection = "PEBuilder";
+constexpr const char* kOwnSection = "VeskBuilder";
+
+std::string ModifyingLine(const std::string& inf, const std::string& what) {
+    return "Modifying INF file: " + inf + " section " + what;
+}
+
+const CategoryRecord* FindCategory(const Catalogue& catalogue, const std::string& prefix) {
+    const auto found = std::ranges::find(catalogue.categories, prefix, &CategoryRecord::key);
+    return found == catalogue.categories.end() ? nullptr : &*found;
+}
+
+} // namespace
+
+void CommentOutAppendMenu(const BuildContext& context, const std::string& inf) {
+    const auto edited = CommentedOutAppendMenu(ReadWholeFile(inf));
+    if (!edited)
+        return;
+    context.Status("Modifying INF - Append");
+    context.Log(ModifyingLine(inf, "\"Append\""));
+    WriteWholeFile(inf, *edited);
+}
+
+std::string GetAppendMenuFile(const std::string& inf) {
+    return AppendMenuFile(ReadWholeFile(inf));
+}
+
+void OnPluginMenuFile(const std::string& path) {
+    static_cast<void>(path);
+}
+
+void PrefixPluginName(const BuildContext& context, const std::string& inf,
+                      const std::string& prefix) {
+    if (!context.catalogue.showCategories)
+        return;
+    const clsINI ini(inf);
+    const auto name = PrefixedName(ini.GetStringValue(kPluginSection, "Name"), prefix);
+    if (!name)
+        return;
+    context.Status("Modifying INF - Name");
+    context.Log(ModifyingLine(inf, "\"Name\""));
+    ini.SetValue(kPluginSection, "Name", *name);
+}
+
+void SetPluginEnable(const BuildContext& context, const std::string& inf) {
+    const clsINI ini(inf);
+    const std::string osTypes = ini.GetStringValue(kOwnSection, "OSType");
+    const std::string servicePacks = ini.GetStringValue(kOwnSection, "SP");
+    if (TrimBlanks(osTypes).empty() || TrimBlanks(servicePacks).empty())
+        return;
+    const SourceState& source = context.inputs.source;
+    const bool enable =
+        ListHolds(osTypes, source.productCode) && ListHolds(servicePacks, source.servicePackCode);
+    const std::string value = enable ? "1" : "0";
+    context.Log(ModifyingLine(inf, "\"Enable\" = " + value));
+    ini.SetValue(kPluginSection, "Enable", value);
+}
+
+void CreateCategorySeparator(const BuildContext& context, const std::string& relativeInf,
+                             const std::string& prefix, const std::string& title) {
+    const std::string inf = context.catalogue.pluginFolder + relativeInf;
+    context.Log("Creating INF Separator: " + inf);
+    const clsINI ini(inf);
+    ini.SetValue("Version", "Signature", "$Windows NT$");
+    ini.SetValue(kPluginSection, "Name", SeparatorName(prefix, title));
+}
+
+void RelocatePluginToCategory(BuildContext& context, const std::string& relativeInf,
+                              const std::string& prefix) {
+    const std::string& pluginFolder = context.catalogue.pluginFolder;
+    const CategoryRecord* category = FindCategory(context.catalogue, prefix);
+    const std::string relativeFolder = ParentOf(relativeInf);
+    const std::string inf = pluginFolder + relativeInf;
+
+    const std::string menuFile = GetAppendMenuFile(inf);
+    if (!menuFile.empty())
+        OnPluginMenuFile(pluginFolder + relativeFolder + "\\" + menuFile);
+    PrefixPluginName(context, inf, prefix);
+    CommentOutAppendMenu(context, inf);
+
+    // Only now: the edits above are made even when the prefix has no category.
+    if (category == nullptr)
+        throw Failure(9, "RelocatePluginToCategory", "no category has the key " + prefix);
+    const std::string categoryFolder = pluginFolder + "\\" + category->value;
+    const std::string source = pluginFolder + relativeFolder;
+    const std::string target = categoryFolder + relativeFolder;
+    context.Log("Moving Folder: " + source + " to " + target);
+    MovePath(source, target);
+
+    const std::string movedInf = categoryFolder + relativeInf;
+    CatalogueEntry entry;
+    entry.name = clsINI(movedInf).GetStringValue(kPluginSection, "Name");
+    entry.cat = prefix;
+    context.menuRecords.push_back({entry.name, prefix, {movedInf}});
+    context.catalogue.plugins.push_back(std::move(entry));
+}
+
+} // namespace vesk

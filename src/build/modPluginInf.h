@@ -1,0 +1,40 @@
+#pragma once
+
+#include "build/BuildContext.h"
+
+#include <string>
+
+/// Edits of plug-in INF files: each writes its log line before it changes anything and leaves the
+/// rest of the INF as it was. Relative INF paths begin with "\" and start at the plug-in folder.
+namespace vesk {
+
+/// Comments out the "[Append]" section's nu2menu entry: the menu is built by this program.
+void CommentOutAppendMenu(const BuildContext& context, const std::string& inf);
+
+/// Name of the plug-in's own menu file; empty when its INF names none.
+std::string GetAppendMenuFile(const std::string& inf);
+
+/// Does nothing, on purpose: the place where a plug-in's own menu file would be taken over.
+void OnPluginMenuFile(const std::string& path);
+
+/// Puts the category prefix in front of the plug-in's name, unless categories are switched off.
+void PrefixPluginName(const BuildContext& context, const std::string& inf,
+                      const std::string& prefix);
+
+/// Enables or disables a plug-in that declares its systems and service packs by whether the chosen
+/// Windows source is among them. One that declares nothing is left as its author shipped it.
+void SetPluginEnable(const BuildContext& context, const std::string& inf);
+
+/// Writes the INF whose name is a category's heading. @throws Failure for a title over 50
+/// characters
+void CreateCategorySeparator(const BuildContext& context, const std::string& relativeInf,
+                             const std::string& prefix, const std::string& title);
+
+/// Moves a plug-in's folder into its category's folder, edits its INF, and notes it for the menu
+/// file and in the catalogue's plug-in list.
+/// @throws Failure for a prefix that is no category's key, and for a move that fails; the INF edits
+///         are made by then
+void RelocatePluginToCategory(BuildContext& context, const std::string& relativeInf,
+                              const std::string& prefix);
+
+} // namespace vesk

@@ -1,0 +1,43 @@
+#include "build/modBuildTree.h"
+#include "catalogue/clsINI.h"
+
+#include <array>
+#include <string>
+#include <utility>
+
+namespace vesk {
+
+void WriteSettingsFile(const BuildContext& context) {
+    const std::string& folder = context.inputs.installFolder;
+    const clsINI ini(folder + "\\input.inf");
+    context.Log("Creating File: " + ini.iniFileName);
+    // In this order: a fresh file lists its keys as they are written.
+    const std::array<std::pair<const char*, std::string>, 22> settings = {{
+        {"NoUpperCase", "0"},
+        {"verbose", "0"},
+        {"skipfiles", "0"},
+        {"verify", "1"},
+        {"skipregistry", "0"},
+        {"buildiso", "1"},
+        {"burncd", "0"},
+        {"eject", "0"},
+        {"blankcdrw", "1"},
+        {"useAbsoluteOutput", "0"},
+        {"burnusing", "0"},
+        {"customdir", ""},
+        {"isofile", folder + "\\veskbuilder.iso"},
+        {"outdir", "Vesk"},
+        {"fulloutdir", folder + "\\Vesk"},
+        {"source", context.inputs.sourceFolder},
+        {"volumeid", ""},
+        {"device", ""},
+        {"langfile", ""},
+        {"pluginColumns", ""},
+        {"CleanIsoAfterBurn", "0"},
+        {"CleanOutputAfterBurn", "0"},
+    }};
+    for (const auto& [key, value] : settings)
+        ini.SetValue("input", key, value);
+}
+
+} // namespace vesk

@@ -1,0 +1,51 @@
+#include "catalogue/clsINI.h"
+
+#include "catalogue/modNameList.h"
+
+#include <windows.h>
+
+namespace vesk {
+
+namespace {
+
+// The sizes are part of what catalogues in use rely on: a longer section list is cut.
+constexpr DWORD kValueSize = 255;
+constexpr DWORD kSectionListSize = 255;
+constexpr DWORD kKeyListSize = 131072;
+
+std::string ReadProfile(const char* section, const char* key, DWORD size,
+                        const std::string& iniFile) {
+    std::string buffer(size, ' ');
+    const DWORD length =
+        GetPrivateProfileStringA(section, key, "", buffer.data(), size, iniFile.c_str());
+    if (key != nullptr && section != nullptr)
+        buffer.resize(length);
+    return buffer;
+}
+
+} // namespace
+
+std::string clsINI::GetStringValue(const std::string& section, const std::string& key) const {
+    return ReadProfile(section.c_str(), key.c_str(), kValueSize, iniFileName);
+}
+
+int clsINI::GetIntValue(const std::string& section, const std::string& key) const {
+    return static_cast<int>(
+        GetPrivateProfileIntA(section.c_str(), key.c_str(), 0, iniFileName.c_str()));
+}
+
+std::vector<std::string> clsINI::GetAllSections() const {
+    return SplitNameList(ReadProfile(nullptr, nullptr, kSectionListSize, iniFileName));
+}
+
+std::vector<std::string> clsINI::GetAllKeys(const std::string& section) const {
+    return SplitNameList(ReadProfile(section.c_str(), nullptr, kKeyListSize, iniFileName));
+}
+
+void clsINI::SetValue(const std::string& section, const std::string& key,
+                      const std::optional<std::string>& value) const {
+    WritePrivateProfileStringA(section.c_str(), key.c_str(), value ? value->c_str() : nullptr,
+                               iniFileName.c_str());
+}
+
+} // namespace vesk

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "catalogue/Catalogue.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace vesk {
+
+/// The catalogue file's whole text, header included. Exact to the byte: the reader goes by
+/// position, and people compare files.
+/// @param date when it is written, in the system's general format
+std::string CatalogueText(const Catalogue& catalogue, const std::string& date);
+
+/// A text as a truth value: "True" and "False" in any case, or a number (0 is false). Nothing for
+/// any other text, the empty one included.
+std::optional<bool> ToBoolean(std::string_view text);
+
+} // namespace vesk

@@ -1,0 +1,11 @@
+#pragma once
+
+namespace vesk {
+
+/// From now on Ctrl+C does not end the program but asks it to end: WasInterrupted tells.
+void WatchForInterrupt();
+
+/// True once Ctrl+C (or Ctrl+Break) was pressed.
+bool WasInterrupted();
+
+} // namespace vesk

@@ -1,0 +1,100 @@
+#include "console/Options.h"
+
+#include <charconv>
+#include <functional>
+#include <map>
+
+namespace vesk {
+
+namespace {
+
+ProxyAddress ParseProxy(const std::string& text) {
+    constexpr int kHighestPort = 65535;
+    const std::size_t colon = text.rfind(':');
+    ProxyAddress proxy;
+    if (colon != std::string::npos) {
+        proxy.host = text.substr(0, colon);
+        const char* end = text.data() + text.size();
+        const auto [stop, error] = std::from_chars(text.data() + colon + 1, end, proxy.port);
+        if (error == std::errc() && stop == end && !proxy.host.empty() && proxy.port >= 1 &&
+            proxy.port <= kHighestPort)
+            return proxy;
+    }
+    throw UsageError("--proxy takes HOST:PORT with a port from 1 to 65535, not \"" + text + "\"");
+}
+
+void Answer(ConsoleOptions& options, bool yes) {
+    if (options.answer && *options.answer != yes)
+        throw UsageError("--yes and --no exclude each other");
+    options.answer = yes;
+}
+
+using Setter = std::function<void(ConsoleOptions&, const std::string& value)>;
+
+const std::map<std::string, Setter>& OptionsWithValue() {
+    static const std::map<std::string, Setter> kOptions = {
+        {"--install", [](auto& options, const auto& value) { options.install = value; }},
+        {"--source", [](auto& options, const auto& value) { options.source = value; }},
+        {"--enable", [](auto& options, const auto& value) { options.enable.push_back(value); }},
+        {"--disable", [](auto& options, const auto& value) { options.disable.push_back(value); }},
+        {"--proxy", [](auto& options, const auto& value) { options.proxy = ParseProxy(value); }},
+    };
+    return kOptions;
+}
+
+const std::map<std::string, std::function<void(ConsoleOptions&)>>& Switches() {
+    using Action = ConsoleOptions::Action;
+    static const std::map<std::string, std::function<void(ConsoleOptions&)>> kSwitches = {
+        {"--yes", [](auto& options) { Answer(options, true); }},
+        {"--no", [](auto& options) { Answer(options, false); }},
+        {"--quiet", [](auto& options) { options.quiet = true; }},
+        {"--list", [](auto& options) { options.action = Action::List; }},
+        {"--help", [](auto& options) { options.action = Action::Help; }},
+        {"--version", [](auto& options) { options.action = Action::Version; }},
+    };
+    return kSwitches;
+}
+
+} // namespace
+
+ConsoleOptions ParseOptions(const std::vector<std::string>& arguments) {
+    ConsoleOptions options;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::string& argument = arguments[i];
+        if (const auto plain = Switches().find(argument); plain != Switches().end()) {
+            plain->second(options);
+            continue;
+        }
+        const auto valued = OptionsWithValue().find(argument);
+        if (valued == OptionsWithValue().end())
+            throw UsageError("unknown argument \"" + argument + "\"");
+        if (i + 1 == arguments.size() || arguments[i + 1].empty())
+            throw UsageError(argument + " needs a value");
+        valued->second(options, arguments[++i]);
+    }
+    return options;
+}
+
+std::string HelpText() {
+    return R"(veskbuild builds what the catalogue in its own folder says and prints the build log.
+
+veskbuild [--install FOLDER] [--source FOLDER] [--enable NAME]... [--disable NAME]...
+          [--yes | --no] [--proxy HOST:PORT] [--quiet]
+veskbuild --list
+veskbuild --help | --version
+
+  --install FOLDER   build into this folder, which is emptied first, in place of the catalogue's
+  --source FOLDER    the Windows installation source, the folder that holds I386
+  --enable NAME      tick a component or plug-in, by its name in the catalogue
+  --disable NAME     untick one
+  --yes, --no        the answer to every question; without a console to ask, the answer is No
+  --proxy HOST:PORT  download through this HTTP proxy
+  --quiet            print nothing on the error output but errors
+  --list             print the catalogue as a table
+
+Exit codes: 0 done, 1 done with warnings, 2 install failed, 3 aborted, 4 refused at start-up,
+64 wrong usage.
+)";
+}
+
+} // namespace vesk

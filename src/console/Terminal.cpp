@@ -1,0 +1,93 @@
+#include "console/Terminal.h"
+
+#include <windows.h>
+
+#include <array>
+#include <cstdio>
+#include <iostream>
+#include <vector>
+
+namespace vesk {
+
+namespace {
+
+bool IsConsole(DWORD standardHandle) {
+    DWORD mode = 0;
+    return GetConsoleMode(GetStdHandle(standardHandle), &mode) != FALSE;
+}
+
+/// A console takes UTF-16; a file or pipe gets the ANSI bytes that the rest of the program works
+/// on.
+void Put(DWORD standardHandle, std::FILE* stream, const std::string& text) {
+    if (!IsConsole(standardHandle)) {
+        std::fputs(text.c_str(), stream);
+        std::fflush(stream);
+        return;
+    }
+    std::vector<WCHAR> wide(text.size() + 1);
+    const int length = MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()),
+                                           wide.data(), static_cast<int>(wide.size()));
+    DWORD written = 0;
+    WriteConsoleW(GetStdHandle(standardHandle), wide.data(), static_cast<DWORD>(length), &written,
+                  nullptr);
+}
+
+std::size_t ConsoleWidth() {
+    CONSOLE_SCREEN_BUFFER_INFO info{};
+    constexpr std::size_t kUsualWidth = 80;
+    if (GetConsoleScreenBufferInfo(GetStdHandle(STD_ERROR_HANDLE), &info) == FALSE ||
+        info.dwSize.X < 2)
+        return kUsualWidth;
+    return static_cast<std::size_t>(info.dwSize.X);
+}
+
+void PutError(const std::string& text) {
+    Put(STD_ERROR_HANDLE, stderr, text);
+}
+
+} // namespace
+
+Terminal::Terminal(bool quiet) : draws_(!quiet && IsConsole(STD_ERROR_HANDLE)) {}
+
+Terminal::~Terminal() {
+    Erase();
+}
+
+void Terminal::PrintLine(const std::string& line) {
+    const std::string drawn = drawn_;
+    Erase();
+    Put(STD_OUTPUT_HANDLE, stdout, IsConsole(STD_OUTPUT_HANDLE) ? line + "\r\n" : line + "\n");
+    Draw(drawn);
+}
+
+void Terminal::Draw(const std::string& text) {
+    if (!draws_ || text == drawn_)
+        return;
+    Erase();
+    drawn_ = text.substr(0, ConsoleWidth() - 1);
+    PutError(drawn_);
+}
+
+void Terminal::Erase() {
+    if (drawn_.empty())
+        return;
+    PutError("\r" + std::string(drawn_.size(), ' ') + "\r");
+    drawn_.clear();
+}
+
+void Terminal::Complain(const std::string& sentence) {
+    Erase();
+    PutError("veskbuild: " + sentence + "\n");
+}
+
+bool Terminal::Ask(const std::string& question) {
+    if (!IsConsole(STD_INPUT_HANDLE))
+        return false;
+    Erase();
+    PutError(question + " [y/N] ");
+    std::string answer;
+    std::getline(std::cin, answer);
+    return !answer.empty() && (answer[0] == 'y' || answer[0] == 'Y');
+}
+
+} // namespace vesk

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <string>
+
+namespace vesk {
+
+/// The program's three streams. Lines of the log go to the standard output and nothing else does;
+/// what is drawn while something lasts goes to the error output, and only when that is a terminal.
+class Terminal {
+public:
+    /// @param quiet leaves the error output to errors
+    explicit Terminal(bool quiet);
+    Terminal(const Terminal&) = delete;
+    Terminal& operator=(const Terminal&) = delete;
+    ~Terminal();
+
+    /// Prints a line on the standard output, at once.
+    void PrintLine(const std::string& line);
+
+    /// Draws one line that the next one replaces. Cut at the terminal's width.
+    void Draw(const std::string& text);
+
+    /// Prints a sentence on the error output, behind the program's name.
+    void Complain(const std::string& sentence);
+
+    /// Asks on the error output and reads a line from the standard input.
+    /// @return true for an answer that begins with "y"; false also when there is nobody to ask
+    bool Ask(const std::string& question);
+
+private:
+    void Erase();
+
+    bool draws_;
+    std::string drawn_;
+};
+
+} // namespace vesk

@@ -1,0 +1,159 @@
+#include "archive/clsCRC.h"
+#include "base/Failure.h"
+#include "base/Trace.h"
+#include "base/modFile.h"
+#include "base/modText.h"
+#include "build/clsBuildRun.h"
+#include "catalogue/modCatalogueFile.h"
+#include "console/CatalogueTable.h"
+#include "console/ConsoleFrontEnd.h"
+#include "console/Interrupt.h"
+#include "console/Options.h"
+#include "console/Terminal.h"
+#include "source/modSourceFolder.h"
+#include "startup/Version.h"
+#include "startup/modMain.h"
+
+#include <windows.h>
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+namespace vesk {
+
+namespace {
+
+enum ExitCode : int {
+    kDone = 0,
+    kDoneWithWarnings = 1,
+    kInstallFailed = 2,
+    kAborted = 3,
+    kRefused = 4,
+    kUsage = 64,
+};
+
+void Tick(std::vector<CatalogueEntry>& entries, const std::string& name, bool enabled,
+          Terminal& terminal, bool& found) {
+    for (CatalogueEntry& entry : entries) {
+        if (!EqualNoCase(entry.name, name))
+            continue;
+        found = true;
+        if (!entry.lock)
+            entry.enabled = enabled;
+        else if (entry.enabled != enabled)
+            terminal.Complain("\"" + entry.name + "\" is locked and stays " +
+                              (entry.enabled ? "ticked" : "unticked"));
+    }
+}
+
+void TickAll(Catalogue& catalogue, const std::vector<std::string>& names, bool enabled,
+             Terminal& terminal) {
+    for (const std::string& name : names) {
+        bool found = false;
+        Tick(catalogue.baseComponents, name, enabled, terminal, found);
+        Tick(catalogue.plugins, name, enabled, terminal, found);
+        if (!found)
+            throw UsageError("the catalogue has no component or plug-in named \"" + name + "\"");
+    }
+}
+
+ArchiveState StateOf(const std::string& programPath, const CatalogueEntry& entry) {
+    const std::string archive = programPath + entry.zip;
+    if (!FileExists(archive))
+        return ArchiveState::Missing;
+    return clsCRC().CalculateFile(archive) == entry.crc ? ArchiveState::Good
+                                                        : ArchiveState::CrcDiffers;
+}
+
+/// Folders as the user's choices make them: the catalogue's own, or what the options name.
+BuildInputs MakeInputs(const ConsoleOptions& options, const std::string& programPath,
+                       Catalogue& catalogue, Terminal& terminal) {
+    BuildInputs inputs;
+    inputs.programPath = programPath;
+    if (options.install) {
+        inputs.installFolder = WithoutTrailingBackslash(AbsolutePath(*options.install));
+        catalogue.pluginFolder = inputs.installFolder + "\\Plugin";
+    } else if (!catalogue.installRoot.empty()) {
+        inputs.installFolder = catalogue.installRoot + "\\" + catalogue.installFolder;
+    }
+    if (options.source) {
+        const SourceCheck check = CheckSourceFolder(AbsolutePath(*options.source), inputs.source);
+        inputs.sourceFolder = check.path;
+        if (!check.usable)
+            terminal.Complain("no Windows installation source: " + check.path);
+    }
+    return inputs;
+}
+
+int RunBuild(const ConsoleOptions& options, const std::string& programPath, Catalogue& catalogue,
+             bool catalogueIsWhole, Terminal& terminal) {
+    TickAll(catalogue, options.enable, true, terminal);
+    TickAll(catalogue, options.disable, false, terminal);
+    const BuildInputs inputs = MakeInputs(options, programPath, catalogue, terminal);
+    if (const std::string problem = InstallFolderProblem(inputs); !problem.empty())
+        throw UsageError(problem);
+    WatchForInterrupt();
+    ConsoleFrontEnd frontEnd(options, programPath, terminal);
+    switch (clsBuildRun(inputs, catalogue, frontEnd).Run()) {
+    case BuildEnding::InstallFailed:
+        return kInstallFailed;
+    case BuildEnding::Aborted:
+        return kAborted;
+    case BuildEnding::Done:
+        break;
+    }
+    return frontEnd.HasWarnings() || !catalogueIsWhole ? kDoneWithWarnings : kDone;
+}
+
+int RunAction(const ConsoleOptions& options, Terminal& terminal) {
+    if (options.action == ConsoleOptions::Action::Help) {
+        std::fputs(HelpText().c_str(), stdout);
+        return kDone;
+    }
+    if (options.action == ConsoleOptions::Action::Version) {
+        terminal.PrintLine(std::string(kProductName) + " " + kVersionText);
+        return kDone;
+    }
+    const StartRefusal refusal = CheckSystem(WindowsProbe());
+    if (refusal != StartRefusal::None) {
+        terminal.Complain(RefusalText(refusal));
+        return kRefused;
+    }
+    const std::string programPath = FindProgramPaths().programPath;
+    Catalogue catalogue;
+    const std::string problem = LoadCatalogueReporting(programPath, catalogue);
+    if (!problem.empty())
+        terminal.Complain(problem);
+    if (options.action == ConsoleOptions::Action::Build)
+        return RunBuild(options, programPath, catalogue, problem.empty(), terminal);
+    std::fputs(
+        CatalogueTable(catalogue,
+                       [&](const CatalogueEntry& entry) { return StateOf(programPath, entry); })
+            .c_str(),
+        stdout);
+    return problem.empty() ? kDone : kDoneWithWarnings;
+}
+
+int Main(const std::vector<std::string>& arguments) {
+    SetTraceSink([](const std::string& line) { OutputDebugStringA(("vesk: " + line).c_str()); });
+    try {
+        const ConsoleOptions options = ParseOptions(arguments);
+        Terminal terminal(options.quiet);
+        return RunAction(options, terminal);
+    } catch (const UsageError& error) {
+        Terminal(true).Complain(std::string(error.what()) + " (veskbuild --help tells more)");
+        return kUsage;
+    } catch (const std::exception& error) {
+        Terminal(true).Complain(error.what());
+        return kInstallFailed;
+    }
+}
+
+} // namespace
+
+} // namespace vesk
+
+int main(int argc, char** argv) {
+    return vesk::Main(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc));
+}

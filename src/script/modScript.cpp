@@ -1,0 +1,67 @@
+#include "script/modScript.h"
+
+#include "base/modFile.h"
+#include "base/modSystemError.h"
+#include "script/clsRegistry.h"
+#include "script/modScriptText.h"
+
+#include <windows.h>
+
+#include <algorithm>
+
+namespace vesk {
+
+namespace {
+
+/// Carries a script's effects out on this system.
+class SystemTarget : public ScriptTarget {
+public:
+    explicit SystemTarget(const ScriptContext& context) : context_(context) {}
+
+    void AddLogLine(const std::string& line) override {
+        if (context_.addLogLine)
+            context_.addLogLine(line);
+    }
+    void CreateKey(std::uint32_t root, const std::string& key) override {
+        clsRegistry::CreateNewKey(root, key);
+    }
+    void SetValue(std::uint32_t root, const std::string& key, const std::string& valueName,
+                  const std::string& data, std::uint32_t type) override {
+        // What the registry refuses does not end a script.
+        clsRegistry::SetKeyValue(root, key, valueName, data, type);
+    }
+    void MakeFolder(const std::string& path) override { CreateFolder(path); }
+
+private:
+    const ScriptContext& context_;
+};
+
+std::vector<std::string> LinesOfExistingFile(const std::string& path) {
+    std::vector<std::string> lines = ReadFileLines(path);
+    if (lines.empty())
+        ThrowSystemError(ERROR_FILE_NOT_FOUND, "cannot read", path);
+    return lines;
+}
+
+} // namespace
+
+void ProcessScript(const std::string& scriptPath, const std::string& sectionName,
+                   const ScriptContext& context) {
+    SystemTarget target(context);
+    target.AddLogLine("Processing script: " + scriptPath);
+    RunScript(LinesOfExistingFile(scriptPath), sectionName,
+              {context.installFolder, context.sourceFolder}, target);
+}
+
+std::vector<std::string> ReadFileLines(const std::string& path) {
+    if (!FileExists(path))
+        return {};
+    return SplitScriptLines(ReadWholeFile(path));
+}
+
+bool IsLineInFile(const std::string& path, const std::string& line) {
+    const std::vector<std::string> lines = LinesOfExistingFile(path);
+    return std::ranges::find(lines, line) != lines.end();
+}
+
+} // namespace vesk

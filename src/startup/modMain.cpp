@@ -1,0 +1,71 @@
+#include "startup/modMain.h"
+
+#include "base/UniqueHandle.h"
+#include "base/modText.h"
+
+#include <windows.h>
+
+#include <array>
+
+namespace vesk {
+
+namespace {
+
+bool IsWindowsNt() {
+    OSVERSIONINFOA version{};
+    version.dwOSVersionInfoSize = sizeof version;
+    return GetVersionExA(&version) != FALSE && version.dwPlatformId == VER_PLATFORM_WIN32_NT;
+}
+
+bool IsAdministrator() {
+    using IsNtAdmin = BOOL(WINAPI*)(DWORD, DWORD*);
+    const ModuleHandle advpack(LoadLibraryA("advpack.dll"));
+    if (!advpack)
+        return false;
+    const auto address = reinterpret_cast<void*>(GetProcAddress(advpack.Get(), "IsNTAdmin"));
+    const auto isNtAdmin = reinterpret_cast<IsNtAdmin>(address);
+    return isNtAdmin != nullptr && isNtAdmin(0, nullptr) != FALSE;
+}
+
+} // namespace
+
+ProgramPaths FindProgramPaths() {
+    std::array<char, MAX_PATH * 2> program{};
+    GetModuleFileNameA(nullptr, program.data(), static_cast<DWORD>(program.size() - 1));
+    return {WithTrailingBackslash(ParentOf(program.data())),
+            ReadEnvironmentVariable("Temp") + "\\"};
+}
+
+std::string ReadEnvironmentVariable(const std::string& name) {
+    constexpr DWORD kLongest = 254;
+    std::string value(32767, '\0'); // the system's own limit
+    value.resize(
+        GetEnvironmentVariableA(name.c_str(), value.data(), static_cast<DWORD>(value.size())));
+    return value.substr(0, kLongest);
+}
+
+SystemProbe WindowsProbe() {
+    return {IsWindowsNt, IsAdministrator};
+}
+
+StartRefusal CheckSystem(const SystemProbe& probe) {
+    if (!probe.isWindowsNt())
+        return StartRefusal::NotWindowsNt;
+    if (!probe.isAdministrator())
+        return StartRefusal::NotAdministrator;
+    return StartRefusal::None;
+}
+
+std::string RefusalText(StartRefusal refusal) {
+    switch (refusal) {
+    case StartRefusal::NotWindowsNt:
+        return "Sorry only NT systems supported, setup cannot continue...";
+    case StartRefusal::NotAdministrator:
+        return "You need to be an Administrator to run this software";
+    case StartRefusal::None:
+        break;
+    }
+    return {};
+}
+
+} // namespace vesk

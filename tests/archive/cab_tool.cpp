@@ -1,0 +1,23 @@
+#include "archive/clsCab.h"
+#include "base/Failure.h"
+
+#include <cstdio>
+#include <string>
+
+/// cab_tool CABINET: writes the member list as XML. cab_tool CABINET FOLDER: extracts into it.
+int main(int argc, char** argv) {
+    try {
+        vesk::clsCab cab;
+        cab.CabName = argc > 1 ? argv[1] : "";
+        if (argc > 2) {
+            cab.DestinationFolder = argv[2];
+            cab.Extract();
+        } else {
+            std::fputs(cab.GetXML().c_str(), stdout);
+        }
+        return 0;
+    } catch (const vesk::Failure& failure) {
+        std::fprintf(stderr, "%s: %s\n", failure.source.c_str(), failure.what());
+        return 1;
+    }
+}

@@ -1,0 +1,248 @@
+#include "archive/modZipDirectory.h"
+
+#include "archive/ZipBuilder.h"
+
+#include <doctest/doctest.h>
+
+using namespace vesk;
+using namespace vesk::test;
+
+namespace {
+
+ZipDirectory Read(const std::string& archive) {
+    return ReadZipDirectory(BytesOf(archive));
+}
+
+ZipMember ReadOne(const TestMember& member) {
+    const std::string archive = MakeZip({member});
+    ZipDirectory directory = Read(archive);
+    REQUIRE(directory.members.size() == 1);
+    CHECK(directory.problem.empty());
+    return directory.members[0];
+}
+
+/// A good member with one thing changed.
+template <class Change>
+TestMember Changed(Change change) {
+    TestMember member = TestMember::Packed("a.txt", "text");
+    change(member);
+    return member;
+}
+
+const TestMember kOne = TestMember::Stored("one", "11");
+const TestMember kTwo = TestMember::Packed("folder/two", "2222");
+
+} // namespace
+
+TEST_CASE("a member is described as stored") {
+    TestMember stored = TestMember::Packed("sub/a.txt", "text");
+    stored.attributes = 0x21;
+    const ZipMember member = ReadOne(stored);
+    CHECK(member.name == "sub/a.txt");
+    CHECK(member.encoding == NameEncoding::Ascii);
+    CHECK(member.size == 4);
+    CHECK(member.packedSize == stored.data.size());
+    CHECK(member.crc == stored.crc);
+    CHECK(member.dosDate == stored.date);
+    CHECK(member.dosTime == stored.time);
+    CHECK(member.externalAttributes == 0x21);
+    CHECK(member.dataAt == 30 + stored.name.size());
+    CHECK(member.refusal.empty());
+}
+
+TEST_CASE("the archive is found whatever stands around it") {
+    TestEnd wide;
+    wide.wide = true;
+    TestEnd commented;
+    commented.comment = std::string("PK\5\6 is no end record, ") + std::string(30, '!');
+    for (const TestEnd& end : {TestEnd(), commented, wide})
+        for (const char* before : {"", "MZ junk in front"})
+            for (const char* after : {"", "behind"}) {
+                CAPTURE(end.comment);
+                CAPTURE(before);
+                CAPTURE(after);
+                const ZipDirectory directory = Read(before + MakeZip({kOne, kTwo}, end) + after);
+                REQUIRE(directory.members.size() == 2);
+                CHECK(directory.problem.empty());
+                CHECK(directory.comment == end.comment);
+                CHECK(directory.members[1].refusal.empty());
+                CHECK(directory.members[1].headerAt ==
+                      std::string(before).size() + 30 + kOne.name.size() + kOne.data.size());
+            }
+    CHECK(Read(MakeZip({})).members.empty());
+}
+
+TEST_CASE("what is no archive is said to be none") {
+    TestEnd secondDisk;
+    secondDisk.disk = 1;
+    const std::string good = MakeZip({kOne});
+    for (const std::string& bytes :
+         {std::string(), std::string(21, 'P'), std::string(100'000, 'P'),
+          good.substr(0, good.size() - 1).substr(0, good.size() - 23), // central directory only
+          good.substr(good.size() - 22),                               // end record only
+          MakeZip({kOne}, secondDisk)}) {
+        CAPTURE(bytes.size());
+        CHECK_THROWS_AS(Read(bytes), ZipProblem);
+    }
+}
+
+TEST_CASE("a directory that breaks off gives what it holds, and says so") {
+    TestEnd tooMany;
+    tooMany.count = 5;
+    const ZipDirectory directory = Read(MakeZip({kOne, kTwo}, tooMany));
+    CHECK(directory.members.size() == 2);
+    CHECK(directory.problem.find("2 readable members, its end record says 5") != std::string::npos);
+}
+
+TEST_CASE("members that must not be extracted are refused one by one") {
+    struct Row {
+        const char* reason;
+        TestMember member;
+    };
+    const std::vector<Row> rows = {
+        // Unix file types in the upper half: symbolic link, device
+        {"is a link", Changed([](TestMember& m) {
+             m.attributes = 0xA1FF0000;
+             m.host = 3;
+         })},
+        {"special file", Changed([](TestMember& m) {
+             m.attributes = 0x21B60000;
+             m.host = 3;
+         })},
+        // Windows' attribute of a reparse point
+        {"is a link", Changed([](TestMember& m) { m.attributes = 0x400; })},
+        // also when the name says folder
+        {"is a link", Changed([](TestMember& m) {
+             m.name = "a/";
+             m.attributes = 0xA1FF0000;
+         })},
+        {"method 12 (bzip2)", Changed([](TestMember& m) { m.method = 12; })},
+        {"method 99 (AES encryption)", Changed([](TestMember& m) { m.method = 99; })},
+        {"method 1234 (unknown)", Changed([](TestMember& m) { m.method = 1234; })},
+        {"kind of encryption", Changed([](TestMember& m) { m.flags = 1 | 1 << 6; })},
+        {"is a patch", Changed([](TestMember& m) { m.flags = 1 << 5; })},
+        {"another disk", Changed([](TestMember& m) { m.disk = 2; })},
+        // more than deflate can make of nine bytes
+        {"size is impossible", Changed([](TestMember& m) { m.size = 9 * 1032 + 1; })},
+        // stored, yet longer than its data
+        {"size is impossible", Changed([](TestMember& m) {
+             m.method = 0;
+             m.size = 10;
+         })},
+        // encrypted, yet no room for the header of twelve bytes
+        {"encryption header", Changed([](TestMember& m) { m.flags = 1; })},
+        {"beyond the archive", Changed([](TestMember& m) { m.packedSize = 200; })},
+        {"beyond the archive", Changed([](TestMember& m) { m.packedSize = 0xFFFFFFFE; })},
+        {"outside the archive", Changed([](TestMember& m) { m.offset = 0xFFFFFFF0; })},
+        {"header is damaged", Changed([](TestMember& m) { m.offset = 1; })},
+        {"header is damaged", Changed([](TestMember& m) { m.localSignature = 0x04034B51; })},
+        // wide values that are cut short leave the saturated ones
+        {"beyond the archive", Changed([](TestMember& m) {
+             m.packedSize = 0xFFFFFFFF;
+             m.extra = Extra(1, "1234");
+         })},
+        // the largest wide position
+        {"outside the archive", Changed([](TestMember& m) {
+             m.offset = 0xFFFFFFFF;
+             m.extra = Extra(1, Fields().U64(~0ULL));
+         })},
+        {"beyond the archive", Changed([](TestMember& m) {
+             m.packedSize = 0xFFFFFFFF;
+             m.extra = Extra(1, Fields().U64(~0ULL));
+         })},
+    };
+    for (const Row& row : rows) {
+        CAPTURE(row.reason);
+        const ZipDirectory directory = Read(MakeZip({row.member, kOne}));
+        REQUIRE(directory.members.size() == 2);
+        CHECK(directory.members[0].refusal.find(row.reason) != std::string::npos);
+        CHECK(directory.members[1].refusal.empty());
+    }
+}
+
+TEST_CASE("data that two members share is given to the first only") {
+    const std::string inner = MakeZip({TestMember::Packed("inner", "x")});
+    // The second record points to the first one's local header.
+    TestMember twin = kTwo;
+    twin.offset = 0;
+    // The third points to a whole local header inside the first one's data.
+    TestMember carrier = TestMember::Stored("carrier", inner);
+    TestMember quoted = TestMember::Packed("inner", "x");
+    quoted.offset = 30 + 7;
+    // The fourth claims a byte too many and so reaches into the fifth.
+    TestMember greedy = TestMember::Packed("greedy", "x");
+    greedy.packedSize = static_cast<std::uint32_t>(greedy.data.size() + 1);
+    const ZipDirectory directory = Read(MakeZip({carrier, twin, quoted, greedy, kOne}));
+    REQUIRE(directory.members.size() == 5);
+    CHECK(directory.members[0].refusal.empty());
+    CHECK(directory.members[1].refusal == "overlaps another member");
+    CHECK(directory.members[2].refusal == "overlaps another member");
+    CHECK(directory.members[3].refusal.empty());
+    CHECK(directory.members[4].refusal == "overlaps another member");
+}
+
+TEST_CASE("wide sizes and positions are taken where the narrow ones are saturated") {
+    TestMember member = TestMember::Packed("a", "text");
+    const std::uint64_t packed = member.data.size();
+    member.size = 0xFFFFFFFF;
+    member.packedSize = 0xFFFFFFFF;
+    member.offset = 0xFFFFFFFF;
+    member.extra = Extra(0x9999, "other") + Extra(1, Fields().U64(4).U64(packed).U64(0));
+    const ZipMember read = ReadOne(member);
+    CHECK(read.size == 4);
+    CHECK(read.packedSize == packed);
+    CHECK(read.refusal.empty());
+}
+
+TEST_CASE("which code page a name is in") {
+    struct Row {
+        std::uint8_t host;
+        std::uint16_t flags;
+        const char* name;
+        std::string extra;
+        NameEncoding encoding;
+        const char* read;
+    };
+    const auto unicode = [](const std::string& of, const std::string& name) {
+        return Extra(0x7075, Fields().U8(1).U32(CrcOf(of)).Text(name));
+    };
+    for (const Row& row :
+         {Row{0, 0x800, "plain", "", NameEncoding::Ascii, "plain"},
+          Row{0, 0, "\x84", "", NameEncoding::Oem, "\x84"},
+          Row{10, 0, "\x84", "", NameEncoding::Oem, "\x84"},
+          Row{3, 0, "\xE4", "", NameEncoding::Ansi, "\xE4"},
+          Row{3, 0x800, "\xC3\xA4", "", NameEncoding::Utf8, "\xC3\xA4"},
+          Row{0, 0, "\x84", unicode("\x84", "\xC3\xA4"), NameEncoding::Utf8, "\xC3\xA4"},
+          Row{0, 0, "\x84", unicode("other", "\xC3\xA4"), NameEncoding::Oem, "\x84"},
+          Row{0, 0, "\x84", unicode("\x84", ""), NameEncoding::Oem, "\x84"}}) {
+        CAPTURE(row.name);
+        TestMember member = TestMember::Stored(row.name, "x");
+        member.host = row.host;
+        member.flags = row.flags;
+        member.extra = row.extra;
+        const ZipMember read = ReadOne(member);
+        CHECK(read.encoding == row.encoding);
+        CHECK(read.name == row.read);
+    }
+}
+
+TEST_CASE("times come from the finest field there is") {
+    const std::uint64_t second1970 = 116444736000000000;
+    const std::string unixTime = Extra(0x5455, Fields().U8(1).U32(5));
+    const std::string before1970 = Extra(0x5455, Fields().U8(1).U32(0xFFFFFFFF));
+    const std::string ntfs = Extra(10, Fields().U32(0).U16(1).U16(24).U64(111).U64(222).U64(0));
+    const auto timesOf = [](const std::string& extra) {
+        TestMember member = kOne;
+        member.extra = extra;
+        return ReadOne(member).times;
+    };
+    CHECK_FALSE(timesOf("").modified);
+    CHECK(timesOf(unixTime).modified == second1970 + 50'000'000);
+    CHECK(timesOf(before1970).modified == second1970 - 10'000'000);
+    CHECK(timesOf(unixTime + ntfs).modified == 111);
+    CHECK(timesOf(ntfs + unixTime).modified == 111);
+    CHECK(timesOf(ntfs).accessed == 222);
+    CHECK_FALSE(timesOf(ntfs).created);
+    CHECK_FALSE(timesOf(Extra(0x5455, "\1")).modified);                  // no room for the time
+    CHECK_FALSE(timesOf(Extra(0x5455, Fields().U8(2).U32(5))).modified); // no modification time
+}

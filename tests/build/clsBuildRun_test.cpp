@@ -1,0 +1,303 @@
+#include "build/clsBuildRun.h"
+
+#include "RecordingFrontEnd.h"
+#include "TestArchive.h"
+#include "TestFolder.h"
+#include "base/UniqueHandle.h"
+#include "base/modSpecialFolder.h"
+#include "catalogue/clsINI.h"
+
+#include <algorithm>
+
+using namespace vesk;
+using vesk::test::RecordingFrontEnd;
+using vesk::test::TestArchive;
+using vesk::test::TestFolder;
+
+namespace {
+
+constexpr const char* kInf =
+    "[Version]\r\nSignature=\"$Windows NT$\"\r\n[PEBuilder]\r\nName=1. Boot\r\n"
+    "[Append]\r\nnu2menu.xml, boot.xml\r\n";
+
+/// A program folder with a catalogue of one base component and two plug-ins, ready to build.
+struct Fixture {
+    Fixture() {
+        inputs.programPath = folder / "program\\";
+        inputs.installFolder = folder / "tree";
+        catalogue.pluginFolder = inputs.installFolder + "\\Plugin";
+        catalogue.showCategories = true;
+        catalogue.categories = {{"100_tools", "100", "Tools"}};
+        catalogue.baseComponents = {{"PE Builder", "pebuilder3110a.zip", "", true, true, "u", ""}};
+        catalogue.baseComponents[0].crc =
+            WriteArchive("pebuilder3110a.zip", {{"mkisofs.exe", "x"},
+                                                {"pebuilder.exe", "x"},
+                                                {"plugin/a43/a43.inf", "x"},
+                                                {"plugin/bootfix/bootfix.inf", kInf}});
+        AddPlugin("One", "one.zip");
+        AddPlugin("Two", "two.zip");
+        folder.Write("program\\readme.txt", "read me");
+    }
+
+    std::string WriteArchive(const std::string& name,
+                             const std::vector<std::pair<std::string, std::string>>& members) {
+        const TestArchive archive(members);
+        return clsCRC().CalculateFile(folder.Write("program\\" + name, archive.Bytes()));
+    }
+
+    void AddPlugin(const std::string& name, const std::string& zip) {
+        const std::string crc =
+            WriteArchive(zip, {{"p.inf", "[PEBuilder]\r\nName=" + name + "\r\n"}});
+        catalogue.plugins.push_back({name, zip, "100", true, false, "", crc});
+    }
+
+    BuildEnding Run() {
+        clsBuildRun run(inputs, catalogue, frontEnd);
+        run.SetNetworkProbe([this] { return network; });
+        return run.Run();
+    }
+
+    [[nodiscard]] std::string InTree(const std::string& name) const {
+        return inputs.installFolder + "\\" + name;
+    }
+    [[nodiscard]] bool PluginIsThere(const std::string& name) const {
+        return FileExists(InTree("Plugin\\100_tools\\" + name + "\\p.inf"));
+    }
+    [[nodiscard]] bool ReachedDone() const {
+        const auto& lines = frontEnd.lines;
+        return lines.size() > 2 && lines.back() == "click 'Finish' to exit" &&
+               lines[lines.size() - 2].starts_with("Done... [") &&
+               frontEnd.ending == BuildEnding::Done && frontEnd.statuses.back() == "Done";
+    }
+
+    TestFolder folder;
+    Catalogue catalogue;
+    BuildInputs inputs;
+    RecordingFrontEnd frontEnd;
+    bool network = true;
+};
+
+FileHandle Lock(const std::string& path) {
+    FileHandle lock(CreateFileA(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    REQUIRE(static_cast<bool>(lock));
+    return lock;
+}
+
+} // namespace
+
+TEST_CASE_FIXTURE(Fixture, "a build makes the whole tree") {
+    folder.Write("tree\\old.txt", "of an earlier build");
+    CHECK(Run() == BuildEnding::Done);
+    CHECK(ReachedDone());
+    CHECK(frontEnd.questions ==
+          std::vector<std::string>{"Project folder allready exists. Do you want to continue"});
+    CHECK(frontEnd.done == 3);
+    CHECK(frontEnd.total == 3);
+    CHECK_FALSE(FileExists(InTree("old.txt")));
+    CHECK(FileExists(InTree("mymkisofs.exe")));
+    CHECK_FALSE(FolderExists(InTree("Plugin\\a43")));
+    CHECK(PluginIsThere("one"));
+    CHECK(PluginIsThere("two"));
+    CHECK(ReadWholeFile(InTree("readme.txt")) == "read me");
+    const clsINI one(InTree("Plugin\\100_tools\\one\\p.inf"));
+    CHECK(one.GetStringValue("PEBuilder", "Name") == "100 One");
+    const clsINI heading(InTree("Plugin\\100_tools\\100_tools.inf"));
+    CHECK(heading.GetStringValue("Version", "Signature") == "$Windows NT$");
+    CHECK(heading.GetStringValue("PEBuilder", "Name").starts_with("100 ============[ Tools ]="));
+
+    const std::string moved = InTree("Plugin\\100_tools\\bootfix\\bootfix.inf");
+    CHECK(ReadWholeFile(moved).find(";[Append]\r\n;nu2menu.xml, boot.xml") != std::string::npos);
+    const clsINI menu(InTree("vesklive.ini"));
+    CHECK(menu.GetAllSections() == std::vector<std::string>{"0", "Categories", ""});
+    CHECK(menu.GetStringValue("0", "Name") == "100 Boot");
+    CHECK(menu.GetStringValue("0", "Cat") == "100");
+    CHECK(menu.GetStringValue("0", "Inf0") == moved);
+    CHECK(menu.GetStringValue("Categories", "100") == "100_tools");
+    REQUIRE(catalogue.plugins.size() == 3);
+    CHECK(catalogue.plugins[2] == CatalogueEntry{"100 Boot", "", "100", false, false, "", ""});
+
+    const std::string startMenu = SpecialFolderPath(SpecialFolder::CommonPrograms);
+    const std::string link = ReadWholeFile(startMenu + "\\Vesk Builder\\Vesk Builder.lnk");
+    CHECK(link.find("pebuilder.exe") != std::string::npos);
+    CHECK(FileExists(startMenu + "\\Vesk Builder\\ReadMe.lnk"));
+    CHECK(FileExists(SpecialFolderPath(SpecialFolder::Desktop) + "\\Vesk Builder.lnk"));
+}
+
+TEST_CASE_FIXTURE(Fixture, "the answer No leaves the folder as it is") {
+    const std::string old = folder.Write("tree\\old.txt", "kept");
+    frontEnd.answer = false;
+    CHECK(Run() == BuildEnding::Aborted);
+    CHECK(FileExists(old));
+    REQUIRE(frontEnd.lines.size() == 2);
+    CHECK(frontEnd.lines[0].starts_with("Aborted... ["));
+    CHECK(frontEnd.statuses == std::vector<std::string>{"Confirmation", "Done"});
+}
+
+TEST_CASE_FIXTURE(Fixture, "a stop asked for is obeyed at the next step") {
+    frontEnd.onLine = [this](const std::string& line) {
+        frontEnd.stop = frontEnd.stop || line == "Archive:  " + inputs.programPath + "one.zip";
+    };
+    CHECK(Run() == BuildEnding::Aborted);
+    CHECK(PluginIsThere("one"));
+    CHECK_FALSE(PluginIsThere("two"));
+    CHECK_FALSE(FileExists(InTree("vesklive.ini")));
+}
+
+TEST_CASE_FIXTURE(Fixture, "PE Builder's archive decides how a run goes on") {
+    const std::string archive = inputs.programPath + "pebuilder3110a.zip";
+    catalogue.baseComponents[0].crc = "BAD";
+
+    SUBCASE("without a network nothing is touched, and the run ends as done") {
+        network = false;
+        const std::string old = folder.Write("tree\\old.txt", "kept");
+        CHECK(Run() == BuildEnding::Done);
+        CHECK(ReachedDone());
+        CHECK(frontEnd.Logged("ERROR: no network connection, download failed"));
+        CHECK(FileExists(old));
+        CHECK(frontEnd.downloads.empty());
+    }
+    SUBCASE("a download with another checksum ends the run as failed and does not stay") {
+        frontEnd.download = [](const std::string&) { return DownloadResult::CrcDiffers; };
+        CHECK(Run() == BuildEnding::InstallFailed);
+        CHECK(frontEnd.downloads == std::vector<std::string>{archive});
+        CHECK_FALSE(FileExists(archive));
+        CHECK(frontEnd.Logged("Warning: pebuilder3110a.zip CRC failed, setup cannot continue !!!"));
+        CHECK(frontEnd.Logged("Install failed... ["));
+        CHECK_FALSE(FolderExists(inputs.installFolder));
+    }
+    SUBCASE("failed and cancelled downloads go on without it") {
+        for (const bool cancelled : {false, true}) {
+            frontEnd.lines.clear();
+            frontEnd.download = [&](const std::string&) {
+                return cancelled ? DownloadResult::Cancelled : DownloadResult::Failed;
+            };
+            CHECK(Run() == BuildEnding::Done);
+            CHECK(frontEnd.Logged(
+                cancelled ? "Warning: download cancelled by user. !!!"
+                          : "Warning: pebuilder3110a.zip could not be downloaded. !!!"));
+            CHECK(frontEnd.Logged("Archive: " + archive + " [not found]"));
+            CHECK_FALSE(FileExists(InTree("input.inf")));
+            CHECK(PluginIsThere("one"));
+        }
+    }
+    SUBCASE("a good download is used") {
+        frontEnd.download = [&](const std::string&) {
+            catalogue.baseComponents[0].crc = clsCRC().CalculateFile(archive);
+            return DownloadResult::Done;
+        };
+        CHECK(Run() == BuildEnding::Done);
+        CHECK(FileExists(InTree("pebuilder.exe")));
+    }
+}
+
+TEST_CASE_FIXTURE(Fixture, "plug-ins are fetched when ticked, addressed and missing") {
+    const std::string one = inputs.programPath + "one.zip";
+    RemoveFile(one);
+    catalogue.plugins[0].url = "http://h/one.zip";
+    catalogue.plugins[1].url = "http://h/two.zip"; // its archive is there
+    frontEnd.download = [this](const std::string& destination) {
+        WriteCompleteFile(destination, "something else");
+        return DownloadResult::CrcDiffers;
+    };
+    CHECK(Run() == BuildEnding::Done);
+    CHECK(frontEnd.downloads == std::vector<std::string>{one});
+    CHECK_FALSE(FileExists(one));
+    CHECK(frontEnd.Logged("Warning: one.zip CRC failed. !!!"));
+    CHECK(frontEnd.Logged("Archive: " + one + " [not found]"));
+    CHECK(PluginIsThere("two"));
+}
+
+// Whatever fails, the run reaches its end with everything else done.
+TEST_CASE_FIXTURE(Fixture, "no failing step ends the run") {
+    const auto runs = [&] {
+        CHECK(Run() == BuildEnding::Done);
+        CHECK(ReachedDone());
+        CHECK(PluginIsThere("two"));
+    };
+    SUBCASE("a file of the old tree is in use") {
+        const FileHandle lock = Lock(folder.Write("tree\\used.txt", "x"));
+        folder.Write("tree\\other.txt", "x");
+        runs();
+        CHECK(FileExists(InTree("used.txt")));
+        CHECK_FALSE(FileExists(InTree("other.txt")));
+        CHECK(PluginIsThere("one"));
+    }
+    SUBCASE("an archive is in use") {
+        const FileHandle lock = Lock(inputs.programPath + "one.zip");
+        runs();
+        CHECK(frontEnd.Logged("Warning: one.zip CRC failed. !!!"));
+    }
+    SUBCASE("an archive is no archive") {
+        folder.Write("program\\one.zip", "text");
+        catalogue.plugins[0].crc = clsCRC().CalculateString("text") != 0
+                                       ? clsCRC().CalculateFile(inputs.programPath + "one.zip")
+                                       : "";
+        runs();
+        CHECK_FALSE(PluginIsThere("one"));
+    }
+    SUBCASE("a member's place is taken by a folder") {
+        catalogue.baseComponents[0].crc =
+            WriteArchive("pebuilder3110a.zip", {{"input.inf/", ""},
+                                                {"vesklive.ini/", ""},
+                                                {"readme.txt/", ""},
+                                                {"mymkisofs.exe/", ""},
+                                                {"Plugin/100_tools/one/p.inf/", ""}});
+        runs();
+    }
+    SUBCASE("a cabinet is damaged") {
+        folder.Write("program\\one.cab", "MSCF");
+        catalogue.plugins[0].zip = "one.cab";
+        catalogue.plugins[0].crc = clsCRC().CalculateFile(inputs.programPath + "one.cab");
+        runs();
+    }
+    SUBCASE("a script fails in its second line") {
+        catalogue.baseComponents.push_back({"More", "more.zip", "", true, false, "", ""});
+        catalogue.baseComponents[1].crc = WriteArchive(
+            "more.zip", {{"x.script", "[base]\r\ndirmake,%ProgramPath%\\made\r\ndirmake\r\n"}});
+        runs();
+        CHECK(FolderExists(InTree("made")));
+        CHECK_FALSE(FileExists(InTree("x.script")));
+    }
+    SUBCASE("no category, and a title that is too long") {
+        catalogue.categories.insert(catalogue.categories.begin(),
+                                    {"900_x", "900", std::string(60, 't')});
+        catalogue.plugins[0].cat = "unknown";
+        runs();
+        CHECK(FileExists(InTree("Plugin\\one\\p.inf")));
+    }
+    SUBCASE("the read-me is missing, the download fails in the front end itself") {
+        RemoveFile(inputs.programPath + "readme.txt");
+        catalogue.plugins.push_back({"Three", "3.zip", "100", true, false, "u", "1"});
+        frontEnd.download = [](const std::string&) -> DownloadResult {
+            throw std::runtime_error("no window");
+        };
+        runs();
+        CHECK(frontEnd.Logged("Warning: 3.zip could not be downloaded. !!!"));
+    }
+    SUBCASE("an extension that is neither zip nor cab is logged and left") {
+        folder.Write("program\\one.rar", "x");
+        catalogue.plugins[0].zip = "one.rar";
+        catalogue.plugins[0].crc = clsCRC().CalculateFile(inputs.programPath + "one.rar");
+        runs();
+        CHECK(frontEnd.Logged("Archive:  " + inputs.programPath + "one.rar"));
+    }
+}
+
+TEST_CASE_FIXTURE(Fixture, "a folder that holds what must stay is never emptied") {
+    const std::string kept = folder.Write("program\\kept.txt", "x");
+    for (const std::string& chosen :
+         {folder.Path(), folder / "program", folder / "PROGRAM\\", folder / "x\\..\\program",
+          std::string("C:\\"), std::string("C:"), SpecialFolderPath(SpecialFolder::Windows),
+          SpecialFolderPath(SpecialFolder::ProgramFiles), std::string("\\\\server\\share"),
+          std::string(), std::string("\\"), kept}) {
+        CAPTURE(chosen);
+        inputs.installFolder = chosen;
+        CHECK_FALSE(InstallFolderProblem(inputs).empty());
+        CHECK(Run() == BuildEnding::Aborted);
+        CHECK(FileExists(kept));
+    }
+    inputs.installFolder = folder / "program\\tree";
+    CHECK(InstallFolderProblem(inputs).empty());
+    inputs.sourceFolder = folder / "program\\tree\\cd\\";
+    CHECK_FALSE(InstallFolderProblem(inputs).empty());
+}

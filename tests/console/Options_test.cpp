@@ -1,0 +1,53 @@
+#include "console/CatalogueTable.h"
+#include "console/Options.h"
+
+#include <doctest/doctest.h>
+
+using namespace vesk;
+
+TEST_CASE("options are read") {
+    const ConsoleOptions options =
+        ParseOptions({"--install", "C:\\x", "--enable", "A", "--enable", "B b", "--disable", "C",
+                      "--no", "--proxy", "proxy:8080", "--quiet", "--source", "D:\\"});
+    CHECK(options.action == ConsoleOptions::Action::Build);
+    CHECK(options.install == "C:\\x");
+    CHECK(options.source == "D:\\");
+    CHECK(options.enable == std::vector<std::string>{"A", "B b"});
+    CHECK(options.disable == std::vector<std::string>{"C"});
+    CHECK(options.answer == false);
+    CHECK(options.quiet);
+    REQUIRE(options.proxy);
+    CHECK(options.proxy->host == "proxy");
+    CHECK(options.proxy->port == 8080);
+    CHECK_FALSE(ParseOptions({}).answer.has_value());
+}
+
+TEST_CASE("wrong options are refused with a sentence that names them") {
+    using Arguments = std::vector<std::string>;
+    struct Row {
+        Arguments arguments;
+        const char* named;
+    };
+    for (const Row& row :
+         {Row{{"--instal"}, "--instal"}, Row{{"x"}, "\"x\""}, Row{{"--install"}, "--install needs"},
+          Row{{"--enable", ""}, "--enable"}, Row{{"--yes", "--no"}, "exclude"},
+          Row{{"--proxy", "host"}, "host"}, Row{{"--proxy", "host:0"}, "host:0"},
+          Row{{"--proxy", ":80"}, ":80"}, Row{{"--proxy", "host:65536"}, "65536"},
+          Row{{"--proxy", "host:8x"}, "8x"}}) {
+        CAPTURE(row.named);
+        CHECK_THROWS_WITH_AS(ParseOptions(row.arguments), doctest::Contains(row.named), UsageError);
+    }
+}
+
+TEST_CASE("the catalogue as a table") {
+    Catalogue catalogue;
+    catalogue.baseComponents = {{"Base", "b.zip", "", true, true, "", "1"}};
+    catalogue.plugins = {{"A longer name", "p.cab", "100", false, false, "", "2"}};
+    CHECK(CatalogueTable(catalogue,
+                         [](const CatalogueEntry& entry) {
+                             return entry.lock ? ArchiveState::Good : ArchiveState::CrcDiffers;
+                         }) ==
+          "Kind     Ticked  Locked  Category  Name           Archive  Present\n"
+          "base     yes     yes               Base           b.zip    good\n"
+          "plug-in  no      no      100       A longer name  p.cab    CRC differs\n");
+}

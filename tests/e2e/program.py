@@ -1,0 +1,90 @@
+"""A fresh program folder with the delivered veskbuild.exe in it, and what it says when run."""
+
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import tempfile
+import unittest
+import zipfile
+import zlib
+
+PROGRAMS = pathlib.Path(os.environ["VESK_PROGRAMS"])
+TOP = pathlib.Path(__file__).resolve().parents[2]
+WINE = os.environ.get("VESK_EMULATOR", "").split()
+
+DATE = re.compile(r"\[\d+/\d+/\d{4} \d+:\d\d:\d\d [AP]M\]")
+
+
+def windows_path(path):
+    return "Z:" + str(path).replace("/", "\\")
+
+
+def zip_bytes(path, members):
+    """Writes a ZIP archive of names and texts; returns its checksum as catalogues hold it."""
+    with zipfile.ZipFile(path, "w", zipfile.ZIP_DEFLATED) as archive:
+        for name, text in members.items():
+            archive.writestr(zipfile.ZipInfo(name, (2006, 5, 4, 3, 2, 2)), text)
+    return f"{zlib.crc32(path.read_bytes()):X}"
+
+
+class ProgramTest(unittest.TestCase):
+    """Each test has its own folder: program/ with veskbuild.exe, and tree as installation folder."""
+
+    def setUp(self):
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="vesk-e2e-"))
+        self.addCleanup(shutil.rmtree, self.folder)
+        self.program = self.folder / "program"
+        self.program.mkdir()
+        shutil.copy(PROGRAMS / "veskbuild.exe", self.program)
+        self.tree = self.folder / "tree"
+
+    def run_program(self, *arguments, stdin=subprocess.DEVNULL):
+        result = subprocess.run(
+            [*WINE, str(self.program / "veskbuild.exe"), *arguments],
+            stdin=stdin, capture_output=True, timeout=60, encoding="cp1252")
+        # Wine itself complains that Z: has no volume label.
+        errors = [line for line in result.stderr.splitlines(True) if not line.startswith("wine: ")]
+        return result.returncode, result.stdout.splitlines(), "".join(errors)
+
+    def build(self, *arguments):
+        """A run into the tree; returns exit code, normalised log lines and the error output."""
+        code, lines, errors = self.run_program("--install", windows_path(self.tree), *arguments)
+        return code, [self.normalised(line) for line in lines], errors
+
+    def normalised(self, line):
+        line = line.replace(windows_path(self.program), "{PROGRAM}")
+        line = line.replace(windows_path(self.tree), "{TREE}")
+        line = line.replace(windows_path(self.folder), "{FOLDER}")
+        line = re.sub(r"C:\\users\\[^\\]+\\Desktop", "{DESKTOP}", line)
+        line = re.sub(r"^(Vesk Builder v)[\d.]+ ----", r"\1{VERSION} ----", line)
+        return DATE.sub("[{DATE}]", line)
+
+    def write_catalogue(self, base, plugins=(), categories=(("100", "100_tools"),)):
+        """Entries are (name, archive, category, enabled, lock, url, crc)."""
+        lines = ["[Install]", "Folder=VeskLive", "Path=0", "[Base]"]
+        for section, entries in (("Base", base), ("Plugin", plugins)):
+            if section == "Plugin":
+                lines.append("[Plugin]")
+            for i, (name, zip_name, cat, enabled, lock, url, crc) in enumerate(entries):
+                lines += [f"Name{i}={name} ", f"Zip{i}={zip_name} "]
+                lines += [f"Cat{i}={cat} "] if section == "Plugin" else []
+                lines += [f"Enabled{i}={enabled}", f"Lock{i}={lock}", f"Url{i}={url} ",
+                          f"CRC{i}={crc} "]
+        lines += ["[Categories]", "ShowCategories=-1"] + [f"{k}={v}" for k, v in categories]
+        (self.program / "veskbuilder.ini").write_text("\r\n".join(lines) + "\r\n", "cp1252",
+                                                       newline="")
+
+    def write_small_catalogue(self):
+        """One base component and two plug-ins, the second locked and unticked."""
+        crc = zip_bytes(self.program / "pebuilder3110a.zip", {"pebuilder.exe": "x"})
+        one = zip_bytes(self.program / "one.zip", {"one.inf": "[PEBuilder]\r\nName=One\r\n"})
+        self.write_catalogue(
+            [("PE Builder", "pebuilder3110a.zip", "", 1, 1, "", crc)],
+            [("One", "one.zip", "100", 1, 0, "", one),
+             ("Locked", "locked.zip", "100", 0, 1, "", "1")])
+
+
+def files_below(folder):
+    return sorted(str(path.relative_to(folder)) for path in folder.rglob("*") if path.is_file())

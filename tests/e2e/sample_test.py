@@ -1,0 +1,64 @@
+#!/usr/bin/env python3
+"""The sample, built by the delivered program: the whole log, and what stands in the tree."""
+
+import shutil
+import subprocess
+import sys
+import unittest
+
+from program import TOP, WINE, ProgramTest, files_below, windows_path
+
+START_MENU = r"C:\ProgramData\Microsoft\Windows\Start Menu\Programs\Vesk Builder"
+EXPECTED_LOG = TOP / "tests/data/sample_build.log"
+
+
+class Sample(ProgramTest):
+    def setUp(self):
+        super().setUp()
+        self.sample = self.folder / "sample"
+        subprocess.run([sys.executable, TOP / "sample/make_sample.py", self.sample], check=True)
+        for file in (self.sample / "program").iterdir():
+            shutil.copy(file, self.program)
+        shutil.copy(self.sample / "server/hexview.zip", self.program)
+        shutil.copy(TOP / "packaging/readme.txt", self.program)
+
+    def test_log_and_tree(self):
+        # A start menu folder of an earlier build would be deleted with a log line of its own.
+        subprocess.run([*WINE, "cmd", "/c", "rmdir", "/s", "/q", START_MENU], check=False,
+                       capture_output=True, timeout=60)
+        code, lines, errors = self.build("--source", windows_path(self.sample / "source"))
+        self.assertEqual(errors, "")
+        self.assertEqual(code, 1)  # one archive is damaged
+        self.maxDiff = None
+        self.assertEqual(lines, EXPECTED_LOG.read_text("cp1252").splitlines())
+        saved = (self.program / "veskbuider.log").read_bytes().decode("cp1252")
+        self.assertEqual([self.normalised(line) for line in saved.split("\r\n")], lines + [""])
+
+        settings = (self.tree / "input.inf").read_text("cp1252").splitlines()
+        self.assertEqual(settings[0], "[input]")
+        self.assertEqual(len(settings), 23)
+        self.assertEqual(settings[13], "isofile=" + windows_path(self.tree) + "\\veskbuilder.iso")
+        self.assertEqual(settings[16], "source=" + windows_path(self.sample / "source") + "\\")
+        helper = self.tree / "Plugin/500_security/sphelper/sphelper.inf"
+        self.assertIn("Enable=1", helper.read_text("cp1252"))
+        hexview = (self.tree / "Plugin/200_applications/hexview/hexview.inf").read_text("cp1252")
+        self.assertIn("Name=200 Hex Viewer", hexview)
+        self.assertIn(";nu2menu.xml, hexview_nu2menu.xml", hexview)
+        names = files_below(self.tree)
+        self.assertIn("Plugin/100_system_tools/regtool/files/regtool.txt", names)
+        self.assertIn("mymkisofs.exe", names)
+        self.assertFalse([name for name in names if "diskcheck" in name or "netnotes" in name])
+        self.assertTrue((self.tree / "Vesk").is_dir())
+        self.assertEqual((self.tree / "pebuilder.exe").stat().st_mtime % 60, 2)
+
+    def test_without_a_source_the_declaring_plugin_is_disabled(self):
+        code, lines, _ = self.build("--enable", "network notes", "--disable", "Disk Checker")
+        self.assertEqual(code, 0)
+        self.assertIn("Source path: Invalid", lines)
+        helper = self.tree / "Plugin/500_security/sphelper/sphelper.inf"
+        self.assertIn("Enable=0", helper.read_text("cp1252"))
+        self.assertTrue((self.tree / "Plugin/300_drivers_and_network/netnotes").is_dir())
+
+
+if __name__ == "__main__":
+    unittest.main()

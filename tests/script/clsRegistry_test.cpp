@@ -1,0 +1,162 @@
+#include "script/clsRegistry.h"
+
+#include "base/Failure.h"
+#include "base/UniqueHandle.h"
+#include "script/RegistryTestKey.h"
+
+#include <doctest/doctest.h>
+
+#include <algorithm>
+
+using namespace vesk;
+using namespace vesk::test;
+
+namespace {
+
+constexpr std::uint32_t kUser = 0x80000001;
+constexpr std::uint32_t kDynamicData = 0x80000006;
+using Texts = std::vector<std::string>;
+
+std::string Below(const std::string& name) {
+    return std::string(kTestKey) + "\\" + name;
+}
+
+std::string StoredBytes(const std::string& name) {
+    std::string bytes(64, '\0');
+    DWORD size = 64;
+    SHGetValueA(HKEY_CURRENT_USER, kTestKey, name.c_str(), nullptr, bytes.data(), &size);
+    return bytes.substr(0, size);
+}
+
+/// The number of the next handle: it grows with every handle that is left open.
+std::uintptr_t NextHandle() {
+    const UniqueHandle<::CloseHandle, HANDLE> event(CreateEventA(nullptr, FALSE, FALSE, nullptr));
+    return reinterpret_cast<std::uintptr_t>(event.Get());
+}
+
+} // namespace
+
+TEST_CASE("each type is stored as it is stored, and told as it is told") {
+    const RegistryTestKey key;
+    const RegistryData list = Texts{"a", "b"};
+    CHECK(clsRegistry::SetKeyValue(kUser, kTestKey, "text", "some text", 1));
+    CHECK(clsRegistry::SetKeyValue(kUser, kTestKey, "number", "16", 4));
+    CHECK(clsRegistry::SetKeyValue(kUser, kTestKey, "list", list, 7));
+    CHECK_FALSE(
+        clsRegistry::SetKeyValue(kUser, kTestKey, "binary", "31", 3)); // written all the same
+    for (const std::uint32_t type : {0u, 2u, 5u, 6u, 8u})
+        CHECK_FALSE(clsRegistry::SetKeyValue(kUser, kTestKey, "text", "other", type));
+
+    const std::string told = RegQuery();
+    CAPTURE(told);
+    for (const char* line : {" text REG_SZ some text\n", " number REG_DWORD 0x10\n",
+                             " list REG_MULTI_SZ a", " binary REG_BINARY 3100\n"})
+        CHECK(told.find(line) != std::string::npos);
+    CHECK(clsRegistry::QueryValue(kUser, kTestKey, "text") == "some text");
+    CHECK(clsRegistry::QueryValue(kUser, kTestKey, "number") == "16");
+    CHECK(clsRegistry::QueryValue(kUser, kTestKey, "binary") == "3100");
+    CHECK(clsRegistry::QueryValue(kUser, kTestKey, "list") == "a");
+    CHECK(clsRegistry::QueryValue(kUser, kTestKey, "none").empty());
+    CHECK(StoredBytes("list") == std::string("a\0b\0", 4)); // no second NUL
+
+    constexpr std::string_view kVariable = "%SystemRoot%\\x";
+    SHSetValueA(HKEY_CURRENT_USER, kTestKey, "expand", REG_EXPAND_SZ, kVariable.data(),
+                kVariable.size() + 1);
+    const std::string expanded = clsRegistry::QueryValue(kUser, kTestKey, "expand");
+    CHECK(expanded.find('%') == std::string::npos);
+    CHECK(expanded.ends_with("\\x"));
+}
+
+TEST_CASE("a key that is not there is not made, and the results say so") {
+    const RegistryTestKey key;
+    for (const std::uint32_t root : {kUser, kDynamicData, 0u}) {
+        CAPTURE(root);
+        CHECK_FALSE(clsRegistry::SetKeyValue(root, Below("none"), "n", "1", 1));
+        CHECK_FALSE(clsRegistry::SetKeyValue(root, Below("none"), "n", "1", 4));
+        CHECK(clsRegistry::SetKeyValue(root, Below("none"), "n", "1", 3));
+        CHECK_FALSE(clsRegistry::EnumKeys(root, Below("none")).has_value());
+        CHECK(clsRegistry::IsPathEmpty(root, Below("none")));
+        clsRegistry::DeleteValue(root, Below("none"), "n");
+        clsRegistry::DeleteKey(root, Below("none"), "n");
+    }
+    clsRegistry::CreateNewKey(kDynamicData, Below("none"));
+    CHECK(RegQuery().find("none") == std::string::npos);
+}
+
+TEST_CASE("keys are created level by level, listed and deleted") {
+    const RegistryTestKey key;
+    clsRegistry::CreateNewKey(kUser, Below("one\\two\\three"));
+    clsRegistry::SetKeyValue(kUser, Below("one"), "kept", "x", 1);
+    clsRegistry::CreateNewKey(kUser, Below("one"));
+    clsRegistry::CreateNewKey(kUser, Below("other"));
+    CHECK(clsRegistry::QueryValue(kUser, Below("one"), "kept") == "x");
+    auto names = clsRegistry::EnumKeys(kUser, kTestKey).value_or(Texts{});
+    std::ranges::sort(names);
+    CHECK(names == Texts{"one", "other"});
+    clsRegistry::DeleteKey(kUser, kTestKey, "one"); // has keys below it
+    clsRegistry::DeleteKey(kUser, kTestKey, "other");
+    CHECK(clsRegistry::EnumKeys(kUser, kTestKey) == Texts{"one"});
+    const std::string told = RegQuery();
+    CAPTURE(told);
+    CHECK(told.find("VeskBuilderTest\\one\\two\\three\n") != std::string::npos);
+}
+
+TEST_CASE("values are listed up to the first that is too long") {
+    const RegistryTestKey key;
+    Texts names{"left over"};
+    Texts values{"left over"};
+    clsRegistry::EnumValues(kUser, kTestKey, names, values);
+    CHECK(names.empty());
+    CHECK(values.empty());
+    clsRegistry::SetKeyValue(kUser, kTestKey, "", "default", 1);
+    CHECK(clsRegistry::IsPathEmpty(kUser, kTestKey));
+    clsRegistry::SetKeyValue(kUser, kTestKey, "n", "value", 1);
+    CHECK_FALSE(clsRegistry::IsPathEmpty(kUser, kTestKey));
+    clsRegistry::EnumValues(kUser, kTestKey, names, values);
+    CHECK(names.size() == 2);
+    const auto at = static_cast<std::size_t>(std::ranges::find(names, "n") - names.begin());
+    CHECK(values.at(at) == "value");
+    clsRegistry::DeleteValue(kUser, kTestKey, "n");
+    clsRegistry::DeleteValue(kUser, kTestKey, "");
+    clsRegistry::SetKeyValue(kUser, kTestKey, "long", std::string(255, 'x'), 1);
+    clsRegistry::EnumValues(kUser, kTestKey, names, values);
+    CHECK(names.empty());
+}
+
+TEST_CASE("file types are the keys with a leading dot, in upper case") {
+    struct Association {
+        Association() { SHSetValueA(HKEY_CLASSES_ROOT, ".veskTest", nullptr, REG_SZ, "x", 2); }
+        Association(const Association&) = delete;
+        Association(Association&&) = delete;
+        Association& operator=(const Association&) = delete;
+        Association& operator=(Association&&) = delete;
+        ~Association() { SHDeleteKeyA(HKEY_CLASSES_ROOT, ".veskTest"); }
+    };
+    const Association association;
+    Texts list;
+    clsRegistry::GetFileTypes(list);
+    CHECK(std::ranges::count(list, "VESKTEST") == 1);
+    CHECK(std::ranges::count(list, "") == 0);
+    CHECK(std::ranges::count(list, "CLSID") == 0);
+}
+
+TEST_CASE("no operation keeps a key open, not even one that throws") {
+    const RegistryTestKey key;
+    Texts names, values;
+    const auto runAll = [&] {
+        CHECK_THROWS_AS(clsRegistry::SetKeyValue(kUser, kTestKey, "n", "no number", 4), Failure);
+        CHECK_THROWS_AS(clsRegistry::SetKeyValue(kUser, kTestKey, "n", "no list", 7), Failure);
+        clsRegistry::SetKeyValue(kUser, kTestKey, "n", "x", 1);
+        clsRegistry::CreateNewKey(kUser, Below("below"));
+        clsRegistry::EnumValues(kUser, kTestKey, names, values);
+        (void)clsRegistry::EnumKeys(kUser, kTestKey);
+        (void)clsRegistry::QueryValue(kUser, kTestKey, "n");
+        clsRegistry::DeleteKey(kUser, kTestKey, "below");
+        clsRegistry::DeleteValue(kUser, kTestKey, "n");
+    };
+    runAll();
+    const std::uintptr_t before = NextHandle();
+    for (int i = 0; i < 20; ++i)
+        runAll();
+    CHECK(NextHandle() <= before + 20); // nothing like one for each of the rounds
+}

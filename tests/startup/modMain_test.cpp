@@ -1,0 +1,27 @@
+#include "startup/modMain.h"
+
+#include <windows.h>
+
+#include <doctest/doctest.h>
+
+using namespace vesk;
+
+TEST_CASE("the program refuses what it cannot run on, the system first") {
+    const auto yes = [] { return true; };
+    const auto no = [] { return false; };
+    CHECK(CheckSystem({no, no}) == StartRefusal::NotWindowsNt);
+    CHECK(CheckSystem({yes, no}) == StartRefusal::NotAdministrator);
+    CHECK(CheckSystem({yes, yes}) == StartRefusal::None);
+    CHECK(RefusalText(StartRefusal::NotWindowsNt) ==
+          "Sorry only NT systems supported, setup cannot continue...");
+}
+
+TEST_CASE("the environment: cut, and empty when unset") {
+    SetEnvironmentVariableA("VESK_TEST", std::string(400, 'x').c_str());
+    CHECK(ReadEnvironmentVariable("VESK_TEST") == std::string(254, 'x'));
+    SetEnvironmentVariableA("VESK_TEST", nullptr);
+    CHECK(ReadEnvironmentVariable("VESK_TEST").empty());
+    SetEnvironmentVariableA("Temp", nullptr);
+    CHECK(FindProgramPaths().temporaryPath == "\\");
+    CHECK(FindProgramPaths().programPath.ends_with("\\tests\\"));
+}
