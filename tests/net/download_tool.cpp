@@ -19,7 +19,7 @@ struct Options {
     bool session = false;
     std::string crc;
     int times = 1;
-    bool timed = false; ///< Whether to say how long a download took.
+    bool timed = false;             ///< Whether to say how long a download took.
     DWORD cancelAfter = 0;          ///< Milliseconds; 0: never.
     std::string actEvent;           ///< Event in which something is done,
     std::string actAction;          ///< and what: cancel, restart or destroy.
