@@ -150,8 +150,8 @@ INT_PTR pagBase::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
         OnCreated();
         return FALSE;
     case WM_COMMAND:
-        if (HIWORD(wparam) == BN_KILLFOCUS)
-            RestoreDefaultButton(reinterpret_cast<HWND>(lparam), IDC_CMD_NEXT);
+        if (LOWORD(wparam) != IDC_TXT_PROG_PATH && LOWORD(wparam) != IDC_TXT_WIN_PATH)
+            FollowFocus(reinterpret_cast<HWND>(lparam), HIWORD(wparam), IDC_CMD_NEXT);
         return OnCommand(LOWORD(wparam), HIWORD(wparam));
     case WM_CTLCOLOREDIT:
         return OnColour(reinterpret_cast<HDC>(wparam), reinterpret_cast<HWND>(lparam));
