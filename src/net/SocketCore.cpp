@@ -17,7 +17,7 @@ namespace {
 /// busy machine below this; above it nothing is gained.
 constexpr std::size_t kLargestRead = std::size_t{512} * 1024;
 
-/// Asked of the system for a connection's receive buffer: the default halves the speed.
+/// Asked of the system for a connection's receive buffer: with the default one it runs full.
 constexpr int kReceiveBuffer = 1024 * 1024;
 
 /// No host name is longer.
