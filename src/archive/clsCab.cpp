@@ -200,7 +200,6 @@ void Iteration::RemoveIncomplete() {
     if (!writing_)
         return;
     incomplete_ = true;
-    SetFileAttributesA(writing_->path.c_str(), FILE_ATTRIBUTE_NORMAL);
     if (DeleteFileA(writing_->path.c_str()) == 0 && FileExists(writing_->path))
         Trace("incomplete, and cannot be removed: " + writing_->path);
     writing_.reset();
@@ -288,6 +287,9 @@ UINT Iteration::OnMemberToExtract(FILE_IN_CABINET_INFO_A& info) {
     } catch (const Failure& failure) {
         RaiseCabFailure(failure.number);
     }
+    // An older file goes now: what stands there after a failure is then the library's own, or it is
+    // something that could not be overwritten and stays.
+    DeleteFileA(path->c_str());
     info.FullTargetName[path->copy(info.FullTargetName, path->size())] = '\0';
     writing_ = Target{*path, info.FileSize};
     return FILEOP_DOIT;
@@ -296,6 +298,8 @@ UINT Iteration::OnMemberToExtract(FILE_IN_CABINET_INFO_A& info) {
 UINT Iteration::OnMemberExtracted(const FILEPATHS_A& paths) {
     // A damaged member may be reported without an error, so its size is looked at as well.
     if (paths.Win32Error != NO_ERROR || !writing_ || !HasSize(writing_->path, writing_->size)) {
+        if (writing_) // its attributes may have been set already
+            SetFileAttributesA(writing_->path.c_str(), FILE_ATTRIBUTE_NORMAL);
         RemoveIncomplete();
         return paths.Win32Error;
     }

@@ -25,9 +25,8 @@ void SetTimes(HANDLE handle, const FileStamp& stamp) {
                     pointer(stamp.modified));
 }
 
-/// Makes way for a new file. What stands there is deleted, not overwritten: a hard link's other
-/// names keep their content, and no old attribute or stream stays behind.
-void RemoveOldFile(const std::string& path) {
+/// Whether an old file may be replaced. @throws ZipProblem for what is no plain file
+void CheckReplaceable(const std::string& path) {
     const DWORD attributes = GetFileAttributesA(path.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES)
         ThrowLastError("cannot replace", path);
@@ -35,26 +34,27 @@ void RemoveOldFile(const std::string& path) {
         throw ZipProblem("a link stands in its place");
     if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
         throw ZipProblem("a folder stands in its place");
-    RemoveFile(path);
 }
 
-/// A file being written; deleted again unless Keep() is reached.
+/// A file being written; deleted again unless Keep() is reached. Nearly every file is new, so it is
+/// written under its own name. Where one stands already, the new one is written beside it and moved
+/// over it when complete: the old one is never half overwritten, and never written through should
+/// it be a second name of a file elsewhere.
 class NewFile {
 public:
     NewFile(const std::string& path, DWORD access, const FileStamp& stamp)
-        : path_(path), stamp_(stamp) {
-        // Nearly every file is new: only then is an old one looked at.
+        : finalPath_(path), path_(path), stamp_(stamp) {
         if (!Create(access) && GetLastError() == ERROR_FILE_EXISTS) {
-            RemoveOldFile(path_);
-            Create(access);
+            CheckReplaceable(finalPath_);
+            CreateBeside(access);
         }
         if (!file_)
-            ThrowLastError("cannot create", path_);
+            ThrowLastError("cannot create", finalPath_);
     }
     NewFile(const NewFile&) = delete;
     NewFile& operator=(const NewFile&) = delete;
     ~NewFile() {
-        if (!file_)
+        if (kept_ || !file_)
             return;
         file_.Reset();
         SetFileAttributesA(path_.c_str(), FILE_ATTRIBUTE_NORMAL);
@@ -95,19 +95,41 @@ public:
 
     void Keep() {
         SetTimes(file_.Get(), stamp_);
-        file_.Reset();
+        if (path_ != finalPath_)
+            MoveIntoPlace();
+        kept_ = true;
     }
 
 private:
+    /// Only where nothing stands, not even a link whose target is missing: without the last flag
+    /// the system would create that target.
     bool Create(DWORD access) {
-        file_.Reset(
-            CreateFileA(path_.c_str(), access, 0, nullptr, CREATE_NEW, stamp_.attributes, nullptr));
+        file_.Reset(CreateFileA(path_.c_str(), access, FILE_SHARE_DELETE, nullptr, CREATE_NEW,
+                                stamp_.attributes | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
         return static_cast<bool>(file_);
     }
 
-    const std::string& path_;
+    void CreateBeside(DWORD access) {
+        constexpr int kTries = 100; // names left behind by runs that were cut off
+        for (int number = 0; number < kTries; ++number) {
+            path_ = ParentOf(finalPath_) + "\\~vesk" + std::to_string(number);
+            if (Create(access) || GetLastError() != ERROR_FILE_EXISTS)
+                return;
+        }
+    }
+
+    /// The file is open until it is in place: after a failure the destructor finds it.
+    void MoveIntoPlace() {
+        SetFileAttributesA(finalPath_.c_str(), FILE_ATTRIBUTE_NORMAL);
+        if (MoveFileExA(path_.c_str(), finalPath_.c_str(), MOVEFILE_REPLACE_EXISTING) == 0)
+            ThrowLastError("cannot replace", finalPath_);
+    }
+
+    const std::string& finalPath_;
+    std::string path_;
     const FileStamp& stamp_;
     FileHandle file_;
+    bool kept_ = false;
 };
 
 /// A file system may promise a size that it cannot hold, and the first byte written into the mapped

@@ -165,6 +165,24 @@ void RefuseOverlaps(std::vector<ZipMember*>& located) {
     }
 }
 
+/// Whether every byte beyond ASCII belongs to a sequence as UTF-8 builds them.
+bool LooksLikeUtf8(std::string_view text) {
+    int following = 0;
+    for (const char c : text) {
+        const auto byte = static_cast<std::uint8_t>(c);
+        const bool continues = byte >> 6 == 2;
+        if (continues != (following > 0))
+            return false;
+        if (continues)
+            --following;
+        else if (byte >= 0xC2 && byte <= 0xF4)
+            following = byte < 0xE0 ? 1 : byte < 0xF0 ? 2 : 3;
+        else if (byte >= 0x80)
+            return false;
+    }
+    return following == 0;
+}
+
 } // namespace
 
 NameEncoding EncodingOf(const ZipMember& member, std::uint8_t host) {
@@ -175,8 +193,10 @@ NameEncoding EncodingOf(const ZipMember& member, std::uint8_t host) {
         return NameEncoding::Ascii;
     if ((member.flags & kFlagUtf8) != 0)
         return NameEncoding::Utf8;
-    const bool neverDos = host == kUnix || host == kMac || host == kMacOsX;
-    return neverDos ? NameEncoding::Ansi : NameEncoding::Oem;
+    if (host != kUnix && host != kMac && host != kMacOsX)
+        return NameEncoding::Oem;
+    // Archivers of these systems write their own UTF-8 names without the flag.
+    return LooksLikeUtf8(member.name) ? NameEncoding::Utf8 : NameEncoding::Ansi;
 }
 
 void ApplyExtraFields(Bytes extra, ZipMember& member, std::uint32_t& disk) {

@@ -63,10 +63,13 @@ std::size_t FindNoCase(std::string_view text, std::string_view what, std::size_t
     if (from > text.size())
         return std::string_view::npos;
     const auto rest = text.substr(from);
-    const auto found = std::ranges::search(rest, what, {}, Lower, Lower);
-    if (found.begin() == rest.end() && !what.empty())
+    // Not std::ranges::search: clang 14 cannot compile this library's version of it.
+    const auto found =
+        std::search(rest.begin(), rest.end(), what.begin(), what.end(),
+                    [](char left, char right) { return Lower(left) == Lower(right); });
+    if (found == rest.end() && !what.empty())
         return std::string_view::npos;
-    return from + static_cast<std::size_t>(found.begin() - rest.begin());
+    return from + static_cast<std::size_t>(found - rest.begin());
 }
 
 std::string ReplaceAll(std::string_view text, std::string_view what, std::string_view with) {

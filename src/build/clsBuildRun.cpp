@@ -311,8 +311,7 @@ void clsBuildRun::Steps::RunBaseScript(std::size_t index) {
 }
 
 void clsBuildRun::Steps::DownloadPlugins() {
-    for (std::size_t i = 0; i < catalogue_.plugins.size(); ++i) {
-        const CatalogueEntry plugin = catalogue_.plugins[i];
+    for (const CatalogueEntry& plugin : catalogue_.plugins) {
         if (!plugin.enabled || plugin.url.empty() || FileExists(ArchivePath(plugin)))
             continue;
         if (frontEnd_.StopRequested())
@@ -324,12 +323,12 @@ void clsBuildRun::Steps::DownloadPlugins() {
 }
 
 void clsBuildRun::Steps::InstallPlugins() {
-    for (std::size_t i = 0; i < catalogue_.plugins.size(); ++i) {
-        if (!catalogue_.plugins[i].enabled)
+    for (const CatalogueEntry& plugin : catalogue_.plugins) {
+        if (!plugin.enabled)
             continue;
         if (frontEnd_.StopRequested())
             return;
-        InstallPlugin(catalogue_.plugins[i]);
+        InstallPlugin(plugin);
         ComponentDone();
     }
 }

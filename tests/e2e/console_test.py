@@ -2,6 +2,7 @@
 """veskbuild's contract: streams, questions, exit codes, and care for what is the user's."""
 
 import os
+import sys
 import unittest
 
 from program import ProgramTest, windows_path, zip_bytes
@@ -100,4 +101,4 @@ class Console(ProgramTest):
 
 
 if __name__ == "__main__":
-    unittest.main()
+    unittest.main(argv=sys.argv[:1])

@@ -114,4 +114,4 @@ class Download(ProgramTest):
 
 
 if __name__ == "__main__":
-    unittest.main()
+    unittest.main(argv=sys.argv[:1])

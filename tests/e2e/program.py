@@ -1,18 +1,21 @@
-"""A fresh program folder with the delivered veskbuild.exe in it, and what it says when run."""
+"""A fresh program folder with the delivered veskbuild.exe in it, and what it says when run.
 
-import os
+Tests are started with the folder of the programs and the command that runs them.
+"""
+
 import pathlib
 import re
 import shutil
 import subprocess
+import sys
 import tempfile
 import unittest
 import zipfile
 import zlib
 
-PROGRAMS = pathlib.Path(os.environ["VESK_PROGRAMS"])
+PROGRAMS = pathlib.Path(sys.argv[1])
+WINE = sys.argv[2:]
 TOP = pathlib.Path(__file__).resolve().parents[2]
-WINE = os.environ.get("VESK_EMULATOR", "").split()
 
 DATE = re.compile(r"\[\d+/\d+/\d{4} \d+:\d\d:\d\d [AP]M\]")
 

@@ -61,4 +61,4 @@ class Sample(ProgramTest):
 
 
 if __name__ == "__main__":
-    unittest.main()
+    unittest.main(argv=sys.argv[:1])

@@ -1,0 +1,84 @@
+#pragma once
+
+#include "catalogue/Catalogue.h"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace vesk {
+
+/// A message box that the form is to show.
+struct EditorPrompt {
+    std::string text;
+    std::string title;
+    bool asksYesNo =
+        false; ///< Yes and No with the question icon; else OK with the information icon.
+
+    bool operator==(const EditorPrompt&) const = default;
+};
+
+/// What one frame of the catalogue editor does to its list, base components and plug-ins alike. The
+/// form shows entries and selection anew after each action.
+class clsEntryEditor {
+public:
+    static constexpr int kNoSelection = -1;
+
+    /// Takes a list to work on and selects its first entry.
+    void Load(std::vector<CatalogueEntry> entries);
+
+    [[nodiscard]] const std::vector<CatalogueEntry>& Entries() const { return entries_; }
+
+    /// What the entry selector offers: the names, in list order.
+    [[nodiscard]] std::vector<std::string> Names() const;
+
+    /// Index of the entry shown in the fields, or kNoSelection.
+    [[nodiscard]] int Selected() const { return selected_; }
+
+    /// The entry shown in the fields; null without a selection.
+    [[nodiscard]] const CatalogueEntry* Current() const;
+
+    /// Selects an entry; an index outside the list selects none.
+    void Select(int index);
+
+    /// Appends an empty entry and selects it.
+    void Add();
+
+    /// What to show before the selected entry goes: a refusal when it is locked, else the question
+    /// whether to remove it. Nothing without a selection.
+    [[nodiscard]] std::optional<EditorPrompt> PromptForRemoval() const;
+
+    /// Removes the selected entry, after a Yes, and selects the one before it; none after the
+    /// first. A list that becomes empty keeps one empty entry. A locked entry stays.
+    void Remove();
+
+    /// Exchanges the selected entry with its neighbour; it stays selected. Nothing happens at the
+    /// list's end and without a selection. @return whether it moved
+    bool MoveUp() { return MoveTo(selected_ - 1); }
+    bool MoveDown() { return MoveTo(selected_ + 1); }
+
+    /// Takes a browsed archive: its file name without the folder, and its checksum.
+    void TakeArchive(std::string_view path, const std::string& crc);
+
+    /// Changes one field of the selected entry: SetField(&CatalogueEntry::url, text).
+    template <class Value>
+    void SetField(Value CatalogueEntry::*field, std::type_identity_t<Value> value) {
+        if (selected_ != kNoSelection)
+            entries_[static_cast<std::size_t>(selected_)].*field = std::move(value);
+    }
+
+private:
+    [[nodiscard]] bool Holds(int index) const {
+        return index >= 0 && static_cast<std::size_t>(index) < entries_.size();
+    }
+    bool MoveTo(int index);
+
+    std::vector<CatalogueEntry> entries_;
+    int selected_ = kNoSelection;
+};
+
+} // namespace vesk

@@ -1,0 +1,102 @@
+// The wizard's entry: checks the system, then opens the form that the command line asks for.
+#include "base/modText.h"
+#include "startup/Version.h"
+#include "startup/modMain.h"
+#include "ui/frmBuilder.h"
+#include "ui/modProgramVersion.h"
+#include "ui/modWindow.h"
+
+#include <windows.h>
+
+#include <commctrl.h>
+#include <objbase.h>
+
+#include <exception>
+
+namespace vesk {
+
+namespace {
+
+/// Some of the shell's and the taskbar's objects need COM on the thread that uses them.
+class ComApartment {
+public:
+    ComApartment() : ready_(SUCCEEDED(CoInitialize(nullptr))) {}
+    ComApartment(const ComApartment&) = delete;
+    ComApartment& operator=(const ComApartment&) = delete;
+    ~ComApartment() {
+        if (ready_)
+            CoUninitialize();
+    }
+
+private:
+    bool ready_;
+};
+
+bool InitializeControls() {
+    INITCOMMONCONTROLSEX request{};
+    request.dwSize = sizeof request;
+    request.dwICC = ICC_USEREX_CLASSES | ICC_LISTVIEW_CLASSES | ICC_PROGRESS_CLASS;
+    return InitCommonControlsEx(&request) != FALSE;
+}
+
+/// Tells why the program refuses to start. @return false when it does
+bool SystemIsFit() {
+    const StartRefusal refusal = CheckSystem(WindowsProbe());
+    switch (refusal) {
+    case StartRefusal::None:
+        return true;
+    case StartRefusal::NotWindowsNt:
+        ShowMessage(nullptr, RefusalText(refusal), "Error", MB_OK | MB_ICONSTOP);
+        return false;
+    case StartRefusal::NotAdministrator:
+        ShowMessage(nullptr, RefusalText(refusal), kProductName, MB_OK | MB_ICONINFORMATION);
+        return false;
+    }
+    return false;
+}
+
+int RunMessageLoop() {
+    MSG message{};
+    while (GetMessageA(&message, nullptr, 0, 0) > 0)
+        DispatchForDialogs(message);
+    return static_cast<int>(message.wParam);
+}
+
+int RunWizard(const ProgramPaths& paths) {
+    frmBuilder wizard(paths);
+    wizard.Show();
+    // Systems from 6.0 to 6.3 draw the arrows of "< Back" and "Next >" badly in the dialog font.
+    if (SystemMajorVersion() == 6)
+        wizard.SetButtonFace("Arial");
+    return RunMessageLoop();
+}
+
+/// The catalogue editor's form, frmSetup, is opened here once it is part of the program.
+int RunCatalogueEditor(const ProgramPaths&) {
+    ShowMessage(nullptr, "The catalogue editor is not part of this version.", kProductName,
+                MB_OK | MB_ICONINFORMATION);
+    return 0;
+}
+
+int Main(const char* commandLine) {
+    if (!SystemIsFit())
+        return 1;
+    InitializeControls();
+    const ComApartment apartment;
+    const ProgramPaths paths = FindProgramPaths();
+    return EqualNoCase(FirstWord(commandLine, 1), "-setup") ? RunCatalogueEditor(paths)
+                                                            : RunWizard(paths);
+}
+
+} // namespace
+
+} // namespace vesk
+
+int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR commandLine, int) {
+    try {
+        return vesk::Main(commandLine);
+    } catch (const std::exception& failure) {
+        vesk::ShowMessage(nullptr, failure.what(), vesk::kProductName, MB_OK | MB_ICONERROR);
+        return 1;
+    }
+}

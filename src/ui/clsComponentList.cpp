@@ -1,0 +1,252 @@
+#include "ui/clsComponentList.h"
+
+#include "base/modFile.h"
+#include "ui/frmItems.h"
+#include "ui/modListWalk.h"
+#include "ui/modWindow.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace vesk {
+
+namespace {
+
+constexpr DWORD kDoubleBuffer = 0x00010000; // LVS_EX_DOUBLEBUFFER
+constexpr UINT_PTR kSubclassId = 1;
+constexpr int kTitleMargin = 16; // pixels at 96 DPI on both sides of a column's title together
+constexpr int kTextMargin = 6;   // pixels at 96 DPI between a column's widest text and the next one
+constexpr int kTipWidth = 420;   // pixels at 96 DPI, for long addresses
+
+/// Holds a flag up for the length of a scope.
+class Guard {
+public:
+    explicit Guard(bool& flag) : flag_(flag), before_(std::exchange(flag, true)) {}
+    Guard(const Guard&) = delete;
+    Guard& operator=(const Guard&) = delete;
+    ~Guard() { flag_ = before_; }
+
+private:
+    bool& flag_;
+    bool before_;
+};
+
+void SetCell(HWND list, int line, int column, const std::string& text) {
+    LVITEMA item{};
+    item.iSubItem = column;
+    item.pszText = const_cast<char*>(text.c_str()); // only read
+    SendMessageA(list, LVM_SETITEMTEXTA, static_cast<WPARAM>(line),
+                 reinterpret_cast<LPARAM>(&item));
+}
+
+/// Pixels that a column needs for its title and its texts.
+int FittingWidth(HWND list, int column) {
+    // Fitted to its title, the last column would take all the room that is left.
+    std::array<char, 64> title{};
+    LVCOLUMNA description{};
+    description.mask = LVCF_TEXT;
+    description.pszText = title.data();
+    description.cchTextMax = static_cast<int>(title.size());
+    SendMessageA(list, LVM_GETCOLUMNA, static_cast<WPARAM>(column),
+                 reinterpret_cast<LPARAM>(&description));
+    const auto titleWidth = static_cast<int>(
+        SendMessageA(list, LVM_GETSTRINGWIDTHA, 0, reinterpret_cast<LPARAM>(title.data())));
+    ListView_SetColumnWidth(list, column, LVSCW_AUTOSIZE);
+    return std::max(titleWidth + ScalePixels(kTitleMargin),
+                    ListView_GetColumnWidth(list, column) + ScalePixels(kTextMargin));
+}
+
+} // namespace
+
+clsComponentList::clsComponentList(Kind kind, Catalogue& catalogue, std::string programPath)
+    : kind_(kind), catalogue_(catalogue), programPath_(std::move(programPath)) {}
+
+std::vector<CatalogueEntry>& clsComponentList::Entries() const {
+    return kind_ == Kind::Plugins ? catalogue_.plugins : catalogue_.baseComponents;
+}
+
+int clsComponentList::LineCount() const {
+    return ListView_GetItemCount(list_);
+}
+
+const CatalogueEntry& clsComponentList::EntryAt(int line) const {
+    return Entries().at(static_cast<std::size_t>(line));
+}
+
+ArchivePlace clsComponentList::StateAt(int line) const {
+    const CatalogueEntry& entry = EntryAt(line);
+    return FindArchivePlace(entry, FileExists(programPath_ + entry.zip));
+}
+
+void clsComponentList::OpenSelected() const {
+    const int line = ListView_GetNextItem(list_, -1, LVNI_SELECTED);
+    if (line >= 0)
+        frmItems(catalogue_, EntryAt(line), programPath_).Show(list_);
+}
+
+void clsComponentList::Attach(HWND list) {
+    list_ = list;
+    ListView_SetExtendedListViewStyle(list_,
+                                      LVS_EX_CHECKBOXES | LVS_EX_FULLROWSELECT | kDoubleBuffer);
+    SetWindowSubclass(list_, ListProcedure, kSubclassId, reinterpret_cast<DWORD_PTR>(this));
+    AttachTip();
+    AddColumns();
+    Fill();
+    FitColumns();
+}
+
+void clsComponentList::AddColumns() {
+    std::vector<const char*> titles{"Name", "Archive", "State"};
+    if (kind_ == Kind::Plugins)
+        titles.insert(titles.begin() + 1, "Category");
+    for (int column = 0; column < static_cast<int>(titles.size()); ++column) {
+        LVCOLUMNA description{};
+        description.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_SUBITEM;
+        description.cx = ScalePixels(100);
+        description.iSubItem = column;
+        description.pszText = const_cast<char*>(titles[static_cast<std::size_t>(column)]);
+        SendMessageA(list_, LVM_INSERTCOLUMNA, static_cast<WPARAM>(column),
+                     reinterpret_cast<LPARAM>(&description));
+    }
+}
+
+void clsComponentList::Fill() {
+    const Guard guard(filling_);
+    const auto& entries = Entries();
+    for (int line = 0; line < static_cast<int>(entries.size()); ++line) {
+        const CatalogueEntry& entry = entries[static_cast<std::size_t>(line)];
+        LVITEMA item{};
+        item.mask = LVIF_TEXT;
+        item.iItem = line;
+        item.pszText = const_cast<char*>(entry.name.c_str());
+        SendMessageA(list_, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item));
+        ListView_SetCheckState(list_, line, entry.enabled);
+        int column = 1;
+        if (kind_ == Kind::Plugins)
+            SetCell(list_, line, column++, CategoryTitle(catalogue_, entry));
+        SetCell(list_, line, column, entry.zip);
+    }
+    RefreshStates();
+    ListView_SetItemState(list_, 0, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+}
+
+void clsComponentList::RefreshStates() {
+    const Guard guard(filling_);
+    const int column = kind_ == Kind::Plugins ? 3 : 2;
+    for (int line = 0; line < LineCount(); ++line)
+        SetCell(list_, line, column, StateText(EntryAt(line), StateAt(line)));
+}
+
+void clsComponentList::FitColumns() {
+    RECT client{};
+    GetClientRect(list_, &client);
+    int rest = client.right;
+    if (LineCount() > ListView_GetCountPerPage(list_))
+        rest -= GetSystemMetrics(SM_CXVSCROLL);
+    const int last = kind_ == Kind::Plugins ? 3 : 2;
+    for (int column = last; column >= 0; --column) {
+        // The first column takes the room that the others leave, if its texts need no more.
+        const int width = std::max(FittingWidth(list_, column), column == 0 ? rest : 0);
+        ListView_SetColumnWidth(list_, column, width);
+        rest -= width;
+    }
+}
+
+bool clsComponentList::HandleNotify(const NMHDR& header, LRESULT& result) {
+    if (header.hwndFrom == tip_ && tip_ && header.code == TTN_GETDISPINFOA) {
+        AnswerTip(reinterpret_cast<NMTTDISPINFOA&>(const_cast<NMHDR&>(header)));
+        return true;
+    }
+    if (header.hwndFrom != list_)
+        return false;
+    switch (header.code) {
+    case NM_CLICK:
+        Walk();
+        return false;
+    case NM_DBLCLK: {
+        LVHITTESTINFO hit{};
+        hit.pt = reinterpret_cast<const NMITEMACTIVATE&>(header).ptAction;
+        ListView_HitTest(list_, &hit);
+        if (hit.iItem >= 0 && (hit.flags & LVHT_ONITEMSTATEICON) == 0)
+            OpenSelected();
+        return false;
+    }
+    case LVN_ITEMCHANGED: {
+        const auto& change = reinterpret_cast<const NMLISTVIEW&>(header);
+        if (((change.uNewState ^ change.uOldState) & LVIS_STATEIMAGEMASK) != 0)
+            Walk();
+        return false;
+    }
+    case NM_CUSTOMDRAW:
+        result = Draw(reinterpret_cast<const NMLVCUSTOMDRAW&>(header));
+        return true;
+    default:
+        return false;
+    }
+}
+
+void clsComponentList::Walk() {
+    if (filling_)
+        return;
+    const Guard guard(filling_);
+    WalkTicks(Entries(), static_cast<std::size_t>(LineCount()),
+              {[this](std::size_t line) { return ListView_GetCheckState(list_, line) != 0; },
+               [this](std::size_t line, bool ticked) {
+                   ListView_SetCheckState(list_, static_cast<WPARAM>(line), ticked);
+               }});
+}
+
+LRESULT clsComponentList::Draw(const NMLVCUSTOMDRAW& draw) const {
+    if (draw.nmcd.dwDrawStage == CDDS_PREPAINT)
+        return CDRF_NOTIFYITEMDRAW;
+    const auto line = static_cast<std::size_t>(draw.nmcd.dwItemSpec);
+    if (draw.nmcd.dwDrawStage == CDDS_ITEMPREPAINT && line < Entries().size() &&
+        Entries()[line].lock)
+        const_cast<NMLVCUSTOMDRAW&>(draw).clrText = GetSysColor(COLOR_GRAYTEXT);
+    return CDRF_DODEFAULT;
+}
+
+void clsComponentList::AttachTip() {
+    tip_ = CreateWindowExA(WS_EX_TOPMOST, TOOLTIPS_CLASSA, nullptr,
+                           WS_POPUP | TTS_NOPREFIX | TTS_ALWAYSTIP, 0, 0, 0, 0, list_, nullptr,
+                           ProgramInstance(), nullptr);
+    TTTOOLINFOA tool{};
+    tool.cbSize = TTTOOLINFOA_V2_SIZE;
+    tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
+    tool.hwnd = GetParent(list_);
+    tool.uId = reinterpret_cast<UINT_PTR>(list_);
+    tool.lpszText = LPSTR_TEXTCALLBACKA;
+    SendMessageA(tip_, TTM_ADDTOOLA, 0, reinterpret_cast<LPARAM>(&tool));
+    SendMessageA(tip_, TTM_SETMAXTIPWIDTH, 0, ScalePixels(kTipWidth));
+    SendMessageA(tip_, TTM_SETDELAYTIME, TTDT_AUTOPOP, 30000);
+}
+
+void clsComponentList::FollowMouse(POINT position) {
+    LVHITTESTINFO hit{};
+    hit.pt = position;
+    const int line = static_cast<int>(
+        SendMessageA(list_, LVM_SUBITEMHITTEST, 0, reinterpret_cast<LPARAM>(&hit)));
+    if (line == tipLine_)
+        return;
+    tipLine_ = line;
+    SendMessageA(tip_, TTM_POP, 0, 0);
+}
+
+void clsComponentList::AnswerTip(NMTTDISPINFOA& info) {
+    const bool onLine = tipLine_ >= 0 && tipLine_ < LineCount();
+    tipText_ = onLine ? EntryTip(EntryAt(tipLine_), StateAt(tipLine_)) : std::string();
+    info.lpszText = tipText_.data();
+}
+
+LRESULT CALLBACK clsComponentList::ListProcedure(HWND window, UINT message, WPARAM wparam,
+                                                 LPARAM lparam, UINT_PTR id, DWORD_PTR self) {
+    if (message == WM_MOUSEMOVE)
+        reinterpret_cast<clsComponentList*>(self)->FollowMouse(
+            {static_cast<short>(LOWORD(lparam)), static_cast<short>(HIWORD(lparam))});
+    if (message == WM_NCDESTROY)
+        RemoveWindowSubclass(window, ListProcedure, id);
+    return DefSubclassProc(window, message, wparam, lparam);
+}
+
+} // namespace vesk

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "catalogue/Catalogue.h"
+#include "ui/modWizardText.h"
+
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <string>
+#include <vector>
+
+namespace vesk {
+
+/// A list view with check boxes that shows catalogue entries and keeps their ticks. Locked entries
+/// are shown in grey and spring back. Resting the mouse on a line shows the entry's tool tip, a
+/// double click opens the item view.
+class clsComponentList {
+public:
+    enum class Kind { BaseComponents, Plugins };
+
+    /// @param catalogue outlives the list; its entries take over the ticks
+    clsComponentList(Kind kind, Catalogue& catalogue, std::string programPath);
+
+    /// Takes over a list view of a dialog and fills it. The window must outlive this object or
+    /// destroy itself first.
+    void Attach(HWND list);
+
+    /// Handles a notification of the list. @return true when `result` answers it
+    bool HandleNotify(const NMHDR& header, LRESULT& result);
+
+    /// Shows the selected entry in the item view.
+    void OpenSelected() const;
+
+    /// Reads anew which archives lie in the program folder.
+    void RefreshStates();
+
+private:
+    [[nodiscard]] const CatalogueEntry& EntryAt(int line) const;
+    [[nodiscard]] ArchivePlace StateAt(int line) const;
+    [[nodiscard]] std::vector<CatalogueEntry>& Entries() const;
+    [[nodiscard]] int LineCount() const;
+    void AddColumns();
+    void Fill();
+    void FitColumns();
+    void Walk();
+    LRESULT Draw(const NMLVCUSTOMDRAW& draw) const;
+    void AttachTip();
+    void FollowMouse(POINT position);
+    void AnswerTip(NMTTDISPINFOA& info);
+    static LRESULT CALLBACK ListProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam,
+                                          UINT_PTR id, DWORD_PTR self);
+
+    Kind kind_;
+    Catalogue& catalogue_;
+    std::string programPath_;
+    HWND list_ = nullptr;
+    HWND tip_ = nullptr; ///< Owned by the list's window, which destroys it.
+    int tipLine_ = -1;
+    std::string tipText_;
+    bool filling_ = false; ///< Changes that the program makes are no clicks.
+};
+
+} // namespace vesk

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <windows.h>
+
+namespace vesk {
+
+/// A dialog, modal or modeless, or a page within one. The object owns the window and may outlive
+/// it. No failure in a handler leaves the window procedure: it is shown to the user there.
+class clsDialog {
+public:
+    clsDialog() = default;
+    clsDialog(const clsDialog&) = delete;
+    clsDialog& operator=(const clsDialog&) = delete;
+    virtual ~clsDialog();
+
+    /// Creates the window hidden or shown, as its template says. @throws Failure
+    void Create(HWND owner, int resourceId);
+
+    /// Shows the dialog until it is closed with EndDialog. @return what EndDialog was given
+    /// @throws Failure
+    INT_PTR RunModal(HWND owner, int resourceId);
+
+    /// The window; null before it is created and after it is gone.
+    [[nodiscard]] HWND Window() const { return window_; }
+
+    [[nodiscard]] HWND Control(int id) const { return GetDlgItem(window_, id); }
+
+protected:
+    /// Handles a message. @return as a dialog procedure does; see Answer for the others
+    virtual INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) = 0;
+
+    /// For messages whose result is not the dialog procedure's own.
+    [[nodiscard]] INT_PTR Answer(LRESULT result) const;
+
+private:
+    static INT_PTR CALLBACK Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
+
+    INT_PTR HandleSafely(UINT message, WPARAM wparam, LPARAM lparam);
+
+    HWND window_ = nullptr;
+};
+
+} // namespace vesk

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "ui/ComPointer.h"
+
+#include <windows.h>
+
+#include <shobjidl.h>
+
+#include <cstddef>
+
+namespace vesk {
+
+/// Progress shown on a window's taskbar button, where the system has that (Windows 7 on); nothing
+/// elsewhere.
+class clsTaskbar {
+public:
+    /// Connects to the taskbar. COM must be ready on this thread. @param window a top-level window
+    explicit clsTaskbar(HWND window);
+
+    void SetProgress(std::size_t done, std::size_t total);
+
+    /// Shows that the work stopped because something went wrong.
+    void SetFailed();
+
+    /// Takes the progress off the button.
+    void Clear();
+
+private:
+    HWND window_;
+    ComPointer<ITaskbarList3> taskbar_;
+};
+
+} // namespace vesk

@@ -1,0 +1,283 @@
+#include "ui/frmBuilder.h"
+
+#include "base/modFile.h"
+#include "base/modSystemError.h"
+#include "catalogue/modCatalogueFile.h"
+#include "startup/Version.h"
+#include "ui/modProgramVersion.h"
+#include "ui/modWizardText.h"
+#include "ui/pagBase.h"
+#include "ui/pagBuild.h"
+#include "ui/pagPlugins.h"
+#include "ui/pagSummary.h"
+#include "ui/pagWelcome.h"
+#include "ui/resources/ids.h"
+
+#include <array>
+
+namespace vesk {
+
+namespace {
+
+constexpr UINT kRunBuildMessage = WM_APP;
+
+constexpr std::array<int, 4> kButtonIds{IDC_CMD_HELP, IDC_CMD_BACK, IDC_CMD_NEXT, IDCANCEL};
+
+/// Height of the white band with the heading, in dialog units; the welcome page is white down to
+/// the line above the buttons.
+constexpr int kBandHeight = 34;
+constexpr int kWelcomeHeight = 224;
+
+} // namespace
+
+frmBuilder::frmBuilder(const ProgramPaths& paths)
+    : paths_(paths), logo_(IDR_LOGO), logoSmall_(IDR_LOGO_SMALL) {}
+
+frmBuilder::~frmBuilder() = default;
+
+void frmBuilder::Show() {
+    Create(nullptr, IDD_BUILDER);
+    ShowWindow(Window(), SW_SHOW);
+    SetForegroundWindow(Window());
+}
+
+void frmBuilder::SetButtonFace(const std::string& face) {
+    const auto font = reinterpret_cast<HFONT>(SendMessageA(Window(), WM_GETFONT, 0, 0));
+    buttonFont_ = FontInFace(font, face);
+    for (const int id : kButtonIds)
+        SendMessageA(Control(id), WM_SETFONT, reinterpret_cast<WPARAM>(buttonFont_.Get()), TRUE);
+}
+
+void frmBuilder::Form_Load() {
+    LoadCatalogueOrExplain();
+    SetWindowIcon(Window());
+    taskbar_.emplace(Window());
+    const auto font = reinterpret_cast<HFONT>(SendMessageA(Window(), WM_GETFONT, 0, 0));
+    largeFont_ = DerivedFont(font, FW_BOLD, 145);
+    boldFont_ = DerivedFont(font, FW_BOLD, 100);
+    SendMessageA(Control(IDC_LBL_HEADING_SM), WM_SETFONT, reinterpret_cast<WPARAM>(boldFont_.Get()),
+                 FALSE);
+    CreatePages();
+    const auto stored = ResourceBytes("TXT", IDR_WELCOME_TEXT);
+    welcomePage_->SetWelcomeText(
+        WelcomeText(kVersionText, LegalNotice(),
+                    std::string(reinterpret_cast<const char*>(stored.data()), stored.size())));
+    GoTo(Page::Welcome);
+    CenterWindow(Window());
+    SetFocus(Control(IDC_CMD_NEXT));
+}
+
+/// What was read before a bad value stays in the catalogue: the wizard opens with it.
+void frmBuilder::LoadCatalogueOrExplain() {
+    try {
+        LoadCatalogue(paths_.programPath, catalogue_);
+    } catch (const std::exception& failure) {
+        ShowMessage(Window(), failure.what(), kProductName, MB_OK | MB_ICONERROR);
+    }
+}
+
+void frmBuilder::CreatePages() {
+    // In the order of the Tab key: each page is put before the wizard's own buttons.
+    welcomePage_ = std::make_unique<pagWelcome>(Window());
+    basePage_ = std::make_unique<pagBase>(Window(), catalogue_, source_, paths_.programPath);
+    pluginsPage_ = std::make_unique<pagPlugins>(Window(), catalogue_, paths_.programPath);
+    summaryPage_ = std::make_unique<pagSummary>(Window());
+    buildPage_ = std::make_unique<pagBuild>(Window(), log_, paths_.programPath);
+    for (const Page page :
+         {Page::Welcome, Page::BaseComponents, Page::Plugins, Page::Summary, Page::Build})
+        SetWindowPos(PageWindow(page).Window(), HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
+}
+
+clsDialog& frmBuilder::PageWindow(Page page) {
+    switch (page) {
+    case Page::BaseComponents:
+        return *basePage_;
+    case Page::Plugins:
+        return *pluginsPage_;
+    case Page::Summary:
+        return *summaryPage_;
+    case Page::Build:
+        return *buildPage_;
+    case Page::Welcome:
+        break;
+    }
+    return *welcomePage_;
+}
+
+RECT frmBuilder::DialogUnits(int left, int top, int width, int height) const {
+    RECT area{left, top, left + width, top + height};
+    MapDialogRect(Window(), &area);
+    return area;
+}
+
+void frmBuilder::ShowControl(int id, bool shown) const {
+    ShowWindow(Control(id), shown ? SW_SHOW : SW_HIDE);
+}
+
+void frmBuilder::GoTo(Page page) {
+    if (page == Page::Summary) {
+        summaryPage_->SetSummary(SummaryText(
+            {catalogue_, basePage_->InstallFolder(), basePage_->SourceFolder(), source_.valid}));
+    }
+    page_ = page;
+    ShowHeading(page);
+    ShowPageWindow(page);
+    EnableWindow(Control(IDC_CMD_BACK), NextStep(page, WizardButton::Back) != NavigationStep{});
+    if (IsWindowVisible(Window()))
+        FocusPage();
+}
+
+void frmBuilder::ShowHeading(Page page) {
+    const bool welcome = page == Page::Welcome;
+    const bool build = page == Page::Build;
+    const HWND heading = Control(IDC_LBL_HEADING);
+    const RECT area = welcome ? DialogUnits(122, 12, 244, 24) : DialogUnits(11, 6, 300, 10);
+    const GdiHandle& font = welcome ? largeFont_ : boldFont_;
+    SendMessageA(heading, WM_SETFONT, reinterpret_cast<WPARAM>(font.Get()), FALSE);
+    SetWindowPos(heading, nullptr, area.left, area.top, area.right - area.left,
+                 area.bottom - area.top, SWP_NOZORDER | SWP_NOACTIVATE);
+    SetText(build ? Control(IDC_LBL_HEADING_SM) : heading, PageHeading(page, kVersionText));
+    SetText(Control(build ? IDC_LBL_HEADING_SM2 : IDC_LBL_SUBHEADING), PageSubheading(page));
+
+    ShowControl(IDC_IMG_LOGO, welcome);
+    ShowControl(IDC_LBL_HEADING, !build);
+    ShowControl(IDC_LBL_SUBHEADING, !welcome && !build);
+    ShowControl(IDC_IMG_LOGO_SMALL, !welcome);
+    ShowControl(IDC_LINE_TOP, !welcome);
+    ShowControl(IDC_LBL_HEADING_SM, build);
+    ShowControl(IDC_LBL_HEADING_SM2, build);
+}
+
+void frmBuilder::ShowPageWindow(Page page) {
+    const HWND shown = PageWindow(page).Window();
+    ShowWindow(shown, SW_SHOW);
+    for (const Page other :
+         {Page::Welcome, Page::BaseComponents, Page::Plugins, Page::Summary, Page::Build}) {
+        if (other != page)
+            ShowWindow(PageWindow(other).Window(), SW_HIDE);
+    }
+    RedrawWindow(Window(), nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+}
+
+/// Gives the keyboard to the first thing to be decided on a page.
+void frmBuilder::FocusPage() {
+    const bool decides = page_ == Page::BaseComponents || page_ == Page::Plugins;
+    const HWND target = decides ? GetNextDlgTabItem(PageWindow(page_).Window(), nullptr, FALSE)
+                                : Control(IDC_CMD_NEXT);
+    SendMessageA(Window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(target), TRUE);
+    // A page's own push buttons must not stay the default.
+    SendMessageA(Window(), DM_SETDEFID, IDC_CMD_NEXT, 0);
+}
+
+void frmBuilder::cmdButtons_Click(WizardButton button) {
+    basePage_->CommitFields();
+    const NavigationStep step = NextStep(page_, button);
+    switch (step.kind) {
+    case NavigationStep::Kind::Nothing:
+        return;
+    case NavigationStep::Kind::ShowHelp:
+        return ShowHelp();
+    case NavigationStep::Kind::GoToPage:
+        return GoTo(step.page);
+    case NavigationStep::Kind::StartBuild:
+        return StartBuild();
+    case NavigationStep::Kind::ClearBusyAndClose:
+        closing_.busy = false;
+        return Form_QueryUnload();
+    case NavigationStep::Kind::Close:
+        return Form_QueryUnload();
+    }
+}
+
+void frmBuilder::Form_QueryUnload() {
+    const ClosingAnswer answer = AnswerClosing(closing_);
+    if (answer == ClosingAnswer::Refuse || (answer == ClosingAnswer::Ask && !ConfirmExit()))
+        return;
+    DestroyWindow(Window());
+}
+
+bool frmBuilder::ConfirmExit() {
+    closing_.exitConfirmed = ShowMessage(Window(), "Are you sure you want to exit the setup ?\r\n",
+                                         "Confirm Action", MB_YESNO | MB_ICONQUESTION) == IDYES;
+    return closing_.exitConfirmed;
+}
+
+void frmBuilder::ShowHelp() {
+    constexpr UINT kContents = 3;
+    const std::string helpFile = paths_.programPath + "veskbuilder.hlp";
+    if (!FileExists(helpFile)) {
+        ShowMessage(Window(),
+                    "Unable to display Help Contents. There is no Help associated with this "
+                    "program.",
+                    "Help", MB_OK | MB_ICONINFORMATION);
+    } else if (!WinHelpA(Window(), helpFile.c_str(), kContents, 0)) {
+        ShowMessage(Window(), SystemErrorText(GetLastError()), "Help", MB_OK);
+    }
+}
+
+void frmBuilder::OnCommand(int id) {
+    for (std::size_t index = 0; index < kButtonIds.size(); ++index) {
+        // Escape arrives as a click on Cancel, also while that button is disabled.
+        if (kButtonIds[index] == id && IsWindowEnabled(Control(id)))
+            return cmdButtons_Click(static_cast<WizardButton>(index));
+    }
+}
+
+INT_PTR frmBuilder::PaintBackground(HDC dc) const {
+    RECT client{};
+    GetClientRect(Window(), &client);
+    FillRect(dc, &client, GetSysColorBrush(COLOR_BTNFACE));
+    client.bottom =
+        DialogUnits(0, 0, 0, page_ == Page::Welcome ? kWelcomeHeight : kBandHeight).bottom;
+    FillRect(dc, &client, GetSysColorBrush(COLOR_WINDOW));
+    return Answer(TRUE);
+}
+
+INT_PTR frmBuilder::ColourOf(HDC dc, HWND control) const {
+    const int id = GetDlgCtrlID(control);
+    if (id < IDC_LBL_HEADING || id > IDC_LBL_HEADING_SM2)
+        return FALSE;
+    SetTextColor(dc, GetSysColor(COLOR_WINDOWTEXT));
+    SetBkColor(dc, GetSysColor(COLOR_WINDOW));
+    return reinterpret_cast<INT_PTR>(GetSysColorBrush(COLOR_WINDOW));
+}
+
+INT_PTR frmBuilder::DrawPicture(const DRAWITEMSTRUCT& item) {
+    if (item.CtlID == IDC_IMG_LOGO)
+        logo_.Paint(item.hDC, item.rcItem);
+    else if (item.CtlID == IDC_IMG_LOGO_SMALL)
+        logoSmall_.Paint(item.hDC, item.rcItem);
+    return TRUE;
+}
+
+INT_PTR frmBuilder::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
+    switch (message) {
+    case WM_INITDIALOG:
+        Form_Load();
+        return FALSE; // the keyboard is where Form_Load put it
+    case WM_COMMAND:
+        OnCommand(LOWORD(wparam));
+        return TRUE;
+    case WM_CLOSE:
+        Form_QueryUnload();
+        return TRUE;
+    case WM_QUERYENDSESSION:
+        return Answer(AnswerClosing(closing_) != ClosingAnswer::Refuse);
+    case WM_DESTROY:
+        PostQuitMessage(0);
+        return TRUE;
+    case WM_ERASEBKGND:
+        return PaintBackground(reinterpret_cast<HDC>(wparam));
+    case WM_CTLCOLORSTATIC:
+        return ColourOf(reinterpret_cast<HDC>(wparam), reinterpret_cast<HWND>(lparam));
+    case WM_DRAWITEM:
+        return DrawPicture(*reinterpret_cast<const DRAWITEMSTRUCT*>(lparam));
+    case kRunBuildMessage:
+        RunBuild();
+        return TRUE;
+    default:
+        return FALSE;
+    }
+}
+
+} // namespace vesk

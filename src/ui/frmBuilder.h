@@ -1,0 +1,102 @@
+#pragma once
+
+#include "build/BuildFrontEnd.h"
+#include "build/BuildLog.h"
+#include "build/clsBuildRun.h"
+#include "catalogue/Catalogue.h"
+#include "startup/modMain.h"
+#include "ui/clsDialog.h"
+#include "ui/clsTaskbar.h"
+#include "ui/modNavigation.h"
+#include "ui/modPicture.h"
+#include "ui/modWindow.h"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+namespace vesk {
+
+class pagBase;
+class pagBuild;
+class pagPlugins;
+class pagSummary;
+class pagWelcome;
+
+/// The wizard's main window. The build run works through it: it shows the log, asks the questions
+/// and downloads.
+class frmBuilder : public clsDialog, private BuildFrontEnd {
+public:
+    explicit frmBuilder(const ProgramPaths& paths);
+    ~frmBuilder() override;
+
+    /// Loads the catalogue and shows the wizard; it ends the thread's message loop when it closes.
+    void Show();
+
+    /// Sets the font name of the four buttons.
+    void SetButtonFace(const std::string& face);
+
+private:
+    // What the window does.
+    INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;
+    void Form_Load();
+    void Form_QueryUnload();
+    void cmdButtons_Click(WizardButton button);
+    void OnCommand(int id);
+    bool ConfirmExit();
+    void ShowHelp();
+    INT_PTR PaintBackground(HDC dc) const;
+    INT_PTR ColourOf(HDC dc, HWND control) const;
+    INT_PTR DrawPicture(const DRAWITEMSTRUCT& item);
+
+    // Pages.
+    void LoadCatalogueOrExplain();
+    void CreatePages();
+    void PlacePage(clsDialog& page);
+    void GoTo(Page page);
+    void ShowHeading(Page page);
+    void ShowPageWindow(Page page);
+    void FocusPage();
+    [[nodiscard]] clsDialog& PageWindow(Page page);
+    [[nodiscard]] RECT DialogUnits(int left, int top, int width, int height) const;
+    void ShowControl(int id, bool shown) const;
+
+    // The build.
+    [[nodiscard]] BuildInputs CollectInputs() const;
+    void StartBuild();
+    void RunBuild();
+    void EnableButtons(bool enabled);
+
+    void AddLogLine(const std::string& text, LogMode mode) override;
+    void SetStatus(const std::string& caption) override;
+    bool AskYesNo(const std::string& question, const std::string& title) override;
+    DownloadResult DownloadFile(const std::string& urls, const std::string& destination,
+                                const std::string& crc) override;
+    void LetEventsRun() override;
+    void SetProgress(std::size_t done, std::size_t total) override;
+    bool StopRequested() override { return false; } // the window refuses to close meanwhile
+    void EnterFinishedState(BuildEnding ending) override;
+
+    ProgramPaths paths_;
+    Catalogue catalogue_;
+    SourceState source_;
+    BuildLog log_;
+    Page page_ = Page::Welcome;
+    ClosingState closing_;
+    DWORD lastEvents_ = 0; ///< Tick count of when events last ran.
+
+    clsPictureView logo_;
+    clsPictureView logoSmall_;
+    GdiHandle largeFont_;
+    GdiHandle boldFont_;
+    GdiHandle buttonFont_;
+    std::optional<clsTaskbar> taskbar_;
+
+    std::unique_ptr<pagWelcome> welcomePage_;
+    std::unique_ptr<pagBase> basePage_;
+    std::unique_ptr<pagPlugins> pluginsPage_;
+    std::unique_ptr<pagSummary> summaryPage_;
+    std::unique_ptr<pagBuild> buildPage_;
+};
+
+} // namespace vesk

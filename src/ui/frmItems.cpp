@@ -1,0 +1,67 @@
+#include "ui/frmItems.h"
+
+#include "archive/clsCRC.h"
+#include "base/modFile.h"
+#include "base/modText.h"
+#include "ui/modWizardText.h"
+#include "ui/resources/ids.h"
+
+#include <utility>
+
+namespace vesk {
+
+frmItems::frmItems(const Catalogue& catalogue, const CatalogueEntry& entry, std::string programPath)
+    : entry_(entry),
+      category_(CategoryTitle(catalogue, entry)),
+      programPath_(std::move(programPath)) {}
+
+void frmItems::Show(HWND owner) {
+    RunModal(GetAncestor(owner, GA_ROOT), IDD_ITEMS);
+}
+
+std::string frmItems::ArchiveSentence() const {
+    const std::string archive = programPath_ + entry_.zip;
+    if (!FileExists(archive))
+        return entry_.url.empty() ? "missing, and there is no address to download it from"
+                                  : "not there yet; the build downloads it";
+    return clsCRC().CalculateFile(archive) == entry_.crc
+               ? "there, and its CRC-32 is right"
+               : "there, but its CRC-32 differs: the build will skip it";
+}
+
+void frmItems::OnCreated() {
+    const auto font = reinterpret_cast<HFONT>(SendMessageA(Window(), WM_GETFONT, 0, 0));
+    nameFont_ = DerivedFont(font, FW_BOLD, 100);
+    SendMessageA(Control(IDC_LBL_ITEM_NAME), WM_SETFONT, reinterpret_cast<WPARAM>(nameFont_.Get()),
+                 FALSE);
+    const auto show = [this](int id, const std::string& text, const std::string& whenEmpty) {
+        SetText(Control(id), text.empty() ? whenEmpty : text);
+    };
+    show(IDC_LBL_ITEM_NAME, entry_.name, "(no name)");
+    show(IDC_TXT_ITEM_ARCHIVE, entry_.zip, "none");
+    show(IDC_TXT_ITEM_CATEGORY, category_, "base component");
+    show(IDC_TXT_ITEM_CRC, entry_.crc, "not given");
+    show(IDC_TXT_ITEM_STATE, ArchiveSentence(), "");
+    show(IDC_TXT_ITEM_TICK, entry_.enabled ? "yes" : "no", "");
+    if (entry_.lock)
+        show(IDC_TXT_ITEM_TICK, entry_.enabled ? "yes, always (locked)" : "no, never (locked)", "");
+    show(IDC_TXT_ITEM_URL, ReplaceAll(entry_.url, ",", "\r\n"), "none");
+    CenterWindow(Window());
+}
+
+INT_PTR frmItems::Handle(UINT message, WPARAM wparam, LPARAM) {
+    switch (message) {
+    case WM_INITDIALOG:
+        OnCreated();
+        SetFocus(Control(IDCANCEL));
+        return FALSE;
+    case WM_COMMAND:
+        if (LOWORD(wparam) == IDCANCEL)
+            EndDialog(Window(), IDCANCEL);
+        return TRUE;
+    default:
+        return FALSE;
+    }
+}
+
+} // namespace vesk

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "net/clsDownloadSession.h"
+#include "ui/clsDialog.h"
+
+#include <optional>
+#include <string>
+
+namespace vesk {
+
+/// The modal dialog through which a build downloads one archive.
+class frmProgress : public clsDialog, private DownloadSessionEvents {
+public:
+    explicit frmProgress(HWND owner) : owner_(owner) {}
+
+    /// Downloads and checks one archive; returns when that is over or the user cancelled it.
+    /// @param sUrl one address, or several parted by ","
+    /// @param sDestination full path of the file
+    /// @param sCRC expected CRC-32 text, or empty for any
+    DownloadResult DownloadFile(const std::string& sUrl, const std::string& sDestination,
+                                const std::string& sCRC);
+
+private:
+    INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;
+    void OnProgress(const DownloadProgress& progress) override;
+    void OnFinished() override;
+    void OnActivate();
+    void cmdCancel_Click();
+
+    HWND owner_;
+    std::string destination_;
+    std::optional<clsDownloadSession> session_;
+    bool asking_ = false; ///< The cancel question is open.
+};
+
+} // namespace vesk

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+namespace vesk {
+
+/// The legal notice of the running program's version record; empty when it has none.
+std::string LegalNotice();
+
+/// The system's major version, as far as it tells this program.
+unsigned SystemMajorVersion();
+
+} // namespace vesk

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "base/UniqueHandle.h"
+
+#include <windows.h>
+
+#include <string>
+
+/// Small helpers for windows, dialogs and their controls.
+namespace vesk {
+
+using GdiHandle = UniqueHandle<::DeleteObject, HGDIOBJ>;
+using DeviceContext = UniqueHandle<::DeleteDC, HDC>;
+using MenuHandle = UniqueHandle<::DestroyMenu, HMENU>;
+
+/// The program's instance, whose resources the windows use.
+HINSTANCE ProgramInstance();
+
+/// Text of a window or control, whatever its length.
+std::string TextOf(HWND window);
+
+/// Sets the text only when it differs, so that nothing flickers.
+void SetText(HWND window, const std::string& text);
+
+/// Pixels of the present screen resolution for a measure given in pixels at 96 DPI.
+int ScalePixels(int pixels);
+
+/// Keeps the window in front of all others, or ends that; position and size stay.
+void SetTopMost(HWND window, bool onTop);
+
+/// Gives a window the program's icon in both sizes.
+void SetWindowIcon(HWND window);
+
+/// Centres a window over its owner, or on the work area when it has none or a hidden one, and
+/// keeps it on the monitor.
+void CenterWindow(HWND window);
+
+/// Handles one message: dialogs get their keyboard navigation, the rest is dispatched.
+void DispatchForDialogs(MSG& message);
+
+/// Handles every message that waits now. A request to end the program is put back for the main
+/// loop.
+void RunPendingEvents();
+
+/// For a page within a dialog, to be told of BN_SETFOCUS and BN_KILLFOCUS: makes the page's button
+/// that has the keyboard the default one, and the dialog's own button again when it goes. The
+/// system looks for both among the dialog's direct children only.
+void FollowFocus(HWND button, int notification, int defaultId);
+
+/// A message box. @return the button, IDOK ...
+int ShowMessage(HWND owner, const std::string& text, const std::string& title, UINT style);
+
+/// A copy of the font with another weight, and a size as a percentage of the font's own.
+GdiHandle DerivedFont(HFONT font, LONG weight, int percent);
+
+/// A copy of the font in another face.
+GdiHandle FontInFace(HFONT font, const std::string& face);
+
+} // namespace vesk

@@ -1,0 +1,99 @@
+#include "ui/modWizardText.h"
+
+#include "base/modText.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <vector>
+
+namespace vesk {
+
+namespace {
+
+constexpr const char* kLineEnd = "\r\n";
+
+void AppendEnabledNames(std::string& text, const std::vector<CatalogueEntry>& entries) {
+    for (const CatalogueEntry& entry : entries) {
+        if (entry.enabled)
+            text += "   " + entry.name + kLineEnd;
+    }
+}
+
+} // namespace
+
+std::string WelcomeText(const std::string& versionText, const std::string& legalNotice,
+                        const std::string& storedText) {
+    return std::string("Vesk Builder for Windows NT/2000/XP/Vista") + kLineEnd + versionText + " " +
+           legalNotice + kLineEnd + storedText;
+}
+
+std::string SummaryText(const SummaryInputs& inputs) {
+    std::string text = std::string("Base Components:") + kLineEnd;
+    AppendEnabledNames(text, inputs.catalogue.baseComponents);
+    text += std::string(kLineEnd) + "Plugins:" + kLineEnd;
+    AppendEnabledNames(text, inputs.catalogue.plugins);
+    text += kLineEnd;
+    text += "Installation path: " + inputs.installFolder + kLineEnd;
+    text += "Source path: " + (inputs.sourceValid ? inputs.sourceFolder : "Invalid") + kLineEnd;
+    text += kLineEnd;
+    text += "Press Next to continue with the installation.";
+    return text;
+}
+
+ArchivePlace FindArchivePlace(const CatalogueEntry& entry, bool fileExists) {
+    if (fileExists)
+        return ArchivePlace::Present;
+    return entry.url.empty() ? ArchivePlace::Missing : ArchivePlace::ToDownload;
+}
+
+std::string StateText(const CatalogueEntry& entry, ArchivePlace state) {
+    std::string text = state == ArchivePlace::Present      ? "Present"
+                       : state == ArchivePlace::ToDownload ? "To download"
+                                                           : "Missing";
+    return entry.lock ? text + ", locked" : text;
+}
+
+std::string EntryTip(const CatalogueEntry& entry, ArchivePlace state) {
+    std::string text = "Archive: " + entry.zip;
+    for (const std::string& address : Split(entry.url, ','))
+        text += kLineEnd + ("Address: " + TrimBlanks(address));
+    text += kLineEnd + ("CRC-32: " + (entry.crc.empty() ? "not given" : entry.crc));
+    switch (state) {
+    case ArchivePlace::Present:
+        text += kLineEnd + std::string("The archive is in the program folder.");
+        break;
+    case ArchivePlace::ToDownload:
+        text += kLineEnd + std::string("The archive is not there yet and will be downloaded.");
+        break;
+    case ArchivePlace::Missing:
+        text += kLineEnd + std::string("The archive is missing from the program folder.");
+        break;
+    }
+    if (entry.lock)
+        text += kLineEnd + std::string("This entry is locked: its tick cannot be changed.");
+    return text;
+}
+
+std::string RateText(double bytesPerSecond, std::int64_t secondsLeft) {
+    if (bytesPerSecond < 1)
+        return {};
+    std::array<char, 32> rate{};
+    const bool mega = bytesPerSecond >= 999999;
+    std::snprintf(rate.data(), rate.size(), mega ? "%.1f Mb/s" : "%.0f Kb/s",
+                  bytesPerSecond / (mega ? 1e6 : 1e3));
+    if (secondsLeft < 0)
+        return rate.data();
+    constexpr std::int64_t kMinute = 60;
+    const bool minutes = secondsLeft >= 2 * kMinute;
+    const std::int64_t count = minutes ? (secondsLeft + kMinute / 2) / kMinute : secondsLeft;
+    return std::string(rate.data()) + ", " + std::to_string(count) +
+           (minutes ? " minute" : " second") + (count == 1 ? " left" : "s left");
+}
+
+std::string CategoryTitle(const Catalogue& catalogue, const CatalogueEntry& entry) {
+    const auto found = std::ranges::find(catalogue.categories, entry.cat, &CategoryRecord::key);
+    return found == catalogue.categories.end() ? entry.cat : found->caption;
+}
+
+} // namespace vesk

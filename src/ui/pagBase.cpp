@@ -1,0 +1,168 @@
+#include "ui/pagBase.h"
+
+#include "base/modFile.h"
+#include "base/modSpecialFolder.h"
+#include "base/modText.h"
+#include "source/modSourceFolder.h"
+#include "ui/frmBrowse.h"
+#include "ui/frmSelOS.h"
+#include "ui/modWindow.h"
+#include "ui/resources/ids.h"
+
+namespace vesk {
+
+namespace {
+
+constexpr COLORREF kGreen = RGB(0, 130, 0);
+constexpr COLORREF kDarkRed = RGB(140, 0, 0);
+
+/// The folder itself or the nearest one above it that exists: where a browse dialog can start.
+std::string NearestFolder(std::string folder) {
+    while (!folder.empty() && !FolderExists(folder))
+        folder = ParentOf(folder);
+    return folder;
+}
+
+} // namespace
+
+pagBase::pagBase(HWND wizard, Catalogue& catalogue, SourceState& source,
+                 const std::string& programPath)
+    : catalogue_(catalogue),
+      source_(source),
+      list_(clsComponentList::Kind::BaseComponents, catalogue, programPath) {
+    Create(wizard, IDD_PAGE_BASE);
+}
+
+void pagBase::OnCreated() {
+    list_.Attach(Control(IDC_LST_BASE));
+    if (!catalogue_.installRoot.empty())
+        SetText(Control(IDC_TXT_PROG_PATH),
+                WithoutTrailingBackslash(catalogue_.installRoot + "\\" + catalogue_.installFolder));
+}
+
+std::string pagBase::InstallFolder() const {
+    return WithoutTrailingBackslash(TrimBlanks(TextOf(Control(IDC_TXT_PROG_PATH))));
+}
+
+std::string pagBase::SourceFolder() const {
+    return TextOf(Control(IDC_TXT_WIN_PATH));
+}
+
+void pagBase::CommitFields() {
+    SetInstallFolder(InstallFolder());
+    const std::string typed = TrimBlanks(SourceFolder());
+    if (typed == checkedSource_)
+        return;
+    if (FolderExists(typed) || FileExists(typed))
+        CheckSource(typed);
+    else
+        ShowSource(typed, "", typed.empty() ? SourceColour::Plain : SourceColour::Unusable);
+}
+
+void pagBase::SetInstallFolder(const std::string& folder) {
+    SetText(Control(IDC_TXT_PROG_PATH), folder);
+    catalogue_.pluginFolder = folder + "\\Plugin";
+}
+
+void pagBase::CheckSource(const std::string& chosen) {
+    const SourceCheck check = CheckSourceFolder(chosen, source_);
+    ShowSource(check.path, check.productLabel,
+               check.usable ? SourceColour::Usable : SourceColour::Unusable);
+}
+
+void pagBase::ShowSource(const std::string& folder, const std::string& product,
+                         SourceColour colour) {
+    checkedSource_ = folder;
+    sourceColour_ = colour;
+    SetText(Control(IDC_TXT_WIN_PATH), folder);
+    SetText(Control(IDC_LBL_WIN_PRODUCT), product);
+    InvalidateRect(Control(IDC_TXT_WIN_PATH), nullptr, TRUE);
+}
+
+void pagBase::cmdProgPath_Click() {
+    const std::string folder =
+        frmBrowse(GetAncestor(Window(), GA_ROOT))
+            .ChooseFolder("Choose the folder to build into", NearestFolder(InstallFolder()));
+    if (!folder.empty())
+        SetInstallFolder(WithoutTrailingBackslash(folder));
+}
+
+void pagBase::cmdWinPath_Click() {
+    const std::string shown = SourceFolder();
+    const std::string start =
+        shown.empty() ? SpecialFolderPath(SpecialFolder::ProgramFiles) : shown;
+    const std::string chosen =
+        frmBrowse(GetAncestor(Window(), GA_ROOT))
+            .ChooseFolder("Choose the folder of the Windows CD that holds I386",
+                          NearestFolder(start));
+    if (!chosen.empty())
+        CheckSource(chosen);
+}
+
+void pagBase::cmdScan_Click() {
+    const HWND wizard = GetAncestor(Window(), GA_ROOT);
+    if (ShowMessage(wizard, "Search for Windows installation files ?\r\n(can take some time)",
+                    "File Search", MB_YESNO | MB_ICONINFORMATION) == IDNO)
+        return;
+    const auto found = frmSelOS(source_).Choose(wizard);
+    if (!found)
+        return;
+    ApplySourceProduct({found->productName, found->servicePackTag}, source_);
+    ShowSource(found->rootFolder, found->productName + " " + found->servicePackTag,
+               SourceColour::Usable);
+}
+
+INT_PTR pagBase::OnCommand(int id, int notification) {
+    const bool isField = id == IDC_TXT_PROG_PATH || id == IDC_TXT_WIN_PATH;
+    if (notification == EN_KILLFOCUS && isField)
+        CommitFields();
+    if (notification != BN_CLICKED)
+        return TRUE;
+    switch (id) {
+    case IDC_CMD_BASE_DETAILS:
+        list_.OpenSelected();
+        return TRUE;
+    case IDC_CMD_PROG_PATH:
+        cmdProgPath_Click();
+        return TRUE;
+    case IDC_CMD_WIN_PATH:
+        cmdWinPath_Click();
+        return TRUE;
+    case IDC_CMD_SCAN:
+        cmdScan_Click();
+        return TRUE;
+    default:
+        return FALSE;
+    }
+}
+
+INT_PTR pagBase::OnColour(HDC dc, HWND control) const {
+    if (control != Control(IDC_TXT_WIN_PATH) || sourceColour_ == SourceColour::Plain)
+        return FALSE;
+    SetTextColor(dc, sourceColour_ == SourceColour::Usable ? kGreen : kDarkRed);
+    SetBkColor(dc, GetSysColor(COLOR_WINDOW));
+    return reinterpret_cast<INT_PTR>(GetSysColorBrush(COLOR_WINDOW));
+}
+
+INT_PTR pagBase::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
+    switch (message) {
+    case WM_INITDIALOG:
+        OnCreated();
+        return FALSE;
+    case WM_COMMAND:
+        if (LOWORD(wparam) != IDC_TXT_PROG_PATH && LOWORD(wparam) != IDC_TXT_WIN_PATH)
+            FollowFocus(reinterpret_cast<HWND>(lparam), HIWORD(wparam), IDC_CMD_NEXT);
+        return OnCommand(LOWORD(wparam), HIWORD(wparam));
+    case WM_CTLCOLOREDIT:
+        return OnColour(reinterpret_cast<HDC>(wparam), reinterpret_cast<HWND>(lparam));
+    case WM_NOTIFY: {
+        LRESULT result = 0;
+        return list_.HandleNotify(*reinterpret_cast<const NMHDR*>(lparam), result) ? Answer(result)
+                                                                                   : FALSE;
+    }
+    default:
+        return FALSE;
+    }
+}
+
+} // namespace vesk

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "catalogue/Catalogue.h"
+#include "source/SourceState.h"
+#include "ui/clsComponentList.h"
+#include "ui/clsDialog.h"
+
+#include <string>
+
+namespace vesk {
+
+/// The page with the base components and the two folders of a build.
+class pagBase : public clsDialog {
+public:
+    /// Catalogue and source state outlive the page, which keeps the catalogue's ticks and plug-in
+    /// folder and the source's codes up to date.
+    pagBase(HWND wizard, Catalogue& catalogue, SourceState& source, const std::string& programPath);
+
+    /// Text of txtProgPath without a trailing backslash.
+    [[nodiscard]] std::string InstallFolder() const;
+
+    /// Text of txtWinPath.
+    [[nodiscard]] std::string SourceFolder() const;
+
+    /// Takes over what was typed into the two fields.
+    void CommitFields();
+
+private:
+    /// What the colour of the source folder's text tells.
+    enum class SourceColour { Plain, Usable, Unusable };
+
+    INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;
+    INT_PTR OnCommand(int id, int notification);
+    INT_PTR OnColour(HDC dc, HWND control) const;
+    void OnCreated();
+    void cmdProgPath_Click();
+    void cmdWinPath_Click();
+    void cmdScan_Click();
+    void SetInstallFolder(const std::string& folder);
+    void CheckSource(const std::string& chosen);
+    void ShowSource(const std::string& folder, const std::string& product, SourceColour colour);
+
+    Catalogue& catalogue_;
+    SourceState& source_;
+    clsComponentList list_;
+    std::string checkedSource_; ///< The text that the colour and the product label belong to.
+    SourceColour sourceColour_ = SourceColour::Plain;
+};
+
+} // namespace vesk

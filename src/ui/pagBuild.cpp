@@ -1,0 +1,45 @@
+#include "ui/pagBuild.h"
+
+#include "ui/modWindow.h"
+#include "ui/resources/ids.h"
+
+#include <commctrl.h>
+
+namespace vesk {
+
+pagBuild::pagBuild(HWND wizard, const BuildLog& log, const std::string& programPath)
+    : list_(log, programPath) {
+    Create(wizard, IDD_PAGE_BUILD);
+}
+
+void pagBuild::SetStatus(const std::string& caption) {
+    SetText(Control(IDC_LBL_FILE), caption);
+    UpdateWindow(Control(IDC_LBL_FILE));
+}
+
+void pagBuild::SetProgress(std::size_t done, std::size_t total) {
+    const HWND bar = Control(IDC_BAR_OVERALL);
+    SendMessageA(bar, PBM_SETRANGE32, 0, static_cast<LPARAM>(total));
+    SendMessageA(bar, PBM_SETPOS, done, 0);
+}
+
+void pagBuild::FocusLog() {
+    SetFocus(Control(IDC_LST_PROGRESS));
+}
+
+INT_PTR pagBuild::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
+    switch (message) {
+    case WM_INITDIALOG:
+        list_.Attach(Control(IDC_LST_PROGRESS));
+        return FALSE;
+    case WM_CONTEXTMENU:
+        if (reinterpret_cast<HWND>(wparam) != Control(IDC_LST_PROGRESS))
+            return FALSE;
+        list_.OpenMenu({static_cast<short>(LOWORD(lparam)), static_cast<short>(HIWORD(lparam))});
+        return TRUE;
+    default:
+        return FALSE;
+    }
+}
+
+} // namespace vesk

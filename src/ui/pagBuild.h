@@ -1,0 +1,31 @@
+#pragma once
+
+#include "build/BuildLog.h"
+#include "ui/clsDialog.h"
+#include "ui/clsLogList.h"
+
+#include <cstddef>
+#include <string>
+
+namespace vesk {
+
+/// The page on which a build run shows what it does.
+class pagBuild : public clsDialog {
+public:
+    /// @param log outlives the page
+    pagBuild(HWND wizard, const BuildLog& log, const std::string& programPath);
+
+    clsLogList& LogList() { return list_; }
+    void SetStatus(const std::string& caption);
+    void SetProgress(std::size_t done, std::size_t total);
+
+    /// Gives the keyboard to the log.
+    void FocusLog();
+
+private:
+    INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;
+
+    clsLogList list_;
+};
+
+} // namespace vesk

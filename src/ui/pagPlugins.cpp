@@ -1,0 +1,33 @@
+#include "ui/pagPlugins.h"
+
+#include "ui/modWindow.h"
+#include "ui/resources/ids.h"
+
+namespace vesk {
+
+pagPlugins::pagPlugins(HWND wizard, Catalogue& catalogue, const std::string& programPath)
+    : list_(clsComponentList::Kind::Plugins, catalogue, programPath) {
+    Create(wizard, IDD_PAGE_PLUGINS);
+}
+
+INT_PTR pagPlugins::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
+    switch (message) {
+    case WM_INITDIALOG:
+        list_.Attach(Control(IDC_LST_PLUGINS));
+        return FALSE;
+    case WM_COMMAND:
+        FollowFocus(reinterpret_cast<HWND>(lparam), HIWORD(wparam), IDC_CMD_NEXT);
+        if (wparam == MAKEWPARAM(IDC_CMD_PLUGIN_DETAILS, BN_CLICKED))
+            list_.OpenSelected();
+        return FALSE;
+    case WM_NOTIFY: {
+        LRESULT result = 0;
+        return list_.HandleNotify(*reinterpret_cast<const NMHDR*>(lparam), result) ? Answer(result)
+                                                                                   : FALSE;
+    }
+    default:
+        return FALSE;
+    }
+}
+
+} // namespace vesk

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "catalogue/Catalogue.h"
+#include "ui/clsComponentList.h"
+#include "ui/clsDialog.h"
+
+#include <string>
+
+namespace vesk {
+
+/// The page on which the plug-ins are ticked.
+class pagPlugins : public clsDialog {
+public:
+    pagPlugins(HWND wizard, Catalogue& catalogue, const std::string& programPath);
+
+private:
+    INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;
+
+    clsComponentList list_;
+};
+
+} // namespace vesk

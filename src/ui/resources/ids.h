@@ -1,0 +1,80 @@
+// Numbers of the program's resources and controls, shared with the resource compiler.
+// Every control has a number of its own, so that it can be found from outside as well.
+#pragma once
+
+#define IDI_PROGRAM 1
+
+#define IDR_WELCOME_TEXT 101 // type "TXT"
+#define IDR_LOGO 101         // type "JPG"
+#define IDR_LOGO_SMALL 102   // type "JPG"
+
+#define IDD_BUILDER 200
+#define IDD_PAGE_WELCOME 201
+#define IDD_PAGE_BASE 202
+#define IDD_PAGE_PLUGINS 203
+#define IDD_PAGE_SUMMARY 204
+#define IDD_PAGE_BUILD 205
+#define IDD_PROGRESS 210
+#define IDD_SELOS 211
+#define IDD_ITEMS 212
+
+// frmBuilder; its Cancel button is IDCANCEL
+#define IDC_CMD_HELP 1000
+#define IDC_CMD_BACK 1001
+#define IDC_CMD_NEXT 1002
+#define IDC_LBL_HEADING 1010
+#define IDC_LBL_SUBHEADING 1011
+#define IDC_IMG_LOGO 1012
+#define IDC_IMG_LOGO_SMALL 1013
+#define IDC_LBL_HEADING_SM 1014
+#define IDC_LBL_HEADING_SM2 1015
+#define IDC_LINE_TOP 1016
+#define IDC_LINE_BOTTOM 1017
+
+// pages
+#define IDC_TXT_WELCOME 1100
+#define IDC_LBL_WELCOME_NEXT 1101
+#define IDC_LST_BASE 1110
+#define IDC_CMD_BASE_DETAILS 1111
+#define IDC_TXT_PROG_PATH 1112
+#define IDC_CMD_PROG_PATH 1113
+#define IDC_TXT_WIN_PATH 1114
+#define IDC_CMD_WIN_PATH 1115
+#define IDC_LBL_WIN_PRODUCT 1116
+#define IDC_CMD_SCAN 1117
+#define IDC_PIC_FRAME1 1118
+#define IDC_PIC_FRAME2 1119
+#define IDC_LST_PLUGINS 1130
+#define IDC_CMD_PLUGIN_DETAILS 1131
+#define IDC_PIC_FRAME3 1132
+#define IDC_TXT_SUMMARY 1140
+#define IDC_LST_PROGRESS 1150
+#define IDC_LABEL3 1151
+#define IDC_LBL_FILE 1152
+#define IDC_BAR_OVERALL 1153
+
+// the build log's context menu
+#define IDM_COPY 1170
+#define IDM_SEL_ALL 1171
+#define IDM_SAVE_LOG 1172
+
+// frmProgress; its Cancel button is IDCANCEL
+#define IDC_LBL_RATE 1200
+#define IDC_SHP_PROGRESS 1201
+#define IDC_LBL_FILE_NAME 1202
+#define IDC_LBL_DETAIL 1203
+
+// frmSelOS; its Cancel button is IDCANCEL
+#define IDC_CMD_STOP 1220
+#define IDC_CMD_SELECT 1221
+#define IDC_LST_FOUND 1222
+#define IDC_LABEL1 1223
+
+// frmItems; its Close button is IDCANCEL
+#define IDC_LBL_ITEM_NAME 1240
+#define IDC_TXT_ITEM_ARCHIVE 1241
+#define IDC_TXT_ITEM_CATEGORY 1242
+#define IDC_TXT_ITEM_URL 1243
+#define IDC_TXT_ITEM_CRC 1244
+#define IDC_TXT_ITEM_STATE 1245
+#define IDC_TXT_ITEM_TICK 1246

@@ -1,0 +1,190 @@
+#!/usr/bin/env python3
+"""Real archivers make archives; what they extract again, unzip_tool must extract, byte for byte.
+
+unzip_peers_test.py [EMULATOR...] UNZIP_TOOL
+"""
+import os
+import random
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+import zipfile
+from pathlib import Path
+
+TOOL = []
+
+
+def windows_path(path):
+    """Wine shows the whole system as drive Z:; on Windows a path stays as it is."""
+    return str(path) if os.name == "nt" else "Z:" + str(path).replace("/", "\\")
+
+
+def run(*command, **options):
+    # A locale in which zip knows what characters its names are made of.
+    return subprocess.run(command, check=True, env={**os.environ, "LC_ALL": "C.UTF-8"}, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                          stderr=subprocess.STDOUT, timeout=100, **options).stdout
+
+
+def tree_of(folder):
+    """Every file's content and modification time (to the two seconds of DOS); folders as None."""
+    tree = {}
+    for path in sorted(folder.rglob("*")):
+        name = path.relative_to(folder).as_posix()
+        tree[name] = None if path.is_dir() else (path.read_bytes(), int(path.stat().st_mtime) // 2)
+    return tree
+
+
+class PeersTest(unittest.TestCase):
+    def setUp(self):
+        self.top = Path(tempfile.mkdtemp(prefix="vesk-peers-"))
+        self.addCleanup(shutil.rmtree, self.top)
+        self.source = self.top / "source"
+        chance = random.Random(1)
+        for name, content in {
+            "read me.txt": b"text " * 5000, "empty.txt": b"", "sub/one byte": b"x",
+            "sub/deep/random.bin": chance.randbytes(200_000), "sub/deep/zeros.bin": bytes(3_000_000),
+        }.items():
+            path = self.source / name
+            path.parent.mkdir(parents=True, exist_ok=True)
+            path.write_bytes(content)
+            os.utime(path, (1_600_000_000, 1_600_000_000))
+        (self.source / "empty folder").mkdir()
+        self.archive = self.top / "x.zip"
+
+    def zip(self, *options, pipe=False):
+        if not pipe:
+            return run("zip", "-q", "-r", *options, str(self.archive), ".", cwd=self.source)
+        with open(self.archive, "wb") as file:  # to a pipe: sizes follow the data
+            with subprocess.Popen(["zip", "-q", "-r", *options, "-", "."], cwd=self.source,
+                                  stdin=subprocess.DEVNULL, stdout=subprocess.PIPE) as zipper:
+                shutil.copyfileobj(zipper.stdout, file)
+            self.assertEqual(zipper.returncode, 0)
+
+    def extract(self, *password):
+        target = self.top / "ours"
+        # Not through a pipe: Wine's servers would hold it open for seconds after the tool's end.
+        with open(self.top / "output", "w+", encoding="cp1252") as output:
+            subprocess.run([*TOOL, windows_path(self.archive), windows_path(target), *password],
+                           check=True, stdin=subprocess.DEVNULL, stdout=output,
+                           stderr=subprocess.DEVNULL, timeout=100)
+            output.seek(0)
+            return target, output.read()
+
+    def compare(self, *password):
+        theirs = self.top / "theirs"
+        shutil.rmtree(theirs, ignore_errors=True)
+        options = ["-P", password[0]] if password else []
+        run("unzip", "-q", *options, str(self.archive), "-d", str(theirs))
+        shutil.rmtree(self.top / "ours", ignore_errors=True)
+        ours, output = self.extract(*password)
+        self.assertTrue(output.startswith("Zip Info"), output)
+        self.assertEqual(tree_of(ours), tree_of(theirs))
+        self.assertGreater(len(tree_of(ours)), 5)
+
+    def test_deflated_and_stored(self):
+        for options in ((), ("-0",), ("-X", "-D")):
+            with self.subTest(options):
+                self.archive.unlink(missing_ok=True)
+                self.zip(*options)
+                self.compare()
+
+    def test_streamed(self):
+        self.zip(pipe=True)
+        self.compare()
+
+    def test_wide_sizes(self):
+        self.zip("-fz")
+        self.compare()
+
+    def test_encrypted(self):
+        for pipe in (False, True):
+            self.archive.unlink(missing_ok=True)
+            self.zip("-P", "secret", pipe=pipe)
+            self.compare("secret")
+        shutil.rmtree(self.top / "ours")
+        target, output = self.extract("wrong")
+        self.assertIn("sub/one byte: wrong password", output)
+        self.assertFalse((target / "sub" / "one byte").exists())
+
+    def test_something_in_front(self):
+        self.zip()
+        plain = self.archive.read_bytes()
+        self.archive.write_bytes(b"MZ" + bytes(5000) + plain)
+        target, output = self.extract()
+        self.assertEqual((target / "read me.txt").read_bytes(), b"text " * 5000, output)
+        run("zip", "-q", "-A", str(self.archive))
+        self.compare()
+
+    def test_comment(self):
+        self.zip()
+        with zipfile.ZipFile(self.archive, "a") as archive:
+            archive.comment = b"remark" * 100
+        self.compare()
+        self.assertIn("Comment         : 600", self.extract()[1])
+
+    def test_unicode_names(self):
+        (self.source / "gr\u00fc\u00dfe").mkdir()
+        (self.source / "gr\u00fc\u00dfe" / "\u00e9t\u00e9.txt").write_bytes(b"1")
+        self.zip()
+        self.compare()
+        self.archive.unlink()
+        with zipfile.ZipFile(self.archive, "w") as archive:  # sets the flag, no extra field
+            for path in sorted(self.source.rglob("*")):
+                archive.write(path, path.relative_to(self.source))
+            archive.writestr("\u4e2d\u6587.txt", b"x")
+        target, output = self.extract()
+        self.assertEqual((target / "gr\u00fc\u00dfe" / "\u00e9t\u00e9.txt").read_bytes(), b"1")
+        self.assertIn("refused, the system's code page cannot hold its name", output)
+
+    def test_large_member(self):
+        pieces = [bytes([number & 255]) * (1 << 20) for number in range(257)]
+        with zipfile.ZipFile(self.archive, "w", zipfile.ZIP_DEFLATED, compresslevel=1) as archive:
+            with archive.open("large.bin", "w") as member:
+                for piece in pieces:
+                    member.write(piece)
+            archive.writestr("small", b"x")
+        target, output = self.extract()
+        self.assertTrue(output.startswith("Zip Info"), output)
+        with open(target / "large.bin", "rb") as file:
+            self.assertTrue(all(file.read(1 << 20) == piece for piece in pieces))
+            self.assertEqual(file.read(), b"")
+        packed = bytearray(self.archive.read_bytes())
+        packed[packed.index(b"PK\x01\x02") + 16] ^= 1  # the CRC
+        self.archive.write_bytes(packed)
+        shutil.rmtree(target)
+        target, output = self.extract()
+        self.assertIn("large.bin: wrong CRC", output)
+        self.assertEqual([path.name for path in target.iterdir()], ["small"])
+
+    def test_nothing_is_written_through_links(self):
+        outside = self.top / "outside"
+        outside.mkdir()
+        (outside / "file").write_bytes(b"old")
+        target = self.top / "ours"
+        target.mkdir()
+        (target / "folder").symlink_to(outside)
+        (target / "file").symlink_to(outside / "file")
+        (target / "dangling").symlink_to(outside / "nothing")
+        with zipfile.ZipFile(self.archive, "w") as archive:
+            for name in ("folder/new", "folder/sub/new", "folder/file", "file", "dangling", "fine/new"):
+                archive.writestr(name, b"new")
+        _, output = self.extract()
+        self.assertEqual(output.count(": a link stands on the way to it"), 3, output)
+        self.assertEqual([path.name for path in outside.iterdir()], ["file"])
+        self.assertEqual((outside / "file").read_bytes(), b"old")
+        self.assertEqual((target / "fine" / "new").read_bytes(), b"new")
+
+    def test_links_in_the_archive(self):
+        (self.source / "link").symlink_to("read me.txt")
+        self.zip("-y")
+        target, output = self.extract()
+        self.assertIn("link: refused, is a link", output)
+        self.assertFalse((target / "link").exists())
+        self.assertTrue((target / "read me.txt").exists())
+
+
+if __name__ == "__main__":
+    TOOL = sys.argv[1:]
+    unittest.main(argv=sys.argv[:1])
