@@ -13,7 +13,6 @@
 
 #include <cstddef>
 #include <memory>
-#include <optional>
 #include <string>
 
 namespace vesk {
@@ -28,7 +27,7 @@ class pagWelcome;
 /// and downloads.
 class frmBuilder : public clsDialog, private BuildFrontEnd {
 public:
-    explicit frmBuilder(const ProgramPaths& paths);
+    explicit frmBuilder(ProgramPaths paths);
     frmBuilder(const frmBuilder&) = delete;
     frmBuilder& operator=(const frmBuilder&) = delete;
     ~frmBuilder() override;
@@ -49,7 +48,7 @@ private:
     bool ConfirmExit();
     void ShowHelp();
     INT_PTR PaintBackground(HDC dc) const;
-    INT_PTR ColourOf(HDC dc, HWND control) const;
+    static INT_PTR ColourOf(HDC dc, HWND control);
     INT_PTR DrawPicture(const DRAWITEMSTRUCT& item);
 
     // Pages.
@@ -93,7 +92,7 @@ private:
     GdiHandle largeFont_;
     GdiHandle boldFont_;
     GdiHandle buttonFont_;
-    std::optional<clsTaskbar> taskbar_;
+    std::unique_ptr<clsTaskbar> taskbar_;
 
     std::unique_ptr<pagWelcome> welcomePage_;
     std::unique_ptr<pagBase> basePage_;
