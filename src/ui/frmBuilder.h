@@ -12,6 +12,7 @@
 #include "ui/modWindow.h"
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -28,6 +29,8 @@ class pagWelcome;
 class frmBuilder : public clsDialog, private BuildFrontEnd {
 public:
     explicit frmBuilder(const ProgramPaths& paths);
+    frmBuilder(const frmBuilder&) = delete;
+    frmBuilder& operator=(const frmBuilder&) = delete;
     ~frmBuilder() override;
 
     /// Loads the catalogue and shows the wizard; it ends the thread's message loop when it closes.

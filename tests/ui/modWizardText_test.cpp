@@ -49,6 +49,13 @@ TEST_CASE("a tool tip tells where the archive is and comes from") {
     CHECK(StateText(entry, FindArchivePlace(entry, false)) == "Missing");
 }
 
+TEST_CASE("the installation folder has no trailing backslash, a whole drive keeps it") {
+    CHECK(InstallFolderOf(" C:\\Tree\\ ") == "C:\\Tree");
+    CHECK(InstallFolderOf("C:\\") == "C:\\");
+    CHECK(InstallFolderOf("C:") == "C:\\"); // never that drive's current folder: it is emptied
+    CHECK(InstallFolderOf("  ").empty());
+}
+
 TEST_CASE("speed and time left are told as far as they are known") {
     CHECK(RateText(0, 5).empty());
     CHECK(RateText(1500, -1) == "2 Kb/s");

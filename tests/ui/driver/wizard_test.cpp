@@ -278,12 +278,32 @@ TEST_CASE("the drive scan finds a CD, stops, and hands it over") {
     CHECK(wizard.Text(IDC_LBL_WIN_PRODUCT) == "Windows XP Home sp2");
 }
 
+TEST_CASE("the Tab key visits every control in reading order") {
+    ProgramFolder program;
+    program.Save();
+    WizardDriver wizard(program.Wizard());
+    wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
+    const auto focus = [&] {
+        GUITHREADINFO info{};
+        info.cbSize = sizeof info;
+        GetGUIThreadInfo(GetWindowThreadProcessId(wizard.Window(), nullptr), &info);
+        return info.hwndFocus;
+    };
+    for (const int id : {IDC_LST_BASE, IDC_CMD_BASE_DETAILS, IDC_TXT_PROG_PATH, IDC_CMD_PROG_PATH,
+                         IDC_TXT_WIN_PATH, IDC_CMD_WIN_PATH, IDC_CMD_SCAN, IDC_CMD_HELP,
+                         IDC_CMD_BACK, IDC_CMD_NEXT, IDCANCEL, IDC_LST_BASE}) {
+        CAPTURE(id);
+        REQUIRE(WaitUntil([&] { return focus() == wizard.Control(id); }, 5000));
+        PostMessageA(focus(), WM_KEYDOWN, VK_TAB, 0);
+    }
+}
+
 TEST_CASE("the window answers at once while a build works") {
     ProgramFolder program;
     std::vector<TestMember> members;
-    for (int i = 0; i < 400; ++i)
+    for (int i = 0; i < 1500; ++i)
         members.push_back(TestMember::Stored("files\\" + std::to_string(i) + ".bin",
-                                             std::string(100000, static_cast<char>(i))));
+                                             std::string(10000, static_cast<char>(i))));
     program.AddBase("Big", "big.zip", members);
     program.Save();
     WizardDriver wizard(program.Wizard());
