@@ -144,7 +144,8 @@ bool clsEntryFrame::Do(Action action) {
     switch (action) {
     case Action::Add:
         Entries().Add();
-        break;
+        GoTo(Entries().Entries().size() - 1);
+        return false;
     case Action::Remove:
         Remove();
         break;

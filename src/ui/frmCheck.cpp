@@ -32,6 +32,7 @@ std::optional<EntryPlace> frmCheck::Show(HWND owner) {
 }
 
 void frmCheck::OnCreated() {
+    SetWindowIcon(Window());
     RECT whole{};
     GetWindowRect(Window(), &whole);
     smallest_ = {whole.right - whole.left, whole.bottom - whole.top};
