@@ -1,5 +1,7 @@
 #include "archive/clsCRC.h"
 
+#include "base/modText.h"
+
 #include <libdeflate.h>
 
 #include <charconv>
@@ -40,12 +42,8 @@ using StdioFile = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
 std::string UpperHex(std::uint32_t value) {
     std::array<char, 8> digits{};
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value, 16).ptr;
-    std::string text(digits.data(), end);
-    for (char& digit : text)
-        if (digit >= 'a')
-            digit = static_cast<char>(digit - 'a' + 'A');
-    return text;
+    char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), value, 16).ptr;
+    return UpperCase({digits.data(), end});
 }
 
 } // namespace

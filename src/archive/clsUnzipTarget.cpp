@@ -101,9 +101,11 @@ public:
     }
 
 private:
+    /// Only where nothing stands, not even a link whose target is missing: without the last flag
+    /// the system would create that target.
     bool Create(DWORD access) {
         file_.Reset(CreateFileA(path_.c_str(), access, FILE_SHARE_DELETE, nullptr, CREATE_NEW,
-                                stamp_.attributes, nullptr));
+                                stamp_.attributes | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
         return static_cast<bool>(file_);
     }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <utility>
 
 namespace vesk {
@@ -36,8 +37,10 @@ void clsCatalogueEditor::SetInstallPathItem(int item) {
 
 std::vector<CategoryItem> clsCatalogueEditor::CategoryItems() const {
     std::vector<CategoryItem> items;
-    for (const CategoryRecord& category : applied_.categories)
-        items.push_back({category.key, category.caption});
+    std::ranges::transform(applied_.categories, std::back_inserter(items),
+                           [](const CategoryRecord& category) {
+                               return CategoryItem{category.key, category.caption};
+                           });
     const CatalogueEntry* plugin = plugins_.Current();
     if (plugin != nullptr &&
         std::ranges::find(items, plugin->cat, &CategoryItem::key) == items.end())

@@ -3,6 +3,7 @@
 #include "base/modText.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace vesk {
 

@@ -1,7 +1,9 @@
 #include "console/ConsoleFrontEnd.h"
 
 #include "base/Failure.h"
+#include "console/ConsoleDownload.h"
 #include "console/Interrupt.h"
+#include "net/modHttpText.h"
 
 namespace vesk {
 
@@ -23,9 +25,15 @@ bool ConsoleFrontEnd::AskYesNo(const std::string& question, const std::string&) 
     return options_.answer ? *options_.answer : terminal_.Ask(question);
 }
 
-DownloadResult ConsoleFrontEnd::DownloadFile(const std::string&, const std::string&,
-                                             const std::string&) {
-    return DownloadResult::Failed;
+DownloadResult ConsoleFrontEnd::DownloadFile(const std::string& urls,
+                                             const std::string& destination,
+                                             const std::string& crc) {
+    ProxySettings proxy;
+    if (options_.proxy)
+        proxy = {kAccessProxy, options_.proxy->host, options_.proxy->port};
+    const DownloadResult result = ConsoleDownload(terminal_).Run(urls, destination, crc, proxy);
+    DrawStatus();
+    return result;
 }
 
 void ConsoleFrontEnd::LetEventsRun() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "net/DownloadDecisions.h"
+#include "net/DownloadProgress.h"
 #include "net/TransferRate.h"
 #include "net/clsDownload.h"
 
@@ -14,14 +15,6 @@ struct ProxySettings {
     std::int32_t accessType = 0; ///< See AccessType.
     std::string proxy;
     std::int32_t proxyPort = 0;
-};
-
-/// What there is to show of a running download.
-struct DownloadProgress {
-    double received = 0;           ///< Bytes, of all addresses tried.
-    std::int32_t fileSize = 0;     ///< Bytes announced; 0 when unknown: then nothing can be shown.
-    double bytesPerSecond = 0;     ///< 0 while it cannot be told.
-    std::int64_t secondsLeft = -1; ///< -1 while it cannot be told.
 };
 
 /// Whoever shows a download.

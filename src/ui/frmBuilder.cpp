@@ -249,6 +249,10 @@ INT_PTR frmBuilder::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
     case WM_COMMAND:
         OnCommand(LOWORD(wparam));
         return TRUE;
+    case WM_HELP: // the F1 key
+        if (IsWindowEnabled(Control(IDC_CMD_HELP)))
+            ShowHelp();
+        return TRUE;
     case WM_CLOSE:
         Form_QueryUnload();
         return TRUE;

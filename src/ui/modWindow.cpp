@@ -108,9 +108,15 @@ void RunPendingEvents() {
     }
 }
 
-void RestoreDefaultButton(HWND button, int defaultId) {
-    SendMessageA(button, BM_SETSTYLE, BS_PUSHBUTTON, TRUE);
-    SendMessageA(GetAncestor(button, GA_ROOT), DM_SETDEFID, static_cast<WPARAM>(defaultId), 0);
+void FollowFocus(HWND button, int notification, int defaultId) {
+    const HWND dialog = GetAncestor(button, GA_ROOT);
+    if (notification == BN_SETFOCUS) {
+        SendMessageA(GetDlgItem(dialog, defaultId), BM_SETSTYLE, BS_PUSHBUTTON, TRUE);
+        SendMessageA(button, BM_SETSTYLE, BS_DEFPUSHBUTTON, TRUE);
+    } else if (notification == BN_KILLFOCUS) {
+        SendMessageA(button, BM_SETSTYLE, BS_PUSHBUTTON, TRUE);
+        SendMessageA(dialog, DM_SETDEFID, static_cast<WPARAM>(defaultId), 0);
+    }
 }
 
 int ShowMessage(HWND owner, const std::string& text, const std::string& title, UINT style) {

@@ -43,10 +43,10 @@ void DispatchForDialogs(MSG& message);
 /// loop.
 void RunPendingEvents();
 
-/// For a page within a dialog: takes the look of the default button off a button that loses the
-/// keyboard, and gives it back to the dialog's own default button. The system looks for both among
-/// the dialog's direct children only.
-void RestoreDefaultButton(HWND button, int defaultId);
+/// For a page within a dialog, to be told of BN_SETFOCUS and BN_KILLFOCUS: makes the page's button
+/// that has the keyboard the default one, and the dialog's own button again when it goes. The
+/// system looks for both among the dialog's direct children only.
+void FollowFocus(HWND button, int notification, int defaultId);
 
 /// A message box. @return the button, IDOK ...
 int ShowMessage(HWND owner, const std::string& text, const std::string& title, UINT style);

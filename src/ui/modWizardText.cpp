@@ -91,6 +91,11 @@ std::string RateText(double bytesPerSecond, std::int64_t secondsLeft) {
            (minutes ? " minute" : " second") + (count == 1 ? " left" : "s left");
 }
 
+std::string InstallFolderOf(const std::string& fieldText) {
+    const std::string folder = WithoutTrailingBackslash(TrimBlanks(fieldText));
+    return folder.size() == 2 && folder.back() == ':' ? folder + "\\" : folder;
+}
+
 std::string CategoryTitle(const Catalogue& catalogue, const CatalogueEntry& entry) {
     const auto found = std::ranges::find(catalogue.categories, entry.cat, &CategoryRecord::key);
     return found == catalogue.categories.end() ? entry.cat : found->caption;

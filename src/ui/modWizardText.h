@@ -39,6 +39,10 @@ std::string EntryTip(const CatalogueEntry& entry, ArchivePlace state);
 /// @param secondsLeft negative while unknown
 std::string RateText(double bytesPerSecond, std::int64_t secondsLeft);
 
+/// The installation folder that a field's text means: without a trailing backslash, except for a
+/// whole drive, which without it would mean that drive's current folder.
+std::string InstallFolderOf(const std::string& fieldText);
+
 /// Title of the category that an entry belongs to; its key when the catalogue does not know it.
 std::string CategoryTitle(const Catalogue& catalogue, const CatalogueEntry& entry);
 

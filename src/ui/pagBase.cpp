@@ -7,6 +7,7 @@
 #include "ui/frmBrowse.h"
 #include "ui/frmSelOS.h"
 #include "ui/modWindow.h"
+#include "ui/modWizardText.h"
 #include "ui/resources/ids.h"
 
 namespace vesk {
@@ -37,11 +38,11 @@ void pagBase::OnCreated() {
     list_.Attach(Control(IDC_LST_BASE));
     if (!catalogue_.installRoot.empty())
         SetText(Control(IDC_TXT_PROG_PATH),
-                WithoutTrailingBackslash(catalogue_.installRoot + "\\" + catalogue_.installFolder));
+                InstallFolderOf(catalogue_.installRoot + "\\" + catalogue_.installFolder));
 }
 
 std::string pagBase::InstallFolder() const {
-    return WithoutTrailingBackslash(TrimBlanks(TextOf(Control(IDC_TXT_PROG_PATH))));
+    return InstallFolderOf(TextOf(Control(IDC_TXT_PROG_PATH)));
 }
 
 std::string pagBase::SourceFolder() const {
@@ -49,7 +50,8 @@ std::string pagBase::SourceFolder() const {
 }
 
 void pagBase::CommitFields() {
-    SetInstallFolder(InstallFolder());
+    const std::string folder = InstallFolder();
+    SetInstallFolder(folder.empty() ? folder : AbsolutePath(folder));
     const std::string typed = TrimBlanks(SourceFolder());
     if (typed == checkedSource_)
         return;
@@ -84,7 +86,7 @@ void pagBase::cmdProgPath_Click() {
         frmBrowse(GetAncestor(Window(), GA_ROOT))
             .ChooseFolder("Choose the folder to build into", NearestFolder(InstallFolder()));
     if (!folder.empty())
-        SetInstallFolder(WithoutTrailingBackslash(folder));
+        SetInstallFolder(InstallFolderOf(folder));
 }
 
 void pagBase::cmdWinPath_Click() {
@@ -150,8 +152,8 @@ INT_PTR pagBase::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
         OnCreated();
         return FALSE;
     case WM_COMMAND:
-        if (HIWORD(wparam) == BN_KILLFOCUS)
-            RestoreDefaultButton(reinterpret_cast<HWND>(lparam), IDC_CMD_NEXT);
+        if (LOWORD(wparam) != IDC_TXT_PROG_PATH && LOWORD(wparam) != IDC_TXT_WIN_PATH)
+            FollowFocus(reinterpret_cast<HWND>(lparam), HIWORD(wparam), IDC_CMD_NEXT);
         return OnCommand(LOWORD(wparam), HIWORD(wparam));
     case WM_CTLCOLOREDIT:
         return OnColour(reinterpret_cast<HDC>(wparam), reinterpret_cast<HWND>(lparam));

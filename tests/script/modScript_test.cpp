@@ -2,6 +2,7 @@
 
 #include "TestFolder.h"
 #include "base/Failure.h"
+#include "base/modText.h"
 #include "script/RegistryTestKey.h"
 #include "script/clsRegistry.h"
 
@@ -21,37 +22,20 @@ TEST_CASE("a script writes the registry, makes folders and logs each action firs
     Lines log;
     const ScriptContext context{[&](const std::string& line) { log.push_back(line); },
                                 folder.Path(), "D:\\source"};
-    const auto run = [&](const std::string& script) {
-        log.clear();
-        ProcessScript(folder.Write("x.script", script), "[base]", context);
-    };
-    const std::string test = std::string("Software\\VeskBuilderTest");
-
-    run("[Base]\r\n"
-        "regwrite,HKCU,0x0," +
-        test +
-        "\\Demo\\Deep\r\n"
-        "regwrite,HKCU,0x4," +
-        test +
-        "\\Demo,Count,16\r\n"
-        "regwrite,HKCU,0x4," +
-        test +
-        "\\Demo,Cut,0x10\r\n"
-        "regwrite,HKCU,0x1," +
-        test +
-        "\\Demo,Path,%SourcePath%\\i386\r\n"
-        "regwrite,HKCU,0x2," +
-        test +
-        "\\Demo,Expand,%ProgramPath%\r\n"
-        "regwrite,HKCU,0x1," +
-        test +
-        "\\None,Lost,x\r\n"
-        "regwrite,HKLM,0x1," +
-        test +
-        "\\Demo,Path,lost\r\n"
-        "dirmake,\"%ProgramPath%\\made\"\r\n"
-        "[plugins]\r\n"
-        "dirmake,%ProgramPath%\\not\r\n");
+    const std::string script = ReplaceAll(R"([Base]
+regwrite,HKCU,0x0,<key>\Demo\Deep
+regwrite,HKCU,0x4,<key>\Demo,Count,16
+regwrite,HKCU,0x4,<key>\Demo,Cut,0x10
+regwrite,HKCU,0x1,<key>\Demo,Path,%SourcePath%\i386
+regwrite,HKCU,0x2,<key>\Demo,Expand,%ProgramPath%
+regwrite,HKCU,0x1,<key>\None,Lost,x
+regwrite,HKLM,0x1,<key>\Demo,Path,lost
+dirmake,"%ProgramPath%\made"
+[plugins]
+dirmake,%ProgramPath%\not
+)",
+                                          "<key>", kTestKey);
+    ProcessScript(folder.Write("x.script", script), "[base]", context);
     CHECK(log.size() == 9);
     CHECK(log.front() == "Processing script: " + (folder / "x.script"));
     CHECK(log.back() == "  Directory Create: " + (folder / "made"));

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "console/Terminal.h"
+#include "net/clsDownloadSession.h"
+
+#include <string>
+
+namespace vesk {
+
+/// One download with its progress drawn on the terminal. Ctrl+C cancels it.
+class ConsoleDownload : private DownloadSessionEvents {
+public:
+    explicit ConsoleDownload(Terminal& terminal) : terminal_(terminal) {}
+
+    /// Returns when the download is over. Arguments as for clsDownloadSession.
+    DownloadResult Run(const std::string& urls, const std::string& destination,
+                       const std::string& crc, const ProxySettings& proxy);
+
+private:
+    void OnProgress(const DownloadProgress& progress) override;
+    void OnFinished() override {}
+
+    Terminal& terminal_;
+    std::string fileName_;
+    std::uint32_t drawnAt_ = 0;
+};
+
+} // namespace vesk

@@ -1,0 +1,117 @@
+#!/usr/bin/env python3
+"""veskbuild downloads what is missing: through a proxy, with progress on a terminal, until it is
+told to stop."""
+
+import os
+import pathlib
+import pty
+import signal
+import subprocess
+import sys
+import threading
+import time
+import unittest
+
+from program import WINE, ProgramTest, windows_path, zip_bytes
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "net"))
+from peers import ScriptedServer, answer  # noqa: E402
+
+
+class Download(ProgramTest):
+    def setUp(self):
+        super().setUp()
+        server = self.folder / "server"
+        server.mkdir()
+        base = zip_bytes(server / "pebuilder3110a.zip", {"pebuilder.exe": "x"})
+        one = zip_bytes(server / "one.zip", {"one.inf": "[PEBuilder]\r\nName=One\r\n"})
+        (server / "damaged.zip").write_bytes(b"no archive")
+        host = "http://archives.invalid/"
+        plugins = [("One", "one.zip", f"{host}none, {host}gone ,{host}one.zip", one),
+                   ("Damaged", "damaged.zip", host + "damaged.zip", one),
+                   ("None", "none.zip", host + "none", one)]
+        self.write_catalogue(
+            [("PE Builder", "pebuilder3110a.zip", "", 1, 1, host + "pebuilder3110a.zip", base)],
+            [(name, archive, "100", 1, 0, url, crc) for name, archive, url, crc in plugins])
+        self.slow = ""  # a file of which half comes at once and the rest never
+        self.half_sent = threading.Event()
+
+        def script(connection, url):
+            file = server / url.rsplit("/", 1)[1]
+            if not file.exists():
+                return connection.sendall(answer(b"", status="HTTP/1.1 404 Not Found"))
+            content = file.read_bytes()
+            if file.name != self.slow:
+                return connection.sendall(answer(content))
+            connection.sendall(answer(content[:len(content) // 2], length=len(content)))
+            self.half_sent.set()
+            connection.recv(1)
+
+        self.server = ScriptedServer(script)
+        self.addCleanup(self.server.stop)
+        self.proxy = ("--proxy", f"127.0.0.1:{self.server.port}")
+
+    def test_missing_archives_come_through_the_proxy(self):
+        code, lines, errors = self.build(*self.proxy)
+        self.assertEqual((code, errors), (1, ""))
+        self.assertTrue((self.tree / "pebuilder.exe").exists())
+        self.assertTrue((self.tree / "Plugin/100_tools/one/one.inf").exists())
+        self.assertEqual(
+            [line for line in lines if line.startswith(("Downloading", "Warning"))],
+            ["Downloading: pebuilder3110a.zip", "Downloading: one.zip", "Downloading: damaged.zip",
+             "Warning: damaged.zip CRC failed. !!!", "Downloading: none.zip",
+             "Warning: none.zip could not be downloaded. !!!"])
+        self.assertFalse((self.program / "damaged.zip").exists())
+        requested = [request.split()[1].rsplit(b"/", 1)[1] for request in self.server.requests]
+        self.assertEqual(requested, [b"pebuilder3110a.zip", b"none", b"gone", b"one.zip",
+                                     b"damaged.zip", b"none"])
+
+    def stop_on_a_terminal(self):
+        """Runs a build whose error output is a terminal and stops it while it waits for the other
+        half of an archive. Returns exit code, log and what the terminal showed."""
+        terminal, program_side = pty.openpty()
+        self.addCleanup(os.close, terminal)
+        process = subprocess.Popen(
+            [*WINE, str(self.program / "veskbuild.exe"), "--install", windows_path(self.tree),
+             *self.proxy], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=program_side,
+            start_new_session=True)
+        self.addCleanup(process.stdout.close)
+        os.close(program_side)
+        shown = []
+
+        def read():
+            try:
+                while piece := os.read(terminal, 65536):
+                    shown.append(piece)
+            except OSError:
+                pass  # the other side is closed
+
+        reader = threading.Thread(target=read, daemon=True)
+        reader.start()
+        try:
+            self.assertTrue(self.half_sent.wait(30))
+            for _ in range(500):
+                if b"one.zip" in b"".join(shown).rpartition(b" left ")[2]:
+                    break
+                time.sleep(0.02)
+            process.send_signal(signal.SIGINT)
+            log = process.communicate(timeout=30)[0].decode("cp1252").splitlines()
+        finally:
+            process.kill()
+        reader.join(10)
+        return process.returncode, [self.normalised(line) for line in log], b"".join(shown)
+
+    def test_progress_is_drawn_and_ctrl_c_ends_download_and_run(self):
+        self.slow = "one.zip"
+        code, lines, shown = self.stop_on_a_terminal()
+        self.assertEqual(code, 3)
+        self.assertEqual(lines[-3:], ["Warning: download cancelled by user. !!!",
+                                      "Aborted... [{DATE}]", "click 'Finish' to exit"])
+        self.assertFalse((self.program / "one.zip").exists())
+        self.assertEqual(len(self.server.requests), 4)  # nothing after the one cancelled
+        self.assertRegex(shown, rb"\[#########-----------\]  49%  \d+ B of \d+ B  [\d.]+ k?B/s  "
+                                rb"0:0\d left  one.zip")
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])

@@ -1,0 +1,205 @@
+#include "WizardDriver.h"
+
+#include "ui/resources/ids.h"
+
+#include <commctrl.h>
+
+#include <doctest/doctest.h>
+
+namespace vesk::test {
+
+namespace {
+
+std::string TextOf(HWND window) {
+    std::string text(4096, '\0');
+    text.resize(static_cast<std::size_t>(
+        SendMessageA(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));
+    return text;
+}
+
+std::string ClassOf(HWND window) {
+    std::string name(64, '\0');
+    name.resize(static_cast<std::size_t>(
+        GetClassNameA(window, name.data(), static_cast<int>(name.size()))));
+    return name;
+}
+
+/// Calls back for each window that an enumeration finds, until one matches.
+struct Search {
+    const std::function<bool(HWND)>& matches;
+    HWND found = nullptr;
+
+    static BOOL CALLBACK Visit(HWND window, LPARAM search) {
+        auto& self = *reinterpret_cast<Search*>(search);
+        if (!self.matches(window))
+            return TRUE;
+        self.found = window;
+        return FALSE;
+    }
+};
+
+} // namespace
+
+bool WaitUntil(const std::function<bool()>& condition, DWORD milliseconds) {
+    const DWORD start = GetTickCount();
+    while (!condition()) {
+        if (GetTickCount() - start > milliseconds)
+            return false;
+        Sleep(5);
+    }
+    return true;
+}
+
+WizardDriver::WizardDriver(const std::string& program) {
+    STARTUPINFOA startup{};
+    startup.cb = sizeof startup;
+    PROCESS_INFORMATION started{};
+    REQUIRE(CreateProcessA(program.c_str(), nullptr, nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                           &startup, &started));
+    CloseHandle(started.hThread);
+    process_.Reset(started.hProcess);
+    processId_ = started.dwProcessId;
+    window_ = AwaitDialog("Vesk Builder");
+}
+
+WizardDriver::~WizardDriver() {
+    if (HasEnded())
+        return;
+    TerminateProcess(process_.Get(), 99);
+    WaitForSingleObject(process_.Get(), 5000);
+}
+
+HWND WizardDriver::FindTopWindow(const std::function<bool(HWND)>& matches) const {
+    const std::function<bool(HWND)> own = [&](HWND window) {
+        DWORD process = 0;
+        GetWindowThreadProcessId(window, &process);
+        return process == processId_ && IsWindowVisible(window) && matches(window);
+    };
+    Search search{own};
+    EnumWindows(Search::Visit, reinterpret_cast<LPARAM>(&search));
+    return search.found;
+}
+
+HWND WizardDriver::AwaitDialog(const std::string& titleStart) const {
+    HWND found = nullptr;
+    const bool appeared = WaitUntil([&] {
+        found = FindTopWindow([&](HWND window) {
+            return window != window_ && ClassOf(window) == "#32770" &&
+                   TextOf(window).starts_with(titleStart);
+        });
+        return found != nullptr || HasEnded();
+    });
+    CAPTURE(titleStart);
+    REQUIRE(appeared);
+    REQUIRE(found);
+    return found;
+}
+
+void WizardDriver::Answer(HWND dialog, int button) {
+    const HWND control = GetDlgItem(dialog, button);
+    REQUIRE(control);
+    PostMessageA(control, BM_CLICK, 0, 0);
+    REQUIRE(WaitUntil([&] { return !IsWindow(dialog) || !IsWindowVisible(dialog); }));
+}
+
+std::string WizardDriver::BoxText(HWND box) {
+    return TextOf(GetDlgItem(box, 0xFFFF));
+}
+
+HWND WizardDriver::Control(int id) const {
+    const std::function<bool(HWND)> matches = [&](HWND window) {
+        return GetDlgCtrlID(window) == id;
+    };
+    Search search{matches};
+    EnumChildWindows(window_, Search::Visit, reinterpret_cast<LPARAM>(&search));
+    return search.found;
+}
+
+std::string WizardDriver::Text(int id) const {
+    return TextOf(Control(id));
+}
+
+void WizardDriver::SetText(int id, const std::string& text) const {
+    SendMessageA(Control(id), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
+}
+
+void WizardDriver::Click(int id) const {
+    CAPTURE(id);
+    REQUIRE(WaitUntil([&] { return IsEnabled(id) && IsShown(id); }));
+    PostMessageA(Control(id), BM_CLICK, 0, 0);
+}
+
+std::string WizardDriver::Heading() const {
+    return Text(IsShown(IDC_LBL_HEADING) ? IDC_LBL_HEADING : IDC_LBL_HEADING_SM);
+}
+
+void WizardDriver::GoTo(int button, const std::string& heading) const {
+    Click(button);
+    const bool reached = WaitUntil([&] { return Heading() == heading; }, 5000);
+    CAPTURE(heading);
+    CAPTURE(Heading());
+    REQUIRE(reached);
+}
+
+bool WizardDriver::IsTicked(int list, int line) const {
+    const LRESULT state = SendMessageA(Control(list), LVM_GETITEMSTATE, static_cast<WPARAM>(line),
+                                       LVIS_STATEIMAGEMASK);
+    return state >> 12 == 2;
+}
+
+void WizardDriver::PressSpaceOn(int list, int line) const {
+    const HWND window = Control(list);
+    PostMessageA(window, WM_KEYDOWN, VK_HOME, 0);
+    for (int i = 0; i < line; ++i)
+        PostMessageA(window, WM_KEYDOWN, VK_DOWN, 0);
+    PostMessageA(window, WM_KEYDOWN, VK_SPACE, 0);
+    PostMessageA(window, WM_KEYUP, VK_SPACE, 0);
+    SendMessageA(window, WM_NULL, 0, 0);
+}
+
+std::vector<std::string> WizardDriver::LogLines() const {
+    const HWND list = Control(IDC_LST_PROGRESS);
+    const auto count = static_cast<WPARAM>(SendMessageW(list, LB_GETCOUNT, 0, 0));
+    std::vector<std::string> lines;
+    for (WPARAM line = 0; line < count; ++line) {
+        // Across processes only the wide form is converted right.
+        std::wstring text(static_cast<std::size_t>(SendMessageW(list, LB_GETTEXTLEN, line, 0)) + 1,
+                          L'\0');
+        SendMessageW(list, LB_GETTEXT, line, reinterpret_cast<LPARAM>(text.data()));
+        text.pop_back();
+        lines.emplace_back();
+        for (const wchar_t c : text)
+            lines.back() += static_cast<char>(c);
+    }
+    return lines;
+}
+
+void WizardDriver::PickFromLogMenu(int entry) const {
+    PostMessageA(Control(IDC_LST_PROGRESS), WM_CONTEXTMENU,
+                 reinterpret_cast<WPARAM>(Control(IDC_LST_PROGRESS)), -1);
+    HWND menu = nullptr;
+    const std::function<bool(HWND)> isMenu = [](HWND window) {
+        return ClassOf(window) == "#32768";
+    };
+    REQUIRE(WaitUntil([&] {
+        menu = FindTopWindow(isMenu);
+        return menu != nullptr;
+    }));
+    for (int i = 0; i < entry; ++i)
+        PostMessageA(menu, WM_KEYDOWN, VK_DOWN, 0);
+    PostMessageA(menu, WM_KEYDOWN, VK_RETURN, 0);
+    REQUIRE(WaitUntil([&] { return FindTopWindow(isMenu) == nullptr; }));
+}
+
+DWORD WizardDriver::AwaitEnd() const {
+    REQUIRE(WaitForSingleObject(process_.Get(), 30000) == WAIT_OBJECT_0);
+    DWORD code = 0;
+    GetExitCodeProcess(process_.Get(), &code);
+    return code;
+}
+
+bool WizardDriver::HasEnded() const {
+    return WaitForSingleObject(process_.Get(), 0) == WAIT_OBJECT_0;
+}
+
+} // namespace vesk::test

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "base/UniqueHandle.h"
+
+#include <windows.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace vesk::test {
+
+/// Polls until the condition holds. @return false when it does not within the time
+bool WaitUntil(const std::function<bool()>& condition, DWORD milliseconds = 30000);
+
+/// The wizard as another process, worked through its windows: they are found by class, number and
+/// title, never by their place on the screen.
+class WizardDriver {
+public:
+    /// Starts a program and waits for its wizard.
+    explicit WizardDriver(const std::string& program);
+    WizardDriver(const WizardDriver&) = delete;
+    WizardDriver& operator=(const WizardDriver&) = delete;
+    ~WizardDriver();
+
+    [[nodiscard]] HWND Window() const { return window_; }
+
+    /// A control of the wizard or of one of its pages.
+    [[nodiscard]] HWND Control(int id) const;
+    [[nodiscard]] std::string Text(int id) const;
+    [[nodiscard]] bool IsShown(int id) const { return IsWindowVisible(Control(id)) != FALSE; }
+    [[nodiscard]] bool IsEnabled(int id) const { return IsWindowEnabled(Control(id)) != FALSE; }
+    void SetText(int id, const std::string& text) const;
+
+    /// Clicks a button as soon as it is enabled; does not wait for what it does.
+    void Click(int id) const;
+
+    /// Clicks Next and waits for the heading of the page it leads to.
+    void GoTo(int button, const std::string& heading) const;
+
+    /// The heading that is shown.
+    [[nodiscard]] std::string Heading() const;
+
+    /// Waits for a dialog or message box of the program, other than the wizard itself, whose title
+    /// begins so.
+    [[nodiscard]] HWND AwaitDialog(const std::string& titleStart) const;
+
+    /// Presses a button of a dialog or message box and waits for it to go.
+    static void Answer(HWND dialog, int button);
+
+    /// The text of a message box.
+    static std::string BoxText(HWND box);
+
+    /// Tick of a list view's line, and a press of the space bar on it.
+    [[nodiscard]] bool IsTicked(int list, int line) const;
+    void PressSpaceOn(int list, int line) const;
+
+    [[nodiscard]] std::vector<std::string> LogLines() const;
+
+    /// Picks an entry of the build log's context menu, by its number from the top. What the entry
+    /// does may come later.
+    void PickFromLogMenu(int entry) const;
+
+    /// Waits for the program's end. @return its exit code
+    [[nodiscard]] DWORD AwaitEnd() const;
+    [[nodiscard]] bool HasEnded() const;
+
+private:
+    [[nodiscard]] HWND FindTopWindow(const std::function<bool(HWND)>& matches) const;
+
+    UniqueHandle<::CloseHandle, HANDLE> process_;
+    DWORD processId_ = 0;
+    HWND window_ = nullptr;
+};
+
+} // namespace vesk::test

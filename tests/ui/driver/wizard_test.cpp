@@ -1,0 +1,320 @@
+#include "ProgramFolder.h"
+#include "WizardDriver.h"
+#include "build/BuildLog.h"
+#include "ui/resources/ids.h"
+
+#include <commctrl.h>
+
+#include <doctest/doctest.h>
+
+#include <algorithm>
+
+using namespace vesk;
+using namespace vesk::test;
+
+namespace {
+
+constexpr const char* kBaseHeading = "Vesk Builder Base Components";
+constexpr const char* kPluginsHeading = "Vesk Builder Plugins";
+constexpr const char* kSummaryHeading = "Vesk Builder Summary";
+
+/// From the welcome page to the summary, with the test's own folder to build into.
+void GoToSummary(const WizardDriver& wizard, const ProgramFolder& program) {
+    wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
+    wizard.SetText(IDC_TXT_PROG_PATH, program.Tree());
+    wizard.GoTo(IDC_CMD_NEXT, kPluginsHeading);
+    wizard.GoTo(IDC_CMD_NEXT, kSummaryHeading);
+}
+
+void AwaitFinish(const WizardDriver& wizard) {
+    REQUIRE(WaitUntil(
+        [&] { return wizard.Text(IDC_CMD_NEXT) == "&Finish" && wizard.IsEnabled(IDC_CMD_NEXT); }));
+}
+
+bool Holds(const std::vector<std::string>& lines, const std::string& part) {
+    return std::ranges::any_of(
+        lines, [&](const std::string& line) { return line.find(part) != std::string::npos; });
+}
+
+std::string Joined(const std::vector<std::string>& lines) {
+    std::string text;
+    for (const std::string& line : lines)
+        text += line + "\r\n";
+    return text;
+}
+
+void WriteCd(const ProgramFolder& program, const std::string& folder) {
+    program.Folder().Write(folder + "\\I386\\LAYOUT.INF",
+                           "[Strings]\r\nproductname=\"Windows XP Home\"\r\n"
+                           "spcdtagfilei=\"win51.sp2\"\r\n");
+    program.Folder().Write(folder + "\\I386\\SETUPLDR.BIN", "x");
+    CopyFileOver(program.Wizard(),
+                 program.Folder() / (folder + "\\I386\\NTDLL.DLL")); // it has a version
+}
+
+/// The longest that the window takes to answer until the condition holds, in milliseconds.
+DWORD LongestAnswer(const WizardDriver& wizard, const std::function<bool()>& condition) {
+    DWORD longest = 0;
+    REQUIRE(WaitUntil([&] {
+        DWORD_PTR result = 0;
+        const DWORD start = GetTickCount();
+        SendMessageTimeoutA(wizard.Window(), WM_NULL, 0, 0, SMTO_NORMAL, 10000, &result);
+        longest = std::max(longest, GetTickCount() - start);
+        return condition();
+    }));
+    return longest;
+}
+
+} // namespace
+
+TEST_CASE("a whole build, page by page") {
+    ProgramFolder program;
+    program.Save();
+    WriteCd(program, "cd");
+    WizardDriver wizard(program.Wizard());
+    const std::string welcome = wizard.Heading();
+    CHECK(welcome.starts_with("Welcome to Vesk Builder v"));
+    CHECK(
+        wizard.Text(IDC_TXT_WELCOME).starts_with("Vesk Builder for Windows NT/2000/XP/Vista\r\nv"));
+    CHECK_FALSE(wizard.IsEnabled(IDC_CMD_BACK));
+
+    wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
+    CHECK(wizard.IsEnabled(IDC_CMD_BACK));
+    CHECK(wizard.Text(IDC_TXT_PROG_PATH) == "C:\\VeskUiTest");
+    wizard.GoTo(IDC_CMD_BACK, welcome);
+    wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
+    wizard.PressSpaceOn(IDC_LST_BASE, 0);
+    CHECK(wizard.IsTicked(IDC_LST_BASE, 0)); // locked: it springs back
+    wizard.SetText(IDC_TXT_PROG_PATH, program.Tree() + "\\");
+    wizard.SetText(IDC_TXT_WIN_PATH, program.Folder() / "cd");
+
+    wizard.GoTo(IDC_CMD_NEXT, kPluginsHeading);
+    CHECK(wizard.Text(IDC_TXT_WIN_PATH) == program.Folder() / "cd\\");
+    CHECK(wizard.Text(IDC_LBL_WIN_PRODUCT) == "Windows XP Home SP2");
+    wizard.PressSpaceOn(IDC_LST_PLUGINS, 0);
+    wizard.PressSpaceOn(IDC_LST_PLUGINS, 1);
+    wizard.PressSpaceOn(IDC_LST_PLUGINS, 2);
+    CHECK_FALSE(wizard.IsTicked(IDC_LST_PLUGINS, 0));
+    CHECK(wizard.IsTicked(IDC_LST_PLUGINS, 1));
+    CHECK(wizard.IsTicked(IDC_LST_PLUGINS, 2));
+
+    wizard.GoTo(IDC_CMD_NEXT, kSummaryHeading);
+    wizard.GoTo(IDC_CMD_BACK, kPluginsHeading);
+    wizard.GoTo(IDC_CMD_NEXT, kSummaryHeading);
+    CHECK(
+        wizard.Text(IDC_TXT_SUMMARY) ==
+        "Base Components:\r\n   PE Builder\r\n   Extras\r\n\r\nPlugins:\r\n   Beta\r\n   Gamma\r\n"
+        "\r\nInstallation path: " +
+            program.Tree() + "\r\nSource path: " + (program.Folder() / "cd\\") +
+            "\r\n\r\nPress Next to continue with the installation.");
+
+    wizard.Click(IDC_CMD_NEXT);
+    AwaitFinish(wizard);
+    CHECK(wizard.Heading() == "Finished");
+    CHECK(wizard.Text(IDC_LBL_FILE) == "Done");
+    CHECK(wizard.IsEnabled(IDC_CMD_HELP));
+    CHECK_FALSE(wizard.IsEnabled(IDC_CMD_BACK));
+    const auto lines = wizard.LogLines();
+    REQUIRE(lines.size() > 5);
+    CHECK(lines.front().starts_with("Vesk Builder v"));
+    CHECK(lines.back() == "click 'Finish' to exit");
+    CHECK(ReadWholeFile(program.Path() + kLogFileName) == Joined(lines));
+    CHECK(ReadWholeFile(program.Tree() + "\\extra.txt") == "extra");
+    CHECK(FileExists(program.Tree() + "\\Plugin\\100_tools\\Beta\\Beta.inf"));
+    CHECK_FALSE(FolderExists(program.Tree() + "\\Plugin\\100_tools\\Alpha"));
+
+    wizard.Click(IDC_CMD_NEXT);
+    CHECK(wizard.AwaitEnd() == 0);
+}
+
+TEST_CASE("leaving is asked for on each page") {
+    ProgramFolder program;
+    program.Save();
+    WizardDriver wizard(program.Wizard());
+    const auto declineExit = [&] {
+        const std::string heading = wizard.Heading();
+        const HWND box = wizard.AwaitDialog("Confirm Action");
+        CHECK(WizardDriver::BoxText(box).starts_with("Are you sure you want to exit the setup ?"));
+        WizardDriver::Answer(box, IDNO);
+        CHECK(wizard.Heading() == heading);
+        CHECK_FALSE(wizard.HasEnded());
+    };
+    for (const char* next : {kBaseHeading, kPluginsHeading, kSummaryHeading, ""}) {
+        wizard.Click(IDCANCEL);
+        declineExit();
+        PostMessageA(wizard.Window(), WM_CLOSE, 0, 0);
+        declineExit();
+        if (*next != '\0')
+            wizard.GoTo(IDC_CMD_NEXT, next);
+    }
+    wizard.Click(IDC_CMD_HELP);
+    const HWND help = wizard.AwaitDialog("Help");
+    CHECK(WizardDriver::BoxText(help).starts_with("Unable to display Help Contents."));
+    WizardDriver::Answer(help, IDOK);
+    wizard.Click(IDCANCEL);
+    WizardDriver::Answer(wizard.AwaitDialog("Confirm Action"), IDYES);
+    CHECK(wizard.AwaitEnd() == 0);
+}
+
+TEST_CASE("a build into a folder that is there stops when the user says No") {
+    ProgramFolder program;
+    program.Save();
+    program.Folder().Write("tree\\mine.txt", "keep");
+    WizardDriver wizard(program.Wizard());
+    GoToSummary(wizard, program);
+    wizard.Click(IDC_CMD_NEXT);
+    const HWND box = wizard.AwaitDialog("Confirmation");
+    CHECK(WizardDriver::BoxText(box) == "Project folder allready exists. Do you want to continue");
+    PostMessageA(wizard.Window(), WM_CLOSE, 0, 0); // refused while the run works
+    WizardDriver::Answer(box, IDNO);
+    AwaitFinish(wizard);
+    CHECK(wizard.Heading() == "Aborted");
+    CHECK(Holds(wizard.LogLines(), "Aborted... ["));
+    CHECK(ReadWholeFile(program.Tree() + "\\mine.txt") == "keep");
+    wizard.Click(IDC_CMD_NEXT);
+    CHECK(wizard.AwaitEnd() == 0);
+}
+
+TEST_CASE("a folder that must not be emptied is refused before the build starts") {
+    ProgramFolder program;
+    program.Save();
+    WizardDriver wizard(program.Wizard());
+    wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
+    wizard.SetText(IDC_TXT_PROG_PATH, program.Folder().Path());
+    wizard.GoTo(IDC_CMD_NEXT, kPluginsHeading);
+    wizard.GoTo(IDC_CMD_NEXT, kSummaryHeading);
+    wizard.Click(IDC_CMD_NEXT);
+    const HWND box = wizard.AwaitDialog("Vesk Builder");
+    CHECK_FALSE(WizardDriver::BoxText(box).empty());
+    WizardDriver::Answer(box, IDOK);
+    CHECK(wizard.Heading() == kSummaryHeading);
+    CHECK(FileExists(program.Wizard()));
+}
+
+TEST_CASE("the log's context menu selects, copies and saves") {
+    ProgramFolder program;
+    program.Save();
+    WizardDriver wizard(program.Wizard());
+    GoToSummary(wizard, program);
+    wizard.Click(IDC_CMD_NEXT);
+    AwaitFinish(wizard);
+    const auto lines = wizard.LogLines();
+    const HWND list = wizard.Control(IDC_LST_PROGRESS);
+    const auto selected = [&] {
+        return static_cast<std::size_t>(SendMessageA(list, LB_GETSELCOUNT, 0, 0));
+    };
+    const auto copies = [&](const std::string& wanted) {
+        wizard.PickFromLogMenu(1);
+        return WaitUntil([&] {
+            if (!OpenClipboard(nullptr))
+                return false; // the wizard still has it
+            const HANDLE data = GetClipboardData(CF_TEXT);
+            const std::string text = data ? static_cast<const char*>(GlobalLock(data)) : "none";
+            CloseClipboard();
+            return text == wanted;
+        });
+    };
+    CHECK(selected() == 0);
+    CHECK(copies(""));
+    wizard.PickFromLogMenu(2);
+    CHECK(WaitUntil([&] { return selected() == lines.size(); }));
+    CHECK(copies(Joined(lines)));
+    const std::string logFile = program.Path() + kLogFileName;
+    RemoveFile(logFile);
+    wizard.PickFromLogMenu(3);
+    CHECK(WaitUntil([&] { return ReadWholeFile(logFile) == Joined(lines); }));
+}
+
+TEST_CASE("details of an entry are shown with the state of its archive") {
+    ProgramFolder program;
+    program.catalogue.baseComponents[1].crc = "1";
+    program.Save();
+    WizardDriver wizard(program.Wizard());
+    wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
+    PostMessageA(wizard.Control(IDC_LST_BASE), WM_KEYDOWN, VK_DOWN, 0);
+    wizard.Click(IDC_CMD_BASE_DETAILS);
+    const HWND dialog = wizard.AwaitDialog("Component");
+    const auto text = [&](int id) {
+        std::string value(256, '\0');
+        value.resize(GetDlgItemTextA(dialog, id, value.data(), static_cast<int>(value.size())));
+        return value;
+    };
+    CHECK(text(IDC_TXT_ITEM_ARCHIVE) == "extras.zip");
+    CHECK(text(IDC_TXT_ITEM_STATE).find("differs") != std::string::npos);
+    WizardDriver::Answer(dialog, IDCANCEL);
+}
+
+TEST_CASE("the drive scan finds a CD, stops, and hands it over") {
+    ProgramFolder program;
+    program.Save();
+    WriteCd(program, "cd");
+    WizardDriver wizard(program.Wizard());
+    wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
+    wizard.Click(IDC_CMD_SCAN);
+    WizardDriver::Answer(wizard.AwaitDialog("File Search"), IDNO);
+    wizard.Click(IDC_CMD_SCAN);
+    const HWND question = wizard.AwaitDialog("File Search");
+    CHECK(WizardDriver::BoxText(question) ==
+          "Search for Windows installation files ?\r\n(can take some time)");
+    WizardDriver::Answer(question, IDYES);
+    const HWND dialog = wizard.AwaitDialog("Searching for Windows installation files");
+    const HWND list = GetDlgItem(dialog, IDC_LST_FOUND);
+    const HWND stop = GetDlgItem(dialog, IDC_CMD_STOP);
+    const auto caption = [&] {
+        std::string text(32, '\0');
+        text.resize(static_cast<std::size_t>(
+            SendMessageA(stop, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));
+        return text;
+    };
+    CHECK(caption() == "&Stop");
+    REQUIRE(WaitUntil([&] { return SendMessageA(list, LVM_GETITEMCOUNT, 0, 0) > 0; }, 60000));
+    PostMessageA(stop, BM_CLICK, 0, 0);
+    REQUIRE(WaitUntil([&] {
+        return caption() == "&Start" && IsWindowEnabled(GetDlgItem(dialog, IDC_CMD_SELECT));
+    }));
+    PostMessageA(list, WM_KEYDOWN, VK_HOME, 0);
+    WizardDriver::Answer(dialog, IDC_CMD_SELECT);
+    CHECK(wizard.Text(IDC_TXT_WIN_PATH).ends_with("\\"));
+    CHECK(wizard.Text(IDC_LBL_WIN_PRODUCT) == "Windows XP Home sp2");
+}
+
+TEST_CASE("the Tab key visits every control in reading order") {
+    ProgramFolder program;
+    program.Save();
+    WizardDriver wizard(program.Wizard());
+    wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
+    const auto focus = [&] {
+        GUITHREADINFO info{};
+        info.cbSize = sizeof info;
+        GetGUIThreadInfo(GetWindowThreadProcessId(wizard.Window(), nullptr), &info);
+        return info.hwndFocus;
+    };
+    for (const int id : {IDC_LST_BASE, IDC_CMD_BASE_DETAILS, IDC_TXT_PROG_PATH, IDC_CMD_PROG_PATH,
+                         IDC_TXT_WIN_PATH, IDC_CMD_WIN_PATH, IDC_CMD_SCAN, IDC_CMD_HELP,
+                         IDC_CMD_BACK, IDC_CMD_NEXT, IDCANCEL, IDC_LST_BASE}) {
+        CAPTURE(id);
+        REQUIRE(WaitUntil([&] { return focus() == wizard.Control(id); }, 5000));
+        PostMessageA(focus(), WM_KEYDOWN, VK_TAB, 0);
+    }
+}
+
+TEST_CASE("the window answers at once while a build works") {
+    ProgramFolder program;
+    std::vector<TestMember> members;
+    for (int i = 0; i < 1500; ++i)
+        members.push_back(TestMember::Stored("files\\" + std::to_string(i) + ".bin",
+                                             std::string(10000, static_cast<char>(i))));
+    program.AddBase("Big", "big.zip", members);
+    program.Save();
+    WizardDriver wizard(program.Wizard());
+    GoToSummary(wizard, program);
+    const DWORD start = GetTickCount();
+    const DWORD idle =
+        LongestAnswer(wizard, [&] { return GetTickCount() - start > 500; }); // this machine's share
+    wizard.Click(IDC_CMD_NEXT);
+    const DWORD building = LongestAnswer(wizard, [&] {
+        return wizard.Text(IDC_CMD_NEXT) == "&Finish" && wizard.IsEnabled(IDC_CMD_NEXT);
+    });
+    MESSAGE("longest answer: idle ", idle, " ms, building ", building, " ms");
+    CHECK(building <= 100 + idle);
+}
