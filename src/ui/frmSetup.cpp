@@ -67,8 +67,8 @@ void frmSetup::Show() {
     SetForegroundWindow(Window());
     if (!unread_.empty())
         ShowMessage(Window(),
-                    unread_ + ".\r\n\r\nWhat comes behind it was not read, and Apply would write "
-                              "the file without it.",
+                    unread_ + ".\r\n\r\nOnly what could be read is shown. Apply would write the "
+                              "file without the rest.",
                     kTitle, MB_OK | MB_ICONWARNING);
 }
 
