@@ -76,6 +76,8 @@ void clsEntryFrame::Attach(HWND dialog, const clsToolTips& tips) {
     dialog_ = dialog;
     for (const TickField& tick : kTickFields)
         SetComboItems(Combo(tick.index), {"True", "False"});
+    for (const int combo : {kSelector, kEnabled, kLocked, kCategory})
+        MatchHeight(Combo(combo), Text(kName));
     AddTips(tips);
 }
 

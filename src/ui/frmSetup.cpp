@@ -85,6 +85,7 @@ void frmSetup::Form_Load() {
     SetComboItems(
         Control(IDC_CMB_INSTALL_PATH),
         clsCatalogueEditor::InstallPathItems(SpecialFolderPath(SpecialFolder::ProgramFiles)));
+    MatchHeight(Control(IDC_CMB_INSTALL_PATH), Control(IDC_TXT_FOLDER));
     ShowAll();
     CenterWindow(Window());
     SetFocus(Control(IDC_CMB_BASE));

@@ -148,6 +148,17 @@ void SetComboSelection(HWND combo, int item) {
     SendMessageA(combo, CB_SETCURSEL, static_cast<WPARAM>(item), 0);
 }
 
+void MatchHeight(HWND combo, HWND textField) {
+    RECT own{};
+    RECT wanted{};
+    GetWindowRect(combo, &own);
+    GetWindowRect(textField, &wanted);
+    constexpr auto kSelectionField = static_cast<WPARAM>(-1);
+    const LRESULT height = SendMessageA(combo, CB_GETITEMHEIGHT, kSelectionField, 0);
+    SendMessageA(combo, CB_SETITEMHEIGHT, kSelectionField,
+                 height + (wanted.bottom - wanted.top) - (own.bottom - own.top));
+}
+
 GdiHandle DerivedFont(HFONT font, LONG weight, int percent) {
     LOGFONTA description = DescribeFont(font);
     description.lfWeight = weight;

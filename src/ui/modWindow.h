@@ -61,6 +61,10 @@ void SetComboItems(HWND combo, const std::vector<std::string>& items);
 int ComboSelection(HWND combo);
 void SetComboSelection(HWND combo, int item);
 
+/// Makes a combo box as high as a text field: the system makes it as high as its font needs, which
+/// at high resolutions is less.
+void MatchHeight(HWND combo, HWND textField);
+
 /// Shows the mouse pointer of a busy program for the length of a scope.
 class WaitCursor {
 public:
