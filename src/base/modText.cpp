@@ -64,7 +64,7 @@ std::size_t FindNoCase(std::string_view text, std::string_view what, std::size_t
         return std::string_view::npos;
     const auto rest = text.substr(from);
     // Not std::ranges::search: clang 14 cannot compile this library's version of it.
-    const auto found =
+    const std::string_view::const_iterator found =
         std::search(rest.begin(), rest.end(), what.begin(), what.end(),
                     [](char left, char right) { return Lower(left) == Lower(right); });
     if (found == rest.end() && !what.empty())

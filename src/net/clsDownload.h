@@ -39,7 +39,7 @@ class clsDownload : private SocketEvents {
 public:
     /// Number of the error for a header that does not end.
     static constexpr std::int32_t kHeaderTooLong = 431;
-    static constexpr std::size_t kLongestHeader = 16 * 1024 * 1024;
+    static constexpr std::size_t kLongestHeader = std::size_t{16} * 1024 * 1024;
 
     /// @param owner must outlive the object
     explicit clsDownload(DownloadEvents& owner);

@@ -5,12 +5,18 @@
 
 #include <windows.h>
 
+#include <utility>
+
 namespace vesk {
 
 clsDownloadSession::clsDownloadSession(DownloadSessionEvents& owner, const std::string& urls,
-                                       const std::string& destination, const std::string& crc,
+                                       std::string destination, std::string crc,
                                        const ProxySettings& proxy)
-    : owner_(owner), decisions_(urls), destination_(destination), crc_(crc), objDownload_(*this) {
+    : owner_(owner),
+      decisions_(urls),
+      destination_(std::move(destination)),
+      crc_(std::move(crc)),
+      objDownload_(*this) {
     objDownload_.SetAccessType(proxy.accessType);
     objDownload_.SetProxy(proxy.proxy);
     objDownload_.SetProxyPort(proxy.proxyPort);

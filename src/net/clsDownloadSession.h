@@ -38,8 +38,7 @@ public:
     /// @param destination full path of the file
     /// @param crc expected CRC-32 text, to match exactly, or empty for any file
     clsDownloadSession(DownloadSessionEvents& owner, const std::string& urls,
-                       const std::string& destination, const std::string& crc,
-                       const ProxySettings& proxy = {});
+                       std::string destination, std::string crc, const ProxySettings& proxy = {});
 
     /// Starts with the first address. OnFinished may come before it returns.
     void Start();

@@ -65,6 +65,7 @@ SocketState clsSocketMaster::State() const {
     return core_->State();
 }
 
+// NOLINTNEXTLINE(readability-convert-member-functions-to-static): needs the service started
 std::string clsSocketMaster::LocalHostName() const {
     std::array<char, 256> name{};
     if (gethostname(name.data(), static_cast<int>(name.size() - 1)) != 0)

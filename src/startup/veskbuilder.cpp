@@ -92,9 +92,9 @@ int Main(const char* commandLine) {
 
 } // namespace vesk
 
-int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR commandLine, int) {
+int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR lpCmdLine, int) {
     try {
-        return vesk::Main(commandLine);
+        return vesk::Main(lpCmdLine);
     } catch (const std::exception& failure) {
         vesk::ShowMessage(nullptr, failure.what(), vesk::kProductName, MB_OK | MB_ICONERROR);
         return 1;

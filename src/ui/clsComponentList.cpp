@@ -141,37 +141,41 @@ void clsComponentList::FitColumns() {
     }
 }
 
-bool clsComponentList::HandleNotify(const NMHDR& header, LRESULT& result) {
+std::optional<LRESULT> clsComponentList::HandleNotify(const NMHDR& header) {
     if (header.hwndFrom == tip_ && tip_ && header.code == TTN_GETDISPINFOA) {
         AnswerTip(reinterpret_cast<NMTTDISPINFOA&>(const_cast<NMHDR&>(header)));
-        return true;
+        return 0;
     }
     if (header.hwndFrom != list_)
-        return false;
+        return std::nullopt;
     switch (header.code) {
+    case NM_CUSTOMDRAW:
+        return Draw(reinterpret_cast<const NMLVCUSTOMDRAW&>(header));
     case NM_CLICK:
         Walk();
-        return false;
-    case NM_DBLCLK: {
-        LVHITTESTINFO hit{};
-        hit.pt = reinterpret_cast<const NMITEMACTIVATE&>(header).ptAction;
-        ListView_HitTest(list_, &hit);
-        if (hit.iItem >= 0 && (hit.flags & LVHT_ONITEMSTATEICON) == 0)
-            OpenSelected();
-        return false;
-    }
+        break;
+    case NM_DBLCLK:
+        OnDoubleClick(reinterpret_cast<const NMITEMACTIVATE&>(header).ptAction);
+        break;
     case LVN_ITEMCHANGED: {
         const auto& change = reinterpret_cast<const NMLISTVIEW&>(header);
         if (((change.uNewState ^ change.uOldState) & LVIS_STATEIMAGEMASK) != 0)
             Walk();
-        return false;
+        break;
     }
-    case NM_CUSTOMDRAW:
-        result = Draw(reinterpret_cast<const NMLVCUSTOMDRAW&>(header));
-        return true;
     default:
-        return false;
+        break;
     }
+    return std::nullopt;
+}
+
+/// A double click on a check box only ticks twice.
+void clsComponentList::OnDoubleClick(POINT position) const {
+    LVHITTESTINFO hit{};
+    hit.pt = position;
+    ListView_HitTest(list_, &hit);
+    if (hit.iItem >= 0 && (hit.flags & LVHT_ONITEMSTATEICON) == 0)
+        OpenSelected();
 }
 
 void clsComponentList::Walk() {

@@ -7,6 +7,7 @@
 
 #include <commctrl.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -26,8 +27,8 @@ public:
     /// destroy itself first.
     void Attach(HWND list);
 
-    /// Handles a notification of the list. @return true when `result` answers it
-    bool HandleNotify(const NMHDR& header, LRESULT& result);
+    /// Handles a notification of the list or its tool tip. @return its answer, if it wants one
+    std::optional<LRESULT> HandleNotify(const NMHDR& header);
 
     /// Shows the selected entry in the item view.
     void OpenSelected() const;
@@ -44,6 +45,7 @@ private:
     void Fill();
     void FitColumns();
     void Walk();
+    void OnDoubleClick(POINT position) const;
     LRESULT Draw(const NMLVCUSTOMDRAW& draw) const;
     void AttachTip();
     void FollowMouse(POINT position);

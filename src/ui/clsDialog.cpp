@@ -38,6 +38,10 @@ INT_PTR clsDialog::Answer(LRESULT result) const {
     return TRUE;
 }
 
+INT_PTR clsDialog::Answer(std::optional<LRESULT> result) const {
+    return result ? Answer(*result) : FALSE;
+}
+
 INT_PTR CALLBACK clsDialog::Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
     if (message == WM_INITDIALOG) {
         SetWindowLongPtrA(window, DWLP_USER, lparam);

@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <optional>
+
 namespace vesk {
 
 /// A dialog, modal or modeless, or a page within one. The object owns the window and may outlive
@@ -31,6 +33,9 @@ protected:
 
     /// For messages whose result is not the dialog procedure's own.
     [[nodiscard]] INT_PTR Answer(LRESULT result) const;
+
+    /// The same where there may be nothing to answer.
+    [[nodiscard]] INT_PTR Answer(std::optional<LRESULT> result) const;
 
 private:
     static INT_PTR CALLBACK Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam);

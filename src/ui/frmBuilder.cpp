@@ -15,6 +15,7 @@
 #include "ui/resources/ids.h"
 
 #include <array>
+#include <utility>
 
 namespace vesk {
 
@@ -29,8 +30,8 @@ constexpr int kWelcomeHeight = 224;
 
 } // namespace
 
-frmBuilder::frmBuilder(const ProgramPaths& paths)
-    : paths_(paths), logo_(IDR_LOGO), logoSmall_(IDR_LOGO_SMALL) {}
+frmBuilder::frmBuilder(ProgramPaths paths)
+    : paths_(std::move(paths)), logo_(IDR_LOGO), logoSmall_(IDR_LOGO_SMALL) {}
 
 frmBuilder::~frmBuilder() = default;
 
@@ -41,7 +42,7 @@ void frmBuilder::Show() {
 }
 
 void frmBuilder::SetButtonFace(const std::string& face) {
-    const auto font = reinterpret_cast<HFONT>(SendMessageA(Window(), WM_GETFONT, 0, 0));
+    auto* const font = reinterpret_cast<HFONT>(SendMessageA(Window(), WM_GETFONT, 0, 0));
     buttonFont_ = FontInFace(font, face);
     for (const int id : kButtonIds)
         SendMessageA(Control(id), WM_SETFONT, reinterpret_cast<WPARAM>(buttonFont_.Get()), TRUE);
@@ -50,8 +51,8 @@ void frmBuilder::SetButtonFace(const std::string& face) {
 void frmBuilder::Form_Load() {
     LoadCatalogueOrExplain();
     SetWindowIcon(Window());
-    taskbar_.emplace(Window());
-    const auto font = reinterpret_cast<HFONT>(SendMessageA(Window(), WM_GETFONT, 0, 0));
+    taskbar_ = std::make_unique<clsTaskbar>(Window());
+    auto* const font = reinterpret_cast<HFONT>(SendMessageA(Window(), WM_GETFONT, 0, 0));
     largeFont_ = DerivedFont(font, FW_BOLD, 145);
     boldFont_ = DerivedFont(font, FW_BOLD, 100);
     SendMessageA(Control(IDC_LBL_HEADING_SM), WM_SETFONT, reinterpret_cast<WPARAM>(boldFont_.Get()),
@@ -226,7 +227,7 @@ INT_PTR frmBuilder::PaintBackground(HDC dc) const {
     return Answer(PaintBand(Window(), dc, page_ == Page::Welcome ? kWelcomeHeight : kBandHeight));
 }
 
-INT_PTR frmBuilder::ColourOf(HDC dc, HWND control) const {
+INT_PTR frmBuilder::ColourOf(HDC dc, HWND control) {
     const int id = GetDlgCtrlID(control);
     if (id < IDC_LBL_HEADING || id > IDC_LBL_HEADING_SM2)
         return FALSE;

@@ -12,7 +12,7 @@
 #include "ui/modWindow.h"
 
 #include <cstddef>
-#include <optional>
+#include <memory>
 #include <string>
 
 namespace vesk {
@@ -27,7 +27,9 @@ class pagWelcome;
 /// and downloads.
 class frmBuilder : public clsDialog, private BuildFrontEnd {
 public:
-    explicit frmBuilder(const ProgramPaths& paths);
+    explicit frmBuilder(ProgramPaths paths);
+    frmBuilder(const frmBuilder&) = delete;
+    frmBuilder& operator=(const frmBuilder&) = delete;
     ~frmBuilder() override;
 
     /// Loads the catalogue and shows the wizard; it ends the thread's message loop when it closes.
@@ -46,7 +48,7 @@ private:
     bool ConfirmExit();
     void ShowHelp();
     INT_PTR PaintBackground(HDC dc) const;
-    INT_PTR ColourOf(HDC dc, HWND control) const;
+    static INT_PTR ColourOf(HDC dc, HWND control);
     INT_PTR DrawPicture(const DRAWITEMSTRUCT& item);
 
     // Pages.
@@ -90,7 +92,7 @@ private:
     GdiHandle largeFont_;
     GdiHandle boldFont_;
     GdiHandle buttonFont_;
-    std::optional<clsTaskbar> taskbar_;
+    std::unique_ptr<clsTaskbar> taskbar_;
 
     std::unique_ptr<pagWelcome> welcomePage_;
     std::unique_ptr<pagBase> basePage_;

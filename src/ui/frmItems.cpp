@@ -30,7 +30,7 @@ std::string frmItems::ArchiveSentence() const {
 }
 
 void frmItems::OnCreated() {
-    const auto font = reinterpret_cast<HFONT>(SendMessageA(Window(), WM_GETFONT, 0, 0));
+    auto* const font = reinterpret_cast<HFONT>(SendMessageA(Window(), WM_GETFONT, 0, 0));
     nameFont_ = DerivedFont(font, FW_BOLD, 100);
     SendMessageA(Control(IDC_LBL_ITEM_NAME), WM_SETFONT, reinterpret_cast<WPARAM>(nameFont_.Get()),
                  FALSE);

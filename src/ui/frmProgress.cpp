@@ -22,7 +22,7 @@ DownloadResult frmProgress::DownloadFile(const std::string& sUrl, const std::str
                                          const std::string& sCRC) {
     destination_ = sDestination;
     DownloadSessionEvents& events = *this;
-    session_.emplace(events, sUrl, sDestination, sCRC);
+    session_ = std::make_unique<clsDownloadSession>(events, sUrl, sDestination, sCRC);
     RunModal(owner_, IDD_PROGRESS);
     RunPendingEvents(); // the dialog goes before the file is read
     const DownloadResult result = session_->Result();

@@ -3,7 +3,7 @@
 #include "net/clsDownloadSession.h"
 #include "ui/clsDialog.h"
 
-#include <optional>
+#include <memory>
 #include <string>
 
 namespace vesk {
@@ -29,8 +29,8 @@ private:
 
     HWND owner_;
     std::string destination_;
-    std::optional<clsDownloadSession> session_;
-    bool asking_ = false; ///< The cancel question is open.
+    std::unique_ptr<clsDownloadSession> session_; ///< While the dialog works.
+    bool asking_ = false;                         ///< The cancel question is open.
 };
 
 } // namespace vesk

@@ -18,7 +18,7 @@ std::vector<Slice> SlicesOf(std::size_t sourceLength, std::size_t targetLength, 
                             double step) {
     std::vector<Slice> slices(targetLength);
     for (std::size_t i = 0; i < targetLength; ++i) {
-        const double limit = static_cast<double>(sourceLength);
+        const auto limit = static_cast<double>(sourceLength);
         const double begin = std::clamp(start + static_cast<double>(i) * step, 0.0, limit - 1e-6);
         const double end = std::clamp(begin + step, begin + 1e-6, limit);
         slices[i].first = static_cast<std::size_t>(begin);

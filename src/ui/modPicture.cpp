@@ -59,7 +59,7 @@ clsPictureView::clsPictureView(int resourceId) {
     OLE_HANDLE handle = 0;
     if (!picture || FAILED(picture->get_Handle(&handle)))
         return;
-    const auto bitmap = reinterpret_cast<HBITMAP>(static_cast<ULONG_PTR>(handle));
+    auto* const bitmap = reinterpret_cast<HBITMAP>(static_cast<ULONG_PTR>(handle));
     BITMAP shape{};
     if (GetObjectA(bitmap, sizeof shape, &shape) == 0)
         return;

@@ -16,7 +16,7 @@ std::string LegalNotice() {
     UINT length = 0;
     if (block.empty() ||
         !GetFileVersionInfoA(program.data(), 0, static_cast<DWORD>(block.size()), block.data()) ||
-        !VerQueryValueA(block.data(), "\\StringFileInfo\\040904E4\\LegalCopyright", &text,
+        !VerQueryValueA(block.data(), R"(\StringFileInfo\040904E4\LegalCopyright)", &text,
                         &length) ||
         length == 0)
         return {};

@@ -157,11 +157,12 @@ INT_PTR pagBase::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
         return OnCommand(LOWORD(wparam), HIWORD(wparam));
     case WM_CTLCOLOREDIT:
         return OnColour(reinterpret_cast<HDC>(wparam), reinterpret_cast<HWND>(lparam));
-    case WM_NOTIFY: {
-        LRESULT result = 0;
-        return list_.HandleNotify(*reinterpret_cast<const NMHDR*>(lparam), result) ? Answer(result)
-                                                                                   : FALSE;
-    }
+    case WM_SHOWWINDOW:
+        if (wparam != FALSE)
+            list_.RefreshStates();
+        return FALSE;
+    case WM_NOTIFY:
+        return Answer(list_.HandleNotify(*reinterpret_cast<const NMHDR*>(lparam)));
     default:
         return FALSE;
     }

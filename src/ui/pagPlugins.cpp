@@ -20,11 +20,12 @@ INT_PTR pagPlugins::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
         if (wparam == MAKEWPARAM(IDC_CMD_PLUGIN_DETAILS, BN_CLICKED))
             list_.OpenSelected();
         return FALSE;
-    case WM_NOTIFY: {
-        LRESULT result = 0;
-        return list_.HandleNotify(*reinterpret_cast<const NMHDR*>(lparam), result) ? Answer(result)
-                                                                                   : FALSE;
-    }
+    case WM_SHOWWINDOW:
+        if (wparam != FALSE)
+            list_.RefreshStates();
+        return FALSE;
+    case WM_NOTIFY:
+        return Answer(list_.HandleNotify(*reinterpret_cast<const NMHDR*>(lparam)));
     default:
         return FALSE;
     }

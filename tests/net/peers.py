@@ -27,7 +27,20 @@ def wait_for(host, port, process):
     raise RuntimeError(f"no server came up at {host}:{port}")
 
 
-class Nginx:
+class ServerProcess:
+    """A server program that is ended by stop."""
+
+    def start(self, port, *command):
+        self.process = subprocess.Popen(command, stdin=subprocess.DEVNULL,
+                                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        wait_for("127.0.0.1", port, self.process)
+
+    def stop(self):
+        self.process.terminate()
+        self.process.wait()
+
+
+class Nginx(ServerProcess):
     """Serves a folder at 127.0.0.1:port, and at direct_host:80 where the system allows that."""
 
     direct_host = "127.0.0.77"
@@ -58,18 +71,11 @@ class Nginx:
                 server {{ {listen} root {self.root};
                     location /moved {{ return 302 http://{self.direct_host}/small.bin; }}
                     location /secret {{ return 401; }} }} }}""")
-        self.process = subprocess.Popen(
-            ["/usr/sbin/nginx", "-p", str(self.folder), "-e", f"{self.folder}/log", "-c",
-             str(config)], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
-            stderr=subprocess.DEVNULL)
-        wait_for("127.0.0.1", self.port, self.process)
-
-    def stop(self):
-        self.process.terminate()
-        self.process.wait()
+        self.start(self.port, "/usr/sbin/nginx", "-p", str(self.folder), "-e",
+                   f"{self.folder}/log", "-c", str(config))
 
 
-class Tinyproxy:
+class Tinyproxy(ServerProcess):
     def __init__(self, folder):
         folder = pathlib.Path(folder)
         folder.mkdir()
@@ -77,14 +83,7 @@ class Tinyproxy:
         config = folder / "tinyproxy.conf"
         config.write_text(f"Port {self.port}\nListen 127.0.0.1\nTimeout 60\nAllow 127.0.0.1\n"
                           f'LogFile "{folder}/log"\nPidFile "{folder}/pid"\nMaxClients 20\n')
-        self.process = subprocess.Popen(
-            ["/usr/bin/tinyproxy", "-d", "-c", str(config)], stdin=subprocess.DEVNULL,
-            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        wait_for("127.0.0.1", self.port, self.process)
-
-    def stop(self):
-        self.process.terminate()
-        self.process.wait()
+        self.start(self.port, "/usr/bin/tinyproxy", "-d", "-c", str(config))
 
 
 class ScriptedServer:

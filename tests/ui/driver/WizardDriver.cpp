@@ -127,6 +127,16 @@ void WizardDriver::Answer(HWND dialog, int button) {
     REQUIRE(WaitUntil([&] { return !IsWindow(dialog) || !IsWindowVisible(dialog); }));
 }
 
+void WizardDriver::TypeInto(HWND dialog, const std::string& text) {
+    const std::function<bool(HWND)> isField = [](HWND window) {
+        return ClassOf(window) == "Edit" && IsWindowVisible(window);
+    };
+    Search search{isField};
+    EnumChildWindows(dialog, Search::Visit, reinterpret_cast<LPARAM>(&search));
+    REQUIRE(search.found);
+    SendMessageA(search.found, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
+}
+
 std::string WizardDriver::BoxText(HWND box) {
     return TextOf(GetDlgItem(box, 0xFFFF));
 }

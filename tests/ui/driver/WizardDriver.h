@@ -57,6 +57,9 @@ public:
     /// Presses a button of a dialog or message box and waits for it to go.
     static void Answer(HWND dialog, int button);
 
+    /// Puts a text into the edit field of one of the system's dialogs.
+    static void TypeInto(HWND dialog, const std::string& text);
+
     /// The text of a message box.
     static std::string BoxText(HWND box);
 
