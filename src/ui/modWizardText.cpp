@@ -47,10 +47,10 @@ ArchivePlace FindArchivePlace(const CatalogueEntry& entry, bool fileExists) {
     return entry.url.empty() ? ArchivePlace::Missing : ArchivePlace::ToDownload;
 }
 
-std::string StateText(const CatalogueEntry& entry, ArchivePlace state) {
-    std::string text = state == ArchivePlace::Present      ? "Present"
-                       : state == ArchivePlace::ToDownload ? "To download"
-                                                           : "Missing";
+std::string StateText(const CatalogueEntry& entry, ArchivePlace place) {
+    const std::string text = place == ArchivePlace::Present      ? "Present"
+                             : place == ArchivePlace::ToDownload ? "To download"
+                                                                 : "Missing";
     return entry.lock ? text + ", locked" : text;
 }
 
