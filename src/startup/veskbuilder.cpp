@@ -4,6 +4,7 @@
 #include "startup/Version.h"
 #include "startup/modMain.h"
 #include "ui/frmBuilder.h"
+#include "ui/frmSetup.h"
 #include "ui/modProgramVersion.h"
 #include "ui/modWindow.h"
 
@@ -56,11 +57,10 @@ int RunWizard(const ProgramPaths& paths) {
     return RunMessageLoop();
 }
 
-/// The catalogue editor's form, frmSetup, is opened here once it is part of the program.
-int RunCatalogueEditor(const ProgramPaths&) {
-    ShowMessage(nullptr, "The catalogue editor is not part of this version.", kProductName,
-                MB_OK | MB_ICONINFORMATION);
-    return 0;
+int RunCatalogueEditor(const ProgramPaths& paths) {
+    frmSetup editor(paths);
+    editor.Show();
+    return RunMessageLoop();
 }
 
 int Main(const char* commandLine) {
