@@ -7,6 +7,14 @@
 
 namespace vesk {
 
+std::string CategoryItem::Text() const {
+    if (key.empty() && caption.empty())
+        return "(none)";
+    if (key == caption) // a category's own caption never holds its key
+        return key + " (no such category)";
+    return caption.empty() ? key : key + " - " + caption;
+}
+
 clsCatalogueEditor::clsCatalogueEditor(Catalogue catalogue) : applied_(std::move(catalogue)) {
     Revert();
 }

@@ -15,6 +15,9 @@ struct CategoryItem {
     std::string caption;
 
     bool operator==(const CategoryItem&) const = default;
+
+    /// Key and caption as one text for people; a key that no category has says so.
+    [[nodiscard]] std::string Text() const;
 };
 
 /// The catalogue editor's working copy of a catalogue: every edit goes here at once, and nowhere
@@ -49,6 +52,10 @@ public:
     /// True when there is something to apply.
     [[nodiscard]] bool IsModified() const;
 
+    /// The catalogue with all edits. Everything but the four edited parts, categories above all, is
+    /// as it came.
+    [[nodiscard]] Catalogue Edited() const;
+
     /// Hands the edited catalogue to `save`. Only when that returns the edits count as applied, and
     /// the first entries are selected. What it throws passes through.
     void Apply(const std::function<void(const Catalogue&)>& save);
@@ -57,9 +64,6 @@ public:
     void Revert();
 
 private:
-    /// Everything but the four edited parts, categories above all, is handed on as it came.
-    [[nodiscard]] Catalogue Edited() const;
-
     Catalogue applied_;
     std::string installFolder_;
     std::string installPathFlag_;

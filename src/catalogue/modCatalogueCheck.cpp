@@ -69,7 +69,7 @@ public:
 
 private:
     void Report(Kind kind, const std::string& sentence) {
-        problems_.push_back({kind, entry_, sentence});
+        problems_.push_back({kind, entry_, sentence, place_});
     }
 
     void CheckSectionNames(const std::vector<std::string>& names) {
@@ -96,6 +96,7 @@ private:
         const bool arePlugins = &entries == &catalogue_.plugins;
         for (std::size_t i = 0; i < entries.size(); ++i) {
             const CatalogueEntry& entry = entries[i];
+            place_ = EntryPlace{arePlugins, i};
             entry_ = what + (entry.name.empty() ? std::to_string(i + 1) : Quoted(entry.name));
             if (entry.name.empty())
                 Report(Kind::NoName, "it has no name");
@@ -174,6 +175,7 @@ private:
     const CrcOfArchive& crcOfArchive_;
     std::vector<CatalogueProblem> problems_;
     std::string entry_;                         ///< What is being looked at.
+    std::optional<EntryPlace> place_;           ///< Where it is, once entries are looked at.
     std::map<std::string, std::string> owners_; ///< Archive in lower case to its first entry.
 };
 

@@ -2,7 +2,9 @@
 
 #include "catalogue/Catalogue.h"
 
+#include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,11 +23,20 @@ enum class CatalogueProblemKind {
     SectionNames,     ///< More section names than the reader takes.
 };
 
+/// Which entry of a catalogue.
+struct EntryPlace {
+    bool isPlugin = false; ///< In the list of plug-ins; else in that of the base components.
+    std::size_t index = 0;
+
+    bool operator==(const EntryPlace&) const = default;
+};
+
 /// One thing that would go wrong in a build.
 struct CatalogueProblem {
     CatalogueProblemKind kind{};
     std::string entry;    ///< What it is about: `plug-in "Name"`, or "categories" and the like.
     std::string sentence; ///< What is wrong, for people.
+    std::optional<EntryPlace> place; ///< The entry, when it is about one.
 
     /// Both, as one line.
     [[nodiscard]] std::string Line() const { return entry + ": " + sentence; }

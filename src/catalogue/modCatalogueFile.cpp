@@ -1,5 +1,6 @@
 #include "catalogue/modCatalogueFile.h"
 
+#include "archive/clsCRC.h"
 #include "base/Failure.h"
 #include "base/modDate.h"
 #include "base/modFile.h"
@@ -145,6 +146,18 @@ void DeriveInstallPaths(Catalogue& catalogue, const std::string& programFilesFol
 
 std::string CategoryCaption(const std::string& value, const std::string& key) {
     return ProperCase(TrimBlanks(ReplaceAll(ReplaceAll(value, "_", " "), key, " ")));
+}
+
+CrcOfArchive ArchivesIn(const std::string& programPath) {
+    return [programPath](const std::string& archive) {
+        return clsCRC().CalculateFile(programPath + archive);
+    };
+}
+
+std::vector<CatalogueProblem> CheckCatalogueFile(const std::string& programPath,
+                                                 const Catalogue& catalogue) {
+    return CheckCatalogue(catalogue, ArchivesIn(programPath),
+                          SectionNames(ReadWholeFile(programPath + kCatalogueFileName)));
 }
 
 void SaveCatalogue(const std::string& programPath, const Catalogue& catalogue) {

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "catalogue/Catalogue.h"
+#include "catalogue/modCatalogueCheck.h"
 
 #include <string>
+#include <vector>
 
 namespace vesk {
 
@@ -26,6 +28,13 @@ void DeriveInstallPaths(Catalogue& catalogue, const std::string& programFilesFol
 /// Title of a category for people, from its value and key: "100_system_tools", "100" gives
 /// "System Tools".
 std::string CategoryCaption(const std::string& value, const std::string& key);
+
+/// The checksums of the archives in a folder (its path ends in "\"), for CheckCatalogue.
+CrcOfArchive ArchivesIn(const std::string& programPath);
+
+/// What would go wrong in a build of a catalogue that was loaded from the program path.
+std::vector<CatalogueProblem> CheckCatalogueFile(const std::string& programPath,
+                                                 const Catalogue& catalogue);
 
 /// Writes the catalogue file into the program path. The old file stays until the new one is
 /// complete beside it. The text is exact: other tools compare it.

@@ -88,6 +88,16 @@ std::string CatalogueText(const Catalogue& catalogue, const std::string& date) {
            date + "\r\n\r\n" + ini.Text();
 }
 
+std::vector<std::string> SectionNames(std::string_view iniText) {
+    std::vector<std::string> names;
+    for (const std::string& piece : Split(iniText, '\n')) {
+        const std::string line = TrimBlanks(piece);
+        if (line.starts_with('['))
+            names.push_back(TrimBlanks(line.substr(1, line.find(']') - 1)));
+    }
+    return names;
+}
+
 std::optional<bool> ToBoolean(std::string_view text) {
     const std::string word = LowerCase(TrimBlanks(text));
     if (word == "true")

@@ -49,6 +49,7 @@ const std::map<std::string, std::function<void(ConsoleOptions&)>>& Switches() {
         {"--no", [](auto& options) { Answer(options, false); }},
         {"--quiet", [](auto& options) { options.quiet = true; }},
         {"--list", [](auto& options) { options.action = Action::List; }},
+        {"--check", [](auto& options) { options.action = Action::Check; }},
         {"--help", [](auto& options) { options.action = Action::Help; }},
         {"--version", [](auto& options) { options.action = Action::Version; }},
     };
@@ -81,6 +82,7 @@ std::string HelpText() {
 veskbuild [--install FOLDER] [--source FOLDER] [--enable NAME]... [--disable NAME]...
           [--yes | --no] [--proxy HOST:PORT] [--quiet]
 veskbuild --list
+veskbuild --check
 veskbuild --help | --version
 
   --install FOLDER   build into this folder, which is emptied first, in place of the catalogue's
@@ -91,9 +93,10 @@ veskbuild --help | --version
   --proxy HOST:PORT  download through this HTTP proxy
   --quiet            print nothing on the error output but errors
   --list             print the catalogue as a table
+  --check            print what in the catalogue would go wrong in a build, a line each
 
-Exit codes: 0 done, 1 done with warnings, 2 install failed, 3 aborted, 4 refused at start-up,
-64 wrong usage.
+Exit codes: 0 done, 1 done with warnings (--check: something is wrong), 2 install failed,
+3 aborted, 4 refused at start-up, 64 wrong usage.
 )";
 }
 

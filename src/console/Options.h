@@ -20,7 +20,7 @@ struct ProxyAddress {
 
 /// What veskbuild is to do.
 struct ConsoleOptions {
-    enum class Action { Build, List, Help, Version };
+    enum class Action { Build, List, Check, Help, Version };
 
     Action action = Action::Build;
     std::optional<std::string> install;

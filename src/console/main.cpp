@@ -106,6 +106,21 @@ int RunBuild(const ConsoleOptions& options, const std::string& programPath, Cata
     return frontEnd.HasWarnings() || !catalogueIsWhole ? kDoneWithWarnings : kDone;
 }
 
+/// Prints what would go wrong in a build, a line each.
+/// @param unread what of the file could not be read; empty when all of it was
+int PrintProblems(const std::string& programPath, const Catalogue& catalogue,
+                  const std::string& unread, Terminal& terminal) {
+    if (!unread.empty())
+        terminal.PrintLine(unread);
+    const auto problems = CheckCatalogueFile(programPath, catalogue);
+    for (const CatalogueProblem& problem : problems)
+        terminal.PrintLine(problem.Line());
+    if (!unread.empty() || !problems.empty())
+        return kDoneWithWarnings;
+    terminal.PrintLine("Nothing to mend.");
+    return kDone;
+}
+
 int RunAction(const ConsoleOptions& options, Terminal& terminal) {
     if (options.action == ConsoleOptions::Action::Help) {
         std::fputs(HelpText().c_str(), stdout);
@@ -123,6 +138,8 @@ int RunAction(const ConsoleOptions& options, Terminal& terminal) {
     const std::string programPath = FindProgramPaths().programPath;
     Catalogue catalogue;
     const std::string problem = LoadCatalogueReporting(programPath, catalogue);
+    if (options.action == ConsoleOptions::Action::Check)
+        return PrintProblems(programPath, catalogue, problem, terminal);
     if (!problem.empty())
         terminal.Complain(problem);
     if (options.action == ConsoleOptions::Action::Build)

@@ -1,36 +1,22 @@
 // The wizard's entry: checks the system, then opens the form that the command line asks for.
+#include "base/Com.h"
 #include "base/modText.h"
 #include "startup/Version.h"
 #include "startup/modMain.h"
 #include "ui/frmBuilder.h"
+#include "ui/frmSetup.h"
 #include "ui/modProgramVersion.h"
 #include "ui/modWindow.h"
 
 #include <windows.h>
 
 #include <commctrl.h>
-#include <objbase.h>
 
 #include <exception>
 
 namespace vesk {
 
 namespace {
-
-/// Some of the shell's and the taskbar's objects need COM on the thread that uses them.
-class ComApartment {
-public:
-    ComApartment() : ready_(SUCCEEDED(CoInitialize(nullptr))) {}
-    ComApartment(const ComApartment&) = delete;
-    ComApartment& operator=(const ComApartment&) = delete;
-    ~ComApartment() {
-        if (ready_)
-            CoUninitialize();
-    }
-
-private:
-    bool ready_;
-};
 
 bool InitializeControls() {
     INITCOMMONCONTROLSEX request{};
@@ -71,18 +57,17 @@ int RunWizard(const ProgramPaths& paths) {
     return RunMessageLoop();
 }
 
-/// The catalogue editor's form, frmSetup, is opened here once it is part of the program.
-int RunCatalogueEditor(const ProgramPaths&) {
-    ShowMessage(nullptr, "The catalogue editor is not part of this version.", kProductName,
-                MB_OK | MB_ICONINFORMATION);
-    return 0;
+int RunCatalogueEditor(const ProgramPaths& paths) {
+    frmSetup editor(paths);
+    editor.Show();
+    return RunMessageLoop();
 }
 
 int Main(const char* commandLine) {
     if (!SystemIsFit())
         return 1;
     InitializeControls();
-    const ComApartment apartment;
+    const ComLibrary apartment;
     const ProgramPaths paths = FindProgramPaths();
     return EqualNoCase(FirstWord(commandLine, 1), "-setup") ? RunCatalogueEditor(paths)
                                                             : RunWizard(paths);

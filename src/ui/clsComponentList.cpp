@@ -1,6 +1,7 @@
 #include "ui/clsComponentList.h"
 
 #include "base/modFile.h"
+#include "ui/ScopeFlag.h"
 #include "ui/frmItems.h"
 #include "ui/modListWalk.h"
 #include "ui/modWindow.h"
@@ -18,19 +19,6 @@ constexpr UINT_PTR kSubclassId = 1;
 constexpr int kTitleMargin = 16; // pixels at 96 DPI on both sides of a column's title together
 constexpr int kTextMargin = 6;   // pixels at 96 DPI between a column's widest text and the next one
 constexpr int kTipWidth = 420;   // pixels at 96 DPI, for long addresses
-
-/// Holds a flag up for the length of a scope.
-class Guard {
-public:
-    explicit Guard(bool& flag) : flag_(flag), before_(std::exchange(flag, true)) {}
-    Guard(const Guard&) = delete;
-    Guard& operator=(const Guard&) = delete;
-    ~Guard() { flag_ = before_; }
-
-private:
-    bool& flag_;
-    bool before_;
-};
 
 void SetCell(HWND list, int line, int column, const std::string& text) {
     LVITEMA item{};
@@ -112,7 +100,7 @@ void clsComponentList::AddColumns() {
 }
 
 void clsComponentList::Fill() {
-    const Guard guard(filling_);
+    const ScopeFlag guard(filling_);
     const auto& entries = Entries();
     for (int line = 0; line < static_cast<int>(entries.size()); ++line) {
         const CatalogueEntry& entry = entries[static_cast<std::size_t>(line)];
@@ -132,7 +120,7 @@ void clsComponentList::Fill() {
 }
 
 void clsComponentList::RefreshStates() {
-    const Guard guard(filling_);
+    const ScopeFlag guard(filling_);
     const int column = kind_ == Kind::Plugins ? 3 : 2;
     for (int line = 0; line < LineCount(); ++line)
         SetCell(list_, line, column, StateText(EntryAt(line), StateAt(line)));
@@ -193,7 +181,7 @@ void clsComponentList::OnDoubleClick(POINT position) const {
 void clsComponentList::Walk() {
     if (filling_)
         return;
-    const Guard guard(filling_);
+    const ScopeFlag guard(filling_);
     WalkTicks(Entries(), static_cast<std::size_t>(LineCount()),
               {[this](std::size_t line) { return ListView_GetCheckState(list_, line) != 0; },
                [this](std::size_t line, bool ticked) {

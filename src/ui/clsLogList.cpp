@@ -56,14 +56,7 @@ void clsLogList::ShowLines(const std::vector<std::string>& lines) {
 }
 
 void clsLogList::Widen(const std::string& line) {
-    const HDC dc = GetDC(list_);
-    const HGDIOBJ before =
-        SelectObject(dc, reinterpret_cast<HGDIOBJ>(SendMessageA(list_, WM_GETFONT, 0, 0)));
-    SIZE size{};
-    GetTextExtentPoint32A(dc, line.c_str(), static_cast<int>(line.size()), &size);
-    SelectObject(dc, before);
-    ReleaseDC(list_, dc);
-    const int width = static_cast<int>(size.cx) + ScalePixels(kLineMargin);
+    const int width = TextWidth(list_, line) + ScalePixels(kLineMargin);
     if (width <= widest_)
         return;
     widest_ = width;

@@ -4,6 +4,7 @@
 #include "base/modSystemError.h"
 #include "catalogue/modCatalogueFile.h"
 #include "startup/Version.h"
+#include "ui/modBand.h"
 #include "ui/modProgramVersion.h"
 #include "ui/modWizardText.h"
 #include "ui/pagBase.h"
@@ -20,13 +21,9 @@ namespace vesk {
 
 namespace {
 
-constexpr UINT kRunBuildMessage = WM_APP;
-
 constexpr std::array<int, 4> kButtonIds{IDC_CMD_HELP, IDC_CMD_BACK, IDC_CMD_NEXT, IDCANCEL};
 
-/// Height of the white band with the heading, in dialog units; the welcome page is white down to
-/// the line above the buttons.
-constexpr int kBandHeight = 34;
+/// The welcome page is white down to the line above the buttons, in dialog units.
 constexpr int kWelcomeHeight = 224;
 
 } // namespace
@@ -68,13 +65,11 @@ void frmBuilder::Form_Load() {
     SetFocus(Control(IDC_CMD_NEXT));
 }
 
-/// What was read before a bad value stays in the catalogue: the wizard opens with it.
+/// The wizard opens with what was read.
 void frmBuilder::LoadCatalogueOrExplain() {
-    try {
-        LoadCatalogue(paths_.programPath, catalogue_);
-    } catch (const std::exception& failure) {
-        ShowMessage(Window(), failure.what(), kProductName, MB_OK | MB_ICONERROR);
-    }
+    const std::string problem = LoadCatalogueReporting(paths_.programPath, catalogue_);
+    if (!problem.empty())
+        ShowMessage(Window(), problem, kProductName, MB_OK | MB_ICONERROR);
 }
 
 void frmBuilder::CreatePages() {
@@ -225,22 +220,14 @@ void frmBuilder::OnCommand(int id) {
 }
 
 INT_PTR frmBuilder::PaintBackground(HDC dc) const {
-    RECT client{};
-    GetClientRect(Window(), &client);
-    FillRect(dc, &client, GetSysColorBrush(COLOR_BTNFACE));
-    client.bottom =
-        DialogUnits(0, 0, 0, page_ == Page::Welcome ? kWelcomeHeight : kBandHeight).bottom;
-    FillRect(dc, &client, GetSysColorBrush(COLOR_WINDOW));
-    return Answer(TRUE);
+    return Answer(PaintBand(Window(), dc, page_ == Page::Welcome ? kWelcomeHeight : kBandHeight));
 }
 
 INT_PTR frmBuilder::ColourOf(HDC dc, HWND control) {
     const int id = GetDlgCtrlID(control);
     if (id < IDC_LBL_HEADING || id > IDC_LBL_HEADING_SM2)
         return FALSE;
-    SetTextColor(dc, GetSysColor(COLOR_WINDOWTEXT));
-    SetBkColor(dc, GetSysColor(COLOR_WINDOW));
-    return reinterpret_cast<INT_PTR>(GetSysColorBrush(COLOR_WINDOW));
+    return OnWhite(dc);
 }
 
 INT_PTR frmBuilder::DrawPicture(const DRAWITEMSTRUCT& item) {

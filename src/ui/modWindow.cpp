@@ -123,6 +123,42 @@ int ShowMessage(HWND owner, const std::string& text, const std::string& title, U
     return MessageBoxA(owner, text.c_str(), title.c_str(), style);
 }
 
+int TextWidth(HWND control, const std::string& text) {
+    const HDC dc = GetDC(control);
+    const HGDIOBJ before =
+        SelectObject(dc, reinterpret_cast<HGDIOBJ>(SendMessageA(control, WM_GETFONT, 0, 0)));
+    SIZE size{};
+    GetTextExtentPoint32A(dc, text.c_str(), static_cast<int>(text.size()), &size);
+    SelectObject(dc, before);
+    ReleaseDC(control, dc);
+    return static_cast<int>(size.cx);
+}
+
+void SetComboItems(HWND combo, const std::vector<std::string>& items) {
+    SendMessageA(combo, CB_RESETCONTENT, 0, 0);
+    for (const std::string& item : items)
+        SendMessageA(combo, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(item.c_str()));
+}
+
+int ComboSelection(HWND combo) {
+    return static_cast<int>(SendMessageA(combo, CB_GETCURSEL, 0, 0));
+}
+
+void SetComboSelection(HWND combo, int item) {
+    SendMessageA(combo, CB_SETCURSEL, static_cast<WPARAM>(item), 0);
+}
+
+void MatchHeight(HWND combo, HWND textField) {
+    RECT own{};
+    RECT wanted{};
+    GetWindowRect(combo, &own);
+    GetWindowRect(textField, &wanted);
+    constexpr auto kSelectionField = static_cast<WPARAM>(-1);
+    const LRESULT height = SendMessageA(combo, CB_GETITEMHEIGHT, kSelectionField, 0);
+    SendMessageA(combo, CB_SETITEMHEIGHT, kSelectionField,
+                 height + (wanted.bottom - wanted.top) - (own.bottom - own.top));
+}
+
 GdiHandle DerivedFont(HFONT font, LONG weight, int percent) {
     LOGFONTA description = DescribeFont(font);
     description.lfWeight = weight;

@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <string>
+#include <vector>
 
 /// Small helpers for windows, dialogs and their controls.
 namespace vesk {
@@ -49,6 +50,32 @@ void FollowFocus(HWND button, int notification, int defaultId);
 
 /// A message box. @return the button, IDOK ...
 int ShowMessage(HWND owner, const std::string& text, const std::string& title, UINT style);
+
+/// Pixels that a text takes in a control's font.
+int TextWidth(HWND control, const std::string& text);
+
+/// Replaces the items of a combo box; none of them is selected then.
+void SetComboItems(HWND combo, const std::vector<std::string>& items);
+
+/// Number of a combo box's selected item; -1 for none.
+int ComboSelection(HWND combo);
+void SetComboSelection(HWND combo, int item);
+
+/// Makes a combo box as high as a text field: the system makes it as high as its font needs, which
+/// at high resolutions is less.
+void MatchHeight(HWND combo, HWND textField);
+
+/// Shows the mouse pointer of a busy program for the length of a scope.
+class WaitCursor {
+public:
+    WaitCursor() : before_(SetCursor(LoadCursorA(nullptr, IDC_WAIT))) {}
+    WaitCursor(const WaitCursor&) = delete;
+    WaitCursor& operator=(const WaitCursor&) = delete;
+    ~WaitCursor() { SetCursor(before_); }
+
+private:
+    HCURSOR before_;
+};
 
 /// A copy of the font with another weight, and a size as a percentage of the font's own.
 GdiHandle DerivedFont(HFONT font, LONG weight, int percent);

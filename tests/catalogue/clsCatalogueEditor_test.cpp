@@ -166,6 +166,11 @@ TEST_CASE("the category combo keeps a key that no category has") {
     extended.push_back({"gone", "gone"});
     CHECK(editor.CategoryItems() == extended);
     CHECK(editor.CategoryItemIndex() == 2);
+    const std::vector<CategoryItem> items = editor.CategoryItems();
+    CHECK(items[0].Text() == "100 - System");
+    CHECK(items[2].Text() == "gone (no such category)");
+    CHECK(CategoryItem{"100", ""}.Text() == "100");
+    CHECK(CategoryItem{}.Text() == "(none)");
     editor.SetCategoryItem(2);
     editor.SetCategoryItem(3);
     editor.SetCategoryItem(-1);

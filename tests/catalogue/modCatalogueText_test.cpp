@@ -60,3 +60,9 @@ TEST_CASE("the catalogue file's text, to the byte") {
     // A key written twice keeps its place and takes the later value, as with the profile functions.
     CHECK(CatalogueText(catalogue, "").ends_with("ShowCategories=0\r\nx=new\r\n"));
 }
+
+TEST_CASE("the names of all sections, however many") {
+    CHECK(SectionNames("; [no]\r\n[A b]\r\nx=[y]\r\n  [ C ] junk\r\n[unclosed\r").size() == 3);
+    CHECK(SectionNames("[A b]\r\nx=[y]\r\n  [ C ] junk\n") == std::vector<std::string>{"A b", "C"});
+    CHECK(SectionNames("").empty());
+}

@@ -20,6 +20,7 @@ TEST_CASE("options are read") {
     CHECK(options.proxy->host == "proxy");
     CHECK(options.proxy->port == 8080);
     CHECK_FALSE(ParseOptions({}).answer.has_value());
+    CHECK(ParseOptions({"--check"}).action == ConsoleOptions::Action::Check);
 }
 
 TEST_CASE("wrong options are refused with a sentence that names them") {

@@ -51,6 +51,28 @@ class Console(ProgramTest):
         self.assertIn('"Locked" is locked and stays unticked', errors)
         self.assertNotIn("   Locked", lines)
 
+    def test_check(self):
+        self.write_small_catalogue()
+        code, lines, errors = self.run_program("--check")
+        self.assertEqual((code, errors), (1, ""))
+        self.assertEqual(
+            [line.split(": ")[0] for line in lines], ["categories"] * 3, lines)
+        crc = zip_bytes(self.program / "two.zip", {"two.inf": "x"})
+        categories = [(key, key + "_x") for key in ("100", "200", "300", "500")]
+        entry = ["Two", "two.zip", "100", 1, 0, "", crc]
+        self.write_catalogue([("PE Builder", "pebuilder3110a.zip", "", 1, 1, "", zip_bytes(
+            self.program / "pebuilder3110a.zip", {"pebuilder.exe": "x"}))], [entry], categories)
+        self.assertEqual(self.run_program("--check"), (0, ["Nothing to mend."], ""))
+        (self.program / "two.zip").write_bytes(b"damaged")
+        code, lines, errors = self.run_program("--check", "--quiet")
+        self.assertEqual((code, len(lines), errors), (1, 1, ""))
+        self.assertTrue(lines[0].startswith('plug-in "Two": "two.zip" is present'), lines)
+        catalogue = self.program / "veskbuilder.ini"
+        catalogue.write_text(catalogue.read_text().replace("Lock0=0", "Lock0=maybe"))
+        code, lines, errors = self.run_program("--check")
+        self.assertEqual((code, errors), (1, ""))
+        self.assertIn('key Lock0: "maybe"', lines[0])
+
     def test_unreadable_catalogues(self):
         code, lines, errors = self.build()
         self.assertEqual(code, 1)

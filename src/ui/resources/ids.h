@@ -17,6 +17,8 @@
 #define IDD_PROGRESS 210
 #define IDD_SELOS 211
 #define IDD_ITEMS 212
+#define IDD_SETUP 213
+#define IDD_CHECK 214
 
 // frmBuilder; its Cancel button is IDCANCEL
 #define IDC_CMD_HELP 1000
@@ -78,3 +80,27 @@
 #define IDC_TXT_ITEM_CRC 1244
 #define IDC_TXT_ITEM_STATE 1245
 #define IDC_TXT_ITEM_TICK 1246
+
+// frmSetup; its Exit button is IDCANCEL. The control arrays count from their first number on:
+// text 0 name, 1 file name, 4 address, 5 checksum; combo 0 entry, 1 enabled, 2 locked, 3 category
+#define IDC_TXT_BASE 1300
+#define IDC_CMB_BASE 1310
+#define IDC_TXT_BASE_PLUGIN 1320
+#define IDC_CMB_BASE_PLUGIN 1330
+#define IDC_CMD_BUTTONS 1340
+#define IDC_FRA_BASE 1360
+#define IDC_FRA_PLUGIN 1361
+#define IDC_TXT_FOLDER 1362
+#define IDC_CMB_INSTALL_PATH 1363
+#define IDC_CMD_APPLY 1364
+#define IDC_CMD_DISCARD 1365
+#define IDC_CMD_CHECK 1366
+#define IDC_LBL_STATE 1367
+#define IDC_LBL_SETUP_HEADING 1370
+#define IDC_LBL_SETUP_SUBHEADING 1371
+#define IDC_IMG_SETUP_LOGO 1372
+
+// frmCheck; its Close button is IDCANCEL
+#define IDC_LBL_PROBLEMS 1380
+#define IDC_LST_PROBLEMS 1381
+#define IDC_CMD_GO_TO 1382

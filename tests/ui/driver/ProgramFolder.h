@@ -39,6 +39,14 @@ public:
     [[nodiscard]] std::string Tree() const { return folder_ / "tree"; }
     [[nodiscard]] const TestFolder& Folder() const { return folder_; }
 
+    /// Puts the delivered console program into the folder. @return its path
+    [[nodiscard]] std::string Console() const {
+        const std::string program = GetEnvironment("VESK_CONSOLE");
+        REQUIRE_MESSAGE(!program.empty(), "VESK_CONSOLE names the console program");
+        CopyFileOver(program, Path() + "veskbuild.exe");
+        return Path() + "veskbuild.exe";
+    }
+
     /// Writes an archive into the program folder. @return its CRC-32 as catalogues hold it
     [[nodiscard]] std::string WriteArchive(const std::string& name,
                                            const std::vector<TestMember>& members) const {

@@ -38,6 +38,29 @@ struct Search {
     }
 };
 
+/// The messages that ask a list for its lines.
+struct LineMessages {
+    UINT count;
+    UINT length;
+    UINT text;
+};
+
+std::vector<std::string> Lines(HWND list, const LineMessages& messages) {
+    const auto count = static_cast<WPARAM>(SendMessageW(list, messages.count, 0, 0));
+    std::vector<std::string> lines;
+    for (WPARAM line = 0; line < count; ++line) {
+        // Across processes only the wide form is converted right.
+        std::wstring text(
+            static_cast<std::size_t>(SendMessageW(list, messages.length, line, 0)) + 1, L'\0');
+        SendMessageW(list, messages.text, line, reinterpret_cast<LPARAM>(text.data()));
+        text.pop_back();
+        lines.emplace_back();
+        for (const wchar_t c : text)
+            lines.back() += static_cast<char>(c);
+    }
+    return lines;
+}
+
 } // namespace
 
 bool WaitUntil(const std::function<bool()>& condition, DWORD milliseconds) {
@@ -50,16 +73,18 @@ bool WaitUntil(const std::function<bool()>& condition, DWORD milliseconds) {
     return true;
 }
 
-WizardDriver::WizardDriver(const std::string& program) {
+WizardDriver::WizardDriver(const std::string& program, const std::string& arguments,
+                           const std::string& title) {
+    std::string commandLine = "\"" + program + "\" " + arguments;
     STARTUPINFOA startup{};
     startup.cb = sizeof startup;
     PROCESS_INFORMATION started{};
-    REQUIRE(CreateProcessA(program.c_str(), nullptr, nullptr, nullptr, FALSE, 0, nullptr, nullptr,
-                           &startup, &started));
+    REQUIRE(CreateProcessA(program.c_str(), commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr,
+                           nullptr, &startup, &started));
     CloseHandle(started.hThread);
     process_.Reset(started.hProcess);
     processId_ = started.dwProcessId;
-    window_ = AwaitDialog("Vesk Builder");
+    window_ = AwaitDialog(title);
 }
 
 WizardDriver::~WizardDriver() {
@@ -168,20 +193,44 @@ void WizardDriver::PressSpaceOn(int list, int line) const {
 }
 
 std::vector<std::string> WizardDriver::LogLines() const {
-    const HWND list = Control(IDC_LST_PROGRESS);
-    const auto count = static_cast<WPARAM>(SendMessageW(list, LB_GETCOUNT, 0, 0));
-    std::vector<std::string> lines;
-    for (WPARAM line = 0; line < count; ++line) {
-        // Across processes only the wide form is converted right.
-        std::wstring text(static_cast<std::size_t>(SendMessageW(list, LB_GETTEXTLEN, line, 0)) + 1,
-                          L'\0');
-        SendMessageW(list, LB_GETTEXT, line, reinterpret_cast<LPARAM>(text.data()));
-        text.pop_back();
-        lines.emplace_back();
-        for (const wchar_t c : text)
-            lines.back() += static_cast<char>(c);
+    return Lines(Control(IDC_LST_PROGRESS), {LB_GETCOUNT, LB_GETTEXTLEN, LB_GETTEXT});
+}
+
+void WizardDriver::Type(int id, const std::string& text) const {
+    SendMessageA(Control(id), EM_SETSEL, 0, -1);
+    SendMessageA(Control(id), WM_CLEAR, 0, 0);
+    for (const char c : text)
+        SendMessageA(Control(id), WM_CHAR, static_cast<WPARAM>(c), 1);
+}
+
+int WizardDriver::Chosen(int combo) const {
+    return static_cast<int>(SendMessageA(Control(combo), CB_GETCURSEL, 0, 0));
+}
+
+std::vector<std::string> WizardDriver::Items(int combo) const {
+    return Lines(Control(combo), {CB_GETCOUNT, CB_GETLBTEXTLEN, CB_GETLBTEXT});
+}
+
+void WizardDriver::Choose(int combo, int item) const {
+    SendMessageA(Control(combo), WM_KEYDOWN, VK_HOME, 1);
+    for (int i = 0; i < item; ++i)
+        SendMessageA(Control(combo), WM_KEYDOWN, VK_DOWN, 1);
+    CAPTURE(combo);
+    REQUIRE(Chosen(combo) == item);
+}
+
+void WizardDriver::CheckTabOrder(const std::vector<int>& ids) const {
+    const auto focus = [this] {
+        GUITHREADINFO info{};
+        info.cbSize = sizeof info;
+        GetGUIThreadInfo(GetWindowThreadProcessId(window_, nullptr), &info);
+        return info.hwndFocus;
+    };
+    for (const int id : ids) {
+        CAPTURE(id);
+        REQUIRE(WaitUntil([&] { return focus() == Control(id); }, 5000));
+        PostMessageA(focus(), WM_KEYDOWN, VK_TAB, 0);
     }
-    return lines;
 }
 
 void WizardDriver::PickFromLogMenu(int entry) const {

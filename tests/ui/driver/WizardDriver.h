@@ -13,12 +13,13 @@ namespace vesk::test {
 /// Polls until the condition holds. @return false when it does not within the time
 bool WaitUntil(const std::function<bool()>& condition, DWORD milliseconds = 30000);
 
-/// The wizard as another process, worked through its windows: they are found by class, number and
-/// title, never by their place on the screen.
+/// The wizard or the catalogue editor as another process, worked through its windows: they are
+/// found by class, number and title, never by their place on the screen.
 class WizardDriver {
 public:
-    /// Starts a program and waits for its wizard.
-    explicit WizardDriver(const std::string& program);
+    /// Starts a program and waits for its main window.
+    explicit WizardDriver(const std::string& program, const std::string& arguments = "",
+                          const std::string& title = "Vesk Builder");
     WizardDriver(const WizardDriver&) = delete;
     WizardDriver& operator=(const WizardDriver&) = delete;
     ~WizardDriver();
@@ -31,6 +32,14 @@ public:
     [[nodiscard]] bool IsShown(int id) const { return IsWindowVisible(Control(id)) != FALSE; }
     [[nodiscard]] bool IsEnabled(int id) const { return IsWindowEnabled(Control(id)) != FALSE; }
     void SetText(int id, const std::string& text) const;
+
+    /// Types over a text field, key by key.
+    void Type(int id, const std::string& text) const;
+
+    /// Number of a combo box's selected item, -1 for none; its items; choosing one by keys.
+    [[nodiscard]] int Chosen(int combo) const;
+    [[nodiscard]] std::vector<std::string> Items(int combo) const;
+    void Choose(int combo, int item) const;
 
     /// Clicks a button as soon as it is enabled; does not wait for what it does.
     void Click(int id) const;
@@ -59,6 +68,9 @@ public:
     void PressSpaceOn(int list, int line) const;
 
     [[nodiscard]] std::vector<std::string> LogLines() const;
+
+    /// Presses Tab from the first of the controls on; each must get the keyboard in its turn.
+    void CheckTabOrder(const std::vector<int>& ids) const;
 
     /// Picks an entry of the build log's context menu, by its number from the top. What the entry
     /// does may come later.

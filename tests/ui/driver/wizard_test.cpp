@@ -301,19 +301,9 @@ TEST_CASE("the Tab key visits every control in reading order") {
     program.Save();
     WizardDriver wizard(program.Wizard());
     wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
-    const auto focus = [&] {
-        GUITHREADINFO info{};
-        info.cbSize = sizeof info;
-        GetGUIThreadInfo(GetWindowThreadProcessId(wizard.Window(), nullptr), &info);
-        return info.hwndFocus;
-    };
-    for (const int id : {IDC_LST_BASE, IDC_CMD_BASE_DETAILS, IDC_TXT_PROG_PATH, IDC_CMD_PROG_PATH,
-                         IDC_TXT_WIN_PATH, IDC_CMD_WIN_PATH, IDC_CMD_SCAN, IDC_CMD_HELP,
-                         IDC_CMD_BACK, IDC_CMD_NEXT, IDCANCEL, IDC_LST_BASE}) {
-        CAPTURE(id);
-        REQUIRE(WaitUntil([&] { return focus() == wizard.Control(id); }, 5000));
-        PostMessageA(focus(), WM_KEYDOWN, VK_TAB, 0);
-    }
+    wizard.CheckTabOrder({IDC_LST_BASE, IDC_CMD_BASE_DETAILS, IDC_TXT_PROG_PATH, IDC_CMD_PROG_PATH,
+                          IDC_TXT_WIN_PATH, IDC_CMD_WIN_PATH, IDC_CMD_SCAN, IDC_CMD_HELP,
+                          IDC_CMD_BACK, IDC_CMD_NEXT, IDCANCEL, IDC_LST_BASE});
 }
 
 TEST_CASE("the window answers at once while a build works") {

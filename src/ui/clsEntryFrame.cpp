@@ -1,0 +1,236 @@
+#include "ui/clsEntryFrame.h"
+
+#include "archive/clsCRC.h"
+#include "ui/ScopeFlag.h"
+#include "ui/frmBrowse.h"
+#include "ui/modWindow.h"
+#include "ui/resources/ids.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace vesk {
+
+namespace {
+
+/// First numbers of the frame's control arrays, and its browse button.
+struct FrameIds {
+    int text;
+    int combo;
+    int browse;
+};
+
+FrameIds IdsOf(clsEntryFrame::Kind kind) {
+    constexpr int kBrowseBase = 2;
+    constexpr int kBrowsePlugin = 5;
+    return kind == clsEntryFrame::Kind::Plugins
+               ? FrameIds{IDC_TXT_BASE_PLUGIN, IDC_CMB_BASE_PLUGIN, IDC_CMD_BUTTONS + kBrowsePlugin}
+               : FrameIds{IDC_TXT_BASE, IDC_CMB_BASE, IDC_CMD_BUTTONS + kBrowseBase};
+}
+
+/// A member of the text array and the field it edits.
+struct TextField {
+    int index;
+    std::string CatalogueEntry::*field;
+};
+constexpr int kName = 0;
+constexpr int kFileName = 1;
+constexpr int kAddress = 4;
+constexpr int kChecksum = 5;
+constexpr std::array<TextField, 4> kTextFields{{{kName, &CatalogueEntry::name},
+                                                {kFileName, &CatalogueEntry::zip},
+                                                {kAddress, &CatalogueEntry::url},
+                                                {kChecksum, &CatalogueEntry::crc}}};
+
+/// A member of the combo array and the tick it edits.
+struct TickField {
+    int index;
+    bool CatalogueEntry::*field;
+};
+constexpr int kSelector = 0;
+constexpr int kEnabled = 1;
+constexpr int kLocked = 2;
+constexpr int kCategory = 3;
+constexpr std::array<TickField, 2> kTickFields{
+    {{kEnabled, &CatalogueEntry::enabled}, {kLocked, &CatalogueEntry::lock}}};
+
+} // namespace
+
+clsEntryFrame::clsEntryFrame(Kind kind, clsCatalogueEditor& editor, std::string programPath)
+    : kind_(kind), editor_(editor), programPath_(std::move(programPath)) {}
+
+clsEntryEditor& clsEntryFrame::Entries() const {
+    return kind_ == Kind::Plugins ? editor_.Plugins() : editor_.Base();
+}
+
+HWND clsEntryFrame::Text(int index) const {
+    return GetDlgItem(dialog_, IdsOf(kind_).text + index);
+}
+
+HWND clsEntryFrame::Combo(int index) const {
+    return GetDlgItem(dialog_, IdsOf(kind_).combo + index);
+}
+
+void clsEntryFrame::Attach(HWND dialog, const clsToolTips& tips) {
+    dialog_ = dialog;
+    for (const TickField& tick : kTickFields)
+        SetComboItems(Combo(tick.index), {"True", "False"});
+    for (const int combo : {kSelector, kEnabled, kLocked, kCategory})
+        MatchHeight(Combo(combo), Text(kName));
+    AddTips(tips);
+}
+
+void clsEntryFrame::AddTips(const clsToolTips& tips) const {
+    const FrameIds ids = IdsOf(kind_);
+    tips.Add(ids.browse, "Browse for File");
+    tips.Add(ids.text + kFileName, "The archive in the program folder, a .zip or .cab file");
+    tips.Add(ids.text + kChecksum,
+             "Checksum of the archive, upper-case hexadecimal without leading zeros");
+    tips.Add(ids.text + kAddress,
+             "Where the archive is downloaded from; several addresses are parted by commas");
+    tips.Add(ids.combo + kEnabled, "Whether the wizard offers it ticked");
+    tips.Add(ids.combo + kLocked, "Whether the tick cannot be changed in the wizard");
+}
+
+void clsEntryFrame::Show() {
+    const ScopeFlag showing(showing_);
+    SetComboItems(Combo(kSelector), Entries().Names());
+    SetComboSelection(Combo(kSelector), Entries().Selected());
+    ShowFields();
+}
+
+void clsEntryFrame::ShowFields() {
+    const ScopeFlag showing(showing_);
+    const CatalogueEntry* entry = Entries().Current();
+    EnableFields(entry != nullptr);
+    for (const TextField& text : kTextFields)
+        SetText(Text(text.index), entry ? entry->*text.field : std::string());
+    for (const TickField& tick : kTickFields)
+        SetComboSelection(Combo(tick.index), entry ? (entry->*tick.field ? 0 : 1) : -1);
+    ShowCategories();
+}
+
+void clsEntryFrame::ShowCategories() {
+    if (kind_ != Kind::Plugins)
+        return;
+    std::vector<std::string> items;
+    std::ranges::transform(editor_.CategoryItems(), std::back_inserter(items), &CategoryItem::Text);
+    SetComboItems(Combo(kCategory), items);
+    SetComboSelection(Combo(kCategory), editor_.CategoryItemIndex());
+}
+
+/// Without an entry there is nothing that the fields could change.
+void clsEntryFrame::EnableFields(bool enabled) const {
+    for (const TextField& text : kTextFields)
+        EnableWindow(Text(text.index), enabled);
+    for (const int combo : {kEnabled, kLocked, kCategory})
+        EnableWindow(Combo(combo), enabled);
+    EnableWindow(GetDlgItem(dialog_, IdsOf(kind_).browse), enabled);
+}
+
+void clsEntryFrame::GoTo(std::size_t index) {
+    Entries().Select(static_cast<int>(index));
+    Show();
+    SendMessageA(dialog_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Text(kName)), TRUE);
+}
+
+std::string clsEntryFrame::PlaceText() const {
+    const clsEntryEditor& entries = Entries();
+    return std::to_string(entries.Selected() + 1) + " of " +
+           std::to_string(entries.Entries().size());
+}
+
+bool clsEntryFrame::Do(Action action) {
+    bool moved = false;
+    switch (action) {
+    case Action::Add:
+        Entries().Add();
+        GoTo(Entries().Entries().size() - 1);
+        return false;
+    case Action::Remove:
+        Remove();
+        break;
+    case Action::Browse:
+        Browse();
+        break;
+    case Action::MoveUp:
+        moved = Entries().MoveUp();
+        break;
+    case Action::MoveDown:
+        moved = Entries().MoveDown();
+        break;
+    }
+    Show();
+    return moved;
+}
+
+void clsEntryFrame::Remove() {
+    const auto prompt = Entries().PromptForRemoval();
+    if (!prompt)
+        return;
+    const UINT style = prompt->asksYesNo ? MB_YESNO | MB_ICONQUESTION : MB_OK | MB_ICONINFORMATION;
+    if (ShowMessage(dialog_, prompt->text, prompt->title, style) == IDYES)
+        Entries().Remove();
+}
+
+void clsEntryFrame::Browse() {
+    const std::string path =
+        frmBrowse(dialog_).ChooseFile("Browse for File", "*.zip;*.cab", programPath_);
+    if (path.empty())
+        return;
+    const WaitCursor wait;
+    Entries().TakeArchive(path, clsCRC().CalculateFile(path));
+}
+
+bool clsEntryFrame::HandleField(int id, int notification) {
+    if (showing_)
+        return false;
+    const FrameIds ids = IdsOf(kind_);
+    if (notification == EN_CHANGE)
+        return HandleText(id - ids.text);
+    // A list that is closed with Escape goes back to its item without a word about that change.
+    if (notification == CBN_SELCHANGE || notification == CBN_CLOSEUP)
+        return HandleCombo(id - ids.combo);
+    return false;
+}
+
+bool clsEntryFrame::HandleText(int index) {
+    const auto* found = std::ranges::find(kTextFields, index, &TextField::index);
+    if (found == kTextFields.end())
+        return false;
+    Entries().SetField(found->field, TextOf(Text(index)));
+    if (index == kName)
+        ShowName();
+    return true;
+}
+
+/// Shows the selected entry's new name in the selector.
+void clsEntryFrame::ShowName() const {
+    const HWND selector = Combo(kSelector);
+    const auto selected = static_cast<WPARAM>(Entries().Selected());
+    SendMessageA(selector, CB_DELETESTRING, selected, 0);
+    SendMessageA(selector, CB_INSERTSTRING, selected,
+                 reinterpret_cast<LPARAM>(Entries().Current()->name.c_str()));
+    SetComboSelection(selector, Entries().Selected());
+}
+
+bool clsEntryFrame::HandleCombo(int index) {
+    if (index < kSelector || index > kCategory)
+        return false;
+    const int item = ComboSelection(Combo(index));
+    if (index == kSelector) {
+        if (item != Entries().Selected()) {
+            Entries().Select(item);
+            ShowFields();
+        }
+    } else if (index == kCategory) {
+        editor_.SetCategoryItem(item);
+    } else if (item >= 0) {
+        const auto* tick = std::ranges::find(kTickFields, index, &TickField::index);
+        Entries().SetField(tick->field, item == 0);
+    }
+    return true;
+}
+
+} // namespace vesk

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "catalogue/modCatalogueCheck.h"
+#include "ui/clsDialog.h"
+
+#include <optional>
+#include <vector>
+
+namespace vesk {
+
+/// Lists what would go wrong in a build, a line each; the user can go from a line to its entry.
+class frmCheck : public clsDialog {
+public:
+    explicit frmCheck(std::vector<CatalogueProblem> problems);
+
+    /// Shows the list, or says that it is empty. @return the entry that the user wants to see
+    std::optional<EntryPlace> Show(HWND owner);
+
+private:
+    INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;
+    void OnCreated();
+    void OnCommand(int id, int notification);
+    void OnSize();
+    void ShowWhereToGo() const;
+    void GoTo();
+    [[nodiscard]] const CatalogueProblem* Selected() const;
+
+    std::vector<CatalogueProblem> problems_;
+    std::optional<EntryPlace> chosen_;
+    SIZE smallest_{}; ///< The dialog's size as it was made, frame included.
+    SIZE client_{};   ///< Size of its inside when the controls were last placed.
+};
+
+} // namespace vesk

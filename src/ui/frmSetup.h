@@ -1,0 +1,57 @@
+#pragma once
+
+#include "catalogue/clsCatalogueEditor.h"
+#include "startup/modMain.h"
+#include "ui/clsDialog.h"
+#include "ui/clsEntryFrame.h"
+#include "ui/clsToolTips.h"
+#include "ui/modPicture.h"
+#include "ui/modWindow.h"
+
+#include <string>
+
+namespace vesk {
+
+/// The catalogue editor's window. It edits a working copy of the catalogue, which Apply writes to
+/// the catalogue file.
+class frmSetup : public clsDialog {
+public:
+    explicit frmSetup(const ProgramPaths& paths);
+
+    /// Shows the window; it ends the thread's message loop when it closes.
+    void Show();
+
+private:
+    INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;
+    void Form_Load();
+    void Form_QueryUnload();
+    void Timer1_Timer();
+    void cmdButtons_Click(int index);
+    void cmdActions_Click(int index);
+    void cmdCheck_Click();
+    void OnCommand(int id, int notification);
+    void OnClick(int id);
+    bool OnField(int id, int notification);
+    void AnswerTip(NMHDR& header);
+
+    void AddTips();
+    void ShowAll();
+    void ShowState(const std::string& whenUnchanged);
+    [[nodiscard]] bool Apply();
+    void Discard();
+    [[nodiscard]] bool MayLeave();
+
+    ProgramPaths paths_;
+    std::string unread_; ///< What of the catalogue file could not be read.
+    clsCatalogueEditor editor_;
+    clsEntryFrame baseFrame_;
+    clsEntryFrame pluginFrame_;
+    clsToolTips tips_;
+    std::string tipText_;
+    clsPictureView logoSmall_;
+    GdiHandle headingFont_;
+    HWND movedBy_ = nullptr; ///< The button that moved an entry last.
+    bool showing_ = false;   ///< The settings change because they are shown, not by the user.
+};
+
+} // namespace vesk
