@@ -54,12 +54,12 @@ std::string StateText(const CatalogueEntry& entry, ArchivePlace place) {
     return entry.lock ? text + ", locked" : text;
 }
 
-std::string EntryTip(const CatalogueEntry& entry, ArchivePlace state) {
+std::string EntryTip(const CatalogueEntry& entry, ArchivePlace place) {
     std::string text = "Archive: " + entry.zip;
     for (const std::string& address : Split(entry.url, ','))
         text += kLineEnd + ("Address: " + TrimBlanks(address));
     text += kLineEnd + ("CRC-32: " + (entry.crc.empty() ? "not given" : entry.crc));
-    switch (state) {
+    switch (place) {
     case ArchivePlace::Present:
         text += kLineEnd + std::string("The archive is in the program folder.");
         break;

@@ -30,10 +30,10 @@ enum class ArchivePlace {
 ArchivePlace FindArchivePlace(const CatalogueEntry& entry, bool fileExists);
 
 /// One or two words for a list's column; a locked entry says so.
-std::string StateText(const CatalogueEntry& entry, ArchivePlace state);
+std::string StateText(const CatalogueEntry& entry, ArchivePlace place);
 
 /// The tool tip of a line: archive, address, CRC and whether the archive is there.
-std::string EntryTip(const CatalogueEntry& entry, ArchivePlace state);
+std::string EntryTip(const CatalogueEntry& entry, ArchivePlace place);
 
 /// Speed of a download and the time it still takes, each as far as known.
 /// @param secondsLeft negative while unknown
