@@ -1,39 +1,17 @@
 #include "build/clsShellLink.h"
 
+#include "base/Com.h"
 #include "base/modSystemError.h"
 
 #include <windows.h>
 
-#include <objbase.h>
 #include <shlobj.h>
 
-#include <memory>
 #include <vector>
 
 namespace vesk {
 
 namespace {
-
-/// The COM library for as long as this lives; a thread that has it already keeps its own.
-class ComLibrary {
-public:
-    ComLibrary() : result_(CoInitialize(nullptr)) {}
-    ComLibrary(const ComLibrary&) = delete;
-    ComLibrary& operator=(const ComLibrary&) = delete;
-    ~ComLibrary() {
-        if (SUCCEEDED(result_))
-            CoUninitialize();
-    }
-
-private:
-    HRESULT result_;
-};
-
-struct ReleaseInterface {
-    void operator()(IUnknown* object) const { object->Release(); }
-};
-template <class Interface>
-using ComPointer = std::unique_ptr<Interface, ReleaseInterface>;
 
 void Require(HRESULT result, const std::string& linkFile) {
     if (FAILED(result))

@@ -99,7 +99,8 @@ std::size_t LengthLimitOf(const SocketValue& value, const std::string& method) {
     if (!IsGiven(value))
         return std::numeric_limits<std::size_t>::max();
     const std::optional<double> number = NumberOf(value);
-    if (!number || !(*number >= 1 && *number <= kLargest))
+    const bool fits = number && *number >= 1 && *number <= kLargest; // false for "not a number"
+    if (!fits)
         ThrowSocketMisuse(SocketMisuse::BadArgument, method);
     return static_cast<std::size_t>(*number);
 }

@@ -18,7 +18,7 @@ constexpr std::array<std::pair<const char*, const char*>, 3> kServicePacks = {
     {{"sp1", "1"}, {"sp2", "2"}, {"sp3", "3"}}};
 
 std::string FolderOf(const std::string& chosenPath) {
-    std::string path = FolderExists(chosenPath) ? chosenPath : ParentOf(chosenPath);
+    const std::string path = FolderExists(chosenPath) ? chosenPath : ParentOf(chosenPath);
     constexpr std::size_t kDriveRootLength = 3; // "D:\" ends in a backslash already
     return path.size() > kDriveRootLength ? WithTrailingBackslash(path) : path;
 }

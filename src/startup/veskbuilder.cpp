@@ -1,4 +1,5 @@
 // The wizard's entry: checks the system, then opens the form that the command line asks for.
+#include "base/Com.h"
 #include "base/modText.h"
 #include "startup/Version.h"
 #include "startup/modMain.h"
@@ -10,28 +11,12 @@
 #include <windows.h>
 
 #include <commctrl.h>
-#include <objbase.h>
 
 #include <exception>
 
 namespace vesk {
 
 namespace {
-
-/// Some of the shell's and the taskbar's objects need COM on the thread that uses them.
-class ComApartment {
-public:
-    ComApartment() : ready_(SUCCEEDED(CoInitialize(nullptr))) {}
-    ComApartment(const ComApartment&) = delete;
-    ComApartment& operator=(const ComApartment&) = delete;
-    ~ComApartment() {
-        if (ready_)
-            CoUninitialize();
-    }
-
-private:
-    bool ready_;
-};
 
 bool InitializeControls() {
     INITCOMMONCONTROLSEX request{};
@@ -82,7 +67,7 @@ int Main(const char* commandLine) {
     if (!SystemIsFit())
         return 1;
     InitializeControls();
-    const ComApartment apartment;
+    const ComLibrary apartment;
     const ProgramPaths paths = FindProgramPaths();
     return EqualNoCase(FirstWord(commandLine, 1), "-setup") ? RunCatalogueEditor(paths)
                                                             : RunWizard(paths);

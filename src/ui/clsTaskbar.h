@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/ComPointer.h"
+#include "base/Com.h"
 
 #include <windows.h>
 

@@ -1,7 +1,7 @@
 #include "ui/frmBrowse.h"
 
+#include "base/Com.h"
 #include "base/modText.h"
-#include "ui/ComPointer.h"
 #include "ui/FileDialogInterface.h"
 
 #include <commdlg.h>

@@ -21,8 +21,6 @@ namespace vesk {
 
 namespace {
 
-constexpr UINT kRunBuildMessage = WM_APP;
-
 constexpr std::array<int, 4> kButtonIds{IDC_CMD_HELP, IDC_CMD_BACK, IDC_CMD_NEXT, IDCANCEL};
 
 /// The welcome page is white down to the line above the buttons, in dialog units.
@@ -67,13 +65,11 @@ void frmBuilder::Form_Load() {
     SetFocus(Control(IDC_CMD_NEXT));
 }
 
-/// What was read before a bad value stays in the catalogue: the wizard opens with it.
+/// The wizard opens with what was read.
 void frmBuilder::LoadCatalogueOrExplain() {
-    try {
-        LoadCatalogue(paths_.programPath, catalogue_);
-    } catch (const std::exception& failure) {
-        ShowMessage(Window(), failure.what(), kProductName, MB_OK | MB_ICONERROR);
-    }
+    const std::string problem = LoadCatalogueReporting(paths_.programPath, catalogue_);
+    if (!problem.empty())
+        ShowMessage(Window(), problem, kProductName, MB_OK | MB_ICONERROR);
 }
 
 void frmBuilder::CreatePages() {

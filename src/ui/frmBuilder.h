@@ -39,6 +39,8 @@ public:
     void SetButtonFace(const std::string& face);
 
 private:
+    static constexpr UINT kRunBuildMessage = WM_APP; ///< Posted to itself.
+
     // What the window does.
     INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;
     void Form_Load();

@@ -12,7 +12,6 @@ namespace vesk {
 
 namespace {
 
-constexpr UINT kRunBuildMessage = WM_APP;
 constexpr DWORD kEventsInterval = 25; // milliseconds: a window that answers later feels stuck
 
 } // namespace

@@ -69,7 +69,7 @@ EndingHeading HeadingOf(BuildEnding ending, bool hasWarnings) {
     case BuildEnding::InstallFailed:
         return {"Install Failed", "The build cannot be made; the log below tells why"};
     case BuildEnding::Aborted:
-        return {"Aborted", "Nothing was changed"};
+        return {"Aborted", "The build was not made; the log below tells why"};
     case BuildEnding::Done:
         break;
     }

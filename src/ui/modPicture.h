@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/ComPointer.h"
+#include "base/Com.h"
 #include "ui/modImageScale.h"
 #include "ui/modWindow.h"
 

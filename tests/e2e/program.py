@@ -89,5 +89,7 @@ class ProgramTest(unittest.TestCase):
              ("Locked", "locked.zip", "100", 0, 1, "", "1")])
 
 
-def files_below(folder):
-    return sorted(str(path.relative_to(folder)) for path in folder.rglob("*") if path.is_file())
+def contents_below(folder):
+    """Relative path to bytes, of all files in a folder."""
+    return {str(path.relative_to(folder)): path.read_bytes()
+            for path in folder.rglob("*") if path.is_file()}
