@@ -57,12 +57,6 @@ int clsCatalogueEditor::CategoryItemIndex() const {
                             items.begin());
 }
 
-void clsCatalogueEditor::SetCategoryItem(int item) {
-    const std::vector<CategoryItem> items = CategoryItems();
-    if (item >= 0 && static_cast<std::size_t>(item) < items.size())
-        plugins_.SetField(&CatalogueEntry::cat, items[static_cast<std::size_t>(item)].key);
-}
-
 bool clsCatalogueEditor::IsModified() const {
     return installFolder_ != applied_.installFolder ||
            installPathFlag_ != applied_.installPathFlag ||

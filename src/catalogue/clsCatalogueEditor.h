@@ -46,9 +46,6 @@ public:
     /// The combo's item that belongs to the selected plug-in; -1 without a selection.
     [[nodiscard]] int CategoryItemIndex() const;
 
-    /// Gives the selected plug-in the category of a combo item; an index outside changes nothing.
-    void SetCategoryItem(int item);
-
     /// True when there is something to apply.
     [[nodiscard]] bool IsModified() const;
 

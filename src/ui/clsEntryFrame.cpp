@@ -114,8 +114,9 @@ void clsEntryFrame::ShowFields() {
 void clsEntryFrame::ShowCategories() {
     if (kind_ != Kind::Plugins)
         return;
+    categories_ = editor_.CategoryItems();
     std::vector<std::string> items;
-    std::ranges::transform(editor_.CategoryItems(), std::back_inserter(items), &CategoryItem::Text);
+    std::ranges::transform(categories_, std::back_inserter(items), &CategoryItem::Text);
     SetComboItems(Combo(kCategory), items);
     SetComboSelection(Combo(kCategory), editor_.CategoryItemIndex());
 }
@@ -200,7 +201,7 @@ bool clsEntryFrame::HandleText(int index) {
     if (found == kTextFields.end())
         return false;
     Entries().SetField(found->field, TextOf(Text(index)));
-    if (index == kName)
+    if (index == kName && Entries().Current())
         ShowName();
     return true;
 }
@@ -219,14 +220,19 @@ bool clsEntryFrame::HandleCombo(int index) {
     if (index < kSelector || index > kCategory)
         return false;
     const int item = ComboSelection(Combo(index));
+    if (item < 0)
+        return false;
     if (index == kSelector) {
         if (item != Entries().Selected()) {
             Entries().Select(item);
             ShowFields();
         }
     } else if (index == kCategory) {
-        editor_.SetCategoryItem(item);
-    } else if (item >= 0) {
+        // By the items that are shown: a key that no category has stays among them, so that the
+        // user can come back to it.
+        Entries().SetField(&CatalogueEntry::cat,
+                           categories_.at(static_cast<std::size_t>(item)).key);
+    } else {
         const auto* tick = std::ranges::find(kTickFields, index, &TickField::index);
         Entries().SetField(tick->field, item == 0);
     }

@@ -58,6 +58,7 @@ private:
     clsCatalogueEditor& editor_;
     std::string programPath_;
     HWND dialog_ = nullptr;
+    std::vector<CategoryItem> categories_; ///< What the category combo offers.
     bool showing_ = false; ///< The fields change because an entry is shown, not by the user.
 };
 

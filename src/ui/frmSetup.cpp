@@ -168,7 +168,7 @@ void frmSetup::cmdButtons_Click(int index) {
 }
 
 /// Who moves entries with the mouse is told where they are by now.
-void frmSetup::Timer1_Timer() {
+void frmSetup::ShowPlaceTip() {
     KillTimer(Window(), kTimer1);
     POINT cursor{};
     GetCursorPos(&cursor);
@@ -249,7 +249,7 @@ INT_PTR frmSetup::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
         OnCommand(LOWORD(wparam), HIWORD(wparam));
         return TRUE;
     case WM_TIMER:
-        Timer1_Timer();
+        ShowPlaceTip();
         return TRUE;
     case WM_NOTIFY:
         if (auto& header = *reinterpret_cast<NMHDR*>(lparam); header.code == TTN_GETDISPINFOA)

@@ -25,7 +25,7 @@ private:
     INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;
     void Form_Load();
     void Form_QueryUnload();
-    void Timer1_Timer();
+    void ShowPlaceTip();
     void cmdButtons_Click(int index);
     void cmdActions_Click(int index);
     void cmdCheck_Click();

@@ -149,14 +149,18 @@ void SetComboSelection(HWND combo, int item) {
 }
 
 void MatchHeight(HWND combo, HWND textField) {
-    RECT own{};
-    RECT wanted{};
-    GetWindowRect(combo, &own);
-    GetWindowRect(textField, &wanted);
+    const auto heightOf = [](HWND window) {
+        RECT area{};
+        GetWindowRect(window, &area);
+        return area.bottom - area.top;
+    };
     constexpr auto kSelectionField = static_cast<WPARAM>(-1);
-    const LRESULT height = SendMessageA(combo, CB_GETITEMHEIGHT, kSelectionField, 0);
-    SendMessageA(combo, CB_SETITEMHEIGHT, kSelectionField,
-                 height + (wanted.bottom - wanted.top) - (own.bottom - own.top));
+    // Twice: with its first own height a box may also get another border around it.
+    for (int pass = 0; pass < 2; ++pass) {
+        const LRESULT inner = SendMessageA(combo, CB_GETITEMHEIGHT, kSelectionField, 0);
+        SendMessageA(combo, CB_SETITEMHEIGHT, kSelectionField,
+                     inner + heightOf(textField) - heightOf(combo));
+    }
 }
 
 GdiHandle DerivedFont(HFONT font, LONG weight, int percent) {

@@ -3,8 +3,6 @@
 #include "catalogue/modCatalogueText.h"
 #include "ui/resources/ids.h"
 
-#include <dlgs.h>
-
 #include <doctest/doctest.h>
 
 using namespace vesk;
@@ -64,6 +62,12 @@ std::string SavedText(const ProgramFolder& program) {
 std::string TextOfCatalogue(const Catalogue& catalogue) {
     const std::string text = CatalogueText(catalogue, "");
     return text.substr(text.find('['));
+}
+
+LONG Width(HWND window) {
+    RECT area{};
+    GetWindowRect(window, &area);
+    return area.right - area.left;
 }
 
 /// Runs a program to its end. @return its exit code
@@ -164,6 +168,8 @@ TEST_CASE("entries are removed after a Yes, locked ones never, and Discard bring
     CHECK(editor.Chosen(IDC_CMB_BASE_PLUGIN) == -1);
     CHECK_FALSE(editor.IsEnabled(IDC_TXT_BASE_PLUGIN));
     CHECK_FALSE(editor.IsEnabled(kBrowsePlugin));
+    editor.SetText(IDC_TXT_BASE_PLUGIN, "nobody"); // as assistive tools can, disabled or not
+    CHECK(editor.Items(IDC_CMB_BASE_PLUGIN) == Names{"Beta", "Gamma"});
 
     editor.Choose(IDC_CMB_BASE_PLUGIN, 1);
     CHECK(editor.Text(IDC_TXT_BASE_PLUGIN) == "Gamma");
@@ -238,12 +244,7 @@ TEST_CASE("browsing for an archive fills in its name and checksum") {
     CHECK(editor.Text(IDC_TXT_BASE + kFileName) == "pebuilder3110a.zip");
     editor.Click(kBrowseBase);
     const HWND dialog = editor.AwaitDialog("Browse for File");
-    // The dialog has a plain field for the name, or one with a list.
-    const HWND name =
-        GetDlgItem(dialog, edt1) ? GetDlgItem(dialog, edt1) : GetDlgItem(dialog, cmb13);
-    REQUIRE(name);
-    const std::string path = program.Path() + "other.zip";
-    SendMessageA(name, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(path.c_str()));
+    WizardDriver::TypeInto(dialog, program.Path() + "other.zip");
     WizardDriver::Answer(dialog, IDOK);
     CHECK(WaitUntil([&] { return editor.Text(IDC_TXT_BASE + kFileName) == "other.zip"; }, 5000));
     CHECK(editor.Text(IDC_TXT_BASE + kChecksum) == crc);
@@ -259,12 +260,18 @@ TEST_CASE("the check goes through the edited catalogue and leads to the entry") 
     editor.Choose(IDC_CMB_BASE_PLUGIN, 1);
     CHECK(editor.Items(IDC_CMB_BASE_PLUGIN + kCategory).back() == "gone (no such category)");
     CHECK(editor.Chosen(IDC_CMB_BASE_PLUGIN + kCategory) == 4);
+    editor.Choose(IDC_CMB_BASE_PLUGIN + kCategory, 0);
+    editor.Choose(IDC_CMB_BASE_PLUGIN + kCategory, 4); // back to what it was
+    CHECK(editor.Text(IDC_LBL_STATE).empty());
     editor.Choose(IDC_CMB_BASE_PLUGIN, 0);
     editor.Type(IDC_TXT_BASE + kChecksum, "0");
     editor.Click(IDC_CMD_CHECK);
     const HWND dialog = editor.AwaitDialog("Check");
     const HWND list = GetDlgItem(dialog, IDC_LST_PROBLEMS);
     CHECK(SendMessageA(list, LB_GETCOUNT, 0, 0) == 2); // the present archive, the category
+    const LONG listWidth = Width(list);
+    SetWindowPos(dialog, nullptr, 0, 0, Width(dialog) + 90, 0, SWP_NOMOVE | SWP_NOZORDER);
+    CHECK(WaitUntil([&] { return Width(list) == listWidth + 90; }, 5000));
     SendMessageA(list, WM_KEYDOWN, VK_DOWN, 1);
     WizardDriver::Answer(dialog, IDC_CMD_GO_TO);
     REQUIRE(WaitUntil([&] { return editor.Text(IDC_TXT_BASE_PLUGIN) == "Beta"; }, 5000));
