@@ -42,10 +42,9 @@ void frmCheck::OnCreated() {
     for (const CatalogueProblem& problem : problems_) {
         const std::string line = problem.Line();
         SendMessageA(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(line.c_str()));
-        widest = std::max(widest, TextWidth(list, line));
+        widest = std::max(widest, TextWidth(list, line) + ScalePixels(kLineMargin));
     }
-    SendMessageA(list, LB_SETHORIZONTALEXTENT,
-                 static_cast<WPARAM>(widest + ScalePixels(kLineMargin)), 0);
+    SendMessageA(list, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(widest), 0);
     SendMessageA(list, LB_SETCURSEL, 0, 0);
     ShowWhereToGo();
     CenterWindow(Window());

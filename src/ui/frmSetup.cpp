@@ -74,7 +74,7 @@ void frmSetup::Show() {
 
 void frmSetup::Form_Load() {
     SetWindowIcon(Window());
-    const auto font = reinterpret_cast<HFONT>(SendMessageA(Window(), WM_GETFONT, 0, 0));
+    auto* const font = reinterpret_cast<HFONT>(SendMessageA(Window(), WM_GETFONT, 0, 0));
     headingFont_ = DerivedFont(font, FW_BOLD, 100);
     SendMessageA(Control(IDC_LBL_SETUP_HEADING), WM_SETFONT,
                  reinterpret_cast<WPARAM>(headingFont_.Get()), FALSE);

@@ -151,7 +151,7 @@ TEST_CASE("a plug-in is added, filled in, moved and saved, and a build takes it"
 }
 
 TEST_CASE("entries are removed after a Yes, locked ones never, and Discard brings all back") {
-    ProgramFolder program;
+    const ProgramFolder program;
     program.Save();
     const Editor editor(program);
     editor.Click(kRemoveBase);
@@ -234,7 +234,7 @@ TEST_CASE("unsaved edits are asked about, and survive a save that fails") {
 }
 
 TEST_CASE("browsing for an archive fills in its name and checksum") {
-    ProgramFolder program;
+    const ProgramFolder program;
     program.Save();
     const std::string crc =
         program.WriteArchive("other.zip", {TestMember::Stored("other.txt", "x")});
@@ -287,7 +287,7 @@ TEST_CASE("the check goes through the edited catalogue and leads to the entry") 
 }
 
 TEST_CASE("the Tab key visits every control of the editor in reading order") {
-    ProgramFolder program;
+    const ProgramFolder program;
     program.Save();
     const Editor editor(program);
     std::vector<int> order;
@@ -309,7 +309,7 @@ TEST_CASE("the Tab key visits every control of the editor in reading order") {
 }
 
 TEST_CASE("a catalogue that breaks off is explained before anything can be lost") {
-    ProgramFolder program;
+    const ProgramFolder program;
     program.Save();
     const std::string file = program.Path() + kCatalogueFileName;
     const std::string text = ReadWholeFile(file);
