@@ -57,7 +57,7 @@ TEST_CASE("all drives but the floppy drives are searched") {
 }
 
 TEST_CASE("a scan finds every Windows CD below a drive") {
-    TestFolder drive;
+    const TestFolder drive;
     WriteCd(drive, "a\\cd\\I386");
     WriteCd(drive, "b\\I386");
     WriteCd(drive, "b\\lower\\i386");        // copies elsewhere are spelled so: no CD
@@ -76,7 +76,7 @@ TEST_CASE("a scan finds every Windows CD below a drive") {
 }
 
 TEST_CASE("a find without a version raises the flag but is not listed") {
-    TestFolder drive;
+    const TestFolder drive;
     WriteCd(drive, "I386", false);
     Scan scan;
     scan.Run(drive);
@@ -85,7 +85,7 @@ TEST_CASE("a find without a version raises the flag but is not listed") {
 }
 
 TEST_CASE("a stopped scan ends at its next entry and can start anew") {
-    TestFolder drive;
+    const TestFolder drive;
     for (const char* name : {"a", "b", "c", "d"})
         drive.Write(name, "x");
     WriteCd(drive, "z\\I386");

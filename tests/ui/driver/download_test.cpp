@@ -99,7 +99,7 @@ TEST_CASE("a download shows its progress, goes on after No and ends after Yes") 
     }
     SUBCASE("cancelled") {
         ProgramFolder program;
-        HalfDownload download(server, program, crc);
+        const HalfDownload download(server, program, crc);
         download.Cancel(IDYES);
         CHECK(Holds(download.AwaitLog(), "Warning: download cancelled by user. !!!"));
         CHECK_FALSE(FileExists(program.Path() + "remote.zip"));

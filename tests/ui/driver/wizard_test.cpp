@@ -68,10 +68,10 @@ DWORD LongestAnswer(const WizardDriver& wizard, const std::function<bool()>& con
 } // namespace
 
 TEST_CASE("a whole build, page by page") {
-    ProgramFolder program;
+    const ProgramFolder program;
     program.Save();
     WriteCd(program, "cd");
-    WizardDriver wizard(program.Wizard());
+    const WizardDriver wizard(program.Wizard());
     const std::string welcome = wizard.Heading();
     CHECK(welcome.starts_with("Welcome to Vesk Builder v"));
     CHECK(
@@ -128,7 +128,7 @@ TEST_CASE("a whole build, page by page") {
 }
 
 TEST_CASE("leaving is asked for on each page") {
-    ProgramFolder program;
+    const ProgramFolder program;
     program.Save();
     WizardDriver wizard(program.Wizard());
     const auto declineExit = [&] {
@@ -157,10 +157,10 @@ TEST_CASE("leaving is asked for on each page") {
 }
 
 TEST_CASE("a build into a folder that is there stops when the user says No") {
-    ProgramFolder program;
+    const ProgramFolder program;
     program.Save();
     program.Folder().Write("tree\\mine.txt", "keep");
-    WizardDriver wizard(program.Wizard());
+    const WizardDriver wizard(program.Wizard());
     GoToSummary(wizard, program);
     wizard.Click(IDC_CMD_NEXT);
     const HWND box = wizard.AwaitDialog("Confirmation");
@@ -176,9 +176,9 @@ TEST_CASE("a build into a folder that is there stops when the user says No") {
 }
 
 TEST_CASE("a folder that must not be emptied is refused before the build starts") {
-    ProgramFolder program;
+    const ProgramFolder program;
     program.Save();
-    WizardDriver wizard(program.Wizard());
+    const WizardDriver wizard(program.Wizard());
     wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
     wizard.SetText(IDC_TXT_PROG_PATH, program.Folder().Path());
     wizard.GoTo(IDC_CMD_NEXT, kPluginsHeading);
@@ -192,7 +192,7 @@ TEST_CASE("a folder that must not be emptied is refused before the build starts"
 }
 
 TEST_CASE("the log's context menu selects, copies and saves") {
-    ProgramFolder program;
+    const ProgramFolder program;
     program.Save();
     WizardDriver wizard(program.Wizard());
     GoToSummary(wizard, program);
@@ -229,7 +229,7 @@ TEST_CASE("details of an entry are shown with the state of its archive") {
     ProgramFolder program;
     program.catalogue.baseComponents[1].crc = "1";
     program.Save();
-    WizardDriver wizard(program.Wizard());
+    const WizardDriver wizard(program.Wizard());
     wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
     PostMessageA(wizard.Control(IDC_LST_BASE), WM_KEYDOWN, VK_DOWN, 0);
     wizard.Click(IDC_CMD_BASE_DETAILS);
@@ -245,7 +245,7 @@ TEST_CASE("details of an entry are shown with the state of its archive") {
 }
 
 TEST_CASE("a folder chosen in the browse dialog is checked and coloured") {
-    ProgramFolder program;
+    const ProgramFolder program;
     program.Save();
     WriteCd(program, "cd");
     WizardDriver wizard(program.Wizard());
@@ -263,10 +263,10 @@ TEST_CASE("a folder chosen in the browse dialog is checked and coloured") {
 }
 
 TEST_CASE("the drive scan finds a CD, stops, and hands it over") {
-    ProgramFolder program;
+    const ProgramFolder program;
     program.Save();
     WriteCd(program, "cd");
-    WizardDriver wizard(program.Wizard());
+    const WizardDriver wizard(program.Wizard());
     wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
     wizard.Click(IDC_CMD_SCAN);
     WizardDriver::Answer(wizard.AwaitDialog("File Search"), IDNO);
@@ -297,9 +297,9 @@ TEST_CASE("the drive scan finds a CD, stops, and hands it over") {
 }
 
 TEST_CASE("the Tab key visits every control in reading order") {
-    ProgramFolder program;
+    const ProgramFolder program;
     program.Save();
-    WizardDriver wizard(program.Wizard());
+    const WizardDriver wizard(program.Wizard());
     wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
     wizard.CheckTabOrder({IDC_LST_BASE, IDC_CMD_BASE_DETAILS, IDC_TXT_PROG_PATH, IDC_CMD_PROG_PATH,
                           IDC_TXT_WIN_PATH, IDC_CMD_WIN_PATH, IDC_CMD_SCAN, IDC_CMD_HELP,
@@ -310,6 +310,7 @@ TEST_CASE("the window answers at once while a build works") {
     constexpr DWORD kAtOnce = 100;   // milliseconds
     constexpr DWORD kQuietIdle = 15; // an idle window answers within this unless others work
     std::vector<TestMember> members;
+    members.reserve(600);
     for (int i = 0; i < 600; ++i)
         members.push_back(TestMember::Stored("files\\" + std::to_string(i) + ".bin",
                                              std::string(20000, static_cast<char>(i))));
