@@ -81,7 +81,7 @@ std::int32_t clsCRC::CalculateString(std::string_view text) {
     return CalculateBytes(std::as_bytes(std::span(text)));
 }
 
-std::string clsCRC::CalculateFile(const std::string& path) {
+std::string clsCRC::CalculateFile(const std::string& path, const std::function<void()>& meanwhile) {
     const StdioFile file(std::fopen(path.c_str(), "rb"), std::fclose);
     if (!file)
         return {};
@@ -91,12 +91,14 @@ std::string clsCRC::CalculateFile(const std::string& path) {
     const auto piece = std::make_unique_for_overwrite<std::byte[]>(kPiece);
     std::setvbuf(file.get(), nullptr, _IONBF, 0);
     Clear();
-    bool any = false;
+    constexpr std::size_t kPiecesBetweenCalls = 16;
+    std::size_t pieces = 0;
     while (const std::size_t count = std::fread(piece.get(), 1, kPiece, file.get())) {
         AddBytes({piece.get(), count});
-        any = true;
+        if (++pieces % kPiecesBetweenCalls == 0 && meanwhile)
+            meanwhile();
     }
-    if (!any || std::ferror(file.get()) != 0)
+    if (pieces == 0 || std::ferror(file.get()) != 0)
         return {};
     return UpperHex(static_cast<std::uint32_t>(Value()));
 }

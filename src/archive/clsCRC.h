@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -30,7 +31,8 @@ public:
 
     /// Checksum of a whole file as upper-case hexadecimal text without leading zeros ("12ABCD"):
     /// the form that the catalogue holds. Empty for a missing, unreadable or empty file.
-    std::string CalculateFile(const std::string& path);
+    /// @param meanwhile called every few megabytes, so that a window stays alive
+    std::string CalculateFile(const std::string& path, const std::function<void()>& meanwhile = {});
 
     /// The checksum of what was fed so far.
     [[nodiscard]] std::int32_t Value() const;

@@ -53,7 +53,8 @@ void CopyFileOver(const std::string& source, const std::string& target);
 /// Renames or moves a file or folder; the target must not exist. Throws.
 void MovePath(const std::string& source, const std::string& target);
 
-/// The absolute form of a path, without ".", ".." and doubled backslashes. Throws.
+/// The absolute form of a path, without ".", ".." and doubled backslashes. A bare drive ("C:")
+/// stands for its root and not for its current folder. Throws.
 std::string AbsolutePath(const std::string& path);
 
 } // namespace vesk

@@ -33,10 +33,6 @@ bool SystemIsConnected() {
     return InternetGetConnectedState(&flags, 0) != FALSE;
 }
 
-std::string FileCrc(const std::string& path) {
-    return clsCRC().CalculateFile(path);
-}
-
 /// Keeps the front end alive while a cabinet is extracted.
 class CabOwner : public CabEvents {
 public:
@@ -92,6 +88,9 @@ private:
 
     [[nodiscard]] std::string ArchivePath(const CatalogueEntry& component) const {
         return inputs_.programPath + component.zip;
+    }
+    [[nodiscard]] std::string FileCrc(const std::string& path) {
+        return clsCRC().CalculateFile(path, [this] { frontEnd_.LetEventsRun(); });
     }
     void Announce(const std::string& caption) {
         context_.Status(caption);

@@ -33,11 +33,11 @@ void clsDownloadSession::Cancel() {
     finished_ = true;
 }
 
-DownloadResult clsDownloadSession::Result() const {
-    return decisions_.Result(crc_, [this] {
+DownloadResult clsDownloadSession::Result(const std::function<void()>& meanwhile) const {
+    return decisions_.Result(crc_, [&] {
         clsCRC checksum;
         checksum.SetAlgorithm(true);
-        return checksum.CalculateFile(destination_);
+        return checksum.CalculateFile(destination_, meanwhile);
     });
 }
 

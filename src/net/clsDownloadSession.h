@@ -5,6 +5,7 @@
 #include "net/TransferRate.h"
 #include "net/clsDownload.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -51,7 +52,8 @@ public:
 
     /// What became of it; reads the whole file where its checksum decides, so let pending events
     /// run first. Cancelled whatever else happened, once Cancel was called.
-    [[nodiscard]] DownloadResult Result() const;
+    /// @param meanwhile called every few megabytes of the file
+    [[nodiscard]] DownloadResult Result(const std::function<void()>& meanwhile = {}) const;
 
 private:
     void OnStarting(std::int32_t fileSize, const std::string& header) override;

@@ -25,7 +25,7 @@ DownloadResult frmProgress::DownloadFile(const std::string& sUrl, const std::str
     session_ = std::make_unique<clsDownloadSession>(events, sUrl, sDestination, sCRC);
     RunModal(owner_, IDD_PROGRESS);
     RunPendingEvents(); // the dialog goes before the file is read
-    const DownloadResult result = session_->Result();
+    const DownloadResult result = session_->Result(RunPendingEvents);
     session_.reset();
     return result;
 }
