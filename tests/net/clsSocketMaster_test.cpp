@@ -99,7 +99,6 @@ TEST_CASE("connect, talk both ways, close: states, events, properties") {
     Pair pair;
     CHECK(pair.client.log == "c");
     CHECK(pair.client.socket->RemoteHostIP() == kLocal);
-    CHECK(pair.server.socket->RemoteHostIP() == kLocal);
     CHECK(pair.server.socket->RemotePort() == pair.client.socket->LocalPort());
     CHECK(FindWindowExA(HWND_MESSAGE, nullptr, "STATIC", "SOCKET_WINDOW") == CountSockets().window);
 
@@ -145,7 +144,6 @@ TEST_CASE("what must not be done is refused with number, source and text, and ch
     const std::string wrongState =
         ": Wrong protocol or connection state for the requested transaction or request";
     const std::string invalidState = ": Invalid operation at current state";
-    const std::string noSuchType = ": Unsupported variant type.";
     clsSocketMaster& busy = *pair.client.socket;
     clsSocketMaster& idle = *closed.socket;
     struct Row {
@@ -164,9 +162,8 @@ TEST_CASE("what must not be done is refused with number, source and text, and ch
              {"40006 clsSocketMaster.SendData", wrongState, [&] { idle.SendData("x"); }},
              {"40006 clsSocketMaster.GetData", wrongState, [&] { idle.GetData(data); }},
              {"40014 clsSocketMaster.Connect", kBadArgument, [&] { idle.Connect("x", 65536); }},
-             {"40018 clsSocketMaster.Connect", noSuchType,
-              [&] { idle.Connect("x", SocketBytes{1}); }},
-             {"40018 clsSocketMaster.SendData", noSuchType, [&] { busy.SendData(5); }},
+             {"40018 clsSocketMaster.SendData", ": Unsupported variant type.",
+              [&] { busy.SendData(5); }},
              {"40014 clsSocketMaster.Bind", ": Invalid argument", [&] { idle.Bind(0, "8.8.8.8"); }},
              {"10048 clsSocketMaster.Bind", ": Address already in use.",
               [&] { idle.Bind(pair.listener.socket->LocalPort()); }}}) {
@@ -183,17 +180,11 @@ TEST_CASE("what must not be done is refused with number, source and text, and ch
 TEST_CASE("failing to connect ends in the error state, and the object can be used again") {
     const CheckNothingLeft after;
     Peer peer;
-    std::int32_t freePort = 0;
-    {
-        Peer probe;
-        probe.socket->Bind(0, kLocal);
-        freePort = probe.socket->LocalPort();
-    }
     for (const std::string& host :
          {kLocal, std::string("no-such-host.invalid"), std::string(), std::string(300, 'a')}) {
         CAPTURE(host);
         peer.log.clear();
-        peer.socket->Connect(host, freePort);
+        peer.socket->Connect(host, 1);
         REQUIRE(PumpUntil([&] { return peer.Saw('e'); }));
         CHECK(peer.error.number == (host == kLocal ? 10061 : 11001));
         CHECK(peer.error.description ==
