@@ -42,22 +42,6 @@ const TestMember kTwo = TestMember::Packed("folder/two", "2222");
 
 } // namespace
 
-TEST_CASE("a member is described as stored") {
-    TestMember stored = TestMember::Packed("sub/a.txt", "text");
-    stored.attributes = 0x21;
-    const ZipMember member = ReadOne(stored);
-    CHECK(member.name == "sub/a.txt");
-    CHECK(member.encoding == NameEncoding::Ascii);
-    CHECK(member.size == 4);
-    CHECK(member.packedSize == stored.data.size());
-    CHECK(member.crc == stored.crc);
-    CHECK(member.dosDate == stored.date);
-    CHECK(member.dosTime == stored.time);
-    CHECK(member.externalAttributes == 0x21);
-    CHECK(member.dataAt == 30 + stored.name.size());
-    CHECK(member.refusal.empty());
-}
-
 TEST_CASE("the archive is found whatever stands around it") {
     TestEnd wide;
     wide.wide = true;
@@ -66,36 +50,28 @@ TEST_CASE("the archive is found whatever stands around it") {
     for (const TestEnd& end : {TestEnd(), commented, wide})
         for (const char* before : {"", "MZ junk in front"})
             for (const char* after : {"", "behind"}) {
-                CAPTURE(end.comment);
-                CAPTURE(before);
-                CAPTURE(after);
                 const ZipDirectory directory = Read(before + MakeZip({kOne, kTwo}, end) + after);
                 REQUIRE(directory.members.size() == 2);
                 CHECK(directory.problem.empty());
                 CHECK(directory.comment == end.comment);
-                CHECK(directory.members[1].refusal.empty());
                 CHECK(directory.members[1].headerAt ==
                       std::string(before).size() + 30 + kOne.name.size() + kOne.data.size());
             }
     CHECK(Read(MakeZip({})).members.empty());
 }
 
-TEST_CASE("what is no archive is said to be none") {
+TEST_CASE("what is no archive, or not all of one, is said to be so") {
     TestEnd secondDisk;
     secondDisk.disk = 1;
     const std::string good = MakeZip({kOne});
+    const std::string endRecord = good.substr(good.size() - 22);
     for (const std::string& bytes :
-         {std::string(), std::string(21, 'P'), std::string(100'000, 'P'),
-          good.substr(0, good.size() - 1).substr(0, good.size() - 23), // central directory only
-          good.substr(good.size() - 22),                               // end record only
+         {std::string(), std::string(100'000, 'P'), endRecord, good.substr(0, good.size() - 22),
           MakeZip({kOne}, secondDisk)}) {
         CAPTURE(bytes.size());
         CHECK_THROWS_AS(Read(bytes), ZipProblem);
     }
-}
-
-TEST_CASE("a directory that breaks off gives what it holds, and says so") {
-    TestEnd tooMany;
+    TestEnd tooMany; // one that breaks off gives what it holds
     tooMany.count = 5;
     const ZipDirectory directory = Read(MakeZip({kOne, kTwo}, tooMany));
     CHECK(directory.members.size() == 2);
@@ -149,27 +125,25 @@ TEST_CASE("data that two members share is given to the first only") {
     TestMember twin = kTwo;
     twin.offset = 0;
     // The third points to a whole local header inside the first one's data.
-    TestMember carrier = TestMember::Stored("carrier", inner);
+    const TestMember carrier = TestMember::Stored("carrier", inner);
     TestMember quoted = TestMember::Packed("inner", "x");
     quoted.offset = 30 + 7;
     // The fourth claims a byte too many and so reaches into the fifth.
     TestMember greedy = TestMember::Packed("greedy", "x");
     greedy.packedSize = static_cast<std::uint32_t>(greedy.data.size() + 1);
     const ZipDirectory directory = Read(MakeZip({carrier, twin, quoted, greedy, kOne}));
-    REQUIRE(directory.members.size() == 5);
-    CHECK(directory.members[0].refusal.empty());
-    CHECK(directory.members[1].refusal == "overlaps another member");
-    CHECK(directory.members[2].refusal == "overlaps another member");
-    CHECK(directory.members[3].refusal.empty());
-    CHECK(directory.members[4].refusal == "overlaps another member");
+    std::vector<std::string> refusals;
+    for (const ZipMember& member : directory.members)
+        refusals.push_back(member.refusal);
+    const std::string overlaps = "overlaps another member";
+    CHECK(refusals == std::vector<std::string>{"", overlaps, overlaps, "", overlaps});
 }
 
 TEST_CASE("wide sizes and positions are taken where the narrow ones are saturated") {
     TestMember member = TestMember::Packed("a", "text");
     const std::uint64_t packed = member.data.size();
     member.size = 0xFFFFFFFF;
-    member.packedSize = 0xFFFFFFFF;
-    member.offset = 0xFFFFFFFF;
+    member.packedSize = member.offset = 0xFFFFFFFF;
     member.extra = Extra(0x9999, "other") + Extra(1, U64(4) + U64(packed) + U64(0));
     const ZipMember read = ReadOne(member);
     CHECK(read.size == 4);
@@ -179,42 +153,30 @@ TEST_CASE("wide sizes and positions are taken where the narrow ones are saturate
 
 TEST_CASE("which code page a name is in") {
     struct Row {
-        std::uint8_t host;
+        std::uint8_t host; ///< 0 MS-DOS, 3 Unix, 10 Windows
         std::uint16_t flags;
         const char* name;
-        std::string extra;
         NameEncoding encoding;
-        const char* read;
-    };
-    const auto unicode = [](const std::string& of, const std::string& name) {
-        return Extra(0x7075, U8(1) + U32(CrcOf(of)) + name);
     };
     for (const Row& row :
-         {Row{0, 0x800, "plain", "", NameEncoding::Ascii, "plain"},
-          Row{0, 0, "\x84", "", NameEncoding::Oem, "\x84"},
-          Row{10, 0, "\x84", "", NameEncoding::Oem, "\x84"},
-          Row{3, 0, "\xE4", "", NameEncoding::Ansi, "\xE4"},
-          Row{3, 0, "\xC3\xA4", "", NameEncoding::Utf8, "\xC3\xA4"},
-          Row{3, 0, "\xE2\x82", "", NameEncoding::Ansi, "\xE2\x82"},
-          Row{3, 0,
-              "\xC3"
-              "a",
-              "", NameEncoding::Ansi,
-              "\xC3"
-              "a"},
-          Row{3, 0x800, "\xC3\xA4", "", NameEncoding::Utf8, "\xC3\xA4"},
-          Row{0, 0, "\x84", unicode("\x84", "\xC3\xA4"), NameEncoding::Utf8, "\xC3\xA4"},
-          Row{0, 0, "\x84", unicode("other", "\xC3\xA4"), NameEncoding::Oem, "\x84"},
-          Row{0, 0, "\x84", unicode("\x84", ""), NameEncoding::Oem, "\x84"}}) {
+         {Row{0, 0x800, "plain", NameEncoding::Ascii}, Row{0, 0, "\x84", NameEncoding::Oem},
+          Row{10, 0, "\x84", NameEncoding::Oem}, Row{3, 0, "\xE4", NameEncoding::Ansi},
+          Row{3, 0, "\xC3\xA4", NameEncoding::Utf8}, Row{3, 0, "\xE2\x82", NameEncoding::Ansi},
+          Row{3, 0, "\xC3z", NameEncoding::Ansi}, Row{3, 0x800, "\xC3\xA4", NameEncoding::Utf8}}) {
         CAPTURE(row.name);
         TestMember member = TestMember::Stored(row.name, "x");
         member.host = row.host;
         member.flags = row.flags;
-        member.extra = row.extra;
-        const ZipMember read = ReadOne(member);
-        CHECK(read.encoding == row.encoding);
-        CHECK(read.name == row.read);
+        CHECK(ReadOne(member).encoding == row.encoding);
     }
+    const auto nameOf = [](const std::string& crcOf, const std::string& unicodeName) {
+        TestMember member = TestMember::Stored("\x84", "x");
+        member.extra = Extra(0x7075, U8(1) + U32(CrcOf(crcOf)) + unicodeName);
+        return ReadOne(member).name;
+    };
+    CHECK(nameOf("\x84", "\xC3\xA4") == "\xC3\xA4");
+    CHECK(nameOf("other", "\xC3\xA4") == "\x84");
+    CHECK(nameOf("\x84", "") == "\x84");
 }
 
 TEST_CASE("times come from the finest field there is") {
@@ -227,8 +189,6 @@ TEST_CASE("times come from the finest field there is") {
         member.extra = extra;
         return ReadOne(member).times;
     };
-    CHECK_FALSE(timesOf("").modified);
-    CHECK(timesOf(unixTime).modified == second1970 + 50'000'000);
     CHECK(timesOf(before1970).modified == second1970 - 10'000'000);
     CHECK(timesOf(unixTime + ntfs).modified == 111);
     CHECK(timesOf(ntfs + unixTime).modified == 111);

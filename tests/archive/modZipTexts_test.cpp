@@ -4,20 +4,13 @@
 
 using namespace vesk;
 
-TEST_CASE("the listing has a line for each member under its heading") {
+TEST_CASE("the listing has a line for each member") {
     ZipMember member;
     member.size = 1234567890123;
     member.dosDate = 0x5A21;
     member.dosTime = 0x63F0;
-    const std::string line = ListingLine(member, "sub/a\r\n.txt");
-    const std::string heading = ListingHeading();
-    CHECK(line == "sub/a??.txt                              1234567890123  2025-01-01  12:31\r\n");
-    std::size_t from = 0;
-    for (const char* word : {"Filename:", "Size", "Date", "Time"}) {
-        CAPTURE(word);
-        from = heading.find(word, from);
-        CHECK(from != std::string::npos);
-    }
+    CHECK(ListingLine(member, "sub/a\r\n.txt") ==
+          "sub/a??.txt                              1234567890123  2025-01-01  12:31\r\n");
     CHECK(ListingLine(member, std::string(300, 'x')).starts_with(std::string(300, 'x') + " "));
 }
 

@@ -23,8 +23,8 @@ def windows_path(path):
 
 def run(*command, **options):
     # A locale in which zip knows what characters its names are made of.
-    return subprocess.run(command, check=True, env={**os.environ, "LC_ALL": "C.UTF-8"}, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                          stderr=subprocess.STDOUT, timeout=100, **options).stdout
+    subprocess.run(command, check=True, env={**os.environ, "LC_ALL": "C.UTF-8"},
+                   stdin=subprocess.DEVNULL, timeout=100, **options)
 
 
 def tree_of(folder):
@@ -54,6 +54,7 @@ class PeersTest(unittest.TestCase):
         self.archive = self.top / "x.zip"
 
     def zip(self, *options, pipe=False):
+        self.archive.unlink(missing_ok=True)
         if not pipe:
             return run("zip", "-q", "-r", *options, str(self.archive), ".", cwd=self.source)
         with open(self.archive, "wb") as file:  # to a pipe: sizes follow the data
@@ -83,24 +84,15 @@ class PeersTest(unittest.TestCase):
         self.assertEqual(tree_of(ours), tree_of(theirs))
         self.assertGreater(len(tree_of(ours)), 5)
 
-    def test_deflated_and_stored(self):
-        for options in ((), ("-0",), ("-X", "-D")):
-            with self.subTest(options):
-                self.archive.unlink(missing_ok=True)
-                self.zip(*options)
+    def test_deflated_stored_streamed_and_with_wide_sizes(self):
+        for options, pipe in (((), False), ((), True), (("-0",), False), (("-X", "-D"), False),
+                              (("-fz",), False)):
+            with self.subTest(options, pipe=pipe):
+                self.zip(*options, pipe=pipe)
                 self.compare()
-
-    def test_streamed(self):
-        self.zip(pipe=True)
-        self.compare()
-
-    def test_wide_sizes(self):
-        self.zip("-fz")
-        self.compare()
 
     def test_encrypted(self):
         for pipe in (False, True):
-            self.archive.unlink(missing_ok=True)
             self.zip("-P", "secret", pipe=pipe)
             self.compare("secret")
         shutil.rmtree(self.top / "ours")
@@ -117,34 +109,25 @@ class PeersTest(unittest.TestCase):
         run("zip", "-q", "-A", str(self.archive))
         self.compare()
 
-    def test_comment(self):
-        self.zip()
-        with zipfile.ZipFile(self.archive, "a") as archive:
-            archive.comment = b"remark" * 100
-        self.compare()
-        self.assertIn("Comment         : 600", self.extract()[1])
-
     def test_unicode_names(self):
-        (self.source / "gr\u00fc\u00dfe").mkdir()
-        (self.source / "gr\u00fc\u00dfe" / "\u00e9t\u00e9.txt").write_bytes(b"1")
+        summer = Path("gr\u00fc\u00dfe", "\u00e9t\u00e9.txt")
+        (self.source / summer).parent.mkdir()
+        (self.source / summer).write_bytes(b"1")
         self.zip()
         self.compare()
-        self.archive.unlink()
         with zipfile.ZipFile(self.archive, "w") as archive:  # sets the flag, no extra field
-            for path in sorted(self.source.rglob("*")):
-                archive.write(path, path.relative_to(self.source))
+            archive.write(self.source / summer, summer)
             archive.writestr("\u4e2d\u6587.txt", b"x")
+        shutil.rmtree(self.top / "ours")
         target, output = self.extract()
-        self.assertEqual((target / "gr\u00fc\u00dfe" / "\u00e9t\u00e9.txt").read_bytes(), b"1")
+        self.assertEqual((target / summer).read_bytes(), b"1")
         self.assertIn("refused, the system's code page cannot hold its name", output)
 
     def test_large_member(self):
         pieces = [bytes([number & 255]) * (1 << 20) for number in range(257)]
         with zipfile.ZipFile(self.archive, "w", zipfile.ZIP_DEFLATED, compresslevel=1) as archive:
             with archive.open("large.bin", "w") as member:
-                for piece in pieces:
-                    member.write(piece)
-            archive.writestr("small", b"x")
+                member.writelines(pieces)
         target, output = self.extract()
         self.assertTrue(output.startswith("Zip Info"), output)
         with open(target / "large.bin", "rb") as file:
@@ -154,19 +137,17 @@ class PeersTest(unittest.TestCase):
         packed[packed.index(b"PK\x01\x02") + 16] ^= 1  # the CRC
         self.archive.write_bytes(packed)
         shutil.rmtree(target)
-        target, output = self.extract()
-        self.assertIn("large.bin: wrong CRC", output)
-        self.assertEqual([path.name for path in target.iterdir()], ["small"])
+        self.assertIn("large.bin: wrong CRC", self.extract()[1])
+        self.assertEqual(list(target.iterdir()), [])
 
     def test_nothing_is_written_through_links(self):
         outside = self.top / "outside"
-        outside.mkdir()
-        (outside / "file").write_bytes(b"old")
         target = self.top / "ours"
+        outside.mkdir()
         target.mkdir()
-        (target / "folder").symlink_to(outside)
-        (target / "file").symlink_to(outside / "file")
-        (target / "dangling").symlink_to(outside / "nothing")
+        (outside / "file").write_bytes(b"old")
+        for name, to in (("folder", ""), ("file", "file"), ("dangling", "nothing")):
+            (target / name).symlink_to(outside / to)
         with zipfile.ZipFile(self.archive, "w") as archive:
             for name in ("folder/new", "folder/sub/new", "folder/file", "file", "dangling", "fine/new"):
                 archive.writestr(name, b"new")

@@ -16,6 +16,8 @@ using vesk::test::PumpUntil;
 namespace {
 
 const std::string kLocal = "127.0.0.1";
+const std::string kBadArgument =
+    ": The argument passed to a function was not in the correct format or in the specified range.";
 
 /// A socket object whose events are counted; each can be given something to do.
 struct Peer : SocketEvents {
@@ -76,10 +78,7 @@ struct Pair {
 struct CheckNothingLeft {
     ~CheckNothingLeft() {
         const SocketCounts counts = CountSockets();
-        CHECK(counts.objects == 0);
-        CHECK(counts.sockets == 0);
-        CHECK(counts.accepted == 0);
-        CHECK(counts.lookups == 0);
+        CHECK(counts.objects + counts.sockets + counts.accepted + counts.lookups == 0);
         CHECK(counts.window == nullptr);
     }
 };
@@ -100,11 +99,7 @@ TEST_CASE("connect, talk both ways, close: states, events, properties") {
     Pair pair;
     CHECK(pair.client.log == "c");
     CHECK(pair.client.socket->RemoteHostIP() == kLocal);
-    CHECK(pair.server.socket->RemoteHostIP() == kLocal);
     CHECK(pair.server.socket->RemotePort() == pair.client.socket->LocalPort());
-    CHECK(pair.client.socket->LocalPort() != 0);
-    CHECK_FALSE(pair.client.socket->LocalHostName().empty());
-    CHECK_FALSE(pair.client.socket->LocalIP().empty());
     CHECK(FindWindowExA(HWND_MESSAGE, nullptr, "STATIC", "SOCKET_WINDOW") == CountSockets().window);
 
     const std::string bytes("ping\0\xFF", 6);
@@ -118,9 +113,6 @@ TEST_CASE("connect, talk both ways, close: states, events, properties") {
     REQUIRE(PumpUntil([&] { return pair.client.Saw('x'); }));
     CHECK(pair.client.Is(SocketState::sckClosing));
     CHECK_FALSE(pair.server.Saw('x'));
-    pair.client.socket->CloseSck();
-    pair.client.socket->Connect(kLocal, pair.listener.socket->LocalPort());
-    CHECK(PumpUntil([&] { return pair.client.Is(SocketState::sckConnected); }));
 }
 
 TEST_CASE("received bytes wait, can be looked at, cut and converted") {
@@ -131,18 +123,16 @@ TEST_CASE("received bytes wait, can be looked at, cut and converted") {
     REQUIRE(PumpUntil([&] { return pair.server.arrived == 8; }));
     clsSocketMaster& socket = *pair.server.socket;
     SocketValue data;
-    CHECK(socket.BytesReceived() == 8);
     socket.PeekData(data, VarType::Long);
-    CHECK(std::get<std::int32_t>(data) == 5);
+    CHECK(data == SocketValue(5));
     socket.GetData(data, VarType::ByteArray, 4);
-    CHECK(std::get<SocketBytes>(data) == SocketBytes{5, 0, 0, 0});
+    CHECK(data == SocketValue(SocketBytes{5, 0, 0, 0}));
     socket.PeekData(data, VarType::String, std::string("2"));
-    CHECK(std::get<std::string>(data) == "ta");
+    CHECK(data == SocketValue(std::string("ta")));
     CHECK(FailureText([&] { socket.GetData(data, VarType::String, 0); }) ==
-          "40014 clsSocketMaster.GetData: The argument passed to a function was not in the correct "
-          "format or in the specified range.");
+          "40014 clsSocketMaster.GetData" + kBadArgument);
+    CHECK(socket.BytesReceived() == 4);
     socket.GetData(data);
-    CHECK(std::get<std::string>(data) == "tail");
     CHECK(socket.BytesReceived() == 0);
 }
 
@@ -153,8 +143,6 @@ TEST_CASE("what must not be done is refused with number, source and text, and ch
     SocketValue data;
     const std::string wrongState =
         ": Wrong protocol or connection state for the requested transaction or request";
-    const std::string badArgument = ": The argument passed to a function was not in the correct "
-                                    "format or in the specified range.";
     const std::string invalidState = ": Invalid operation at current state";
     clsSocketMaster& busy = *pair.client.socket;
     clsSocketMaster& idle = *closed.socket;
@@ -173,15 +161,9 @@ TEST_CASE("what must not be done is refused with number, source and text, and ch
              {"40006 clsSocketMaster.Accept", wrongState, [&] { idle.Accept(12345); }},
              {"40006 clsSocketMaster.SendData", wrongState, [&] { idle.SendData("x"); }},
              {"40006 clsSocketMaster.GetData", wrongState, [&] { idle.GetData(data); }},
-             {"40006 clsSocketMaster.PeekData", wrongState, [&] { idle.PeekData(data); }},
-             {"40014 clsSocketMaster.Connect", badArgument, [&] { idle.Connect("x", 65536); }},
-             {"40014 clsSocketMaster.RemotePort", badArgument, [&] { idle.SetRemotePort(-1); }},
-             {"40018 clsSocketMaster.Connect", ": Unsupported variant type.",
-              [&] { idle.Connect("x", SocketBytes{1}); }},
+             {"40014 clsSocketMaster.Connect", kBadArgument, [&] { idle.Connect("x", 65536); }},
              {"40018 clsSocketMaster.SendData", ": Unsupported variant type.",
               [&] { busy.SendData(5); }},
-             {"40014 clsSocketMaster.Bind", badArgument, [&] { idle.Bind(std::string("p")); }},
-             {"40014 clsSocketMaster.Bind", ": Invalid argument", [&] { idle.Bind(0, "host"); }},
              {"40014 clsSocketMaster.Bind", ": Invalid argument", [&] { idle.Bind(0, "8.8.8.8"); }},
              {"10048 clsSocketMaster.Bind", ": Address already in use.",
               [&] { idle.Bind(pair.listener.socket->LocalPort()); }}}) {
@@ -198,33 +180,20 @@ TEST_CASE("what must not be done is refused with number, source and text, and ch
 TEST_CASE("failing to connect ends in the error state, and the object can be used again") {
     const CheckNothingLeft after;
     Peer peer;
-    std::int32_t freePort = 0;
-    {
-        Peer probe;
-        probe.socket->Bind(0, kLocal);
-        freePort = probe.socket->LocalPort();
-    }
-    struct Row {
-        std::string host;
-        std::int32_t number;
-        const char* text;
-    };
-    for (const Row& row :
-         {Row{kLocal, 10061, "Connection refused."},
-          Row{"no-such-host.invalid", 11001, "Host not found."}, Row{"", 11001, "Host not found."},
-          Row{std::string(300, 'a'), 11001, "Host not found."}}) {
-        CAPTURE(row.host);
+    for (const std::string& host :
+         {kLocal, std::string("no-such-host.invalid"), std::string(), std::string(300, 'a')}) {
+        CAPTURE(host);
         peer.log.clear();
-        peer.socket->Connect(row.host, freePort);
+        peer.socket->Connect(host, 1);
         REQUIRE(PumpUntil([&] { return peer.Saw('e'); }));
-        CHECK(peer.error.number == row.number);
-        CHECK(peer.error.description == row.text);
+        CHECK(peer.error.number == (host == kLocal ? 10061 : 11001));
+        CHECK(peer.error.description ==
+              (host == kLocal ? "Connection refused." : "Host not found."));
         CHECK(peer.Is(SocketState::sckError));
         peer.socket->CloseSck();
         CHECK(peer.log == "e");
     }
-    Peer listener;
-    Peer server;
+    Peer listener, server;
     listener.acceptor = &server;
     listener.socket->Listen();
     peer.socket->Connect("localhost", listener.socket->LocalPort());
@@ -260,17 +229,14 @@ TEST_CASE("more than the system takes goes out in pieces, and nothing is lost at
     std::string big(9'000'000, '\0');
     for (std::size_t i = 0; i < big.size(); ++i)
         big[i] = static_cast<char>(i * 7 / 3);
-    std::size_t completed = 0;
     pair.server.react = [&](char event) {
-        completed += event == 's' ? 1 : 0;
         if (event == 's')
             pair.server.socket->CloseSck();
     };
     pair.server.socket->SendData(big);
     REQUIRE(PumpUntil([&] { return pair.client.Saw('x'); }));
     CHECK(pair.client.received == big);
-    CHECK(completed == 1);
-    CHECK(std::count(pair.server.log.begin(), pair.server.log.end(), 'p') > 1);
+    CHECK(pair.server.log.ends_with("pps")); // one completion, after several pieces
 }
 
 TEST_CASE("bytes sent from within a send event follow in order") {
@@ -289,24 +255,20 @@ TEST_CASE("bytes sent from within a send event follow in order") {
 
 TEST_CASE("an unclaimed connection is closed") {
     const CheckNothingLeft after;
-    Peer listener;
-    Peer client;
+    Peer listener, client;
     listener.socket->Listen();
     client.socket->Connect(kLocal, listener.socket->LocalPort());
     REQUIRE(PumpUntil([&] { return client.Saw('x'); }));
     CHECK(listener.log == "r");
     CHECK(CountSockets().accepted == 0);
-    CHECK(CountSockets().sockets == 2);
 }
 
 TEST_CASE("datagrams") {
     const CheckNothingLeft after;
-    Peer left;
-    Peer right;
+    Peer left, right;
     for (Peer* peer : {&left, &right})
         peer->socket->SetProtocol(SocketProtocol::UDP);
     right.socket->Bind(0, kLocal);
-    CHECK(right.Is(SocketState::sckOpen));
     left.socket->Connect(kLocal, right.socket->LocalPort());
     CHECK(left.Is(SocketState::sckOpen));
     right.takeData = false;
@@ -314,14 +276,13 @@ TEST_CASE("datagrams") {
     left.socket->SendData("three");
     CHECK(left.log == "psps");
     REQUIRE(PumpUntil([&] { return right.arrived == 3; }));
-    CHECK(right.socket->BytesReceived() == 3);
     SocketValue data;
     right.socket->PeekData(data);
     right.socket->GetData(data);
-    CHECK(std::get<std::string>(data) == "one");
+    CHECK(data == SocketValue(std::string("one")));
     REQUIRE(PumpUntil([&] { return right.arrived == 8; }));
     right.socket->GetData(data, VarType::String, 2);
-    CHECK(std::get<std::string>(data) == "th");
+    CHECK(data == SocketValue(std::string("th")));
     CHECK(right.socket->BytesReceived() == 0);
 
     right.socket->SetRemoteHost("localhost"); // back to the sender's port
@@ -334,13 +295,12 @@ TEST_CASE("datagrams") {
 
 TEST_CASE("in every event the handler may close, reconnect or destroy its socket") {
     const CheckNothingLeft after;
+    enum Action { Close, CloseAndReuse, Destroy };
     for (const char event : {'c', 'd', 'x', 'e', 'p', 's', 'r'}) {
-        for (const int action : {0, 1, 2}) {
+        for (const Action action : {Close, CloseAndReuse, Destroy}) {
             CAPTURE(event);
             CAPTURE(action);
-            Peer listener;
-            Peer server;
-            Peer client;
+            Peer listener, server, client;
             listener.acceptor = &server;
             listener.socket->Listen();
             const std::int32_t port = listener.socket->LocalPort();
@@ -352,19 +312,19 @@ TEST_CASE("in every event the handler may close, reconnect or destroy its socket
                     return;
                 acted = true;
                 logThen = subject.log;
-                if (action == 2)
+                if (action == Destroy)
                     return subject.socket.reset();
                 subject.socket->CloseSck();
-                if (action == 1 && event == 'r')
+                if (action == CloseAndReuse && event == 'r')
                     subject.socket->Listen();
-                else if (action == 1)
+                else if (action == CloseAndReuse)
                     subject.socket->Connect(kLocal, port);
             };
             client.socket->Connect(kLocal, event == 'e' ? 1 : port);
             if (event != 'e') {
                 REQUIRE(PumpUntil([&] { return server.Is(SocketState::sckConnected); }));
                 PumpUntil([&] { return acted || client.Is(SocketState::sckConnected); });
-                if (client.Is(SocketState::sckConnected) && !acted)
+                if (!acted)
                     client.socket->SendData(std::string(100'000, 'u'));
                 if (!acted) {
                     server.socket->SendData(std::string(700'000, 'd'));
@@ -374,7 +334,7 @@ TEST_CASE("in every event the handler may close, reconnect or destroy its socket
             REQUIRE(PumpUntil([&] { return acted; }));
             subject.react = nullptr;
             PumpFor(20);
-            if (action != 1)
+            if (action != CloseAndReuse)
                 CHECK(subject.log == logThen);
             else if (event != 'r')
                 CHECK(PumpUntil([&] { return subject.log.size() > logThen.size(); }));
@@ -386,30 +346,25 @@ TEST_CASE("bytes overtaken by the notice of the close are delivered first") {
     const CheckNothingLeft after;
     // More than one read takes, so that the notice posted here comes before the second.
     const std::string bytes(700'000, 'b');
-    for (const char* action : {"none", "close", "destroy"}) {
+    for (const char action : {'n', 'c', 'd'}) { // nothing, close, destroy
         CAPTURE(action);
         Pair pair;
         pair.server.socket->SendData(bytes);
         REQUIRE(pair.server.Saw('s'));
         Sleep(50);
         PostMessageA(CountSockets().window, 2049, pair.client.socket->SocketHandle(), FD_CLOSE);
-        int reads = 0;
-        pair.client.react = [&](char event) {
-            if (event != 'd' || ++reads != 2 || *action == 'n')
-                return;
-            if (*action == 'd')
+        pair.client.react = [&](char) {
+            if (action == 'd' && pair.client.log == "cdd")
                 pair.client.socket.reset();
-            else
+            else if (action == 'c' && pair.client.log == "cdd")
                 pair.client.socket->CloseSck();
         };
-        REQUIRE(PumpUntil([&] { return pair.client.Saw('x') || reads == 2; }));
+        REQUIRE(PumpUntil(
+            [&] { return pair.client.Saw('x') || !pair.client.Is(SocketState::sckConnected); }));
         PumpFor(20);
-        if (*action == 'n') {
-            CHECK(pair.client.received.size() == bytes.size());
-            CHECK(pair.client.log.back() == 'x');
-        } else {
-            CHECK(pair.client.log == "cdd");
-        }
+        CHECK(pair.client.log.ends_with(action == 'n' ? "ddx" : "cdd"));
+        if (action == 'n')
+            CHECK(pair.client.received == bytes);
     }
 }
 

@@ -1,11 +1,11 @@
 // Downloads one URL and prints every event as a line, for tests that bring their own servers.
 #include "net/MessagePump.h"
 #include "net/clsDownload.h"
-#include "net/clsDownloadSession.h"
 #include "net/modSocketMaster.h"
 
 #include <cstdio>
 #include <cstdlib>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -13,17 +13,29 @@ using namespace vesk;
 
 namespace {
 
+/// What the command line says: "--name value", switches, and two names: URL, destination.
 struct Options {
-    ProxySettings proxy;
-    bool noRedirect = false;
-    bool session = false;
-    std::string crc;
-    int times = 1;
-    bool timed = false;             ///< Whether to say how long a download took.
-    DWORD cancelAfter = 0;          ///< Milliseconds; 0: never.
-    std::string actEvent;           ///< Event in which something is done,
-    std::string actAction;          ///< and what: cancel, restart or destroy.
-    std::vector<std::string> names; ///< URL, destination
+    std::map<std::string, std::string> values;
+    std::vector<std::string> names;
+
+    Options(int count, char** words) {
+        for (int i = 1; i < count; ++i) {
+            const std::string word = words[i];
+            if (!word.starts_with("--"))
+                names.push_back(word);
+            else if (word == "--timed" || word == "--no-redirect" || i + 1 == count)
+                values[word] = "1";
+            else
+                values[word] = words[++i];
+        }
+    }
+    [[nodiscard]] bool Has(const std::string& name) const { return values.contains(name); }
+    [[nodiscard]] std::string Text(const std::string& name) const {
+        return Has(name) ? values.at(name) : std::string();
+    }
+    [[nodiscard]] int Number(const std::string& name, int otherwise) const {
+        return Has(name) ? std::atoi(values.at(name).c_str()) : otherwise;
+    }
 };
 
 void Say(const std::string& line) {
@@ -46,10 +58,12 @@ class Recorder : public DownloadEvents {
 public:
     explicit Recorder(const Options& options)
         : options_(options), download_(std::make_unique<clsDownload>(*this)) {
-        download_->SetAccessType(options.proxy.accessType);
-        download_->SetProxy(options.proxy.proxy);
-        download_->SetProxyPort(options.proxy.proxyPort);
-        download_->SetDisableRedirection(options.noRedirect);
+        const std::string proxy = options.Text("--proxy");
+        const std::size_t colon = proxy.find(':');
+        download_->SetAccessType(options.Number("--access", 0));
+        download_->SetProxy(proxy.substr(0, colon));
+        download_->SetProxyPort(std::atoi(proxy.substr(colon + 1).c_str()));
+        download_->SetDisableRedirection(options.Has("--no-redirect"));
     }
 
     void Run() {
@@ -57,14 +71,14 @@ public:
         bytes_ = 0;
         const DWORD start = GetTickCount();
         download_->Download(options_.names.at(0), options_.names.at(1));
-        const DWORD limit = options_.cancelAfter != 0 ? options_.cancelAfter : 60000;
+        const auto limit = static_cast<DWORD>(options_.Number("--cancel-after", 60000));
         if (!test::PumpUntil([this] { return over_; }, limit)) {
             download_->Cancel();
             Say("Cancelled");
             test::PumpFor(50);
         }
         Say("Bytes " + std::to_string(bytes_));
-        if (options_.timed)
+        if (options_.Has("--timed"))
             Say("Milliseconds " + std::to_string(GetTickCount() - start));
     }
 
@@ -87,19 +101,21 @@ private:
         Act("completed", true);
     }
 
-    /// Does once what was asked for in an event. @param last whether nothing follows the event
+    /// Does once what "--act event:action" asks for. @param last whether nothing follows the event
     void Act(const std::string& event, bool last) {
         over_ = last;
-        if (event != options_.actEvent || acted_)
+        const std::string act = options_.Text("--act");
+        if (acted_ || !act.starts_with(event + ":"))
             return;
         acted_ = true;
-        Say(options_.actAction + " in " + event);
-        if (options_.actAction == "restart") {
+        const std::string action = act.substr(event.size() + 1);
+        Say(action + " in " + event);
+        if (action == "restart") {
             over_ = false;
             bytes_ = 0;
             return download_->Download();
         }
-        if (options_.actAction == "destroy")
+        if (action == "destroy")
             download_.reset();
         else
             download_->Cancel();
@@ -113,60 +129,6 @@ private:
     bool acted_ = false;
 };
 
-class SessionRecorder : public DownloadSessionEvents {
-public:
-    void Run(const Options& options) {
-        clsDownloadSession session(*this, options.names.at(0), options.names.at(1), options.crc,
-                                   options.proxy);
-        session.Start();
-        const DWORD limit = options.cancelAfter != 0 ? options.cancelAfter : 60000;
-        if (!test::PumpUntil([&] { return session.Finished(); }, limit))
-            session.Cancel();
-        Say("Progress " + std::to_string(progress_.received) + " of " +
-            std::to_string(progress_.fileSize));
-        Say("Result " + std::to_string(static_cast<int>(session.Result())));
-    }
-
-private:
-    void OnProgress(const DownloadProgress& progress) override { progress_ = progress; }
-    void OnFinished() override { Say("Finished"); }
-
-    DownloadProgress progress_;
-};
-
-Options Parse(int count, char** words) {
-    Options options;
-    for (int i = 1; i < count; ++i) {
-        const std::string word = words[i];
-        const auto value = [&] { return i + 1 < count ? std::string(words[++i]) : std::string(); };
-        if (word == "--access") {
-            options.proxy.accessType = std::atoi(value().c_str());
-        } else if (word == "--proxy") {
-            const std::string end = value();
-            options.proxy.proxy = end.substr(0, end.find(':'));
-            options.proxy.proxyPort = std::atoi(end.substr(end.find(':') + 1).c_str());
-        } else if (word == "--no-redirect") {
-            options.noRedirect = true;
-        } else if (word == "--times") {
-            options.times = std::atoi(value().c_str());
-        } else if (word == "--timed") {
-            options.timed = true;
-        } else if (word == "--cancel-after") {
-            options.cancelAfter = static_cast<DWORD>(std::atoi(value().c_str()));
-        } else if (word == "--act") {
-            const std::string act = value();
-            options.actEvent = act.substr(0, act.find(':'));
-            options.actAction = act.substr(act.find(':') + 1);
-        } else if (word == "--session") {
-            options.session = true;
-            options.crc = value();
-        } else {
-            options.names.push_back(word);
-        }
-    }
-    return options;
-}
-
 void SayWhatIsOpen() {
     const SocketCounts counts = CountSockets();
     Say("Open objects " + std::to_string(counts.objects) + " sockets " +
@@ -177,17 +139,12 @@ void SayWhatIsOpen() {
 } // namespace
 
 int main(int count, char** words) {
-    const Options options = Parse(count, words);
+    const Options options(count, words);
     if (options.names.size() != 2)
         return 64;
-    if (options.session) {
-        SessionRecorder().Run(options);
-        SayWhatIsOpen();
-        return 0;
-    }
-    auto recorder = std::make_unique<Recorder>(options);
-    for (int i = 0; i < options.times; ++i) {
-        recorder->Run();
+    Recorder recorder(options);
+    for (int i = 0; i < options.Number("--times", 1); ++i) {
+        recorder.Run();
         SayWhatIsOpen();
     }
     return 0;

@@ -11,16 +11,9 @@ TEST_CASE("texts as numbers") {
         const char* text;
         std::int32_t expected;
     };
-    for (const Row& row : {
-             Row{"16", 16},
-             {" -7 ", -7},
-             {"+7", 7},
-             {"2.5", 2},
-             {"3.5", 4},
-             {"1e3", 1000},
-             {"2147483647", 2147483647},
-             {"-2147483648", -2147483647 - 1},
-         }) {
+    for (const Row& row :
+         {Row{" -7 ", -7}, Row{"+7", 7}, Row{"2.5", 2}, Row{"3.5", 4}, Row{"1e3", 1000},
+          Row{"2147483647", 2147483647}, Row{"-2147483648", -2147483647 - 1}}) {
         CAPTURE(row.text);
         CHECK(NumberOf(row.text) == row.expected);
     }
