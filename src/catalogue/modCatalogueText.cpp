@@ -23,9 +23,9 @@ public:
     [[nodiscard]] std::string Text() const {
         std::string text;
         for (const auto& [section, keys] : sections_) {
-            text += "[" + section + "]\r\n";
+            text.append("[").append(section).append("]\r\n");
             for (const auto& [key, value] : keys)
-                text += key + "=" + value + "\r\n";
+                text.append(key).append("=").append(value).append("\r\n");
         }
         return text;
     }
