@@ -89,7 +89,8 @@ std::uint16_t PortOf(const SocketValue& value, const std::string& method) {
     if (!IsGiven(value) || std::holds_alternative<SocketBytes>(value))
         ThrowSocketMisuse(SocketMisuse::UnsupportedType, method);
     const std::optional<double> number = NumberOf(value);
-    if (!number || !(*number >= 0 && *number <= 65535))
+    const bool fits = number && *number >= 0 && *number <= 65535; // false for "not a number"
+    if (!fits)
         ThrowSocketMisuse(SocketMisuse::BadArgument, method);
     return static_cast<std::uint16_t>(*number);
 }
