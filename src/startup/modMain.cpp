@@ -22,7 +22,7 @@ bool IsAdministrator() {
     const ModuleHandle advpack(LoadLibraryA("advpack.dll"));
     if (!advpack)
         return false;
-    const auto address = reinterpret_cast<void*>(GetProcAddress(advpack.Get(), "IsNTAdmin"));
+    auto* const address = reinterpret_cast<void*>(GetProcAddress(advpack.Get(), "IsNTAdmin"));
     const auto isNtAdmin = reinterpret_cast<IsNtAdmin>(address);
     return isNtAdmin != nullptr && isNtAdmin(0, nullptr) != FALSE;
 }
