@@ -189,7 +189,12 @@ void WizardDriver::PressSpaceOn(int list, int line) const {
         PostMessageA(window, WM_KEYDOWN, VK_DOWN, 0);
     PostMessageA(window, WM_KEYDOWN, VK_SPACE, 0);
     PostMessageA(window, WM_KEYUP, VK_SPACE, 0);
-    SendMessageA(window, WM_NULL, 0, 0);
+    // A sent message would overtake the posted ones. What is posted keeps its order, so when this
+    // harmless setting has arrived, so have the keys.
+    static LPARAM mark = 1000;
+    ++mark;
+    PostMessageA(window, LVM_SETHOVERTIME, 0, mark);
+    WaitUntil([&] { return SendMessageA(window, LVM_GETHOVERTIME, 0, 0) == mark; });
 }
 
 std::vector<std::string> WizardDriver::LogLines() const {
