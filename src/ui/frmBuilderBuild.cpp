@@ -1,7 +1,7 @@
 // The part of the wizard that runs a build: frmBuilder as the build run's front end.
 #include "ui/frmBuilder.h"
 
-#include "base/ResumeNext.h"
+#include "base/Failure.h"
 #include "startup/Version.h"
 #include "ui/frmProgress.h"
 #include "ui/pagBase.h"
@@ -91,7 +91,12 @@ void frmBuilder::EnterFinishedState(BuildEnding ending) {
         taskbar_->Clear();
     if (GetForegroundWindow() != Window())
         FlashWindow(Window(), TRUE);
-    ResumeNext([this] { SaveBuildLog(paths_.programPath, log_.SavedText()); });
+    try {
+        SaveBuildLog(paths_.programPath, log_.SavedText());
+    } catch (const Failure& failure) {
+        ShowMessage(Window(), std::string("The log could not be saved: ") + failure.what(),
+                    kProductName, MB_OK | MB_ICONWARNING);
+    }
 }
 
 } // namespace vesk
