@@ -17,12 +17,16 @@ public:
     std::vector<std::string> statuses;
     std::vector<std::string> questions;
     std::vector<std::string> downloads; ///< Destinations, in order.
-    std::optional<BuildEnding> ending;
+    std::vector<std::string> problems;  ///< As lines.
+    std::optional<BuildOutcome> outcome;
     std::size_t done = 0, total = 0;
+    double fraction = 0;
 
     bool answer = true;
     /// What a download does and gives; by default it fails.
     std::function<DownloadResult(const std::string& destination)> download;
+    std::string downloadReason = "the test said no";
+    std::optional<std::string> password;
     std::function<void(const std::string& line)> onLine;
     bool stop = false;
 
@@ -31,23 +35,27 @@ public:
         if (onLine)
             onLine(text);
     }
+    void ReportProblem(const Problem& problem) override { problems.push_back(problem.Line()); }
     void SetStatus(const std::string& caption) override { statuses.push_back(caption); }
     bool AskYesNo(const std::string& question, const std::string&) override {
         questions.push_back(question);
         return answer;
     }
-    DownloadResult DownloadFile(const std::string&, const std::string& destination,
-                                const std::string&) override {
-        downloads.push_back(destination);
-        return download ? download(destination) : DownloadResult::Failed;
+    std::optional<std::string> AskPassword(const std::string&, bool wrongBefore) override {
+        return wrongBefore ? std::nullopt : password;
+    }
+    DownloadOutcome DownloadFile(const DownloadRequest& request) override {
+        downloads.push_back(request.destination);
+        return {download ? download(request.destination) : DownloadResult::Failed, downloadReason};
     }
     void LetEventsRun() override {}
-    void SetProgress(std::size_t nowDone, std::size_t ofTotal) override {
-        done = nowDone;
-        total = ofTotal;
+    void SetProgress(const BuildProgress& progress) override {
+        done = progress.componentsDone;
+        total = progress.componentCount;
+        fraction = progress.fraction;
     }
     bool StopRequested() override { return stop; }
-    void EnterFinishedState(BuildEnding how) override { ending = how; }
+    void EnterFinishedState(const BuildOutcome& how) override { outcome = how; }
 
     [[nodiscard]] bool Logged(const std::string& part) const {
         for (const std::string& line : lines) {

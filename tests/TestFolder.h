@@ -1,6 +1,8 @@
 #pragma once
 
+#include "base/FolderEntries.h"
 #include "base/modFile.h"
+#include "base/modWide.h"
 
 #include <windows.h>
 
@@ -25,11 +27,15 @@ public:
     TestFolder(const TestFolder&) = delete;
     TestFolder& operator=(const TestFolder&) = delete;
     ~TestFolder() {
-        try {
-            RemoveFolder(path_);
-        } catch (const std::exception&) {
+        RemoveTree(path_);
+        if (FolderExists(path_))
             MESSAGE("left behind: ", path_);
-        }
+    }
+
+    /// Removes a folder of a test with everything in it; links are removed and not entered.
+    static void RemoveTree(const std::string& folder) {
+        const std::wstring wide = Widen(folder);
+        RemoveTree(wide);
     }
 
     /// The folder, without a trailing backslash.
@@ -49,6 +55,20 @@ public:
     }
 
 private:
+    static void RemoveTree(const std::wstring& folder) {
+        ForEachEntry(folder, [&](const FolderEntry& entry) {
+            const std::wstring path = LongPath(folder + L"\\" + entry.name);
+            SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
+            if (entry.IsPlainFolder())
+                RemoveTree(folder + L"\\" + entry.name);
+            else if (entry.IsFolder())
+                RemoveDirectoryW(path.c_str());
+            else
+                DeleteFileW(path.c_str());
+        });
+        RemoveDirectoryW(LongPath(folder).c_str());
+    }
+
     std::string path_;
 };
 

@@ -5,6 +5,7 @@
 #include "archive/modUnzipName.h"
 #include "archive/modZipMember.h"
 #include "archive/modZipTexts.h"
+#include "base/Problem.h"
 #include "base/UniqueHandle.h"
 #include "base/modFile.h"
 #include "base/modSystemError.h"
@@ -56,31 +57,31 @@ public:
     Extraction(const DCL& options, const UnzipCallbacks& callbacks)
         : options_(options), callbacks_(callbacks) {}
 
-    void Run() {
+    ExtractionOutcome Run() {
         try {
             const MappedArchive archive(options_.Zip);
             const ZipDirectory directory = ReadZipDirectory(archive.Bytes());
             if (!directory.problem.empty())
-                Say(options_.Zip, directory.problem);
+                Fail("", "not read whole", directory.problem);
             totals_.commentLength = directory.comment.size();
             if (options_.nvflag)
                 List(directory);
             else
                 Extract(archive.Bytes(), directory);
-        } catch (const Problem& problem) {
-            Say(options_.Zip, problem.what());
-        } catch (const std::bad_alloc&) {
-            Say(options_.Zip, kNoMemory);
+        } catch (const std::exception& problem) {
+            Fail("", "not extracted", ReasonOf(problem));
         }
         messageBuffer += Summary(ZipVersion(), totals_);
+        return std::move(outcome_);
     }
 
 private:
-    using Problem = std::runtime_error; // ZipProblem and Failure
-    static constexpr const char* kNoMemory = "not enough memory";
-
-    static void Say(const std::string& name, const std::string& text) {
-        messageBuffer += PrintableName(name) + ": " + text + "\r\n";
+    /// @param member empty for the archive as a whole
+    void Fail(const std::string& member, const std::string& what, const std::string& reason) {
+        const std::string name = PrintableName(member);
+        messageBuffer +=
+            (name.empty() ? options_.Zip : name) + ": " + what + ", " + reason + "\r\n";
+        outcome_.failures.push_back({name, what, AsReason(reason)});
     }
 
     static std::string NameOf(const ZipMember& member) {
@@ -104,10 +105,9 @@ private:
             totals_.Add(member);
             try {
                 ExtractMember(member, reader, target);
-            } catch (const Problem& problem) {
-                Say(NameOf(member), problem.what());
-            } catch (const std::bad_alloc&) {
-                Say(NameOf(member), kNoMemory);
+                ++outcome_.extracted;
+            } catch (const std::exception& problem) {
+                Fail(NameOf(member), "not written", ReasonOf(problem));
             }
             if (cancelled_)
                 break;
@@ -154,6 +154,7 @@ private:
     const UnzipCallbacks& callbacks_;
     StampMaker stamps_;
     ZipTotals totals_;
+    ExtractionOutcome outcome_;
     bool cancelled_ = false;
 };
 
@@ -163,18 +164,18 @@ std::string ReplaceQuestion(const std::string& fileName) {
     return "Overwrite " + fileName + "?";
 }
 
-void SingleEntryUnzip(const DCL& options, const UnzipCallbacks& callbacks) {
+ExtractionOutcome SingleEntryUnzip(const DCL& options, const UnzipCallbacks& callbacks) {
     messageBuffer.clear();
-    Extraction(options, callbacks).Run();
+    return Extraction(options, callbacks).Run();
 }
 
-void UnzipFile(const std::string& zipPath, const std::string& targetFolder,
-               const UnzipCallbacks& callbacks) {
+ExtractionOutcome UnzipFile(const std::string& zipPath, const std::string& targetFolder,
+                            const UnzipCallbacks& callbacks) {
     DCL options;
     options.nvflag = targetFolder.empty();
     options.Zip = zipPath;
     options.ExtractDir = targetFolder;
-    SingleEntryUnzip(options, callbacks);
+    return SingleEntryUnzip(options, callbacks);
 }
 
 const std::string& UnzipMessages() {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "archive/ExtractionOutcome.h"
+
 #include <functional>
 #include <optional>
 #include <string>
@@ -39,14 +41,14 @@ struct DCL {
 };
 
 /// Extracts or lists one archive as the options say. What UnzipFile does, for other options.
-void SingleEntryUnzip(const DCL& options, const UnzipCallbacks& callbacks);
+ExtractionOutcome SingleEntryUnzip(const DCL& options, const UnzipCallbacks& callbacks);
 
 /// Extracts every member of a ZIP archive below the target folder, with its stored folders, times
 /// and attributes, over existing files and without a question. With an empty target folder the
-/// archive is listed instead. No failure is reported: what went wrong stands in the message buffer,
-/// the rest is extracted. Callbacks must not throw.
-void UnzipFile(const std::string& zipPath, const std::string& targetFolder,
-               const UnzipCallbacks& callbacks = {});
+/// archive is listed instead. What could not be extracted stands in the result, and as a line in
+/// the message buffer; the rest is extracted. Callbacks must not throw.
+ExtractionOutcome UnzipFile(const std::string& zipPath, const std::string& targetFolder,
+                            const UnzipCallbacks& callbacks = {});
 
 /// What the last run had to say: a line for each member refused or failed, the listing, and a
 /// summary at the end. Lines end in CR LF.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/Trace.h"
+#include "base/Problem.h"
 
 #include <exception>
 #include <string>
@@ -8,16 +8,22 @@
 
 namespace vesk {
 
+/// What a statement is about to do, in the words in which its failure is told.
+struct Attempt {
+    std::string place; ///< See Problem::place.
+    std::string what;  ///< What was not done when it fails: "not removed".
+};
+
 /// Runs one statement of the build run and goes on whatever becomes of it: a failure inside it is
-/// traced and dropped. The only place that swallows failures wholesale.
-/// @return true when the statement held.
+/// reported as a problem and dropped. The only place that swallows failures wholesale.
+/// @return true when the statement succeeded
 template <class Statement>
-bool ResumeNext(Statement&& statement) {
+bool ResumeNext(const ProblemReport& report, const Attempt& attempt, Statement&& statement) {
     try {
         std::forward<Statement>(statement)();
         return true;
     } catch (const std::exception& failure) {
-        Trace(std::string("skipped: ") + failure.what());
+        report({attempt.place, attempt.what, ReasonOf(failure)});
         return false;
     }
 }

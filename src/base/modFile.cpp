@@ -1,15 +1,14 @@
 #include "base/modFile.h"
 
-#include "base/Failure.h"
+#include "base/FolderEntries.h"
 #include "base/UniqueHandle.h"
 #include "base/modSystemError.h"
 #include "base/modText.h"
+#include "base/modWide.h"
 
 #include <windows.h>
 
-#include <array>
-#include <exception>
-#include <optional>
+#include <vector>
 
 namespace vesk {
 
@@ -26,73 +25,16 @@ FileHandle OpenForReading(const std::string& path) {
 
 bool WriteAll(const FileHandle& file, const std::string& text) {
     DWORD written = 0;
-    return WriteFile(file.Get(), text.data(), static_cast<DWORD>(text.size()), &written, nullptr) !=
-               0 &&
-           written == text.size();
+    if (WriteFile(file.Get(), text.data(), static_cast<DWORD>(text.size()), &written, nullptr) == 0)
+        return false;
+    if (written < text.size())
+        SetLastError(ERROR_DISK_FULL); // which may take a part without an error
+    return written == text.size();
 }
 
 void ClearAttributes(const std::string& path) {
     SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_NORMAL);
 }
-
-/// Calls visit(full path, attributes) for everything in a folder.
-template <class Visitor>
-void ForEachEntry(const std::string& folder, Visitor&& visit) {
-    WIN32_FIND_DATAA entry{};
-    const FindHandle find(FindFirstFileA((folder + "\\*").c_str(), &entry));
-    if (!find)
-        return;
-    do {
-        const std::string name = entry.cFileName;
-        if (name != "." && name != "..")
-            visit(folder + "\\" + name, entry.dwFileAttributes);
-    } while (FindNextFileA(find.Get(), &entry) != FALSE);
-}
-
-/// Removes what one directory entry stands for and remembers the first failure.
-class TreeRemover {
-public:
-    void RemoveFolderTree(const std::string& folder) {
-        const DWORD attributes = GetFileAttributesA(folder.c_str());
-        if (!HasAttribute(attributes, FILE_ATTRIBUTE_REPARSE_POINT))
-            RemoveContents(folder);
-        if (HasAttribute(attributes, FILE_ATTRIBUTE_READONLY))
-            ClearAttributes(folder);
-        if (RemoveDirectoryA(folder.c_str()) == 0)
-            Remember(GetLastError(), folder);
-    }
-
-    void ThrowFirstFailure() const {
-        if (first_)
-            throw Failure(*first_);
-    }
-
-private:
-    void RemoveContents(const std::string& folder) {
-        ForEachEntry(folder, [&](const std::string& path, DWORD attributes) {
-            if (HasAttribute(attributes, FILE_ATTRIBUTE_DIRECTORY))
-                RemoveFolderTree(path);
-            else
-                RemoveOneFile(path);
-        });
-    }
-
-    void RemoveOneFile(const std::string& path) {
-        try {
-            RemoveFile(path);
-        } catch (const Failure& failure) {
-            Remember(failure.number, path);
-        }
-    }
-
-    void Remember(std::uint32_t code, const std::string& path) {
-        if (!first_)
-            first_.emplace(code, "RemoveFolder",
-                           "cannot delete " + path + ": " + SystemErrorText(code));
-    }
-
-    std::optional<Failure> first_;
-};
 
 } // namespace
 
@@ -109,15 +51,14 @@ std::string ReadWholeFile(const std::string& path) {
     return text;
 }
 
-void WriteWholeFile(const std::string& path, const std::string& text) {
+bool WriteWholeFile(const std::string& path, const std::string& text) {
     if (text.empty())
-        return;
+        return true;
     if (FileExists(path))
         ClearAttributes(path);
     const FileHandle file(CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
                                       OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (file)
-        WriteAll(file, text);
+    return file && WriteAll(file, text);
 }
 
 void WriteCompleteFile(const std::string& path, const std::string& text) {
@@ -155,7 +96,8 @@ bool FolderExists(const std::string& path) {
 bool HasLinkBelow(const std::string& folder, const std::string& path) {
     const std::size_t top = WithoutTrailingBackslash(folder).size();
     for (std::string level = path; level.size() > top; level = ParentOf(level)) {
-        if (HasAttribute(GetFileAttributesA(level.c_str()), FILE_ATTRIBUTE_REPARSE_POINT))
+        const std::wstring name = LongPath(AbsolutePath(level));
+        if (HasAttribute(GetFileAttributesW(name.c_str()), FILE_ATTRIBUTE_REPARSE_POINT))
             return true;
     }
     return false;
@@ -164,11 +106,24 @@ bool HasLinkBelow(const std::string& folder, const std::string& path) {
 bool HoldsLink(const std::string& folder) {
     if (HasAttribute(GetFileAttributesA(folder.c_str()), FILE_ATTRIBUTE_REPARSE_POINT))
         return true;
+    std::vector<std::wstring> folders{Widen(folder)};
     bool found = false;
-    ForEachEntry(folder, [&](const std::string& path, DWORD attributes) {
-        found = found || (HasAttribute(attributes, FILE_ATTRIBUTE_DIRECTORY) && HoldsLink(path));
-    });
+    while (!found && !folders.empty()) {
+        const std::wstring current = std::move(folders.back());
+        folders.pop_back();
+        ForEachEntry(current, [&](const FolderEntry& entry) {
+            found = found || (entry.IsFolder() && entry.IsLink());
+            if (entry.IsPlainFolder())
+                folders.push_back(current + L"\\" + entry.name);
+        });
+    }
     return found;
+}
+
+void MakeWritable(const std::string& path) {
+    const DWORD attributes = GetFileAttributesA(path.c_str());
+    if (HasAttribute(attributes, FILE_ATTRIBUTE_READONLY))
+        SetFileAttributesA(path.c_str(), attributes & ~DWORD{FILE_ATTRIBUTE_READONLY});
 }
 
 void RemoveFile(const std::string& path) {
@@ -177,28 +132,24 @@ void RemoveFile(const std::string& path) {
         ThrowLastError("cannot delete", path);
 }
 
-void RemoveFolder(const std::string& path) {
-    if (!FolderExists(path))
-        ThrowSystemError(ERROR_PATH_NOT_FOUND, "cannot delete", path);
-    TreeRemover remover;
-    remover.RemoveFolderTree(path);
-    remover.ThrowFirstFailure();
-}
-
 void CreateFolder(const std::string& path) {
     if (CreateDirectoryA(path.c_str(), nullptr) == 0)
         ThrowLastError("cannot create", path);
 }
 
 void CreateFolderPath(const std::string& path) {
-    if (FolderExists(path) || CreateDirectoryA(path.c_str(), nullptr) != 0)
-        return;
-    const DWORD error = GetLastError();
-    const std::string parent = ParentOf(path);
-    if (error != ERROR_PATH_NOT_FOUND || parent.empty())
-        ThrowSystemError(error, "cannot create", path);
-    CreateFolderPath(parent);
-    CreateFolder(path);
+    // The missing levels, the innermost first: a path may be as deep as it likes.
+    std::vector<std::string> missing;
+    for (std::string level = path; !FolderExists(level); level = ParentOf(level)) {
+        if (CreateDirectoryA(level.c_str(), nullptr) != 0)
+            break;
+        const DWORD error = GetLastError();
+        if (error != ERROR_PATH_NOT_FOUND || ParentOf(level).empty())
+            ThrowSystemError(error, "cannot create", level);
+        missing.push_back(level);
+    }
+    for (auto level = missing.rbegin(); level != missing.rend(); ++level)
+        CreateFolder(*level);
 }
 
 void CopyFileOver(const std::string& source, const std::string& target) {
@@ -214,12 +165,15 @@ void MovePath(const std::string& source, const std::string& target) {
 }
 
 std::string AbsolutePath(const std::string& path) {
-    std::array<char, MAX_PATH * 4> buffer{};
+    std::string buffer(32768, '\0'); // the system's own limit
     const DWORD length =
         GetFullPathNameA(path.c_str(), static_cast<DWORD>(buffer.size()), buffer.data(), nullptr);
     if (length == 0 || length >= buffer.size())
         ThrowLastError("not a path:", path);
-    return {buffer.data(), length};
+    buffer.resize(length);
+    // A bare drive means its current folder to the system, but its root to people.
+    const bool bareDrive = path.size() == 2 && path[1] == ':';
+    return bareDrive ? path + "\\" : buffer;
 }
 
 } // namespace vesk

@@ -2,7 +2,7 @@
 
 #include <string>
 
-/// Files and folders of the system. Paths are texts in the ANSI code page, parted by "\".
+/// Files and folders of the system. Paths are texts in the ANSI code page, separated by "\".
 /// What throws, throws a Failure with the system's error code, the action and the path.
 namespace vesk {
 
@@ -10,9 +10,10 @@ namespace vesk {
 std::string ReadWholeFile(const std::string& path);
 
 /// Writes the text over the file's beginning, a read-only file included. Nothing happens for an
-/// empty text, errors are swallowed, and a longer old file keeps its tail: every caller writes at
+/// empty text, nothing is thrown, and a longer old file keeps its tail: every caller writes at
 /// least as much as it read. Programs that need more care use WriteCompleteFile.
-void WriteWholeFile(const std::string& path, const std::string& text);
+/// @return false when it was not written whole; the thread's last error then tells why
+bool WriteWholeFile(const std::string& path, const std::string& text);
 
 /// Makes `path` hold exactly `text`: written beside it first and moved into place when complete, so
 /// that the old content survives every failure. Throws.
@@ -33,13 +34,11 @@ bool HasLinkBelow(const std::string& folder, const std::string& path);
 /// folder.
 bool HoldsLink(const std::string& folder);
 
+/// Takes the read-only attribute from a file, if there is one; everything else stays.
+void MakeWritable(const std::string& path);
+
 /// Deletes one file, a read-only one too. Throws.
 void RemoveFile(const std::string& path);
-
-/// Deletes a folder and everything in it, read-only files too. A junction or symbolic link below it
-/// (or in its place) is removed itself and never entered. What cannot be deleted does not stop the
-/// rest; the first such failure is thrown at the end.
-void RemoveFolder(const std::string& path);
 
 /// Creates one folder, whose parent must exist. Throws, also when it exists already.
 void CreateFolder(const std::string& path);

@@ -7,11 +7,27 @@ namespace vesk {
 /// The shell's numbers of the folders that the program asks for.
 enum class SpecialFolder : int {
     Documents = 5,
-    Desktop = 16,        ///< The current user's desktop folder.
-    CommonPrograms = 23, ///< The start menu's programs of all users.
+    Favorites = 6,
+    StartMenu = 11, ///< The current user's.
+    Music = 13,
+    Videos = 14,
+    Desktop = 16, ///< The current user's desktop folder.
+    Fonts = 20,
+    CommonStartMenu = 22, ///< The start menu of all users.
+    CommonPrograms = 23,  ///< Its programs.
+    CommonDesktop = 25,
+    AppData = 26,
+    LocalAppData = 28,
+    CommonAppData = 35,
     Windows = 36,
+    System = 37,
     ProgramFiles = 38,
+    Pictures = 39,
     UserProfile = 40,
+    ProgramFilesX86 = 42, ///< Where a 64-bit system keeps 32-bit programs.
+    ProgramFilesCommon = 43,
+    ProgramFilesCommonX86 = 44,
+    CommonDocuments = 46,
 };
 
 /// Path of a special folder without a trailing backslash; empty when the system has none.

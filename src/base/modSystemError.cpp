@@ -19,7 +19,8 @@ std::string SystemErrorText(std::uint32_t code) {
 }
 
 void ThrowSystemError(std::uint32_t code, const std::string& what, const std::string& object) {
-    throw Failure(code, what, what + " " + object + ": " + SystemErrorText(code));
+    const std::string reason = SystemErrorText(code);
+    throw Failure(code, what, what + " " + object + ": " + reason, reason);
 }
 
 void ThrowLastError(const std::string& what, const std::string& object) {

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "base/ResumeNext.h"
 #include "build/BuildFrontEnd.h"
 #include "build/clsBuildRun.h"
 #include "catalogue/Catalogue.h"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace vesk {
@@ -22,9 +24,20 @@ struct BuildContext {
     Catalogue& catalogue;
     BuildFrontEnd& frontEnd;
     std::vector<MenuRecord> menuRecords;
+    ProblemReport report; ///< Tells the front end.
 
     void Log(const std::string& line) const { frontEnd.AddLogLine(line, LogMode::Line); }
     void Status(const std::string& caption) const { frontEnd.SetStatus(caption); }
+
+    /// Runs a statement that may fail, see vesk::ResumeNext.
+    template <class Statement>
+    bool ResumeNext(const Attempt& attempt, Statement&& statement) const {
+        return vesk::ResumeNext(report, attempt, std::forward<Statement>(statement));
+    }
+
+    /// The install folder's path and its plug-in folder, without a trailing backslash.
+    [[nodiscard]] const std::string& InstallFolder() const { return inputs.installFolder.Path(); }
+    [[nodiscard]] std::string PluginFolder() const { return inputs.installFolder.PluginFolder(); }
 };
 
 } // namespace vesk

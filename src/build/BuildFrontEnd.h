@@ -1,15 +1,22 @@
 #pragma once
 
+#include "base/Problem.h"
+#include "build/BuildOutcome.h"
 #include "build/LogMode.h"
-#include "net/DownloadResult.h"
+#include "net/DownloadRequest.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 
 namespace vesk {
 
-/// How a build run ended.
-enum class BuildEnding { Done, InstallFailed, Aborted };
+/// How far a build is.
+struct BuildProgress {
+    std::size_t componentsDone = 0;
+    std::size_t componentCount = 0;
+    double fraction = 0; ///< 0 to 1, over all; grows with the bytes of the component at hand.
+};
 
 /// Whoever runs a build: the wizard, the console, a test. The build run knows no window and no
 /// console; this is all it says and asks.
@@ -20,31 +27,36 @@ public:
     /// Adds one line to the build log; an empty text is an empty line.
     virtual void AddLogLine(const std::string& text, LogMode mode) = 0;
 
+    /// Tells of something that was not done, as it happens. The log does not say it.
+    virtual void ReportProblem(const Problem& problem) = 0;
+
     /// Shows what is being done, in a few words.
     virtual void SetStatus(const std::string& caption) = 0;
 
     /// Asks a question that stops the run until it is answered. @return true for Yes.
     virtual bool AskYesNo(const std::string& question, const std::string& title) = 0;
 
-    /// Downloads one archive and checks it.
-    /// @param urls one address, or several parted by ","
-    /// @param destination full path of the file
-    /// @param crc expected CRC-32 text, or empty for any
-    virtual DownloadResult DownloadFile(const std::string& urls, const std::string& destination,
-                                        const std::string& crc) = 0;
+    /// Asks for the password of an archive. @param wrongBefore the last answer was a wrong one
+    /// @return nothing when there is none to be had: what it locks is then left out
+    virtual std::optional<std::string> AskPassword(const std::string& archiveName,
+                                                   bool wrongBefore) = 0;
+
+    /// Downloads one archive and checks it. It is written to PartialPath(destination) and stands
+    /// under its own name only when it is done; what is left of a download that is not is the
+    /// caller's to remove.
+    virtual DownloadOutcome DownloadFile(const DownloadRequest& request) = 0;
 
     /// Lets pending events of the user interface run.
     virtual void LetEventsRun() = 0;
 
-    /// Tells how many components are done, of how many.
-    virtual void SetProgress(std::size_t done, std::size_t total) = 0;
+    virtual void SetProgress(const BuildProgress& progress) = 0;
 
     /// True once the user asked for the run to end at its next step.
     virtual bool StopRequested() = 0;
 
     /// The run is over and nothing more is asked. The front end offers to finish, and saves the log
-    /// (SaveBuildLog): the text is its own.
-    virtual void EnterFinishedState(BuildEnding ending) = 0;
+    /// and the problems (SaveBuildRecord): both are its own.
+    virtual void EnterFinishedState(const BuildOutcome& outcome) = 0;
 };
 
 } // namespace vesk

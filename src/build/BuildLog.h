@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Problem.h"
 #include "build/LogMode.h"
 
 #include <string>
@@ -9,6 +10,9 @@ namespace vesk {
 
 /// File name of the saved log in the program folder. The spelling is what users and tools look for.
 inline constexpr const char* kLogFileName = "veskbuider.log";
+
+/// File name of the saved problems beside it.
+inline constexpr const char* kProblemsFileName = "veskbuilder-problems.txt";
 
 /// The build log without its view: the lines shown and the text kept for saving.
 class BuildLog {
@@ -36,5 +40,9 @@ bool IsWarningLine(const std::string& line);
 /// Makes the log file in the program path (which ends in "\") hold the text; an older file goes in
 /// any case, an empty text writes none. @throws Failure
 void SaveBuildLog(const std::string& programPath, const std::string& text);
+
+/// The same for the file of the problems: a line each, and no file when there are none.
+/// @throws Failure
+void SaveProblems(const std::string& programPath, const std::vector<Problem>& problems);
 
 } // namespace vesk

@@ -1,10 +1,8 @@
 #include "build/clsBuildRun.h"
 
 #include "archive/clsCRC.h"
-#include "archive/clsCab.h"
-#include "archive/modUnzip.h"
+#include "archive/modArchive.h"
 #include "base/Failure.h"
-#include "base/ResumeNext.h"
 #include "base/modDate.h"
 #include "base/modFile.h"
 #include "base/modText.h"
@@ -19,8 +17,8 @@
 
 #include <wininet.h>
 
-#include <algorithm>
 #include <map>
+#include <set>
 
 namespace vesk {
 
@@ -32,16 +30,6 @@ bool SystemIsConnected() {
     DWORD flags = 0;
     return InternetGetConnectedState(&flags, 0) != FALSE;
 }
-
-/// Keeps the front end alive while a cabinet is extracted.
-class CabOwner : public CabEvents {
-public:
-    explicit CabOwner(BuildFrontEnd& frontEnd) : frontEnd_(frontEnd) {}
-    void OnAfterExtract(const std::string&) override { frontEnd_.LetEventsRun(); }
-
-private:
-    BuildFrontEnd& frontEnd_;
-};
 
 std::string WarningLine(const CatalogueEntry& component, const std::string& what) {
     return "Warning: " + component.zip + what;
@@ -56,15 +44,20 @@ public:
         : inputs_(inputs),
           catalogue_(catalogue),
           frontEnd_(frontEnd),
-          context_{inputs, catalogue, frontEnd, {}} {}
+          context_{inputs, catalogue, frontEnd, {}, [this](const Problem& problem) {
+                       ++outcome_.problems;
+                       frontEnd_.ReportProblem(problem);
+                   }} {}
 
     std::function<bool()> networkIsConnected = SystemIsConnected;
 
-    BuildEnding Run() {
-        const BuildEnding ending = RunToEnding();
+    BuildOutcome Run() {
+        outcome_.ending = RunToEnding();
+        context_.ResumeNext({context_.InstallFolder(), "still marked as unfinished"},
+                            [this] { inputs_.installFolder.Unmark(); });
         context_.Status("Done");
-        frontEnd_.EnterFinishedState(ending);
-        return ending;
+        frontEnd_.EnterFinishedState(outcome_);
+        return outcome_;
     }
 
 private:
@@ -74,23 +67,32 @@ private:
     bool MayReplaceFolder();
     void LogHeader();
     PeBuilder FetchPeBuilder();
-    DownloadResult Download(const CatalogueEntry& component);
+    DownloadOutcome Download(const CatalogueEntry& component);
+    void RemoveLeftovers(const CatalogueEntry& component);
     bool RemoveOldTree();
     void InstallBaseComponents();
     void InstallBaseComponent(std::size_t index);
     void CreateTree();
-    void Extract(const CatalogueEntry& component, const std::string& folder);
+    bool ArchiveIsThere(const CatalogueEntry& component);
+    bool ArchiveIsRight(const CatalogueEntry& component);
+    ExtractionOutcome Extract(const CatalogueEntry& component, const std::string& folder);
+    void NotePeBuilder(const CatalogueEntry& component, const ExtractionOutcome& outcome);
     void RunBaseScript(std::size_t index);
+    void RunScriptSection(const std::string& script);
     void DownloadPlugins();
     void InstallPlugins();
     void InstallPlugin(const CatalogueEntry& plugin);
+    void EditInfs(const CatalogueEntry& plugin, const std::string& folder);
     std::string PluginOwnFolder(const CatalogueEntry& plugin) const;
 
     [[nodiscard]] std::string ArchivePath(const CatalogueEntry& component) const {
         return inputs_.programPath + component.zip;
     }
-    [[nodiscard]] std::string FileCrc(const std::string& path) {
-        return clsCRC().CalculateFile(path, [this] { frontEnd_.LetEventsRun(); });
+    /// An empty checksum means "no such file", and matches nothing.
+    [[nodiscard]] bool HasCrc(const std::string& path, const std::string& crc) const {
+        const std::string found =
+            clsCRC().CalculateFile(path, [this] { frontEnd_.LetEventsRun(); });
+        return !found.empty() && found == crc;
     }
     void Announce(const std::string& caption) {
         context_.Status(caption);
@@ -101,21 +103,46 @@ private:
         context_.Log("click 'Finish' to exit");
         return ending;
     }
-    void ComponentDone() { frontEnd_.SetProgress(++componentsDone_, componentCount_); }
+    /// Reports a problem that is the reason why no tree is made.
+    void Give(const std::string& place, const std::string& what, const std::string& reason) {
+        outcome_.reason = reason;
+        context_.report({place, what, reason});
+    }
+    void ShowProgress(double withinComponent) {
+        BuildProgress progress{componentsDone_, componentCount_, 1};
+        if (componentsDone_ < componentCount_)
+            progress.fraction = (static_cast<double>(componentsDone_) + withinComponent) /
+                                static_cast<double>(componentCount_);
+        frontEnd_.SetProgress(progress);
+    }
+    void ComponentDone() {
+        ++componentsDone_;
+        ShowProgress(0);
+    }
 
     const BuildInputs& inputs_;
     Catalogue& catalogue_;
     BuildFrontEnd& frontEnd_;
+    BuildOutcome outcome_;
     BuildContext context_;
     /// Scripts that hold a part for the plug-ins, by the index of their base component. Collected
     /// for that stage; the run itself does nothing with them.
     std::map<std::size_t, std::string> pendingScripts_;
+    /// Archives whose download was told of already: that they are then missing is no second
+    /// problem.
+    std::set<std::string> notFetched_;
     std::size_t componentsDone_ = 0;
     std::size_t componentCount_ = 0;
 };
 
 BuildEnding clsBuildRun::Steps::RunToEnding() {
     const auto abort = [this] { return LogEnding("Aborted", BuildEnding::Aborted); };
+    const auto stopped = [this] {
+        if (!frontEnd_.StopRequested())
+            return false;
+        Give(context_.InstallFolder(), "not finished", "the user stopped the build");
+        return true;
+    };
     if (!MayReplaceFolder())
         return abort();
     LogHeader();
@@ -128,28 +155,38 @@ BuildEnding clsBuildRun::Steps::RunToEnding() {
     case PeBuilder::GoOn:
         break;
     }
-    if (frontEnd_.StopRequested() || !RemoveOldTree())
+    if (stopped() || !RemoveOldTree())
         return abort();
+    outcome_.treeMade = true;
     InstallBaseComponents();
     DownloadPlugins();
     InstallPlugins();
-    if (frontEnd_.StopRequested())
+    if (stopped())
         return abort();
     FinishTree(context_);
     return LogEnding("Done", BuildEnding::Done);
 }
 
 bool clsBuildRun::Steps::MayReplaceFolder() {
-    const std::string problem = InstallFolderProblem(inputs_);
-    if (!problem.empty()) {
-        context_.Log("ERROR: " + problem);
+    const std::string& path = context_.InstallFolder();
+    if (const std::string refusal = CatalogueRefusal(catalogue_); !refusal.empty()) {
+        Give(path, "not built", AsReason(refusal));
         return false;
     }
-    if (!FolderExists(inputs_.installFolder))
+    const FolderContent content = inputs_.installFolder.Content();
+    const bool mayReplaceForeign = inputs_.replaceForeign && !inputs_.installFolder.KeepsForeign();
+    if (content.kind == FolderContent::Kind::Foreign && !mayReplaceForeign) {
+        Give(path, "not built", content.ForeignWords());
+        return false;
+    }
+    if (content.kind == FolderContent::Kind::Missing)
         return true;
     context_.Status("Confirmation");
-    return frontEnd_.AskYesNo("Project folder allready exists. Do you want to continue",
-                              "Confirmation");
+    if (frontEnd_.AskYesNo("Project folder allready exists. Do you want to continue",
+                           "Confirmation"))
+        return true;
+    Give(path, "not built", "the question whether to continue was answered No");
+    return false;
 }
 
 void clsBuildRun::Steps::LogHeader() {
@@ -168,57 +205,88 @@ void clsBuildRun::Steps::LogHeader() {
     }
     context_.Log("");
     // Spelled so in every log that users keep and search.
-    context_.Log("Intallation path: " + inputs_.installFolder);
+    context_.Log("Intallation path: " + context_.InstallFolder());
     context_.Log("Source path: " + (inputs_.source.valid ? inputs_.sourceFolder : "Invalid"));
-    frontEnd_.SetProgress(0, componentCount_);
+    ShowProgress(0);
     frontEnd_.LetEventsRun();
 }
 
 clsBuildRun::Steps::PeBuilder clsBuildRun::Steps::FetchPeBuilder() {
-    if (catalogue_.baseComponents.empty())
-        return PeBuilder::GoOn;
     const CatalogueEntry& component = catalogue_.baseComponents.front();
-    if (FileCrc(inputs_.programPath + kPeBuilderArchive) == component.crc) {
+    if (HasCrc(inputs_.programPath + kPeBuilderArchive, component.crc)) {
         context_.Log("Skipping download of: PEBuilder v3.1.1.0a");
         return PeBuilder::GoOn;
     }
     if (!networkIsConnected()) {
         context_.Log("ERROR: no network connection, download failed");
+        Give(kPeBuilderArchive, "not downloaded",
+             "there is no network connection, and nothing was changed");
         return PeBuilder::NoNetwork;
     }
     Announce(std::string("Downloading: ") + kPeBuilderArchive);
-    if (Download(component) != DownloadResult::CrcDiffers)
+    const DownloadOutcome outcome = Download(component);
+    if (outcome.result != DownloadResult::Done)
+        outcome_.reason = component.zip + " was not downloaded, " + outcome.reason;
+    if (outcome.result != DownloadResult::CrcDiffers)
         return PeBuilder::GoOn;
     context_.Log(WarningLine(component, " CRC failed, setup cannot continue !!!"));
     return PeBuilder::WrongArchive;
 }
 
 /// Downloads a component and logs a failure or a cancel; a difference of the CRC is the caller's to
-/// tell. What is not good does not stay.
-DownloadResult clsBuildRun::Steps::Download(const CatalogueEntry& component) {
+/// log. What is not good does not stay.
+DownloadOutcome clsBuildRun::Steps::Download(const CatalogueEntry& component) {
     context_.Log("Downloading: " + component.zip);
     const std::string archive = ArchivePath(component);
-    DownloadResult result = DownloadResult::Failed;
-    ResumeNext([&] { result = frontEnd_.DownloadFile(component.url, archive, component.crc); });
-    if (result != DownloadResult::Done && FileExists(archive))
-        ResumeNext([&] { DeleteFileLogged(context_, archive); });
-    if (result == DownloadResult::Failed)
+    DownloadOutcome outcome{DownloadResult::Failed, "the front end failed"};
+    if (!IsPlainArchiveName(component.zip))
+        outcome.reason = "the catalogue's name for it is no plain file name";
+    else
+        context_.ResumeNext({component.zip, "not downloaded"}, [&] {
+            outcome = frontEnd_.DownloadFile({component.url, archive, component.crc});
+        });
+    if (outcome.result == DownloadResult::Done)
+        return outcome;
+    context_.report({component.zip, "not downloaded", outcome.reason});
+    notFetched_.insert(component.zip);
+    RemoveLeftovers(component);
+    if (outcome.result == DownloadResult::Failed)
         context_.Log(WarningLine(component, " could not be downloaded. !!!"));
-    if (result == DownloadResult::Cancelled)
+    if (outcome.result == DownloadResult::Cancelled)
         context_.Log("Warning: download cancelled by user. !!!");
-    return result;
+    return outcome;
+}
+
+/// Removes what a failed download left, with one line for the archive wherever it was written to.
+void clsBuildRun::Steps::RemoveLeftovers(const CatalogueEntry& component) {
+    if (!IsPlainArchiveName(component.zip))
+        return;
+    const std::string archive = ArchivePath(component);
+    const std::string partial = PartialPath(archive);
+    if (!FileExists(archive) && !FileExists(partial))
+        return;
+    context_.Status("Deleting file");
+    context_.Log("Deleting File: " + archive);
+    for (const std::string& path : {archive, partial}) {
+        if (FileExists(path))
+            context_.ResumeNext({path, "not removed"}, [&] { RemoveFile(path); });
+    }
 }
 
 /// @return false when the run must not go on: a link that could not be removed would lead what the
 /// run writes next to some place outside the folder that the user named
 bool clsBuildRun::Steps::RemoveOldTree() {
+    const clsInstallFolder& folder = inputs_.installFolder;
     context_.Status("Removing directory");
-    context_.Log("Removing directory: " + inputs_.installFolder);
+    context_.Log("Removing directory: " + folder.Path());
     frontEnd_.LetEventsRun();
-    ResumeNext([&] { DeleteFolderLogged(context_, inputs_.installFolder); });
-    if (!HoldsLink(inputs_.installFolder))
+    if (FolderExists(folder.Path()))
+        context_.ResumeNext({folder.Path(), "not marked as unfinished"}, [&] { folder.Mark(); });
+    DeleteFolderLogged(context_, clsRemovableTree::Of(folder));
+    if (!HoldsLink(folder.Path()))
         return true;
-    context_.Log("ERROR: a link in the old folder could not be removed: " + inputs_.installFolder);
+    context_.Log("ERROR: a link in the old folder could not be removed: " + folder.Path());
+    Give(folder.Path(), "not built", "a link in the old folder could not be removed");
     return false;
 }
 
@@ -231,23 +299,50 @@ void clsBuildRun::Steps::InstallBaseComponents() {
     }
 }
 
+/// Whether a component's archive stands in the program folder; logs and reports when it does not.
+bool clsBuildRun::Steps::ArchiveIsThere(const CatalogueEntry& component) {
+    const bool plain = IsPlainArchiveName(component.zip);
+    if (plain && FileExists(ArchivePath(component)))
+        return true;
+    context_.Log("Archive: " + ArchivePath(component) + " [not found]");
+    if (!notFetched_.contains(component.zip))
+        context_.report({component.zip, "not installed",
+                         plain ? "there is no such archive in the program folder"
+                               : "the catalogue's name for it is no plain file name"});
+    return false;
+}
+
+/// Whether an archive that is there is the one that the catalogue means; logs and reports when not.
+bool clsBuildRun::Steps::ArchiveIsRight(const CatalogueEntry& component) {
+    if (HasCrc(ArchivePath(component), component.crc))
+        return true;
+    context_.Log(WarningLine(component, " CRC failed. !!!"));
+    context_.report({component.zip, "not installed",
+                     component.crc.empty() ? "the catalogue has no CRC-32 for it"
+                                           : "its CRC-32 is not the one in the catalogue, or it "
+                                             "cannot be read"});
+    return false;
+}
+
 void clsBuildRun::Steps::InstallBaseComponent(std::size_t index) {
     const CatalogueEntry& component = catalogue_.baseComponents[index];
-    const std::string archive = ArchivePath(component);
     const bool isPeBuilder = index == 0;
-    if (!FileExists(archive)) {
-        context_.Log("Archive: " + archive + " [not found]");
+    if (!ArchiveIsThere(component)) {
+        if (isPeBuilder && outcome_.reason.empty())
+            outcome_.reason = component.zip + " is not in the program folder";
         return;
     }
     if (isPeBuilder)
         CreateTree();
     Announce("Processing: " + component.zip);
-    if (FileCrc(archive) == component.crc) {
-        Extract(component, inputs_.installFolder);
+    if (ArchiveIsRight(component)) {
+        const ExtractionOutcome extracted = Extract(component, context_.InstallFolder());
+        if (isPeBuilder)
+            NotePeBuilder(component, extracted);
         context_.Log("");
         RunBaseScript(index);
-    } else {
-        context_.Log(WarningLine(component, " CRC failed. !!!"));
+    } else if (isPeBuilder) {
+        outcome_.reason = component.zip + " is not the archive that the catalogue names";
     }
     if (isPeBuilder) {
         WriteSettingsFile(context_);
@@ -255,68 +350,99 @@ void clsBuildRun::Steps::InstallBaseComponent(std::size_t index) {
     }
 }
 
+void clsBuildRun::Steps::NotePeBuilder(const CatalogueEntry& component,
+                                       const ExtractionOutcome& outcome) {
+    const bool opened = outcome.failures.empty() || !outcome.failures.front().member.empty();
+    outcome_.hasPeBuilder = opened && outcome.extracted > 0;
+    if (!outcome_.hasPeBuilder)
+        outcome_.reason = component.zip + " could not be extracted";
+}
+
 void clsBuildRun::Steps::CreateTree() {
-    const std::string& pluginFolder = catalogue_.pluginFolder;
-    ResumeNext([&] { CreateFolderLogged(context_, inputs_.installFolder); });
-    ResumeNext([&] { CreateFolderLogged(context_, pluginFolder); });
+    const std::string pluginFolder = context_.PluginFolder();
+    const auto create = [this](const std::string& folder) {
+        context_.ResumeNext({folder, "not made"}, [&] { CreateFolderLogged(context_, folder); });
+    };
+    create(context_.InstallFolder());
+    context_.ResumeNext({context_.InstallFolder(), "not marked as unfinished"},
+                        [this] { inputs_.installFolder.Mark(); });
+    create(pluginFolder);
     for (const CategoryRecord& category : catalogue_.categories)
-        ResumeNext([&] { CreateFolderLogged(context_, pluginFolder + "\\" + category.value); });
+        create(pluginFolder + "\\" + category.value);
     context_.Log("");
     if (!catalogue_.showCategories)
         return;
     for (const CategoryRecord& category : catalogue_.categories) {
         const std::string inf = "\\" + category.value + "\\" + category.value + ".inf";
-        ResumeNext([&] { CreateCategorySeparator(context_, inf, category.key, category.caption); });
+        context_.ResumeNext({pluginFolder + inf, "not written"}, [&] {
+            CreateCategorySeparator(context_, inf, category.key, category.caption);
+        });
     }
     context_.Log("");
 }
 
-void clsBuildRun::Steps::Extract(const CatalogueEntry& component, const std::string& folder) {
+ExtractionOutcome clsBuildRun::Steps::Extract(const CatalogueEntry& component,
+                                              const std::string& folder) {
     const std::string archive = ArchivePath(component);
     context_.Log("Archive:  " + archive);
-    const std::string extension = LowerCase(ExtensionOf(archive));
-    ResumeNext([&] {
-        if (extension == "cab") {
-            CabOwner owner(frontEnd_);
-            clsCab cab(&owner);
-            cab.CabName = archive;
-            cab.DestinationFolder = folder;
-            cab.Extract();
-        } else if (extension == "zip") {
-            UnzipCallbacks callbacks;
-            callbacks.letEventsRun = [this] { frontEnd_.LetEventsRun(); };
-            UnzipFile(archive, folder, callbacks);
-        }
-    });
+    context_.ResumeNext({context_.InstallFolder(), "not marked as unfinished"},
+                        [this] { inputs_.installFolder.Mark(); });
+    ExtractionOwner owner;
+    owner.password = [&](bool wrongBefore) {
+        return frontEnd_.AskPassword(component.zip, wrongBefore);
+    };
+    owner.progress = [this](double fraction) {
+        ShowProgress(fraction);
+        frontEnd_.LetEventsRun();
+    };
+    ExtractionOutcome outcome;
+    context_.ResumeNext({component.zip, "not extracted"},
+                        [&] { outcome = ExtractArchive(archive, folder, owner); });
+    for (const MemberFailure& failure : outcome.failures) {
+        const std::string member = failure.member.empty() ? "" : ": " + failure.member;
+        context_.report({component.zip + member, failure.what, failure.reason});
+    }
+    return outcome;
 }
 
 void clsBuildRun::Steps::RunBaseScript(std::size_t index) {
     std::string pattern = "*.script";
-    const std::vector<std::string> scripts = FindFiles(inputs_.installFolder + "\\", pattern);
-    if (scripts.empty())
+    const FoundFiles found = FindFiles(context_.InstallFolder() + "\\", pattern);
+    for (const std::string& path : found.unreachable)
+        context_.report({path, "not searched", "the system's code page cannot hold its name"});
+    if (found.paths.empty())
         return;
-    const std::string& script = scripts.front();
-    ResumeNext([&] {
-        ProcessScript(script, "[base]",
-                      {[this](const std::string& line) { context_.Log(line); },
-                       inputs_.installFolder, inputs_.sourceFolder});
-    });
+    const std::string& script = found.paths.front();
+    RunScriptSection(script);
     bool hasPluginPart = false;
-    ResumeNext([&] { hasPluginPart = IsLineInFile(script, "[plugins]"); });
+    context_.ResumeNext({script, "not read"},
+                        [&] { hasPluginPart = IsLineInFile(script, "[plugins]"); });
     if (hasPluginPart)
         pendingScripts_[index] = script;
     else
-        ResumeNext([&] { DeleteFileLogged(context_, script); });
+        context_.ResumeNext({script, "not removed"}, [&] { DeleteFileLogged(context_, script); });
+}
+
+void clsBuildRun::Steps::RunScriptSection(const std::string& script) {
+    context_.ResumeNext({script, "not carried out to its end"}, [&] {
+        ProcessScript(script, "[base]",
+                      {[this](const std::string& line) { context_.Log(line); },
+                       [&](const std::string& what, const std::string& reason) {
+                           context_.report({script, what, reason});
+                       },
+                       context_.InstallFolder(), inputs_.sourceFolder});
+    });
 }
 
 void clsBuildRun::Steps::DownloadPlugins() {
     for (const CatalogueEntry& plugin : catalogue_.plugins) {
-        if (!plugin.enabled || plugin.url.empty() || FileExists(ArchivePath(plugin)))
+        const bool isThere = IsPlainArchiveName(plugin.zip) && FileExists(ArchivePath(plugin));
+        if (!plugin.enabled || plugin.url.empty() || isThere)
             continue;
         if (frontEnd_.StopRequested())
             return;
         Announce("Downloading: " + plugin.zip);
-        if (Download(plugin) == DownloadResult::CrcDiffers)
+        if (Download(plugin).result == DownloadResult::CrcDiffers)
             context_.Log(WarningLine(plugin, " CRC failed. !!!"));
     }
 }
@@ -333,38 +459,48 @@ void clsBuildRun::Steps::InstallPlugins() {
 }
 
 void clsBuildRun::Steps::InstallPlugin(const CatalogueEntry& plugin) {
-    const std::string archive = ArchivePath(plugin);
-    if (!FileExists(archive)) {
-        context_.Log("Archive: " + archive + " [not found]");
+    if (!ArchiveIsThere(plugin)) {
         context_.Log("");
         return;
     }
-    if (FileCrc(archive) != plugin.crc) {
-        context_.Log(WarningLine(plugin, " CRC failed. !!!"));
+    if (!ArchiveIsRight(plugin))
         return;
-    }
     Announce("Processing: " + plugin.zip);
     const std::string folder = PluginOwnFolder(plugin);
     Extract(plugin, folder);
+    EditInfs(plugin, folder);
+}
+
+void clsBuildRun::Steps::EditInfs(const CatalogueEntry& plugin, const std::string& folder) {
     std::string pattern; // the search's own default: INF files
-    for (const std::string& inf : FindFiles(folder + "\\", pattern)) {
-        ResumeNext([&] { PrefixPluginName(context_, inf, plugin.cat); });
-        ResumeNext([&] { CommentOutAppendMenu(context_, inf); });
-        ResumeNext([&] { SetPluginEnable(context_, inf); });
+    const FoundFiles found = FindFiles(folder + "\\", pattern);
+    for (const std::string& path : found.unreachable)
+        context_.report({path, "not edited", "the system's code page cannot hold its name"});
+    for (const std::string& inf : found.paths) {
+        const Attempt attempt{inf, "not edited"};
+        context_.ResumeNext(attempt, [&] { RequireReadable(inf); });
+        context_.ResumeNext(attempt, [&] { PrefixPluginName(context_, inf, plugin.cat); });
+        context_.ResumeNext(attempt, [&] { CommentOutAppendMenu(context_, inf); });
+        context_.ResumeNext(attempt, [&] { SetPluginEnable(context_, inf); });
     }
 }
 
 /// A plug-in whose category is unknown goes straight below the plug-in folder.
 std::string clsBuildRun::Steps::PluginOwnFolder(const CatalogueEntry& plugin) const {
-    const auto category =
-        std::ranges::find(catalogue_.categories, plugin.cat, &CategoryRecord::key);
-    const std::string categoryFolder =
-        category == catalogue_.categories.end() ? "" : "\\" + category->value;
-    return catalogue_.pluginFolder + categoryFolder + "\\" + BaseNameOf(plugin.zip);
+    const CategoryRecord* const category = FindCategory(catalogue_, plugin.cat);
+    const std::string categoryFolder = category == nullptr ? "" : "\\" + category->value;
+    return context_.PluginFolder() + categoryFolder + "\\" + BaseNameOf(plugin.zip);
+}
+
+std::string CatalogueRefusal(const Catalogue& catalogue) {
+    if (catalogue.baseComponents.empty())
+        return "The catalogue names no base component, so there is nothing to build. Start "
+               "veskbuilder.exe -setup to make one.";
+    return {};
 }
 
 clsBuildRun::clsBuildRun(const BuildInputs& inputs, Catalogue& catalogue, BuildFrontEnd& frontEnd)
-    : steps_(std::make_unique<Steps>(inputs, catalogue, frontEnd)) {}
+    : lock_(inputs.installFolder), steps_(std::make_unique<Steps>(inputs, catalogue, frontEnd)) {}
 
 clsBuildRun::~clsBuildRun() = default;
 
@@ -372,7 +508,7 @@ void clsBuildRun::SetNetworkProbe(std::function<bool()> isConnected) {
     steps_->networkIsConnected = std::move(isConnected);
 }
 
-BuildEnding clsBuildRun::Run() {
+BuildOutcome clsBuildRun::Run() {
     return steps_->Run();
 }
 

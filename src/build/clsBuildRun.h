@@ -1,6 +1,8 @@
 #pragma once
 
 #include "build/BuildFrontEnd.h"
+#include "build/clsBuildLock.h"
+#include "build/clsInstallFolder.h"
 #include "catalogue/Catalogue.h"
 #include "source/SourceState.h"
 
@@ -10,25 +12,29 @@
 
 namespace vesk {
 
-/// What a build works on. Read when needed: the front end may show and own the texts.
+/// What a build works on.
 struct BuildInputs {
-    std::string installFolder; ///< Folder of the build tree, without a trailing backslash.
-    std::string sourceFolder;  ///< Windows source as its field shows it; may be empty.
-    std::string programPath;   ///< The program's own folder, ending in "\".
+    clsInstallFolder installFolder; ///< Folder of the build tree.
+    std::string sourceFolder;       ///< Windows source as its field shows it; may be empty.
+    std::string programPath;        ///< The program's own folder, ending in "\".
     SourceState source;
+
+    /// The user was told that the folder holds what no build made, and wants it emptied.
+    bool replaceForeign = false;
 };
 
-/// A sentence on why this installation folder must not be emptied and built into (a drive root, a
-/// folder that holds the program or the Windows source); empty when it may.
-/// Front ends ask before they start a run.
-std::string InstallFolderProblem(const BuildInputs& inputs);
+/// Why a catalogue cannot be built from at all: a sentence; empty when it can. Front ends ask
+/// before they start a run, because a run replaces the old tree.
+std::string CatalogueRefusal(const Catalogue& catalogue);
 
 /// The one long procedure that turns catalogue and choices into a build tree. It never ends early
 /// because something failed: a failing statement is skipped and the next one runs.
 class clsBuildRun {
 public:
     /// All three must outlive the run. The run adds the stock plug-ins that it regroups to the
-    /// catalogue's plug-ins.
+    /// catalogue's plug-ins. While the object lives no other one builds into the folder, in this
+    /// process or another.
+    /// @throws FolderRefused when one does
     clsBuildRun(const BuildInputs& inputs, Catalogue& catalogue, BuildFrontEnd& frontEnd);
     clsBuildRun(const clsBuildRun&) = delete;
     clsBuildRun& operator=(const clsBuildRun&) = delete;
@@ -39,10 +45,11 @@ public:
 
     /// Runs from the project-folder question to the closing; then the front end is in its finished
     /// state and saves the log.
-    BuildEnding Run();
+    BuildOutcome Run();
 
 private:
     class Steps;
+    clsBuildLock lock_;
     std::unique_ptr<Steps> steps_;
 };
 

@@ -1,46 +1,51 @@
 #include "build/modFileOperations.h"
 
-#include "base/UniqueHandle.h"
+#include "base/FolderEntries.h"
 #include "base/modFile.h"
+#include "base/modWide.h"
 
 #include <windows.h>
+
+#include <algorithm>
 
 namespace vesk {
 
 namespace {
 
-template <class Visitor>
-void ForEachEntry(const std::string& pattern, Visitor&& visit) {
-    WIN32_FIND_DATAA entry{};
-    const FindHandle find(FindFirstFileA(pattern.c_str(), &entry));
-    if (!find)
-        return;
-    do {
-        visit(entry);
-    } while (FindNextFileA(find.Get(), &entry) != FALSE);
+/// A path that the ANSI functions find the file by: its own, or one by short names.
+std::optional<std::string> UsablePath(const std::wstring& path) {
+    if (auto exact = NarrowedExactly(path))
+        return exact;
+    std::wstring shortPath(32768, L'\0'); // the system's own limit
+    shortPath.resize(GetShortPathNameW(LongPath(path).c_str(), shortPath.data(),
+                                       static_cast<DWORD>(shortPath.size())));
+    return shortPath.empty() ? std::nullopt : NarrowedExactly(WithoutLongPrefix(shortPath));
 }
 
-bool IsSearchedFolder(const WIN32_FIND_DATAA& entry) {
-    const std::string name = entry.cFileName;
+/// One folder: its own matches into `found`, its subfolders, the last first, onto `folders`.
+void SearchFolder(const std::wstring& folder, const std::wstring& pattern, FoundFiles& found,
+                  std::vector<std::wstring>& folders) {
+    ForEachEntry(
+        folder,
+        [&](const FolderEntry& entry) {
+            if (entry.size == 0)
+                return;
+            const std::wstring path = folder + entry.name;
+            if (auto usable = UsablePath(path))
+                found.paths.push_back(std::move(*usable));
+            else
+                found.unreachable.push_back(Narrowed(path));
+        },
+        pattern);
+    const std::size_t first = folders.size();
     // A link is not entered: what lies behind it is not part of the build tree.
-    return (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0 &&
-           (entry.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0 && name != "." &&
-           name != "..";
-}
-
-void Search(const std::string& folder, const std::string& pattern,
-            std::vector<std::string>& found) {
-    ForEachEntry(folder + pattern, [&](const WIN32_FIND_DATAA& entry) {
-        if (entry.nFileSizeHigh != 0 || entry.nFileSizeLow != 0)
-            found.push_back(folder + entry.cFileName);
+    const std::uint32_t unread = ForEachEntry(folder, [&](const FolderEntry& entry) {
+        if (entry.IsPlainFolder())
+            folders.push_back(folder + entry.name + L"\\");
     });
-    std::vector<std::string> subfolders;
-    ForEachEntry(folder + "*.*", [&](const WIN32_FIND_DATAA& entry) {
-        if (IsSearchedFolder(entry))
-            subfolders.emplace_back(entry.cFileName);
-    });
-    for (const std::string& subfolder : subfolders)
-        Search(folder + subfolder + "\\", pattern, found);
+    if (unread != ERROR_SUCCESS && unread != ERROR_PATH_NOT_FOUND)
+        found.unreachable.push_back(Narrowed(folder));
+    std::reverse(folders.begin() + static_cast<std::ptrdiff_t>(first), folders.end());
 }
 
 } // namespace
@@ -51,26 +56,39 @@ void DeleteFileLogged(const BuildContext& context, const std::string& path) {
     RemoveFile(path);
 }
 
-void DeleteFolderLogged(const BuildContext& context, const std::string& path) {
+bool DeleteFolderLogged(const BuildContext& context, const clsRemovableTree& tree) {
     context.Status("Deleting folder");
-    context.Log("Deleting Folder: " + path);
-    RemoveFolder(path);
+    context.Log("Deleting Folder: " + tree.Path());
+    bool removed = true;
+    for (const Failure& failure : tree.Remove([&] { context.frontEnd.LetEventsRun(); })) {
+        if (failure.number == ERROR_PATH_NOT_FOUND && failure.source == tree.Path())
+            continue; // it was not there: then it is as it should be
+        removed = false;
+        context.report({failure.source, "not removed", ReasonOf(failure)});
+    }
+    return removed;
 }
 
 void CreateFolderLogged(const BuildContext& context, const std::string& path) {
     context.Log("Creating Directory: " + path);
-    CreateFolder(path);
+    CreateFolderPath(path);
 }
 
 void LogIndented(const BuildContext& context, const std::string& text) {
     context.Log(text + "  ");
 }
 
-std::vector<std::string> FindFiles(const std::string& folder, std::string& pattern) {
+FoundFiles FindFiles(const std::string& folder, std::string& pattern) {
     if (pattern.empty())
         pattern = "*.inf";
-    std::vector<std::string> found;
-    Search(folder, pattern, found);
+    FoundFiles found;
+    const std::wstring widePattern = Widen(pattern);
+    std::vector<std::wstring> folders{Widen(folder)};
+    while (!folders.empty()) {
+        const std::wstring current = std::move(folders.back());
+        folders.pop_back();
+        SearchFolder(current, widePattern, found, folders);
+    }
     return found;
 }
 

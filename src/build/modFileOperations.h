@@ -1,6 +1,7 @@
 #pragma once
 
 #include "build/BuildContext.h"
+#include "build/clsRemovableTree.h"
 
 #include <string>
 #include <vector>
@@ -12,19 +13,31 @@ namespace vesk {
 /// Deletes a file, a read-only one too. @throws Failure, also when there is none.
 void DeleteFileLogged(const BuildContext& context, const std::string& path);
 
-/// Deletes a folder with everything in it. @throws Failure, also when there is none.
-void DeleteFolderLogged(const BuildContext& context, const std::string& path);
+/// Deletes a folder with everything in it. What could not be deleted is reported, each thing by
+/// itself; that there was no such folder is not.
+/// @return whether nothing of it is left
+bool DeleteFolderLogged(const BuildContext& context, const clsRemovableTree& tree);
 
-/// Creates one folder. @throws Failure, also when it exists.
+/// Creates one folder with the levels above it that are missing; one that exists already is fine.
+/// @throws Failure
 void CreateFolderLogged(const BuildContext& context, const std::string& path);
 
 /// Puts a line into the build log for another unit: the text and two blanks.
 void LogIndented(const BuildContext& context, const std::string& text);
 
-/// Full paths of the files below a folder whose names match, a folder's own files before those of
-/// its subfolders. Empty files are left out: nothing could be read or edited in them.
+/// What a search found.
+struct FoundFiles {
+    std::vector<std::string> paths; ///< Full paths, a folder's own files before its subfolders'.
+
+    /// For showing: files whose names the ANSI code page cannot hold and that have no short name,
+    /// and folders that could not be read.
+    std::vector<std::string> unreachable;
+};
+
+/// The files below a folder whose names match. Empty files are left out: nothing could be read or
+/// edited in them.
 /// @param folder start folder, ending in "\"; a missing one gives an empty result
 /// @param pattern as for the system's file search; an empty one becomes "*.inf", for the caller too
-std::vector<std::string> FindFiles(const std::string& folder, std::string& pattern);
+FoundFiles FindFiles(const std::string& folder, std::string& pattern);
 
 } // namespace vesk

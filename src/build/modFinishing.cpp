@@ -1,13 +1,13 @@
-#include "base/ResumeNext.h"
 #include "base/modFile.h"
 #include "base/modSpecialFolder.h"
+#include "build/clsReportedIni.h"
 #include "build/clsShellLink.h"
 #include "build/modBuildTree.h"
 #include "build/modFileOperations.h"
-#include "catalogue/clsINI.h"
 
 #include <windows.h>
 
+#include <stdexcept>
 #include <string>
 
 namespace vesk {
@@ -16,42 +16,55 @@ namespace {
 
 void CopyReadMe(const BuildContext& context) {
     const std::string& program = context.inputs.programPath;
-    const std::string& folder = context.inputs.installFolder;
+    const std::string& folder = context.InstallFolder();
     context.Log("Copying file: " + program + "Readme.txt to " + folder + "\\Readme.txt");
-    ResumeNext([&] { CopyFileOver(program + "readme.txt", folder + "\\readme.txt"); });
+    context.ResumeNext({folder + "\\readme.txt", "not written"},
+                       [&] { CopyFileOver(program + "readme.txt", folder + "\\readme.txt"); });
+}
+
+/// Makes the start menu's folder afresh.
+void RenewStartMenu(const BuildContext& context, const std::string& startMenu) {
+    context.ResumeNext({startMenu, "not made"}, [&] {
+        const clsRemovableTree old = clsRemovableTree::StartMenuFolder();
+        if (FolderExists(old.Path()))
+            DeleteFolderLogged(context, old);
+        CreateFolderPath(old.Path());
+    });
+}
+
+void CreateShortcut(const BuildContext& context, const std::string& link, const std::string& target,
+                    const std::string& icon) {
+    const std::string& folder = context.InstallFolder();
+    context.ResumeNext({link, "not made"}, [&] {
+        // Where the system knows no such folder, the link's path begins with nothing.
+        if (link.starts_with('\\') && !link.starts_with("\\\\"))
+            throw std::runtime_error("the system has no folder for it");
+        clsShellLink::CreateShellLink(link, folder + target, folder, "", icon, 0, SW_SHOWNORMAL,
+                                      "");
+    });
 }
 
 void CreateShortcuts(const BuildContext& context) {
-    const std::string& folder = context.inputs.installFolder;
     const std::string startMenu =
         SpecialFolderPath(SpecialFolder::CommonPrograms) + "\\Vesk Builder";
     const std::string desktopLink =
         SpecialFolderPath(SpecialFolder::Desktop) + "\\Vesk Builder.lnk";
     const std::string programLink = startMenu + "\\Vesk Builder.lnk";
     const std::string readMeLink = startMenu + "\\ReadMe.lnk";
-    const auto create = [&](const std::string& link, const std::string& target,
-                            const std::string& icon) {
-        ResumeNext([&] {
-            clsShellLink::CreateShellLink(link, folder + target, folder, "", icon, 0, SW_SHOWNORMAL,
-                                          "");
-        });
-    };
-    const std::string icon = folder + "\\vesk.ico";
+    const std::string icon = context.InstallFolder() + "\\vesk.ico";
 
-    if (FolderExists(startMenu))
-        ResumeNext([&] { DeleteFolderLogged(context, startMenu); });
-    ResumeNext([&] { CreateFolder(startMenu); });
+    RenewStartMenu(context, startMenu);
     context.Log("Creating shortcut: " + programLink);
     context.Log("Creating shortcut: " + readMeLink);
-    create(programLink, "\\pebuilder.exe", icon);
-    create(readMeLink, "\\readme.txt", "");
+    CreateShortcut(context, programLink, "\\pebuilder.exe", icon);
+    CreateShortcut(context, readMeLink, "\\readme.txt", "");
     context.Log("Creating shortcut: " + desktopLink);
-    create(desktopLink, "\\pebuilder.exe", icon);
+    CreateShortcut(context, desktopLink, "\\pebuilder.exe", icon);
 }
 
 void WriteMenuFile(const BuildContext& context) {
-    const clsINI ini(context.inputs.installFolder + "\\vesklive.ini");
-    context.Log("Creating File: " + ini.iniFileName);
+    clsReportedIni ini(context, context.InstallFolder() + "\\vesklive.ini");
+    context.Log("Creating File: " + ini.Path());
     for (std::size_t i = 0; i < context.menuRecords.size(); ++i) {
         const MenuRecord& record = context.menuRecords[i];
         if (record.name.empty())

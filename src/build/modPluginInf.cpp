@@ -1,12 +1,14 @@
 #include "build/modPluginInf.h"
 
 #include "base/Failure.h"
+#include "base/UniqueHandle.h"
 #include "base/modFile.h"
+#include "base/modSystemError.h"
 #include "base/modText.h"
+#include "build/clsReportedIni.h"
 #include "build/modInfText.h"
-#include "catalogue/clsINI.h"
 
-#include <algorithm>
+#include <windows.h>
 
 namespace vesk {
 
@@ -19,12 +21,15 @@ std::string ModifyingLine(const std::string& inf, const std::string& what) {
     return "Modifying INF file: " + inf + " section " + what;
 }
 
-const CategoryRecord* FindCategory(const Catalogue& catalogue, const std::string& prefix) {
-    const auto found = std::ranges::find(catalogue.categories, prefix, &CategoryRecord::key);
-    return found == catalogue.categories.end() ? nullptr : &*found;
-}
-
 } // namespace
+
+void RequireReadable(const std::string& inf) {
+    const FileHandle file(CreateFileA(inf.c_str(), GENERIC_READ,
+                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                      nullptr, OPEN_EXISTING, 0, nullptr));
+    if (!file && FileExists(inf))
+        ThrowSystemError(GetLastError(), "cannot read", inf);
+}
 
 void CommentOutAppendMenu(const BuildContext& context, const std::string& inf) {
     const auto edited = CommentedOutAppendMenu(ReadWholeFile(inf));
@@ -32,7 +37,8 @@ void CommentOutAppendMenu(const BuildContext& context, const std::string& inf) {
         return;
     context.Status("Modifying INF - Append");
     context.Log(ModifyingLine(inf, "\"Append\""));
-    WriteWholeFile(inf, *edited);
+    if (!WriteWholeFile(inf, *edited))
+        ThrowLastError("cannot write", inf);
 }
 
 std::string GetAppendMenuFile(const std::string& inf) {
@@ -47,7 +53,7 @@ void PrefixPluginName(const BuildContext& context, const std::string& inf,
                       const std::string& prefix) {
     if (!context.catalogue.showCategories)
         return;
-    const clsINI ini(inf);
+    clsReportedIni ini(context, inf);
     const auto name = PrefixedName(ini.GetStringValue(kPluginSection, "Name"), prefix);
     if (!name)
         return;
@@ -57,7 +63,7 @@ void PrefixPluginName(const BuildContext& context, const std::string& inf,
 }
 
 void SetPluginEnable(const BuildContext& context, const std::string& inf) {
-    const clsINI ini(inf);
+    clsReportedIni ini(context, inf);
     const std::string osTypes = ini.GetStringValue(kOwnSection, "OSType");
     const std::string servicePacks = ini.GetStringValue(kOwnSection, "SP");
     if (TrimBlanks(osTypes).empty() || TrimBlanks(servicePacks).empty())
@@ -72,16 +78,15 @@ void SetPluginEnable(const BuildContext& context, const std::string& inf) {
 
 void CreateCategorySeparator(const BuildContext& context, const std::string& relativeInf,
                              const std::string& prefix, const std::string& title) {
-    const std::string inf = context.catalogue.pluginFolder + relativeInf;
-    context.Log("Creating INF Separator: " + inf);
-    const clsINI ini(inf);
+    clsReportedIni ini(context, context.PluginFolder() + relativeInf);
+    context.Log("Creating INF Separator: " + ini.Path());
     ini.SetValue("Version", "Signature", "$Windows NT$");
     ini.SetValue(kPluginSection, "Name", SeparatorName(prefix, title));
 }
 
 void RelocatePluginToCategory(BuildContext& context, const std::string& relativeInf,
                               const std::string& prefix) {
-    const std::string& pluginFolder = context.catalogue.pluginFolder;
+    const std::string pluginFolder = context.PluginFolder();
     const CategoryRecord* category = FindCategory(context.catalogue, prefix);
     const std::string relativeFolder = ParentOf(relativeInf);
     const std::string inf = pluginFolder + relativeInf;
@@ -99,6 +104,9 @@ void RelocatePluginToCategory(BuildContext& context, const std::string& relative
     const std::string source = pluginFolder + relativeFolder;
     const std::string target = categoryFolder + relativeFolder;
     context.Log("Moving Folder: " + source + " to " + target);
+    // A file of that name is no plug-in, and the system would move it as if it were one.
+    if (!FolderExists(source))
+        ThrowSystemError(ERROR_PATH_NOT_FOUND, "cannot move", source);
     MovePath(source, target);
 
     const std::string movedInf = categoryFolder + relativeInf;

@@ -8,7 +8,12 @@
 /// rest of the INF as it was. Relative INF paths begin with "\" and start at the plug-in folder.
 namespace vesk {
 
+/// The edits take an INF that cannot be read for an empty one: asks before them whether it can.
+/// A missing one is fine. @throws Failure
+void RequireReadable(const std::string& inf);
+
 /// Comments out the "[Append]" section's nu2menu entry: the menu is built by this program.
+/// @throws Failure when the file cannot be written
 void CommentOutAppendMenu(const BuildContext& context, const std::string& inf);
 
 /// Name of the plug-in's own menu file; empty when its INF names none.

@@ -1,5 +1,5 @@
+#include "build/clsReportedIni.h"
 #include "build/modBuildTree.h"
-#include "catalogue/clsINI.h"
 
 #include <array>
 #include <string>
@@ -8,9 +8,9 @@
 namespace vesk {
 
 void WriteSettingsFile(const BuildContext& context) {
-    const std::string& folder = context.inputs.installFolder;
-    const clsINI ini(folder + "\\input.inf");
-    context.Log("Creating File: " + ini.iniFileName);
+    const std::string& folder = context.InstallFolder();
+    clsReportedIni ini(context, folder + "\\input.inf");
+    context.Log("Creating File: " + ini.Path());
     // In this order: a fresh file lists its keys as they are written.
     const std::array<std::pair<const char*, std::string>, 22> settings = {{
         {"NoUpperCase", "0"},

@@ -1,5 +1,5 @@
-#include "base/ResumeNext.h"
 #include "base/modFile.h"
+#include "base/modText.h"
 #include "build/modBuildTree.h"
 #include "build/modFileOperations.h"
 #include "build/modPluginInf.h"
@@ -48,21 +48,53 @@ constexpr std::array<StockPlugin, 17> kRelocatedPlugins = {{
     {"500", "\\stinger\\stinger.inf"},
 }};
 
+/// What PE Builder's archive did not bring is nothing that was left undone: its lines are logged as
+/// ever, and there is nothing to report.
+void RemoveStockFile(const BuildContext& context, const std::string& path) {
+    if (FileExists(path))
+        context.ResumeNext({path, "not removed"}, [&] { DeleteFileLogged(context, path); });
+    else
+        ResumeNext([](const Problem&) {}, {}, [&] { DeleteFileLogged(context, path); });
+}
+
+void RelocateStockPlugin(BuildContext& context, const StockPlugin& plugin) {
+    const std::string inf = context.PluginFolder() + plugin.inf;
+    const std::string folder = ParentOf(inf);
+    const auto relocate = [&plugin](BuildContext& in) {
+        RelocatePluginToCategory(in, plugin.inf, plugin.prefix);
+    };
+    if (!FolderExists(folder) && !FileExists(folder)) {
+        BuildContext absent = context;
+        absent.report = [](const Problem&) {};
+        absent.ResumeNext({}, [&] { relocate(absent); });
+        return;
+    }
+    context.ResumeNext({inf, "not edited"}, [&] { RequireReadable(inf); });
+    context.ResumeNext({folder, "not moved into its category"}, [&] { relocate(context); });
+}
+
 } // namespace
 
 void PruneStockPlugins(BuildContext& context) {
-    const std::string& installFolder = context.inputs.installFolder;
-    const std::string& pluginFolder = context.catalogue.pluginFolder;
+    const clsInstallFolder& folder = context.inputs.installFolder;
+    const std::string isoWriter = context.InstallFolder() + "\\mkisofs.exe";
     context.Log("Renaming File: mkisofs.exe to mymkisofs.exe");
-    ResumeNext(
-        [&] { MovePath(installFolder + "\\mkisofs.exe", installFolder + "\\mymkisofs.exe"); });
-    for (const char* folder : kRemovedFolders)
-        ResumeNext([&] { DeleteFolderLogged(context, pluginFolder + folder); });
-    for (const char* file : kRemovedFiles)
-        ResumeNext([&] { DeleteFileLogged(context, pluginFolder + file); });
+    // What PE Builder's archive did not bring is nothing that was left undone.
+    if (FileExists(isoWriter))
+        context.ResumeNext({isoWriter, "not renamed"}, [&] {
+            MovePath(isoWriter, context.InstallFolder() + "\\mymkisofs.exe");
+        });
+    for (const char* stock : kRemovedFolders) {
+        const std::string relative = std::string("\\Plugin") + stock;
+        context.ResumeNext({context.PluginFolder() + stock, "not removed"}, [&] {
+            DeleteFolderLogged(context, clsRemovableTree::Below(folder, relative));
+        });
+    }
+    for (const char* stock : kRemovedFiles)
+        RemoveStockFile(context, context.PluginFolder() + stock);
     context.menuRecords.clear();
     for (const StockPlugin& plugin : kRelocatedPlugins)
-        ResumeNext([&] { RelocatePluginToCategory(context, plugin.inf, plugin.prefix); });
+        RelocateStockPlugin(context, plugin);
     context.Log("");
 }
 

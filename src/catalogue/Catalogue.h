@@ -1,6 +1,8 @@
 #pragma once
 
+#include <algorithm>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace vesk {
@@ -38,5 +40,11 @@ struct Catalogue {
     std::string installRoot;  ///< Derived; no trailing backslash.
     std::string pluginFolder; ///< Derived, or set by the front end along with the folder chosen.
 };
+
+/// The first category with this key; null when there is none.
+inline const CategoryRecord* FindCategory(const Catalogue& catalogue, std::string_view key) {
+    const auto found = std::ranges::find(catalogue.categories, key, &CategoryRecord::key);
+    return found == catalogue.categories.end() ? nullptr : &*found;
+}
 
 } // namespace vesk

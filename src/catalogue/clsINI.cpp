@@ -13,9 +13,19 @@ constexpr DWORD kValueSize = 255;
 constexpr DWORD kSectionListSize = 255;
 constexpr DWORD kKeyListSize = 131072;
 
+/// The profile functions take a longer path for another file's.
+bool Holds(const std::string& iniFile) {
+    if (iniFile.size() < MAX_PATH)
+        return true;
+    SetLastError(ERROR_FILENAME_EXCED_RANGE);
+    return false;
+}
+
 std::string ReadProfile(const char* section, const char* key, DWORD size,
                         const std::string& iniFile) {
     std::string buffer(size, ' ');
+    if (!Holds(iniFile))
+        return key != nullptr && section != nullptr ? "" : std::string(2, '\0');
     const DWORD length =
         GetPrivateProfileStringA(section, key, "", buffer.data(), size, iniFile.c_str());
     if (key != nullptr && section != nullptr)
@@ -30,6 +40,8 @@ std::string clsINI::GetStringValue(const std::string& section, const std::string
 }
 
 int clsINI::GetIntValue(const std::string& section, const std::string& key) const {
+    if (!Holds(iniFileName))
+        return 0;
     return static_cast<int>(
         GetPrivateProfileIntA(section.c_str(), key.c_str(), 0, iniFileName.c_str()));
 }
@@ -42,10 +54,11 @@ std::vector<std::string> clsINI::GetAllKeys(const std::string& section) const {
     return SplitNameList(ReadProfile(section.c_str(), nullptr, kKeyListSize, iniFileName));
 }
 
-void clsINI::SetValue(const std::string& section, const std::string& key,
+bool clsINI::SetValue(const std::string& section, const std::string& key,
                       const std::optional<std::string>& value) const {
-    WritePrivateProfileStringA(section.c_str(), key.c_str(), value ? value->c_str() : nullptr,
-                               iniFileName.c_str());
+    return Holds(iniFileName) && WritePrivateProfileStringA(section.c_str(), key.c_str(),
+                                                            value ? value->c_str() : nullptr,
+                                                            iniFileName.c_str()) != FALSE;
 }
 
 } // namespace vesk

@@ -7,7 +7,8 @@
 namespace vesk {
 
 /// One INI file through the platform's profile functions. Keeps no handle: every call opens and
-/// closes the file. No operation reports an error; failures give empty results or unwritten values.
+/// closes the file. Nothing is thrown; failures give empty results or unwritten values. A path of
+/// MAX_PATH characters or more is never handed to the platform, which would take it for another.
 class clsINI {
 public:
     clsINI() = default;
@@ -31,7 +32,8 @@ public:
 
     /// Replaces a value in place, or adds the key at the end of its section and the section at the
     /// end of the file. Without a value the key is deleted; an empty value stays with its key.
-    void SetValue(const std::string& section, const std::string& key,
+    /// @return false when it was not written; the thread's last error then tells why
+    bool SetValue(const std::string& section, const std::string& key,
                   const std::optional<std::string>& value) const;
 };
 

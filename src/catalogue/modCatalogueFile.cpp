@@ -118,20 +118,21 @@ void LoadCatalogue(const std::string& programPath, Catalogue& catalogue) {
     }
 }
 
-std::string LoadCatalogueReporting(const std::string& programPath, Catalogue& catalogue) {
+CatalogueLoad LoadCatalogueReporting(const std::string& programPath, Catalogue& catalogue) {
     const std::string path = programPath + kCatalogueFileName;
     constexpr std::size_t kSections = 4;
     try {
         if (!FileExists(path))
-            return path + ": there is no such file";
+            return {CatalogueState::Absent, path + ": there is no such file"};
         LoadCatalogue(programPath, catalogue);
         const std::size_t sections = clsINI(path).GetAllSections().size() - 1;
         if (sections < kSections)
-            return path + ": it has " + std::to_string(sections) +
-                   " sections where installation, base components, plug-ins and categories are "
-                   "expected";
+            return {CatalogueState::Partial,
+                    path + ": it has " + std::to_string(sections) +
+                        " sections where installation, base components, plug-ins and categories "
+                        "are expected"};
     } catch (const Failure& failure) {
-        return path + ": " + failure.what();
+        return {CatalogueState::Partial, path + ": " + failure.what()};
     }
     return {};
 }

@@ -18,9 +18,16 @@ inline constexpr const char* kCatalogueFileName = "veskbuilder.ini";
 ///         was read before it stays in the catalogue. The text names section and entry.
 void LoadCatalogue(const std::string& programPath, Catalogue& catalogue);
 
-/// Loads the catalogue for a front end, which goes on with what was read.
-/// @return a sentence that names the file and what is wrong with it; empty when all of it was read
-std::string LoadCatalogueReporting(const std::string& programPath, Catalogue& catalogue);
+/// How much of the catalogue was read.
+enum class CatalogueState { Whole, Partial, Absent };
+
+struct CatalogueLoad {
+    CatalogueState state = CatalogueState::Whole;
+    std::string sentence; ///< What is wrong with the file, which it names; empty for a whole one.
+};
+
+/// Loads the catalogue for a front end, which shows with what was read. Throws nothing.
+CatalogueLoad LoadCatalogueReporting(const std::string& programPath, Catalogue& catalogue);
 
 /// Derives install root and plug-in folder from install folder and path flag.
 void DeriveInstallPaths(Catalogue& catalogue, const std::string& programFilesFolder);

@@ -21,11 +21,10 @@ void RunMessages() {
 
 } // namespace
 
-DownloadResult ConsoleDownload::Run(const std::string& urls, const std::string& destination,
-                                    const std::string& crc, const ProxySettings& proxy) {
-    fileName_ = FileNameOf(destination);
+DownloadOutcome ConsoleDownload::Run(const DownloadRequest& request, const ProxySettings& proxy) {
+    fileName_ = FileNameOf(request.destination);
     drawnAt_ = 0;
-    clsDownloadSession session(*this, urls, destination, crc, proxy);
+    clsDownloadSession session(*this, request, proxy);
     session.Start();
     while (!session.Finished()) {
         if (WasInterrupted())
@@ -33,7 +32,7 @@ DownloadResult ConsoleDownload::Run(const std::string& urls, const std::string& 
         else
             RunMessages();
     }
-    return session.Result();
+    return session.Outcome();
 }
 
 void ConsoleDownload::OnProgress(const DownloadProgress& progress) {

@@ -13,8 +13,7 @@ public:
     explicit ConsoleDownload(Terminal& terminal) : terminal_(terminal) {}
 
     /// Returns when the download is over. Arguments as for clsDownloadSession.
-    DownloadResult Run(const std::string& urls, const std::string& destination,
-                       const std::string& crc, const ProxySettings& proxy);
+    DownloadOutcome Run(const DownloadRequest& request, const ProxySettings& proxy);
 
 private:
     void OnProgress(const DownloadProgress& progress) override;

@@ -1,6 +1,6 @@
 #include "console/ConsoleFrontEnd.h"
 
-#include "base/Failure.h"
+#include "base/ResumeNext.h"
 #include "console/ConsoleDownload.h"
 #include "console/Interrupt.h"
 #include "net/modHttpText.h"
@@ -16,6 +16,11 @@ void ConsoleFrontEnd::AddLogLine(const std::string& text, LogMode mode) {
         terminal_.PrintLine(line);
 }
 
+void ConsoleFrontEnd::ReportProblem(const Problem& problem) {
+    problems_.push_back(problem);
+    terminal_.Complain(problem.Line());
+}
+
 void ConsoleFrontEnd::SetStatus(const std::string& caption) {
     status_ = caption;
     DrawStatus();
@@ -25,24 +30,31 @@ bool ConsoleFrontEnd::AskYesNo(const std::string& question, const std::string&) 
     return options_.answer ? *options_.answer : terminal_.Ask(question);
 }
 
-DownloadResult ConsoleFrontEnd::DownloadFile(const std::string& urls,
-                                             const std::string& destination,
-                                             const std::string& crc) {
+std::optional<std::string> ConsoleFrontEnd::AskPassword(const std::string& archiveName,
+                                                        bool wrongBefore) {
+    if (options_.password)
+        return wrongBefore ? std::nullopt : options_.password;
+    return terminal_.AskSecret((wrongBefore ? "Wrong. Password of " : "Password of ") +
+                               archiveName + ":");
+}
+
+DownloadOutcome ConsoleFrontEnd::DownloadFile(const DownloadRequest& request) {
     ProxySettings proxy;
     if (options_.proxy)
         proxy = {kAccessProxy, options_.proxy->host, options_.proxy->port};
-    const DownloadResult result = ConsoleDownload(terminal_).Run(urls, destination, crc, proxy);
+    DownloadOutcome outcome = ConsoleDownload(terminal_).Run(request, proxy);
     DrawStatus();
-    return result;
+    return outcome;
 }
 
 void ConsoleFrontEnd::LetEventsRun() {
     DrawStatus();
 }
 
-void ConsoleFrontEnd::SetProgress(std::size_t done, std::size_t total) {
-    progress_ = '[' + std::to_string(done);
-    progress_.append("/").append(std::to_string(total)).append("] ");
+void ConsoleFrontEnd::SetProgress(const BuildProgress& progress) {
+    progress_ = '[' + std::to_string(progress.componentsDone);
+    progress_.append("/").append(std::to_string(progress.componentCount)).append("] ");
+    progress_ += std::to_string(static_cast<int>(progress.fraction * 100)) + "% ";
     DrawStatus();
 }
 
@@ -50,13 +62,17 @@ bool ConsoleFrontEnd::StopRequested() {
     return WasInterrupted();
 }
 
-void ConsoleFrontEnd::EnterFinishedState(BuildEnding) {
+void ConsoleFrontEnd::EnterFinishedState(const BuildOutcome&) {
     terminal_.Draw("");
-    try {
-        SaveBuildLog(programPath_, log_.SavedText());
-    } catch (const Failure& failure) {
-        terminal_.Complain(std::string("the log could not be saved: ") + failure.what());
-    }
+    SaveRecord();
+}
+
+void ConsoleFrontEnd::SaveRecord() {
+    const ProblemReport report = [this](const Problem& problem) { ReportProblem(problem); };
+    ResumeNext(report, {programPath_ + kLogFileName, "not saved"},
+               [this] { SaveBuildLog(programPath_, log_.SavedText()); });
+    ResumeNext(report, {programPath_ + kProblemsFileName, "not saved"},
+               [this] { SaveProblems(programPath_, problems_); });
 }
 
 void ConsoleFrontEnd::DrawStatus() {

@@ -6,6 +6,7 @@
 #include "console/Terminal.h"
 
 #include <string>
+#include <vector>
 
 namespace vesk {
 
@@ -17,24 +18,29 @@ public:
                     Terminal& terminal);
 
     void AddLogLine(const std::string& text, LogMode mode) override;
+    void ReportProblem(const Problem& problem) override;
     void SetStatus(const std::string& caption) override;
     bool AskYesNo(const std::string& question, const std::string& title) override;
-    DownloadResult DownloadFile(const std::string& urls, const std::string& destination,
-                                const std::string& crc) override;
+    std::optional<std::string> AskPassword(const std::string& archiveName,
+                                           bool wrongBefore) override;
+    DownloadOutcome DownloadFile(const DownloadRequest& request) override;
     void LetEventsRun() override;
-    void SetProgress(std::size_t done, std::size_t total) override;
+    void SetProgress(const BuildProgress& progress) override;
     bool StopRequested() override;
-    void EnterFinishedState(BuildEnding ending) override;
+    void EnterFinishedState(const BuildOutcome& outcome) override;
 
-    [[nodiscard]] bool HasWarnings() const { return log_.HasWarnings(); }
+    /// True when something was not done, the saving of log and problems included.
+    [[nodiscard]] bool HasProblems() const { return log_.HasWarnings() || !problems_.empty(); }
 
 private:
     void DrawStatus();
+    void SaveRecord();
 
     const ConsoleOptions& options_;
     const std::string& programPath_;
     Terminal& terminal_;
     BuildLog log_;
+    std::vector<Problem> problems_;
     std::string status_;
     std::string progress_;
 };

@@ -23,6 +23,16 @@ ProxyAddress ParseProxy(const std::string& text) {
     throw UsageError("--proxy takes HOST:PORT with a port from 1 to 65535, not \"" + text + "\"");
 }
 
+int ParseTimeout(const std::string& text) {
+    int seconds = 0;
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, seconds);
+    constexpr int kMost = 86400;
+    if (error == std::errc() && stop == end && seconds >= 0 && seconds <= kMost)
+        return seconds;
+    throw UsageError("--timeout takes seconds from 0 (never) to 86400, not \"" + text + "\"");
+}
+
 void Answer(ConsoleOptions& options, bool yes) {
     if (options.answer && *options.answer != yes)
         throw UsageError("--yes and --no exclude each other");
@@ -37,6 +47,9 @@ const std::map<std::string, Setter>& OptionsWithValue() {
         {"--source", [](auto& options, const auto& value) { options.source = value; }},
         {"--enable", [](auto& options, const auto& value) { options.enable.push_back(value); }},
         {"--disable", [](auto& options, const auto& value) { options.disable.push_back(value); }},
+        {"--password", [](auto& options, const auto& value) { options.password = value; }},
+        {"--timeout",
+         [](auto& options, const auto& value) { options.timeout = ParseTimeout(value); }},
         {"--proxy", [](auto& options, const auto& value) { options.proxy = ParseProxy(value); }},
     };
     return kOptions;
@@ -47,6 +60,8 @@ const std::map<std::string, std::function<void(ConsoleOptions&)>>& Switches() {
     static const std::map<std::string, std::function<void(ConsoleOptions&)>> kSwitches = {
         {"--yes", [](auto& options) { Answer(options, true); }},
         {"--no", [](auto& options) { Answer(options, false); }},
+        {"--replace-foreign", [](auto& options) { options.replaceForeign = true; }},
+        {"--partial", [](auto& options) { options.partial = true; }},
         {"--quiet", [](auto& options) { options.quiet = true; }},
         {"--list", [](auto& options) { options.action = Action::List; }},
         {"--check", [](auto& options) { options.action = Action::Check; }},
@@ -71,6 +86,9 @@ ConsoleOptions ParseOptions(const std::vector<std::string>& arguments) {
             throw UsageError("unknown argument \"" + argument + "\"");
         if (i + 1 == arguments.size() || arguments[i + 1].empty())
             throw UsageError(argument + " needs a value");
+        // An option in the place of a value is a value forgotten: no folder or name is called so.
+        if (arguments[i + 1].starts_with("--") && argument != "--password")
+            throw UsageError(argument + " needs a value, not \"" + arguments[i + 1] + "\"");
         valued->second(options, arguments[++i]);
     }
     return options;
@@ -80,9 +98,9 @@ std::string HelpText() {
     return R"(veskbuild builds what the catalogue in its own folder says and prints the build log.
 
 veskbuild [--install FOLDER] [--source FOLDER] [--enable NAME]... [--disable NAME]...
-          [--yes | --no] [--proxy HOST:PORT] [--quiet]
-veskbuild --list
-veskbuild --check
+          [--yes | --no] [--replace-foreign] [--partial] [--password TEXT]
+          [--proxy HOST:PORT] [--timeout SECONDS] [--quiet]
+veskbuild --list | --check
 veskbuild --help | --version
 
   --install FOLDER   build into this folder, which is emptied first, in place of the catalogue's
@@ -90,13 +108,24 @@ veskbuild --help | --version
   --enable NAME      tick a component or plug-in, by its name in the catalogue
   --disable NAME     untick one
   --yes, --no        the answer to every question; without a console to ask, the answer is No
+  --replace-foreign  empty the folder even when it holds files that no build made
+  --partial          build although the catalogue could not be read in full
+  --password TEXT    the password of encrypted archives
   --proxy HOST:PORT  download through this HTTP proxy
-  --quiet            print nothing on the error output but errors
+  --timeout SECONDS  give a download up after so long without a byte; 0: never (120)
+  --quiet            print nothing on the error output but errors and problems
   --list             print the catalogue as a table
   --check            print what in the catalogue would go wrong in a build, a line each
 
-Exit codes: 0 done, 1 done with warnings (--check: something is wrong), 2 install failed,
-3 aborted, 4 refused at start-up, 64 wrong usage.
+Exit codes:
+   0  done, and everything is in the tree (--check: nothing would go wrong)
+   1  done, with warnings or problems, a line each on the error output
+   2  install failed: PE Builder's archive arrived damaged
+   3  aborted: the answer No, or Ctrl+C
+   4  refused at start-up: no Windows NT, or no administrator
+   5  PE Builder's archive is not in the tree
+  64  wrong usage, or a folder or catalogue that cannot be built with
+  70  the program itself failed
 )";
 }
 

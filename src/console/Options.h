@@ -27,8 +27,12 @@ struct ConsoleOptions {
     std::optional<std::string> source;
     std::vector<std::string> enable;
     std::vector<std::string> disable;
-    std::optional<bool> answer; ///< To every question; nothing: ask on the console.
+    std::optional<bool> answer;  ///< To every question; nothing: ask on the console.
+    bool replaceForeign = false; ///< Empty a folder that holds what no build made, too.
+    bool partial = false;        ///< Build from a catalogue of which only a part could be read.
+    std::optional<std::string> password; ///< Of encrypted archives.
     std::optional<ProxyAddress> proxy;
+    int timeout = 120; ///< Seconds without a byte after which a download is given up; 0: never.
     bool quiet = false;
 };
 

@@ -20,7 +20,7 @@ bool IsConsole(DWORD standardHandle) {
 /// on.
 void Put(DWORD standardHandle, std::FILE* stream, const std::string& text) {
     if (!IsConsole(standardHandle)) {
-        std::fputs(text.c_str(), stream);
+        std::fwrite(text.data(), 1, text.size(), stream); // NUL bytes are printed like any other
         std::fflush(stream);
         return;
     }
@@ -88,6 +88,27 @@ bool Terminal::Ask(const std::string& question) {
     std::string answer;
     std::getline(std::cin, answer);
     return !answer.empty() && (answer[0] == 'y' || answer[0] == 'Y');
+}
+
+std::optional<std::string> Terminal::AskSecret(const std::string& question) {
+    const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
+    DWORD mode = 0;
+    if (GetConsoleMode(input, &mode) == FALSE)
+        return std::nullopt;
+    Erase();
+    PutError(question + " ");
+    SetConsoleMode(input, mode & ~DWORD{ENABLE_ECHO_INPUT});
+    std::string answer;
+    std::getline(std::cin, answer);
+    SetConsoleMode(input, mode);
+    PutError("\n");
+    while (answer.ends_with('\r'))
+        answer.pop_back();
+    return answer.empty() ? std::nullopt : std::optional(answer);
+}
+
+bool Terminal::OutputIsWhole() {
+    return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
 }
 
 } // namespace vesk

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace vesk {
@@ -26,6 +27,13 @@ public:
     /// Asks on the error output and reads a line from the standard input.
     /// @return true for an answer that begins with "y"; false also when there is nobody to ask
     bool Ask(const std::string& question);
+
+    /// The same for a text that must not be seen: nothing typed is shown.
+    /// @return nothing when there is nobody to ask, or nothing was typed
+    std::optional<std::string> AskSecret(const std::string& question);
+
+    /// False once something could not be written to the standard output.
+    [[nodiscard]] static bool OutputIsWhole();
 
 private:
     void Erase();

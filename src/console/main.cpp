@@ -30,7 +30,9 @@ enum ExitCode : int {
     kInstallFailed = 2,
     kAborted = 3,
     kRefused = 4,
+    kNoPeBuilder = 5,
     kUsage = 64,
+    kProgramFailed = 70,
 };
 
 void Tick(std::vector<CatalogueEntry>& entries, const std::string& name, bool enabled,
@@ -66,44 +68,66 @@ ArchiveState StateOf(const std::string& programPath, const CatalogueEntry& entry
                                                         : ArchiveState::CrcDiffers;
 }
 
+/// The Windows source as the options name it, and what it tells.
+std::string TakeSource(const ConsoleOptions& options, SourceState& source, Terminal& terminal) {
+    if (!options.source)
+        return {};
+    const SourceCheck check = CheckSourceFolder(AbsolutePath(*options.source), source);
+    if (!check.usable)
+        terminal.Complain("no Windows installation source: " + check.path);
+    return check.path;
+}
+
+/// A folder that holds what no build made is emptied only when the user says so in so many words.
+void RequireConsent(const clsInstallFolder& folder, const ConsoleOptions& options) {
+    const FolderContent content = folder.Content();
+    if (content.kind != FolderContent::Kind::Foreign || options.answer == false)
+        return;
+    const std::string sentence = folder.Path() + " would be emptied, and " + content.ForeignWords();
+    if (folder.KeepsForeign())
+        throw UsageError(sentence + ", which nothing replaces among installed programs");
+    if (!options.replaceForeign)
+        throw UsageError(sentence + ": --replace-foreign empties it all the same");
+}
+
 /// Folders as the user's choices make them: the catalogue's own, or what the options name.
 BuildInputs MakeInputs(const ConsoleOptions& options, const std::string& programPath,
-                       Catalogue& catalogue, Terminal& terminal) {
-    BuildInputs inputs;
-    inputs.programPath = programPath;
-    if (options.install) {
-        inputs.installFolder = WithoutTrailingBackslash(AbsolutePath(*options.install));
-        catalogue.pluginFolder = inputs.installFolder + "\\Plugin";
-    } else if (!catalogue.installRoot.empty()) {
-        inputs.installFolder = catalogue.installRoot + "\\" + catalogue.installFolder;
-    }
-    if (options.source) {
-        const SourceCheck check = CheckSourceFolder(AbsolutePath(*options.source), inputs.source);
-        inputs.sourceFolder = check.path;
-        if (!check.usable)
-            terminal.Complain("no Windows installation source: " + check.path);
-    }
-    return inputs;
+                       const Catalogue& catalogue, Terminal& terminal) {
+    SourceState source;
+    const std::string sourceFolder = TakeSource(options, source, terminal);
+    const std::string folder =
+        options.install.value_or(catalogue.installRoot + "\\" + catalogue.installFolder);
+    return {clsInstallFolder(folder, clsFolderGuard::OfSystem(programPath, sourceFolder)),
+            sourceFolder, programPath, source, options.replaceForeign};
+}
+
+int ExitCodeOf(const BuildOutcome& outcome, bool hasProblems) {
+    if (outcome.ending == BuildEnding::InstallFailed)
+        return kInstallFailed;
+    if (outcome.ending == BuildEnding::Aborted)
+        return kAborted;
+    if (!outcome.hasPeBuilder)
+        return kNoPeBuilder;
+    return hasProblems ? kDoneWithWarnings : kDone;
 }
 
 int RunBuild(const ConsoleOptions& options, const std::string& programPath, Catalogue& catalogue,
-             bool catalogueIsWhole, Terminal& terminal) {
+             const CatalogueLoad& load, Terminal& terminal) {
+    if (const std::string refusal = CatalogueRefusal(catalogue); !refusal.empty())
+        throw UsageError(load.sentence.empty() ? refusal : load.sentence);
+    if (load.state != CatalogueState::Whole && !options.partial)
+        throw UsageError(load.sentence + ": --partial builds with what could be read");
+    if (!load.sentence.empty())
+        terminal.Complain(load.sentence);
     TickAll(catalogue, options.enable, true, terminal);
     TickAll(catalogue, options.disable, false, terminal);
     const BuildInputs inputs = MakeInputs(options, programPath, catalogue, terminal);
-    if (const std::string problem = InstallFolderProblem(inputs); !problem.empty())
-        throw UsageError(problem);
+    RequireConsent(inputs.installFolder, options);
     WatchForInterrupt();
     ConsoleFrontEnd frontEnd(options, programPath, terminal);
-    switch (clsBuildRun(inputs, catalogue, frontEnd).Run()) {
-    case BuildEnding::InstallFailed:
-        return kInstallFailed;
-    case BuildEnding::Aborted:
-        return kAborted;
-    case BuildEnding::Done:
-        break;
-    }
-    return frontEnd.HasWarnings() || !catalogueIsWhole ? kDoneWithWarnings : kDone;
+    const BuildOutcome outcome = clsBuildRun(inputs, catalogue, frontEnd).Run();
+    const bool isWhole = load.state == CatalogueState::Whole && Terminal::OutputIsWhole();
+    return ExitCodeOf(outcome, frontEnd.HasProblems() || !isWhole);
 }
 
 /// Prints what would go wrong in a build, a line each.
@@ -137,19 +161,19 @@ int RunAction(const ConsoleOptions& options, Terminal& terminal) {
     }
     const std::string programPath = FindProgramPaths().programPath;
     Catalogue catalogue;
-    const std::string problem = LoadCatalogueReporting(programPath, catalogue);
+    const CatalogueLoad load = LoadCatalogueReporting(programPath, catalogue);
     if (options.action == ConsoleOptions::Action::Check)
-        return PrintProblems(programPath, catalogue, problem, terminal);
-    if (!problem.empty())
-        terminal.Complain(problem);
+        return PrintProblems(programPath, catalogue, load.sentence, terminal);
     if (options.action == ConsoleOptions::Action::Build)
-        return RunBuild(options, programPath, catalogue, problem.empty(), terminal);
+        return RunBuild(options, programPath, catalogue, load, terminal);
+    if (!load.sentence.empty())
+        terminal.Complain(load.sentence);
     std::fputs(
         CatalogueTable(catalogue,
                        [&](const CatalogueEntry& entry) { return StateOf(programPath, entry); })
             .c_str(),
         stdout);
-    return problem.empty() ? kDone : kDoneWithWarnings;
+    return load.state == CatalogueState::Whole ? kDone : kDoneWithWarnings;
 }
 
 int Main(const std::vector<std::string>& arguments) {
@@ -161,9 +185,12 @@ int Main(const std::vector<std::string>& arguments) {
     } catch (const UsageError& error) {
         Terminal(true).Complain(std::string(error.what()) + " (veskbuild --help tells more)");
         return kUsage;
-    } catch (const std::exception& error) {
+    } catch (const FolderRefused& error) {
         Terminal(true).Complain(error.what());
-        return kInstallFailed;
+        return kUsage;
+    } catch (const std::exception& error) {
+        Terminal(true).Complain(std::string("the program itself failed: ") + error.what());
+        return kProgramFailed;
     }
 }
 

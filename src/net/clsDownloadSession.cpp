@@ -1,6 +1,7 @@
 #include "net/clsDownloadSession.h"
 
 #include "archive/clsCRC.h"
+#include "base/Problem.h"
 #include "base/Trace.h"
 
 #include <windows.h>
@@ -9,14 +10,9 @@
 
 namespace vesk {
 
-clsDownloadSession::clsDownloadSession(DownloadSessionEvents& owner, const std::string& urls,
-                                       std::string destination, std::string crc,
+clsDownloadSession::clsDownloadSession(DownloadSessionEvents& owner, DownloadRequest request,
                                        const ProxySettings& proxy)
-    : owner_(owner),
-      decisions_(urls),
-      destination_(std::move(destination)),
-      crc_(std::move(crc)),
-      objDownload_(*this) {
+    : owner_(owner), request_(std::move(request)), decisions_(request_.urls), objDownload_(*this) {
     objDownload_.SetAccessType(proxy.accessType);
     objDownload_.SetProxy(proxy.proxy);
     objDownload_.SetProxyPort(proxy.proxyPort);
@@ -24,7 +20,7 @@ clsDownloadSession::clsDownloadSession(DownloadSessionEvents& owner, const std::
 
 void clsDownloadSession::Start() {
     rate_.Add(0, GetTickCount());
-    objDownload_.Download(decisions_.Url(), destination_);
+    objDownload_.Download(decisions_.Url(), request_.destination);
 }
 
 void clsDownloadSession::Cancel() {
@@ -33,12 +29,16 @@ void clsDownloadSession::Cancel() {
     finished_ = true;
 }
 
-DownloadResult clsDownloadSession::Result(const std::function<void()>& meanwhile) const {
-    return decisions_.Result(crc_, [&] {
+DownloadOutcome clsDownloadSession::Outcome(const std::function<void()>& meanwhile) const {
+    DownloadOutcome outcome;
+    outcome.result = decisions_.Result(request_.crc, [&] {
         clsCRC checksum;
         checksum.SetAlgorithm(true);
-        return checksum.CalculateFile(destination_, meanwhile);
+        return checksum.CalculateFile(request_.destination, meanwhile);
     });
+    if (outcome.result != DownloadResult::Done)
+        outcome.reason = error_.empty() ? "the download failed" : error_;
+    return outcome;
 }
 
 void clsDownloadSession::OnStarting(std::int32_t fileSize, const std::string& header) {
@@ -57,9 +57,10 @@ void clsDownloadSession::OnDataArrival(std::int32_t bytesTotal) {
 }
 
 void clsDownloadSession::OnError(std::int32_t number, const std::string& description) {
+    error_ = AsReason(description);
     Trace("download failed with " + std::to_string(number) + ": " + description);
     if (decisions_.OnError(number))
-        objDownload_.Download(decisions_.Url(), destination_);
+        objDownload_.Download(decisions_.Url(), request_.destination);
     else
         Finish();
 }

@@ -2,6 +2,7 @@
 
 #include "net/DownloadDecisions.h"
 #include "net/DownloadProgress.h"
+#include "net/DownloadRequest.h"
 #include "net/TransferRate.h"
 #include "net/clsDownload.h"
 
@@ -25,7 +26,7 @@ public:
 
     virtual void OnProgress(const DownloadProgress& progress) = 0;
 
-    /// The download is over (not after Cancel): stop waiting and ask for the Result.
+    /// The download is over (not after Cancel): stop waiting and ask for the Outcome.
     virtual void OnFinished() = 0;
 };
 
@@ -35,11 +36,8 @@ public:
 class clsDownloadSession : private DownloadEvents {
 public:
     /// @param owner must outlive the session
-    /// @param urls one address, or several parted by ","
-    /// @param destination full path of the file
-    /// @param crc expected CRC-32 text, to match exactly, or empty for any file
-    clsDownloadSession(DownloadSessionEvents& owner, const std::string& urls,
-                       std::string destination, std::string crc, const ProxySettings& proxy = {});
+    clsDownloadSession(DownloadSessionEvents& owner, DownloadRequest request,
+                       const ProxySettings& proxy = {});
 
     /// Starts with the first address. OnFinished may come before it returns.
     void Start();
@@ -53,7 +51,7 @@ public:
     /// What became of it; reads the whole file where its checksum decides, so let pending events
     /// run first. Cancelled whatever else happened, once Cancel was called.
     /// @param meanwhile called every few megabytes of the file
-    [[nodiscard]] DownloadResult Result(const std::function<void()>& meanwhile = {}) const;
+    [[nodiscard]] DownloadOutcome Outcome(const std::function<void()>& meanwhile = {}) const;
 
 private:
     void OnStarting(std::int32_t fileSize, const std::string& header) override;
@@ -64,9 +62,9 @@ private:
     void Finish();
 
     DownloadSessionEvents& owner_;
+    DownloadRequest request_;
     DownloadDecisions decisions_;
-    std::string destination_;
-    std::string crc_;
+    std::string error_; ///< What the last error said.
     double received_ = 0;
     TransferRate rate_;
     bool finished_ = false;

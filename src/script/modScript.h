@@ -9,6 +9,9 @@ namespace vesk {
 /// What a plug-in script sees of the run that it is part of.
 struct ScriptContext {
     std::function<void(const std::string& line)> addLogLine;
+
+    /// Told of what did not end the script but was not done, and why.
+    std::function<void(const std::string& what, const std::string& reason)> report;
     std::string installFolder; ///< Stands for %ProgramPath%.
     std::string sourceFolder;  ///< Stands for %SourcePath%.
 };

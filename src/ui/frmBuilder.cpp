@@ -67,9 +67,9 @@ void frmBuilder::Form_Load() {
 
 /// The wizard opens with what was read.
 void frmBuilder::LoadCatalogueOrExplain() {
-    const std::string problem = LoadCatalogueReporting(paths_.programPath, catalogue_);
-    if (!problem.empty())
-        ShowMessage(Window(), problem, kProductName, MB_OK | MB_ICONERROR);
+    const CatalogueLoad load = LoadCatalogueReporting(paths_.programPath, catalogue_);
+    if (!load.sentence.empty())
+        ShowMessage(Window(), load.sentence, kProductName, MB_OK | MB_ICONERROR);
 }
 
 void frmBuilder::CreatePages() {

@@ -13,7 +13,9 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace vesk {
 
@@ -72,19 +74,23 @@ private:
     void EnableButtons(bool enabled);
 
     void AddLogLine(const std::string& text, LogMode mode) override;
+    void ReportProblem(const Problem& problem) override;
     void SetStatus(const std::string& caption) override;
     bool AskYesNo(const std::string& question, const std::string& title) override;
-    DownloadResult DownloadFile(const std::string& urls, const std::string& destination,
-                                const std::string& crc) override;
+    std::optional<std::string> AskPassword(const std::string& archiveName,
+                                           bool wrongBefore) override;
+    DownloadOutcome DownloadFile(const DownloadRequest& request) override;
     void LetEventsRun() override;
-    void SetProgress(std::size_t done, std::size_t total) override;
+    void SetProgress(const BuildProgress& progress) override;
     bool StopRequested() override { return false; } // the window refuses to close meanwhile
-    void EnterFinishedState(BuildEnding ending) override;
+    void EnterFinishedState(const BuildOutcome& outcome) override;
 
     ProgramPaths paths_;
     Catalogue catalogue_;
     SourceState source_;
     BuildLog log_;
+    std::vector<Problem> problems_;
+    std::unique_ptr<BuildInputs> inputs_; ///< Of the build that is about to start or runs.
     Page page_ = Page::Welcome;
     ClosingState closing_;
     DWORD lastEvents_ = 0; ///< Tick count of when events last ran.

@@ -17,13 +17,19 @@ constexpr DWORD kEventsInterval = 25; // milliseconds: a window that answers lat
 } // namespace
 
 BuildInputs frmBuilder::CollectInputs() const {
-    return {basePage_->InstallFolder(), basePage_->SourceFolder(), paths_.programPath, source_};
+    const std::string source = basePage_->SourceFolder();
+    return {clsInstallFolder(basePage_->InstallFolder(),
+                             clsFolderGuard::OfSystem(paths_.programPath, source)),
+            source, paths_.programPath, source_, true};
 }
 
 void frmBuilder::StartBuild() {
-    const std::string problem = InstallFolderProblem(CollectInputs());
-    if (!problem.empty()) {
-        ShowMessage(Window(), problem, kProductName, MB_OK | MB_ICONWARNING);
+    try {
+        inputs_ = std::make_unique<BuildInputs>(CollectInputs());
+        if (const std::string refusal = CatalogueRefusal(catalogue_); !refusal.empty())
+            throw FolderRefused(refusal);
+    } catch (const FolderRefused& refusal) {
+        ShowMessage(Window(), refusal.what(), kProductName, MB_OK | MB_ICONWARNING);
         return;
     }
     closing_.busy = true;
@@ -36,8 +42,7 @@ void frmBuilder::StartBuild() {
 }
 
 void frmBuilder::RunBuild() {
-    const BuildInputs inputs = CollectInputs();
-    clsBuildRun(inputs, catalogue_, *this).Run();
+    clsBuildRun(*inputs_, catalogue_, *this).Run();
 }
 
 void frmBuilder::EnableButtons(bool enabled) {
@@ -52,6 +57,10 @@ void frmBuilder::AddLogLine(const std::string& text, LogMode mode) {
         LetEventsRun();
 }
 
+void frmBuilder::ReportProblem(const Problem& problem) {
+    problems_.push_back(problem);
+}
+
 void frmBuilder::SetStatus(const std::string& caption) {
     buildPage_->SetStatus(caption);
 }
@@ -60,9 +69,12 @@ bool frmBuilder::AskYesNo(const std::string& question, const std::string& title)
     return ShowMessage(Window(), question, title, MB_YESNO | MB_ICONQUESTION) == IDYES;
 }
 
-DownloadResult frmBuilder::DownloadFile(const std::string& urls, const std::string& destination,
-                                        const std::string& crc) {
-    return frmProgress(Window()).DownloadFile(urls, destination, crc);
+std::optional<std::string> frmBuilder::AskPassword(const std::string&, bool) {
+    return std::nullopt;
+}
+
+DownloadOutcome frmBuilder::DownloadFile(const DownloadRequest& request) {
+    return frmProgress(Window()).DownloadFile(request);
 }
 
 void frmBuilder::LetEventsRun() {
@@ -70,22 +82,24 @@ void frmBuilder::LetEventsRun() {
     lastEvents_ = GetTickCount();
 }
 
-void frmBuilder::SetProgress(std::size_t done, std::size_t total) {
-    buildPage_->SetProgress(done, total);
-    taskbar_->SetProgress(done, total);
+void frmBuilder::SetProgress(const BuildProgress& progress) {
+    constexpr std::size_t kSteps = 1000;
+    const auto done = static_cast<std::size_t>(progress.fraction * kSteps);
+    buildPage_->SetProgress(done, kSteps);
+    taskbar_->SetProgress(done, kSteps);
 }
 
-void frmBuilder::EnterFinishedState(BuildEnding ending) {
+void frmBuilder::EnterFinishedState(const BuildOutcome& outcome) {
     page_ = Page::Build;
     closing_.busy = false;
     closing_.finished = true;
-    const EndingHeading heading = HeadingOf(ending, log_.HasWarnings());
+    const EndingHeading heading = HeadingOf(outcome);
     SetText(Control(IDC_LBL_HEADING_SM), heading.title);
     SetText(Control(IDC_LBL_HEADING_SM2), heading.sentence);
     EnableButtons(true);
     SetText(Control(IDC_CMD_NEXT), "&Finish");
     SendMessageA(Window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Control(IDC_CMD_NEXT)), TRUE);
-    if (ending == BuildEnding::InstallFailed)
+    if (outcome.ending == BuildEnding::InstallFailed)
         taskbar_->SetFailed();
     else
         taskbar_->Clear();
@@ -93,6 +107,7 @@ void frmBuilder::EnterFinishedState(BuildEnding ending) {
         FlashWindow(Window(), TRUE);
     try {
         SaveBuildLog(paths_.programPath, log_.SavedText());
+        SaveProblems(paths_.programPath, problems_);
     } catch (const Failure& failure) {
         ShowMessage(Window(), std::string("The log could not be saved: ") + failure.what(),
                     kProductName, MB_OK | MB_ICONWARNING);

@@ -18,16 +18,15 @@ constexpr UINT kFinishedMessage = WM_APP + 1;
 
 } // namespace
 
-DownloadResult frmProgress::DownloadFile(const std::string& sUrl, const std::string& sDestination,
-                                         const std::string& sCRC) {
-    destination_ = sDestination;
+DownloadOutcome frmProgress::DownloadFile(const DownloadRequest& request) {
+    destination_ = request.destination;
     DownloadSessionEvents& events = *this;
-    session_ = std::make_unique<clsDownloadSession>(events, sUrl, sDestination, sCRC);
+    session_ = std::make_unique<clsDownloadSession>(events, request);
     RunModal(owner_, IDD_PROGRESS);
     RunPendingEvents(); // the dialog goes before the file is read
-    const DownloadResult result = session_->Result(RunPendingEvents);
+    DownloadOutcome outcome = session_->Outcome(RunPendingEvents);
     session_.reset();
-    return result;
+    return outcome;
 }
 
 void frmProgress::OnActivate() {

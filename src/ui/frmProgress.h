@@ -14,11 +14,7 @@ public:
     explicit frmProgress(HWND owner) : owner_(owner) {}
 
     /// Downloads and checks one archive; returns when that is over or the user cancelled it.
-    /// @param sUrl one address, or several parted by ","
-    /// @param sDestination full path of the file
-    /// @param sCRC expected CRC-32 text, or empty for any
-    DownloadResult DownloadFile(const std::string& sUrl, const std::string& sDestination,
-                                const std::string& sCRC);
+    DownloadOutcome DownloadFile(const DownloadRequest& request);
 
 private:
     INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;

@@ -45,7 +45,7 @@ constexpr std::array<int, 3> kActionIds{IDC_CMD_APPLY, IDC_CMD_DISCARD, IDCANCEL
 
 Catalogue Load(const std::string& programPath, std::string& unread) {
     Catalogue catalogue;
-    unread = LoadCatalogueReporting(programPath, catalogue);
+    unread = LoadCatalogueReporting(programPath, catalogue).sentence;
     // Without a file the user begins an empty catalogue.
     if (!FileExists(programPath + kCatalogueFileName))
         unread.clear();

@@ -64,19 +64,20 @@ std::string PageSubheading(Page page) {
     return {};
 }
 
-EndingHeading HeadingOf(BuildEnding ending, bool hasWarnings) {
-    switch (ending) {
-    case BuildEnding::InstallFailed:
-        return {"Install Failed", "The build cannot be made; the log below tells why"};
-    case BuildEnding::Aborted:
-        return {"Aborted", "The build was not made; the log below tells why"};
-    case BuildEnding::Done:
+EndingHeading HeadingOf(const BuildOutcome& outcome) {
+    const std::string count = std::to_string(outcome.problems);
+    switch (VerdictOf(outcome)) {
+    case BuildVerdict::Whole:
+        return {"Built Whole", "The build folder is ready for PE Builder"};
+    case BuildVerdict::WithProblems:
+        return {"Built, " + count + (outcome.problems == 1 ? " Problem" : " Problems"),
+                "Not everything is in the build"};
+    case BuildVerdict::NotUsable:
+        return {"Not Usable", "PE Builder's archive was not installed: " + outcome.reason};
+    case BuildVerdict::NotBuilt:
         break;
     }
-    if (hasWarnings)
-        return {"Finished with Warnings",
-                "Not everything is in the build; the log below tells what"};
-    return {"Finished", "The build folder is ready for PE Builder"};
+    return {"Not Built", outcome.reason};
 }
 
 ClosingAnswer AnswerClosing(const ClosingState& state) {

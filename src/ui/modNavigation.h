@@ -36,7 +36,7 @@ struct EndingHeading {
     std::string title;
     std::string sentence;
 };
-EndingHeading HeadingOf(BuildEnding ending, bool hasWarnings);
+EndingHeading HeadingOf(const BuildOutcome& outcome);
 
 /// What decides whether the wizard may close.
 struct ClosingState {

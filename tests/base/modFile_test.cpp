@@ -42,23 +42,6 @@ TEST_CASE("a complete file replaces the old one, or leaves it as it was") {
     CHECK_FALSE(FileExists(path + ".new"));
 }
 
-TEST_CASE("a folder goes with everything that can go, and the failure names what stayed") {
-    const TestFolder folder;
-    const std::string readOnly = folder.Write("tree\\sub\\read-only.txt", "x");
-    SetFileAttributesA(readOnly.c_str(), FILE_ATTRIBUTE_READONLY);
-    const std::string locked = folder.Write("tree\\a-locked.txt", "x");
-    {
-        const FileHandle lock = OpenExclusively(locked);
-        CHECK_THROWS_WITH_AS(RemoveFolder(folder / "tree"), doctest::Contains("a-locked.txt"),
-                             Failure);
-    }
-    CHECK_FALSE(FileExists(readOnly));
-    CHECK(FileExists(locked));
-    RemoveFolder(folder / "tree");
-    CHECK_FALSE(FolderExists(folder / "tree"));
-    CHECK_THROWS_AS(RemoveFolder(folder / "tree"), Failure);
-}
-
 TEST_CASE("creating folders") {
     const TestFolder folder;
     CHECK_THROWS_AS(CreateFolder(folder / "a\\b"), Failure);

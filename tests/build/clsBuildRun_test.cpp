@@ -23,9 +23,6 @@ constexpr const char* kInf =
 /// A program folder with a catalogue of one base component and two plug-ins, ready to build.
 struct Fixture {
     Fixture() {
-        inputs.programPath = folder / "program\\";
-        inputs.installFolder = folder / "tree";
-        catalogue.pluginFolder = inputs.installFolder + "\\Plugin";
         catalogue.showCategories = true;
         catalogue.categories = {{"100_tools", "100", "Tools"}};
         catalogue.baseComponents = {{"PE Builder", "pebuilder3110a.zip", "", true, true, "u", ""}};
@@ -54,11 +51,16 @@ struct Fixture {
     BuildEnding Run() {
         clsBuildRun run(inputs, catalogue, frontEnd);
         run.SetNetworkProbe([this] { return network; });
-        return run.Run();
+        return run.Run().ending;
+    }
+    [[nodiscard]] bool Told(const std::string& part) const {
+        return std::ranges::any_of(frontEnd.problems, [&](const std::string& problem) {
+            return problem.find(part) != std::string::npos;
+        });
     }
 
     [[nodiscard]] std::string InTree(const std::string& name) const {
-        return inputs.installFolder + "\\" + name;
+        return inputs.installFolder.Path() + "\\" + name;
     }
     [[nodiscard]] bool PluginIsThere(const std::string& name) const {
         return FileExists(InTree("Plugin\\100_tools\\" + name + "\\p.inf"));
@@ -67,12 +69,13 @@ struct Fixture {
         const auto& lines = frontEnd.lines;
         return lines.size() > 2 && lines.back() == "click 'Finish' to exit" &&
                lines[lines.size() - 2].starts_with("Done... [") &&
-               frontEnd.ending == BuildEnding::Done && frontEnd.statuses.back() == "Done";
+               frontEnd.outcome->ending == BuildEnding::Done && frontEnd.statuses.back() == "Done";
     }
 
     TestFolder folder;
     Catalogue catalogue;
-    BuildInputs inputs;
+    BuildInputs inputs{
+        clsInstallFolder(folder / "tree", clsFolderGuard({})), "", folder / "program\\", {}};
     RecordingFrontEnd frontEnd;
     bool network = true;
 };
@@ -86,6 +89,7 @@ FileHandle Lock(const std::string& path) {
 } // namespace
 
 TEST_CASE_FIXTURE(Fixture, "a build makes the whole tree") {
+    folder.Write("tree\\input.inf", "of an earlier build");
     folder.Write("tree\\old.txt", "of an earlier build");
     CHECK(Run() == BuildEnding::Done);
     CHECK(ReachedDone());
@@ -125,6 +129,7 @@ TEST_CASE_FIXTURE(Fixture, "a build makes the whole tree") {
 
 TEST_CASE_FIXTURE(Fixture, "the answer No leaves the folder as it is") {
     const std::string old = folder.Write("tree\\old.txt", "kept");
+    folder.Write("tree\\vesklive.ini", "of an earlier build");
     frontEnd.answer = false;
     CHECK(Run() == BuildEnding::Aborted);
     CHECK(FileExists(old));
@@ -150,6 +155,7 @@ TEST_CASE_FIXTURE(Fixture, "PE Builder's archive decides how a run goes on") {
     SUBCASE("without a network nothing is touched, and the run ends as done") {
         network = false;
         const std::string old = folder.Write("tree\\old.txt", "kept");
+        folder.Write("tree\\vesklive.ini", "of an earlier build");
         CHECK(Run() == BuildEnding::Done);
         CHECK(ReachedDone());
         CHECK(frontEnd.Logged("ERROR: no network connection, download failed"));
@@ -163,7 +169,7 @@ TEST_CASE_FIXTURE(Fixture, "PE Builder's archive decides how a run goes on") {
         CHECK_FALSE(FileExists(archive));
         CHECK(frontEnd.Logged("Warning: pebuilder3110a.zip CRC failed, setup cannot continue !!!"));
         CHECK(frontEnd.Logged("Install failed... ["));
-        CHECK_FALSE(FolderExists(inputs.installFolder));
+        CHECK_FALSE(FolderExists(inputs.installFolder.Path()));
     }
     SUBCASE("failed and cancelled downloads go on without it") {
         for (const bool cancelled : {false, true}) {
@@ -215,6 +221,7 @@ TEST_CASE_FIXTURE(Fixture, "no failing step ends the run") {
         CHECK(PluginIsThere("two"));
     };
     SUBCASE("a file of the old tree is in use") {
+        folder.Write("tree\\pebuilder.exe", "of an earlier build");
         const FileHandle lock = Lock(folder.Write("tree\\used.txt", "x"));
         folder.Write("tree\\other.txt", "x");
         runs();
@@ -283,21 +290,72 @@ TEST_CASE_FIXTURE(Fixture, "no failing step ends the run") {
     }
 }
 
-TEST_CASE_FIXTURE(Fixture, "a folder that holds what must stay is never emptied") {
-    const std::string kept = folder.Write("program\\kept.txt", "x");
-    for (const std::string& chosen :
-         {folder.Path(), folder / "program", folder / "PROGRAM\\", folder / "x\\..\\program",
-          std::string("C:\\"), std::string("C:"), SpecialFolderPath(SpecialFolder::Windows),
-          SpecialFolderPath(SpecialFolder::ProgramFiles), std::string("\\\\server\\share"),
-          std::string(), std::string("\\"), kept}) {
-        CAPTURE(chosen);
-        inputs.installFolder = chosen;
-        CHECK_FALSE(InstallFolderProblem(inputs).empty());
-        CHECK(Run() == BuildEnding::Aborted);
-        CHECK(FileExists(kept));
+// A problem for each thing that was not done, and none for anything else.
+TEST_CASE_FIXTURE(Fixture, "a whole build is silent, and its verdict says so") {
+    Run();
+    CHECK(frontEnd.problems.empty());
+    CHECK(VerdictOf(*frontEnd.outcome) == BuildVerdict::Whole);
+    CHECK(frontEnd.fraction == 1);
+    CHECK_FALSE(FileExists(InTree(clsInstallFolder::kMarkName)));
+}
+
+TEST_CASE_FIXTURE(Fixture, "what no build made is emptied only when the user was told") {
+    const std::string foreign = folder.Write("tree\\letter.txt", "x");
+    CHECK(Run() == BuildEnding::Aborted);
+    CHECK(Told("1 file that no build made"));
+    CHECK(VerdictOf(*frontEnd.outcome) == BuildVerdict::NotBuilt);
+    CHECK(frontEnd.questions.empty());
+    CHECK(FileExists(foreign));
+    inputs.replaceForeign = true;
+    CHECK(Run() == BuildEnding::Done);
+    CHECK_FALSE(FileExists(foreign));
+}
+
+TEST_CASE_FIXTURE(Fixture, "a tree whose build was cut off is known as one") {
+    folder.Write("tree\\half.txt", "x");
+    folder.Write(std::string("tree\\") + clsInstallFolder::kMarkName, "x");
+    CHECK(Run() == BuildEnding::Done);
+    CHECK_FALSE(FileExists(InTree("half.txt")));
+    CHECK_FALSE(FileExists(InTree(clsInstallFolder::kMarkName)));
+}
+
+TEST_CASE_FIXTURE(Fixture, "a catalogue without base components builds nothing") {
+    const std::string old = folder.Write("tree\\pebuilder.exe", "x");
+    catalogue.baseComponents.clear();
+    CHECK_FALSE(CatalogueRefusal(catalogue).empty());
+    CHECK(Run() == BuildEnding::Aborted);
+    CHECK(FileExists(old));
+}
+
+TEST_CASE_FIXTURE(Fixture, "archive names that leave the program folder are never touched") {
+    const std::string victim = folder.Write("victim.zip", "x");
+    for (const char* zip : {"..\\victim.zip", "../victim.zip", "..\\program\\..\\victim.zip", ""}) {
+        CAPTURE(zip);
+        frontEnd.problems.clear();
+        catalogue.plugins[0].zip = zip;
+        catalogue.plugins[0].url = "http://h/x.zip";
+        catalogue.plugins[0].crc = clsCRC().CalculateFile(victim);
+        CHECK(Run() == BuildEnding::Done);
+        CHECK(Told("no plain file name"));
+        CHECK(frontEnd.downloads.empty());
+        CHECK(ReadWholeFile(victim) == "x");
     }
-    inputs.installFolder = folder / "program\\tree";
-    CHECK(InstallFolderProblem(inputs).empty());
-    inputs.sourceFolder = folder / "program\\tree\\cd\\";
-    CHECK_FALSE(InstallFolderProblem(inputs).empty());
+}
+
+TEST_CASE_FIXTURE(Fixture, "an empty checksum matches nothing") {
+    folder.Write("program\\one.zip", "");
+    catalogue.plugins[0].crc = "";
+    catalogue.baseComponents[0].crc = "";
+    RemoveFile(inputs.programPath + "pebuilder3110a.zip");
+    CHECK(Run() == BuildEnding::Done);
+    CHECK_FALSE(frontEnd.Logged("Skipping download"));
+    CHECK(frontEnd.Logged("Warning: one.zip CRC failed. !!!"));
+    CHECK(VerdictOf(*frontEnd.outcome) == BuildVerdict::NotUsable);
+    CHECK(frontEnd.outcome->reason.find("the test said no") != std::string::npos);
+}
+
+TEST_CASE_FIXTURE(Fixture, "two builds never share a folder") {
+    clsBuildRun first(inputs, catalogue, frontEnd);
+    CHECK_THROWS_WITH_AS(clsBuildRun(inputs, catalogue, frontEnd),
+                         doctest::Contains("engine_tests.exe, process "), FolderRefused);
 }

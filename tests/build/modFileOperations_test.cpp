@@ -17,30 +17,46 @@ TEST_CASE("files are found depth first; empty ones are left out") {
     CreateFolder(folder / "folder.inf");
     std::string pattern;
     const std::string root = folder.Path() + "\\";
-    CHECK(FindFiles(root, pattern) == std::vector<std::string>{root + "b.inf", root + "..x\\w.inf",
-                                                               root + "a\\z.inf",
-                                                               root + "a\\deep\\y.INF"});
+    CHECK(FindFiles(root, pattern).paths ==
+          std::vector<std::string>{root + "b.inf", root + "..x\\w.inf", root + "a\\z.inf",
+                                   root + "a\\deep\\y.INF"});
     CHECK(pattern == "*.inf");
-    CHECK(FindFiles(root + "none\\", pattern).empty());
+    CHECK(FindFiles(root + "none\\", pattern).paths.empty());
 }
 
-TEST_CASE("removals write their line first, also when they fail") {
+TEST_CASE("removals write their line first, and report what stays") {
     const TestFolder folder;
     Catalogue catalogue;
-    const BuildInputs inputs;
+    const BuildInputs inputs{clsInstallFolder(folder / "tree", clsFolderGuard({})), "", "", {}};
     RecordingFrontEnd frontEnd;
-    const BuildContext context{inputs, catalogue, frontEnd, {}};
-    const std::string file = folder.Write("sub\\x.txt", "x");
+    const BuildContext context{inputs, catalogue, frontEnd, {}, [&](const Problem& problem) {
+                                   frontEnd.ReportProblem(problem);
+                               }};
+    const std::string file = folder.Write("tree\\sub\\x.txt", "x");
+    const std::string readOnly = folder.Write("tree\\sub\\deep\\read-only.txt", "x");
+    SetFileAttributesA(readOnly.c_str(), FILE_ATTRIBUTE_READONLY);
+    const std::string locked = folder.Write("tree\\sub\\a-locked.txt", "x");
+    const auto sub = clsRemovableTree::Below(inputs.installFolder, "\\sub");
     DeleteFileLogged(context, file);
-    DeleteFolderLogged(context, folder / "sub");
-    CHECK_FALSE(FolderExists(folder / "sub"));
     CHECK_THROWS_AS(DeleteFileLogged(context, file), Failure);
-    CHECK_THROWS_AS(DeleteFolderLogged(context, folder / "sub"), Failure);
+    {
+        const FileHandle lock(
+            CreateFileA(locked.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+        CHECK_FALSE(DeleteFolderLogged(context, sub));
+    }
+    CHECK_FALSE(FileExists(readOnly));
+    REQUIRE(frontEnd.problems.size() == 1);
+    CHECK(frontEnd.problems[0].starts_with(locked + ": not removed, "));
+    CHECK(DeleteFolderLogged(context, sub));
+    CHECK_FALSE(FolderExists(sub.Path()));
+    CHECK(DeleteFolderLogged(context, sub)); // nothing is there: that is no problem
+    CHECK(frontEnd.problems.size() == 1);
+    CHECK_THROWS_AS(clsRemovableTree::Below(inputs.installFolder, "\\sub\\..\\.."), Failure);
     LogIndented(context, "text");
-    CHECK(frontEnd.lines ==
-          std::vector<std::string>{"Deleting File: " + file, "Deleting Folder: " + (folder / "sub"),
-                                   "Deleting File: " + file, "Deleting Folder: " + (folder / "sub"),
-                                   "text  "});
+    CHECK(frontEnd.lines == std::vector<std::string>{
+                                "Deleting File: " + file, "Deleting File: " + file,
+                                "Deleting Folder: " + sub.Path(), "Deleting Folder: " + sub.Path(),
+                                "Deleting Folder: " + sub.Path(), "text  "});
     CHECK(frontEnd.statuses.front() == "Deleting file");
     CHECK(frontEnd.statuses.back() == "Deleting folder");
 }

@@ -18,7 +18,7 @@ Loaded Load(const std::string& text) {
     const TestFolder folder;
     folder.Write("veskbuilder.ini", text);
     Loaded loaded;
-    loaded.problem = LoadCatalogueReporting(folder.Path() + "\\", loaded.catalogue);
+    loaded.problem = LoadCatalogueReporting(folder.Path() + "\\", loaded.catalogue).sentence;
     return loaded;
 }
 
@@ -44,7 +44,7 @@ TEST_CASE("a saved catalogue reads back the same") {
     SaveCatalogue(programPath, saved);
 
     Catalogue loaded;
-    CHECK(LoadCatalogueReporting(programPath, loaded).empty());
+    CHECK(LoadCatalogueReporting(programPath, loaded).sentence.empty());
     CHECK(loaded.installFolder == "VeskLive");
     CHECK(loaded.baseComponents == saved.baseComponents);
     CHECK(loaded.plugins == saved.plugins);
@@ -86,7 +86,7 @@ TEST_CASE("a missing file leaves the catalogue as it was") {
     catalogue.installFolder = "kept";
     LoadCatalogue(folder.Path() + "\\", catalogue);
     CHECK(catalogue.installFolder == "kept");
-    CHECK(LoadCatalogueReporting(folder.Path() + "\\", catalogue).find("no such file") !=
+    CHECK(LoadCatalogueReporting(folder.Path() + "\\", catalogue).sentence.find("no such file") !=
           std::string::npos);
 }
 

@@ -17,6 +17,7 @@ struct Fixture {
     RegistryTestKey key;
     TestFolder folder;
     Lines log;
+    Lines problems;
 
     /// Runs the "[base]" section of a script. @return whether it came to its end
     bool Run(const std::string& script) {
@@ -24,8 +25,11 @@ struct Fixture {
         const std::string path = folder.Write("x.script", ReplaceAll(script, "<key>", kTestKey));
         try {
             ProcessScript(path, "[base]",
-                          {[this](const std::string& line) { log.push_back(line); }, folder.Path(),
-                           "D:\\source"});
+                          {[this](const std::string& line) { log.push_back(line); },
+                           [this](const std::string& what, const std::string& reason) {
+                               problems.push_back(what + ", " + reason);
+                           },
+                           folder.Path(), "D:\\source"});
         } catch (const Failure&) {
             return false;
         }
@@ -78,7 +82,7 @@ TEST_CASE_FIXTURE(Fixture, "the first failure ends a script and what was done be
         CHECK(log.size() == 2 + row.logged);
         CHECK(FolderExists(folder / "before"));
         CHECK_FALSE(FolderExists(folder / "after"));
-        RemoveFolder(folder / "before");
+        TestFolder::RemoveTree(folder / "before");
     }
     CHECK(clsRegistry::IsPathEmpty(0x80000001, kTestKey));
 }

@@ -225,7 +225,7 @@ TEST_CASE("unsaved edits are asked about, and survive a save that fails") {
     CHECK_FALSE(editor.HasEnded());
     CHECK(editor.Text(IDC_TXT_BASE) == "Renamed");
     CHECK(editor.Text(IDC_LBL_STATE) == "There are unsaved edits.");
-    RemoveFolder(file);
+    RemoveDirectoryA(file.c_str());
     editor.Click(IDCANCEL);
     editor.AnswerBox("Plugin Setup", question, IDYES);
     CHECK(editor.AwaitEnd() == 0);

@@ -1,0 +1,80 @@
+#include "archive/modArchive.h"
+
+#include "archive/clsCab.h"
+#include "archive/modMemberName.h"
+#include "archive/modUnzip.h"
+#include "base/Problem.h"
+#include "base/modText.h"
+
+#include <utility>
+
+namespace vesk {
+
+namespace {
+
+class CabOwner : public CabEvents {
+public:
+    explicit CabOwner(const ExtractionOwner& owner) : owner_(owner) {}
+    void OnAfterExtract(const std::string&) override {
+        ++extracted;
+        if (owner_.progress)
+            owner_.progress(0);
+    }
+
+    std::size_t extracted = 0;
+
+private:
+    const ExtractionOwner& owner_;
+};
+
+ExtractionOutcome ExtractCab(const std::string& path, const std::string& folder,
+                             const ExtractionOwner& owner) {
+    CabOwner events(owner);
+    clsCab cab(&events);
+    cab.CabName = path;
+    cab.DestinationFolder = folder;
+    ExtractionOutcome outcome;
+    try {
+        cab.Extract();
+    } catch (const std::exception& failure) {
+        outcome.failures.push_back({"", "not extracted whole", ReasonOf(failure)});
+    }
+    outcome.extracted = events.extracted;
+    return outcome;
+}
+
+ExtractionOutcome ExtractZip(const std::string& path, const std::string& folder,
+                             const ExtractionOwner& owner) {
+    UnzipCallbacks callbacks;
+    callbacks.letEventsRun = [&] {
+        if (owner.progress)
+            owner.progress(0);
+    };
+    bool wrongBefore = false;
+    callbacks.password = [&](const std::string&) {
+        return owner.password ? owner.password(std::exchange(wrongBefore, true)) : std::nullopt;
+    };
+    return UnzipFile(path, folder, callbacks);
+}
+
+} // namespace
+
+bool IsPlainArchiveName(std::string_view name) {
+    return name.find_first_of("\\/") == std::string_view::npos && PathInside("", name).has_value();
+}
+
+ExtractionOutcome ExtractArchive(const std::string& path, const std::string& folder,
+                                 const ExtractionOwner& owner) {
+    const std::string extension = LowerCase(ExtensionOf(path));
+    if (extension == "cab")
+        return ExtractCab(path, folder, owner);
+    if (extension == "zip")
+        return ExtractZip(path, folder, owner);
+    return {0, {{"", "not extracted", "it is neither a .zip nor a .cab file"}}};
+}
+
+std::vector<MemberFailure> InspectArchive(const std::string&) {
+    return {};
+}
+
+} // namespace vesk

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "archive/ExtractionOutcome.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Archives of both kinds, told apart by the extension of their names.
+namespace vesk {
+
+/// What the extraction of an archive asks of its caller. Everything may be left empty.
+struct ExtractionOwner {
+    /// Asked for the password of an archive, again while it is wrong; nothing means that there is
+    /// none, and it is not asked again. @param wrongBefore the last answer was a wrong one
+    std::function<std::optional<std::string>(bool wrongBefore)> password;
+
+    /// Called now and then, also within a large member, so that a window stays alive.
+    /// @param fraction of the archive's bytes that is done, 0 to 1
+    std::function<void(double fraction)> progress;
+};
+
+/// True for a name that can be an archive's in the program folder: a plain file name, so that
+/// nothing elsewhere is read, written or deleted under it.
+bool IsPlainArchiveName(std::string_view name);
+
+/// Extracts every member below the folder, over existing files; what cannot be extracted does not
+/// stop the rest. An archive that is neither .zip nor .cab is a failure as a whole. Throws nothing
+/// but what the owner throws.
+ExtractionOutcome ExtractArchive(const std::string& path, const std::string& folder,
+                                 const ExtractionOwner& owner);
+
+/// What an extraction would not do, as far as the directory of the archive tells (structure, names,
+/// methods): nothing is inflated or written.
+std::vector<MemberFailure> InspectArchive(const std::string& path);
+
+} // namespace vesk

@@ -1,0 +1,65 @@
+#include "base/modWide.h"
+
+#include <windows.h>
+
+namespace vesk {
+
+namespace {
+
+/// @param replaced where to tell that a character had to be replaced; may be null
+std::string ToAnsi(std::wstring_view wide, DWORD flags, BOOL* replaced) {
+    const int size = static_cast<int>(wide.size());
+    const int length =
+        WideCharToMultiByte(CP_ACP, flags, wide.data(), size, nullptr, 0, nullptr, nullptr);
+    std::string text(static_cast<std::size_t>(length), '\0');
+    WideCharToMultiByte(CP_ACP, flags, wide.data(), size, text.data(), length, nullptr, replaced);
+    return text;
+}
+
+} // namespace
+
+std::wstring Widen(std::string_view text) {
+    const int size = static_cast<int>(text.size());
+    std::wstring wide(text.size(), L'\0'); // no code page needs more units than bytes
+    wide.resize(static_cast<std::size_t>(
+        MultiByteToWideChar(CP_ACP, 0, text.data(), size, wide.data(), size)));
+    return wide;
+}
+
+std::string Narrowed(std::wstring_view wide) {
+    return wide.empty() ? std::string() : ToAnsi(wide, 0, nullptr);
+}
+
+std::optional<std::string> NarrowedExactly(std::wstring_view wide) {
+    if (wide.empty())
+        return std::string();
+    // A system whose ANSI code page is UTF-8 knows no "exact", and needs none.
+    const bool utf8 = GetACP() == CP_UTF8;
+    BOOL replaced = FALSE;
+    std::string text = ToAnsi(wide, utf8 ? 0 : WC_NO_BEST_FIT_CHARS, utf8 ? nullptr : &replaced);
+    if (replaced != FALSE)
+        return std::nullopt;
+    return text;
+}
+
+std::wstring LongPath(std::wstring_view absolute) {
+    if (absolute.starts_with(L"\\\\?\\"))
+        return std::wstring(absolute);
+    if (absolute.starts_with(L"\\\\"))
+        return L"\\\\?\\UNC" + std::wstring(absolute.substr(1));
+    return L"\\\\?\\" + std::wstring(absolute);
+}
+
+std::wstring LongPath(std::string_view absolute) {
+    return LongPath(Widen(absolute));
+}
+
+std::wstring WithoutLongPrefix(std::wstring_view longPath) {
+    constexpr std::wstring_view kShare = L"\\\\?\\UNC\\";
+    constexpr std::wstring_view kPlain = L"\\\\?\\";
+    if (longPath.starts_with(kShare))
+        return L"\\\\" + std::wstring(longPath.substr(kShare.size()));
+    return std::wstring(longPath.starts_with(kPlain) ? longPath.substr(kPlain.size()) : longPath);
+}
+
+} // namespace vesk

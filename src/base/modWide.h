@@ -1,0 +1,28 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+/// Between the system's ANSI code page, in which the program works, and UTF-16, in which the file
+/// system does.
+namespace vesk {
+
+std::wstring Widen(std::string_view text);
+
+/// The text in the ANSI code page; what that lacks becomes "?" or a similar character. For showing.
+std::string Narrowed(std::wstring_view wide);
+
+/// The same, but nothing when the code page cannot hold all of it exactly: for names that have to
+/// find their file again.
+std::optional<std::string> NarrowedExactly(std::wstring_view wide);
+
+/// A path for the file system's UTF-16 functions that may be longer than MAX_PATH and is not
+/// changed on its way ("\\?\C:\..."). @param absolute without ".", ".." and "/"
+std::wstring LongPath(std::wstring_view absolute);
+std::wstring LongPath(std::string_view absolute);
+
+/// The path that LongPath was made of.
+std::wstring WithoutLongPrefix(std::wstring_view longPath);
+
+} // namespace vesk

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace vesk {
+
+/// A place that must survive whatever installation folder a user names.
+struct GuardedPlace {
+    enum class Reach {
+        Holding,  ///< A folder that is it, or holds it, is refused.
+        Within,   ///< So is one that lies inside it.
+        Siblings, ///< So is one that lies beside it: other users' profiles.
+    };
+
+    std::string path; ///< Absolute; an empty one guards nothing.
+    std::string name; ///< For people: "Windows", "this program".
+    Reach reach = Reach::Holding;
+};
+
+/// Tells which folders must not be emptied. Folders are compared by what the system opens under
+/// their names, so that no other spelling, short name, drive made by "subst" or link gets round it.
+class clsFolderGuard {
+public:
+    /// @param programs folders that programs are installed into: a folder below one is refused when
+    /// it holds anything that no build made
+    explicit clsFolderGuard(std::vector<GuardedPlace> places,
+                            std::vector<std::string> programs = {});
+
+    /// The guard of this system and user. @param programPath, sourceFolder may end in "\";
+    /// sourceFolder may be empty
+    static clsFolderGuard OfSystem(const std::string& programPath, const std::string& sourceFolder);
+
+    /// Why a folder must not be emptied, or made and emptied later: a sentence without the path;
+    /// empty when nothing speaks against it. @param folder absolute, may be missing
+    [[nodiscard]] std::string Objection(const std::string& folder) const;
+
+    /// True for a folder in which only what a build made may be emptied, whatever the user says.
+    [[nodiscard]] bool KeepsForeign(const std::string& folder) const;
+
+private:
+    std::vector<GuardedPlace> places_;
+    std::vector<std::string> programs_;
+};
+
+} // namespace vesk

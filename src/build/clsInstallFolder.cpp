@@ -1,0 +1,173 @@
+#include "build/clsInstallFolder.h"
+
+#include "archive/modMemberName.h"
+#include "base/Failure.h"
+#include "base/FolderEntries.h"
+#include "base/UniqueHandle.h"
+#include "base/modFile.h"
+#include "base/modText.h"
+#include "base/modWide.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+#include <vector>
+
+namespace vesk {
+
+namespace {
+
+/// A folder that holds one of these was made by a build.
+constexpr std::array kTraces = {"vesklive.ini", "pebuilder.exe", "input.inf"};
+
+/// Room for "\Plugin\" and what PE Builder keeps below it, within the system's 260 characters.
+constexpr std::size_t kLongestPath = 200;
+
+bool HasControlCharacter(const std::string& text) {
+    return std::ranges::any_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x20; });
+}
+
+std::string WithBackslashes(std::string text) {
+    std::ranges::replace(text, '/', '\\');
+    return text;
+}
+
+/// Refuses texts that the system would read in a way of its own.
+void RefuseSpelling(const std::string& text) {
+    const std::string path = WithBackslashes(text);
+    if (path.empty())
+        throw FolderRefused("No installation folder is named.");
+    if (HasControlCharacter(path))
+        throw FolderRefused("The installation folder's name holds a control character.");
+    if (path.starts_with("\\\\?\\") || path.starts_with("\\\\.\\") || path.starts_with("\\??\\"))
+        throw FolderRefused("The installation folder must be named by a drive or a share, not as a "
+                            "device: " +
+                            text);
+    const bool hasDrive = path.size() >= 2 && path[1] == ':';
+    if (hasDrive && path.size() > 2 && path[2] != '\\')
+        throw FolderRefused(
+            "The installation folder must not depend on a drive's current folder: " + text +
+            " (write " + path.substr(0, 2) + "\\" + path.substr(2) + ")");
+}
+
+/// "C:\" or "\\server\share\".
+std::size_t RootLength(const std::string& path) {
+    constexpr std::size_t kDriveRoot = 3;
+    if (!path.starts_with("\\\\"))
+        return std::min(kDriveRoot, path.size());
+    const std::size_t share = path.find('\\', 2);
+    return share == std::string::npos ? path.size()
+                                      : std::min(path.find('\\', share + 1), path.size() - 1) + 1;
+}
+
+void RefuseRoot(const std::string& path, const std::string& text) {
+    const std::string root = WithTrailingBackslash(path.substr(0, RootLength(path)));
+    if (root.ends_with("$\\"))
+        throw FolderRefused("The installation folder must be named by its drive, not by an "
+                            "administrative share: " +
+                            text);
+    if (path.size() <= root.size())
+        throw FolderRefused("The installation folder is emptied before a build, so it cannot be a "
+                            "whole drive: " +
+                            text);
+    const UINT type = GetDriveTypeA(root.c_str());
+    if (type == DRIVE_CDROM)
+        throw FolderRefused("The installation folder cannot be on a CD: " + text);
+    if (type == DRIVE_NO_ROOT_DIR || !FolderExists(root))
+        throw FolderRefused((root.starts_with("\\\\") ? "The share cannot be reached: "
+                                                      : "There is no such drive: ") +
+                            text);
+}
+
+std::string CheckedPath(const std::string& typed) {
+    const std::string text = TrimBlanks(typed);
+    RefuseSpelling(text);
+    std::string path;
+    try {
+        path = AbsolutePath(text);
+    } catch (const Failure&) {
+        throw FolderRefused("The installation folder's name is not a path: " + text);
+    }
+    if (path.size() > kLongestPath)
+        throw FolderRefused("The installation folder's path is too long: it has " +
+                            std::to_string(path.size()) +
+                            " characters, and files in it need room; " +
+                            std::to_string(kLongestPath) + " are allowed.");
+    RefuseRoot(path, text);
+    const std::size_t root = RootLength(path);
+    path = path.substr(0, root) + WithoutTrailingBackslash(path.substr(root));
+    if (path.size() == root)
+        RefuseRoot(path.substr(0, root), text);
+    if (!PathInside(path.substr(0, root), path.substr(root)))
+        throw FolderRefused("The installation folder's name cannot be a folder's: " + text);
+    return path;
+}
+
+/// Counts the files below a folder without entering links.
+std::size_t CountFiles(const std::string& top, std::size_t most) {
+    std::size_t count = 0;
+    std::vector<std::wstring> folders{Widen(top)};
+    while (!folders.empty() && count < most) {
+        const std::wstring folder = std::move(folders.back());
+        folders.pop_back();
+        ForEachEntry(folder, [&](const FolderEntry& entry) {
+            if (entry.IsPlainFolder())
+                folders.push_back(folder + L"\\" + entry.name);
+            else
+                ++count;
+        });
+    }
+    return std::min(count, most);
+}
+
+} // namespace
+
+std::string FolderContent::ForeignWords() const {
+    const std::string number = std::to_string(files);
+    if (files == 0)
+        return "it holds folders that no build made";
+    return "it holds " + std::string(files == kMostCounted ? "at least " : "") + number +
+           (files == 1 ? " file that no build made" : " files that no build made");
+}
+
+clsInstallFolder::clsInstallFolder(const std::string& text, clsFolderGuard guard)
+    : path_(CheckedPath(text)), guard_(std::move(guard)) {
+    if (const std::string objection = Objection(); !objection.empty())
+        throw FolderRefused(objection);
+}
+
+std::string clsInstallFolder::Objection() const {
+    const std::string objection = guard_.Objection(path_);
+    return objection.empty() ? objection : objection + ": " + path_;
+}
+
+FolderContent clsInstallFolder::Content() const {
+    using Kind = FolderContent::Kind;
+    if (!FolderExists(path_))
+        return {};
+    const auto isThere = [this](const char* name) { return FileExists(path_ + "\\" + name); };
+    if (isThere(kMarkName) || std::ranges::any_of(kTraces, isThere))
+        return {Kind::EarlierBuild, 0};
+    bool empty = true;
+    ForEachEntry(Widen(path_), [&](const FolderEntry&) { empty = false; });
+    if (empty)
+        return {Kind::Empty, 0};
+    return {Kind::Foreign, CountFiles(path_, FolderContent::kMostCounted)};
+}
+
+void clsInstallFolder::Mark() const {
+    if (FileExists(path_ + "\\" + kMarkName))
+        return;
+    CreateFolderPath(path_);
+    WriteCompleteFile(path_ + "\\" + kMarkName, "This tree is being built.\r\n");
+}
+
+void clsInstallFolder::Unmark() const {
+    const std::string mark = path_ + "\\" + kMarkName;
+    if (FileExists(mark))
+        RemoveFile(mark);
+}
+
+} // namespace vesk

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "build/clsFolderGuard.h"
+
+#include <cstddef>
+#include <stdexcept>
+#include <string>
+
+namespace vesk {
+
+/// A text that cannot become an installation folder; the reason is a sentence for the user.
+struct FolderRefused : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+/// What stands in an installation folder before a build.
+struct FolderContent {
+    enum class Kind {
+        Missing,      ///< There is no such folder.
+        Empty,        ///< Nothing in it.
+        EarlierBuild, ///< A tree that a build made, whole or not.
+        Foreign,      ///< Something that no build made.
+    };
+
+    Kind kind = Kind::Missing;
+    std::size_t files = 0; ///< At any depth; kMostCounted when there are more.
+
+    static constexpr std::size_t kMostCounted = 100000;
+
+    /// "it holds 12 files that no build made", for a foreign folder.
+    [[nodiscard]] std::string ForeignWords() const;
+};
+
+/// A folder that a build may empty: the only thing that can be handed to the removal of a tree. It
+/// is made once, from the user's text, and means the same whatever becomes of the current folder.
+class clsInstallFolder {
+public:
+    /// Name of the file by which a build marks its tree while it works on it.
+    static constexpr const char* kMarkName = "veskbuild.unfinished";
+
+    /// @param text as the user gave it: absolute, or relative to the current folder
+    /// @throws FolderRefused for what is no folder's name, for a place that cannot hold a tree, and
+    ///         for a folder that must not be emptied
+    clsInstallFolder(const std::string& text, clsFolderGuard guard);
+
+    /// Absolute path, spelled as the user did, without a trailing backslash.
+    [[nodiscard]] const std::string& Path() const { return path_; }
+
+    /// Where PE Builder looks for plug-ins.
+    [[nodiscard]] std::string PluginFolder() const { return path_ + "\\Plugin"; }
+
+    [[nodiscard]] FolderContent Content() const;
+
+    /// True when only what a build made may be emptied here, whatever the user says.
+    [[nodiscard]] bool KeepsForeign() const { return guard_.KeepsForeign(path_); }
+
+    /// Why it must not be emptied now (the disk may have changed since); empty when it may.
+    [[nodiscard]] std::string Objection() const;
+
+    /// Marks the folder as a build's own while it is emptied and filled, so that after a run that
+    /// was cut off it is known as one. Makes the folder. @throws Failure
+    void Mark() const;
+
+    /// Takes the mark away again.
+    void Unmark() const;
+
+private:
+    std::string path_;
+    clsFolderGuard guard_;
+};
+
+} // namespace vesk

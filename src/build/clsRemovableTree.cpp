@@ -1,0 +1,141 @@
+#include "build/clsRemovableTree.h"
+
+#include "archive/modMemberName.h"
+#include "base/FolderEntries.h"
+#include "base/modFile.h"
+#include "base/modSpecialFolder.h"
+#include "base/modSystemError.h"
+#include "base/modText.h"
+#include "base/modWide.h"
+#include "build/clsInstallFolder.h"
+
+#include <windows.h>
+
+#include <utility>
+
+namespace vesk {
+
+namespace {
+
+/// Removes what a folder holds, the deepest first, without recursion: a tree may be as deep as it
+/// likes.
+class Remover {
+public:
+    /// @param lastName a file directly in the folder that is to go last; may be empty
+    Remover(const std::string& top, const std::string& lastName,
+            const std::function<void()>& meanwhile)
+        : top_(Widen(top)), last_(top_ + L"\\" + Widen(lastName)), meanwhile_(meanwhile) {}
+
+    std::vector<Failure> Run() {
+        std::vector<std::wstring> folders{top_};
+        // Each folder's subfolders stand behind it, so the list is walked back to front.
+        for (std::size_t i = 0; i < folders.size(); ++i) {
+            const std::wstring folder = folders[i];
+            const DWORD unread = ForEachEntry(folder, [&](const FolderEntry& entry) {
+                const std::wstring path = folder + L"\\" + entry.name;
+                if (entry.IsPlainFolder())
+                    folders.push_back(path);
+                else if (path != last_)
+                    RemoveEntry(path, entry);
+            });
+            if (unread != ERROR_SUCCESS)
+                Remember(folder, unread);
+        }
+        while (folders.size() > 1) {
+            RemoveEmptyFolder(folders.back());
+            folders.pop_back();
+        }
+        RemoveLast();
+        return std::move(failures_);
+    }
+
+private:
+    /// The file that goes last goes only when nothing but it is left.
+    void RemoveLast() {
+        if (failures_.empty())
+            Delete(last_, DeleteFileW);
+        RemoveEmptyFolder(top_);
+    }
+
+    void RemoveEntry(const std::wstring& path, const FolderEntry& entry) {
+        // A folder here is a link: it goes itself, and what it leads to is not looked at.
+        if (!Delete(path, entry.IsFolder() ? RemoveDirectoryW : DeleteFileW))
+            Remember(path, GetLastError());
+        constexpr int kBetweenEvents = 64;
+        if (meanwhile_ && ++removed_ % kBetweenEvents == 0)
+            meanwhile_();
+    }
+
+    void RemoveEmptyFolder(const std::wstring& path) {
+        // A folder that still holds something has its failure already.
+        if (!Delete(path, RemoveDirectoryW) && GetLastError() != ERROR_DIR_NOT_EMPTY)
+            Remember(path, GetLastError());
+    }
+
+    static bool Delete(const std::wstring& path, BOOL(WINAPI* function)(LPCWSTR)) {
+        const std::wstring name = LongPath(path);
+        if (function(name.c_str()) != FALSE)
+            return true;
+        if (GetLastError() != ERROR_ACCESS_DENIED)
+            return false;
+        SetFileAttributesW(name.c_str(), FILE_ATTRIBUTE_NORMAL);
+        return function(name.c_str()) != FALSE;
+    }
+
+    void Remember(const std::wstring& path, DWORD error) {
+        const std::string shown = Narrowed(path);
+        const std::string reason = SystemErrorText(error);
+        failures_.emplace_back(error, shown, "cannot delete " + shown + ": " + reason, reason);
+    }
+
+    std::wstring top_;
+    std::wstring last_;
+    const std::function<void()>& meanwhile_;
+    std::vector<Failure> failures_;
+    std::size_t removed_ = 0;
+};
+
+} // namespace
+
+clsRemovableTree::clsRemovableTree(std::string path, std::function<std::string()> objection)
+    : path_(std::move(path)), objection_(std::move(objection)) {}
+
+clsRemovableTree clsRemovableTree::Of(const clsInstallFolder& folder) {
+    clsRemovableTree tree(folder.Path(), [folder] { return folder.Objection(); });
+    tree.lastName_ = clsInstallFolder::kMarkName;
+    return tree;
+}
+
+clsRemovableTree clsRemovableTree::Below(const clsInstallFolder& folder,
+                                         const std::string& relative) {
+    const auto path =
+        PathInside(folder.Path(), relative.substr(relative.starts_with('\\') ? 1 : 0));
+    if (!path)
+        ThrowSystemError(ERROR_INVALID_NAME, "cannot delete", folder.Path() + relative);
+    const std::string top = folder.Path();
+    return {*path, [folder, top, path = *path] {
+                return HasLinkBelow(top, path) ? "a link stands on the way to it"
+                                               : folder.Objection();
+            }};
+}
+
+clsRemovableTree clsRemovableTree::StartMenuFolder() {
+    const std::string programs = SpecialFolderPath(SpecialFolder::CommonPrograms);
+    if (programs.empty())
+        throw Failure(ERROR_PATH_NOT_FOUND, "StartMenuFolder",
+                      "this system has no start menu for all users");
+    const std::string path = programs + "\\Vesk Builder";
+    return {path, [programs, path] {
+                return HasLinkBelow(programs, path) ? std::string("it is a link") : std::string();
+            }};
+}
+
+std::vector<Failure> clsRemovableTree::Remove(const std::function<void()>& meanwhile) const {
+    if (const std::string objection = objection_(); !objection.empty())
+        return {Failure(ERROR_ACCESS_DENIED, path_, objection)};
+    if (!FolderExists(path_))
+        return {Failure(ERROR_PATH_NOT_FOUND, path_, SystemErrorText(ERROR_PATH_NOT_FOUND))};
+    return Remover(path_, lastName_, meanwhile).Run();
+}
+
+} // namespace vesk
