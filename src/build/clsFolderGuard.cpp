@@ -116,9 +116,12 @@ std::vector<std::vector<Level>> WaysUp(const std::string& folder) {
     const auto existing = std::ranges::find(ways[0], false, &Level::IsMissing);
     if (existing == ways[0].end())
         return ways;
+    const std::wstring missing = ways[0].front().path.substr(existing->path.size());
     const auto real = RealPath(existing->path);
     if (real && !SamePath(*real, existing->path))
-        ways.push_back(WayUp(*real));
+        ways.push_back(
+            WayUp(*real + (real->ends_with(L'\\') && missing.starts_with(L'\\') ? missing.substr(1)
+                                                                                : missing)));
     return ways;
 }
 
@@ -222,10 +225,11 @@ std::string clsFolderGuard::Objection(const std::string& folder) const {
             continue; // nothing can lie in it; or it is a drive, and everything on it would
         if (place.reach == GuardedPlace::Reach::Within && Leads(ways, itself))
             return std::string(kEmptied) + "and this one lies in " + place.name;
-        const Level& parent = placeWays.front()[1];
-        const bool beside = std::ranges::any_of(
-            ways, [&](const auto& way) { return way.size() > 2 && Same(way[1], parent); });
-        if (place.reach == GuardedPlace::Reach::Siblings && beside)
+        const bool isProfile = place.reach == GuardedPlace::Reach::Siblings;
+        const auto lies = [&](const auto& way) {
+            return way.size() > 1 && Same(way[1], placeWays.front()[1]);
+        };
+        if (isProfile && placeWays.front().size() > 2 && std::ranges::any_of(ways, lies))
             return std::string(kEmptied) + "and this one is a user's profile";
     }
     return {};

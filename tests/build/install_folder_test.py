@@ -1,0 +1,212 @@
+#!/usr/bin/env python3
+"""No spelling gets a folder emptied that must stay.
+
+Everything happens on a drive of the test's own, a link in the Wine prefix to a temporary folder, and
+the guarded places lie on it too: where a guard fails, that folder is all that is lost.
+"""
+
+import os
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+TOOL, PREFIX, *WINE = sys.argv[1:]
+PREFIX = pathlib.Path(PREFIX) / os.environ.get("VESK_PREFIX", "test")
+
+KEPT = ["program/veskbuild.exe", "cd/I386/LAYOUT.INF", "Windows/system32/kernel.dll",
+        "Windows/win.ini", "Program Files/Tool/tool.exe", "users/me/Documents/letter.txt",
+        "users/other/letter.txt", "work/sub/notes.txt", "Recycled/hidden/file", "file.txt"]
+
+# {D} is the drive that all lies on; {S} one that leads to its Windows, {U} one to its users. The
+# current folder is {D}\work\sub.
+REFUSED = r"""
+{D}
+{D}\
+{D}/
+{D}\\
+{D}\.
+{D}\ 
+{D}\.\.
+{D}\work\..
+{D}\work\..\
+{d}\WORK\..
+{D}/work/..
+{D}\nothing\..\..
+{D}\work\sub\..\..
+\
+/
+\\
+..\..
+..\../
+..\..\.
+..\..\work\..
+{D}work
+{D}..
+{D}.
+\\?\{D}\
+\\?\{D}\tree
+\\.\{D}\tree
+\??\{D}\tree
+//?/{D}/tree
+\\localhost\{L}$
+\\localhost\{L}$\
+\\localhost\{L}$\Windows
+\\127.0.0.1\{L}$\tree
+\\nohost\share
+\\nohost\share\tree
+{D}\program
+{D}\PROGRAM\
+{D}\program\.
+{D}\program.
+{D}\program...
+{D}\program 
+{D}\nothing\..\program
+..\..\program
+{D}\cd
+{D}\cd\I386\..
+{D}\Windows
+{D}\windows\
+{D}/Windows/
+{D}\Windows.
+{D}\Windows. .
+{D}\Windows\system32
+{D}\Windows\new\tree
+{D}\work\..\WINDOWS\System32
+short {D}\Windows
+short {D}\Windows\system32
+\Windows
+..\..\Windows\system32
+{S}\
+{S}\system32
+{S}\new
+{U}\me
+{D}\junction
+{D}\junction\
+{D}\junction\system32
+{D}\junction\new
+{D}\deep\drivers
+{D}\Program Files
+short {D}\Program Files
+short {D}\program
+{D}\users
+{D}\users\me
+{D}\users\other
+{D}\users\new
+{D}\users\me\Documents
+{D}\users\me\documents\
+{D}\Recycled
+{D}\Recycled\hidden
+{D}\file.txt
+{D}\file.txt\tree
+Q:\tree
+{D}\bad|name
+{D}\bad?name\x
+{D}\what*
+{D}\a:b
+{D}\nul
+{D}\com1\tree
+{D}\"quoted"
+{D}\tree\name. \x
+""".strip("\n").split("\n") + ["", " ", "\t", "x" * 300, "{D}\\" + "long\\" * 60]
+
+EMPTIED = {r"{D}\tree": r"{D}\tree", "{D}/tree/": r"{D}\tree", r" {D}\tree\\ ": r"{D}\tree",
+           r"{D}\work\..\tree": r"{D}\tree", "tree": r"{D}\work\sub\tree",
+           r"..\tree": r"{D}\work\tree", r"\new\deep\tree": r"{D}\new\deep\tree",
+           r"{D}\Program Files\VeskLive": r"{D}\Program Files\VeskLive",
+           r"{D}\users\me\Documents\tree": r"{D}\users\me\Documents\tree",
+           r"{D}\program\tree": r"{D}\program\tree", r"{D}\Windows2": r"{D}\Windows2",
+           "{D}\\\xe4 tree": "{D}\\\xe4 tree"}
+
+
+class InstallFolder(unittest.TestCase):
+    def setUp(self):
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="vesk-drive-"))
+        self.addCleanup(shutil.rmtree, self.folder)
+        for name in KEPT:
+            (self.folder / name).parent.mkdir(parents=True, exist_ok=True)
+            (self.folder / name).write_text("x")
+        os.symlink("Windows", self.folder / "junction")
+        os.symlink("Windows/system32", self.folder / "deep")
+        self.drive = self.link_drive(self.folder)
+        self.windows = self.link_drive(self.folder / "Windows")
+        self.users = self.link_drive(self.folder / "users")
+        self.assertEqual(self.outcomes(["hide {D}\\Recycled"])[0][1], "hidden")
+
+    def link_drive(self, folder):
+        """Takes a free letter for the folder, as another test may do at the same time."""
+        for letter in "tuvwxyrsqponmlkji":
+            link = PREFIX / "dosdevices" / f"{letter}:"
+            try:
+                os.symlink(folder, link)
+            except FileExistsError:
+                continue
+            self.addCleanup(os.unlink, link)
+            return letter.upper() + ":"
+        raise AssertionError("no drive letter is free")
+
+    def fill(self, text):
+        return text.format(D=self.drive, d=self.drive.lower(), L=self.drive[0], S=self.windows,
+                           U=self.users)
+
+    def outcomes(self, spellings):
+        text = "".join(self.fill(spelling) + "\r\n" for spelling in spellings)
+        result = subprocess.run(
+            [*WINE, TOOL, self.drive], input=text.encode("cp1252"), capture_output=True, timeout=100,
+            cwd=self.folder / "work/sub", check=False)
+        lines = result.stdout.decode("cp1252").splitlines()
+        self.assertEqual(len(lines), len(spellings), result.stderr)
+        return list(zip(spellings, lines))
+
+    def assert_all_there(self):
+        self.assertEqual([name for name in KEPT if not (self.folder / name).exists()], [])
+
+    def test_refused(self):
+        (self.folder / "tree").mkdir()
+        (self.folder / "tree/kept.txt").write_text("x")
+        taken = [row for row in self.outcomes(REFUSED) if not row[1].startswith("refused\t")]
+        self.assertEqual(taken, [])
+        self.assertGreater(len(REFUSED), 60)
+        self.assert_all_there()
+        self.assertTrue((self.folder / "tree/kept.txt").exists())
+
+    def test_reasons(self):
+        rows = [("{D}\\", "whole drive"), ("..\\..", "whole drive"),
+                ("{D}\\deep\\drivers", "lies in Windows"), ("{S}\\system32", "lies in Windows"),
+                ("{D}\\users\\me", "holds your user profile"), ("{U}\\other", "a user's profile"),
+                ("{D}\\PROGRAM", "holds this program"), ("{D}\\cd", "holds the Windows source"),
+                ("{D}\\Recycled\\hidden", "belongs to the system"),
+                ("{D}\\file.txt\\x", "is a file"), ("{D}x", "current folder"),
+                ("\\\\localhost\\{L}$\\x", "administrative share"), ("Q:\\x", "no such drive"),
+                ("\\\\nohost\\share\\x", "cannot be reached")]
+        outcomes = self.outcomes([spelling for spelling, _ in rows])
+        for (spelling, words), (_, outcome) in zip(rows, outcomes):
+            with self.subTest(spelling):
+                self.assertIn(words, outcome)
+
+    def test_foreign_files_among_programs(self):
+        self.assertEqual(self.outcomes(["{D}\\Program Files\\Tool"])[0][1],
+                         "kept\tit holds 1 file that no build made")
+        self.assert_all_there()
+
+    def test_emptied(self):
+        places = {}
+        for spelling, path in EMPTIED.items():
+            places[spelling] = self.folder / self.fill(path)[3:].replace("\\", "/")
+            (places[spelling] / "a/b.c").mkdir(parents=True, exist_ok=True)
+            for name in ("a/b.c/old.txt", "pebuilder.exe"):
+                (places[spelling] / name).write_text("x")
+            if not (places[spelling] / "link").is_symlink():
+                os.symlink(self.folder / "work", places[spelling] / "link")
+        for spelling, outcome in self.outcomes(list(EMPTIED)):
+            self.assertEqual(outcome, "emptied\t" + self.fill(EMPTIED[spelling]))
+            place = places[spelling]
+            # Wine cannot remove a link to a folder that holds something; Windows can.
+            self.assertIn(sorted(os.listdir(place)) if place.exists() else [], ([], ["link"]))
+        self.assert_all_there()
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])
