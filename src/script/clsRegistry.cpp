@@ -28,8 +28,10 @@ HKEY RootKey(std::uint32_t root) {
 RegistryKey OpenKey(std::uint32_t root, const std::string& keyPath, REGSAM access = kAccess) {
     RegistryKey key;
     HKEY opened = nullptr;
-    if (RegOpenKeyExA(RootKey(root), keyPath.c_str(), 0, access, &opened) == ERROR_SUCCESS)
+    const LSTATUS error = RegOpenKeyExA(RootKey(root), keyPath.c_str(), 0, access, &opened);
+    if (error == ERROR_SUCCESS)
         key.Reset(opened);
+    SetLastError(static_cast<DWORD>(error));
     return key;
 }
 
@@ -152,15 +154,20 @@ bool clsRegistry::SetKeyValue(std::uint32_t root, const std::string& keyPath,
                               std::uint32_t type) {
     // Without a key the data is converted all the same, and only the write fails.
     const RegistryKey key = OpenKey(root, keyPath);
+    const DWORD openError = GetLastError();
     const bool isWritten = type == kRegistryText || type == kRegistryBinary ||
                            type == kRegistryNumber || type == kRegistryTextList;
-    if (!isWritten)
+    if (!isWritten) {
+        SetLastError(ERROR_CALL_NOT_IMPLEMENTED);
         return false;
+    }
     const std::string bytes = RegistryBytes(data, type);
-    const bool held = RegSetValueExA(key.Get(), valueName.c_str(), 0, type,
-                                     reinterpret_cast<const BYTE*>(bytes.data()),
-                                     static_cast<DWORD>(bytes.size())) == ERROR_SUCCESS;
-    return type == kRegistryBinary ? !held : held;
+    const LSTATUS error = RegSetValueExA(key.Get(), valueName.c_str(), 0, type,
+                                         reinterpret_cast<const BYTE*>(bytes.data()),
+                                         static_cast<DWORD>(bytes.size()));
+    // Why the key could not be opened tells more than that there is no key to write to.
+    SetLastError(openError != ERROR_SUCCESS ? openError : static_cast<DWORD>(error));
+    return (error == ERROR_SUCCESS) != (type == kRegistryBinary);
 }
 
 std::string clsRegistry::QueryValue(std::uint32_t root, const std::string& keyPath,
@@ -178,11 +185,15 @@ void clsRegistry::DeleteKey(std::uint32_t root, const std::string& keyPath,
     RegDeleteKeyA(OpenKey(root, keyPath).Get(), subKey.c_str());
 }
 
-void clsRegistry::CreateNewKey(std::uint32_t root, const std::string& keyPath) {
+bool clsRegistry::CreateNewKey(std::uint32_t root, const std::string& keyPath) {
     HKEY created = nullptr;
-    if (RegCreateKeyExA(RootKey(root), keyPath.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
-                        kAccess, nullptr, &created, nullptr) == ERROR_SUCCESS)
+    const LSTATUS error =
+        RegCreateKeyExA(RootKey(root), keyPath.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
+                        kAccess, nullptr, &created, nullptr);
+    if (error == ERROR_SUCCESS)
         RegistryKey{created}.Reset();
+    SetLastError(static_cast<DWORD>(error));
+    return error == ERROR_SUCCESS;
 }
 
 bool clsRegistry::IsPathEmpty(std::uint32_t root, const std::string& keyPath) {

@@ -30,7 +30,7 @@ public:
     /// Writes one value into a key that exists already. Types 1 (text), 3 (binary), 4 (number) and
     /// 7 (list of texts) are written, other types are not.
     /// @return whether it was written; for type 3 the opposite; false for types that are not
-    /// written
+    /// written. The thread's last error says what became of it in every case.
     /// @throws Failure when the data cannot be taken as that type
     // Type 3's result and the missing type 2 are relied on as they are.
     static bool SetKeyValue(std::uint32_t root, const std::string& keyPath,
@@ -52,7 +52,8 @@ public:
                           const std::string& subKey);
 
     /// Creates a key with all missing levels above it; one that exists already is left as it is.
-    static void CreateNewKey(std::uint32_t root, const std::string& keyPath);
+    /// @return false when the registry refuses; the thread's last error then tells why
+    static bool CreateNewKey(std::uint32_t root, const std::string& keyPath);
 
     /// True when no value of the key has a name; the unnamed default value does not count.
     [[nodiscard]] static bool IsPathEmpty(std::uint32_t root, const std::string& keyPath);

@@ -1,5 +1,6 @@
 #include "script/modScript.h"
 
+#include "base/Problem.h"
 #include "base/modFile.h"
 #include "base/modSystemError.h"
 #include "script/clsRegistry.h"
@@ -22,17 +23,27 @@ public:
         if (context_.addLogLine)
             context_.addLogLine(line);
     }
+    // What the registry refuses does not end a script.
     void CreateKey(std::uint32_t root, const std::string& key) override {
-        clsRegistry::CreateNewKey(root, key);
+        if (!clsRegistry::CreateNewKey(root, key))
+            Report("registry key " + key + " not made", GetLastError());
     }
     void SetValue(std::uint32_t root, const std::string& key, const std::string& valueName,
                   const std::string& data, std::uint32_t type) override {
-        // What the registry refuses does not end a script.
         clsRegistry::SetKeyValue(root, key, valueName, data, type);
+        // Not the result: that of one type is turned round.
+        const DWORD error = GetLastError();
+        if (error != ERROR_SUCCESS)
+            Report("registry value " + key + "\\" + valueName + " not written", error);
     }
     void MakeFolder(const std::string& path) override { CreateFolder(path); }
 
 private:
+    void Report(const std::string& what, DWORD error) const {
+        if (context_.report)
+            context_.report(what, AsReason(SystemErrorText(error)));
+    }
+
     const ScriptContext& context_;
 };
 

@@ -1,7 +1,10 @@
 #include "script/modScriptText.h"
 
 #include "base/Failure.h"
+#include "base/Problem.h"
 #include "base/modText.h"
+
+#include <algorithm>
 
 namespace vesk {
 
@@ -145,20 +148,20 @@ std::vector<std::string> SplitScriptLines(std::string_view text) {
 }
 
 ScriptBody FindScriptBody(const std::vector<std::string>& lines, const std::string& sectionName) {
+    // From the back, so that each section line knows the next end without searching for it again.
     std::size_t start = 0;
     std::size_t end = 0;
-    // The last occurrence counts, but an end found for an earlier one is kept when the last has
-    // none; and without the section the whole file is its body.
-    for (std::size_t i = 0; i < lines.size(); ++i) {
-        if (LowerCase(lines[i]) != sectionName)
-            continue;
-        start = i + 1;
-        for (std::size_t j = start; j < lines.size(); ++j) {
-            if (EndsSection(lines[j])) {
-                end = j - 1;
-                break;
-            }
+    std::size_t nextEnd = 0; // 0: there is none behind
+    for (std::size_t i = lines.size(); i-- > 0;) {
+        if (LowerCase(lines[i]) == sectionName) {
+            // The last occurrence counts, but an end found for an earlier one is kept when the last
+            // has none; and without the section the whole file is its body.
+            start = std::max(start, i + 1);
+            if (end == 0 && nextEnd != 0)
+                end = nextEnd - 1;
         }
+        if (EndsSection(lines[i]))
+            nextEnd = i;
     }
     // An end of 0 means "none found", also when an empty section at the file's top ended there.
     return {start, end == 0 ? lines.size() - 1 : end};
@@ -179,8 +182,14 @@ void RunScript(const std::vector<std::string>& lines, const std::string& section
                const ScriptVariables& variables, ScriptTarget& target) {
     const ScriptBody body = FindScriptBody(lines, sectionName);
     Interpreter interpreter(variables, target);
-    for (std::size_t i = body.first; i <= body.last && i < lines.size(); ++i)
-        interpreter.RunLine(lines[i]);
+    for (std::size_t i = body.first; i <= body.last && i < lines.size(); ++i) {
+        try {
+            interpreter.RunLine(lines[i]);
+        } catch (const Failure& failure) {
+            throw Failure(failure.number, failure.source, failure.what(),
+                          "line " + std::to_string(i + 1) + ": " + AsReason(failure.reason));
+        }
+    }
 }
 
 } // namespace vesk

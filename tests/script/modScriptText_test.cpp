@@ -2,6 +2,7 @@
 
 #include "base/Failure.h"
 
+#include <chrono>
 #include <doctest/doctest.h>
 
 using namespace vesk;
@@ -72,6 +73,15 @@ TEST_CASE("which lines belong to a section") {
         CHECK(body.first == row.expected.first);
         CHECK(body.last == row.expected.last);
     }
+}
+
+TEST_CASE("a script that repeats its section line without end takes no longer than others") {
+    std::string script;
+    for (int i = 0; i < 200000; ++i)
+        script += "[base]\n";
+    const auto start = std::chrono::steady_clock::now();
+    CHECK(FindScriptBody(SplitScriptLines(script), "[base]") == ScriptBody{200000, 199999});
+    CHECK(std::chrono::steady_clock::now() - start < std::chrono::seconds(5));
 }
 
 TEST_CASE("variables stand at the very start of an argument") {

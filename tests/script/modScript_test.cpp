@@ -57,6 +57,11 @@ dirmake,%ProgramPath%\not
     CHECK(log.back() == "  Directory Create: " + (folder / "made"));
     CHECK(FolderExists(folder / "made"));
     CHECK_FALSE(FolderExists(folder / "not"));
+    // What was not done is told, though nothing of it ends the script.
+    REQUIRE(problems.size() == 3);
+    CHECK(problems[0].find("Demo\\Expand not written, ") != std::string::npos);
+    CHECK(problems[1].find("None\\Lost not written, ") != std::string::npos);
+    CHECK(problems[2].find("Demo\\Path not written, ") != std::string::npos);
     const std::string told = RegQuery();
     CAPTURE(told);
     for (const char* part : {"\\Demo\\Deep\n", " Cut REG_DWORD 0x0\n", " Path REG_SZ D:\\source\n"})
