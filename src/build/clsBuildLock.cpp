@@ -1,8 +1,9 @@
 #include "build/clsBuildLock.h"
 
 #include "archive/clsCRC.h"
-#include "base/modFile.h"
+#include "base/RealPath.h"
 #include "base/modText.h"
+#include "base/modWide.h"
 
 #include <windows.h>
 
@@ -15,26 +16,11 @@ namespace {
 
 constexpr DWORD kNoteSize = 512;
 
-/// One name for one folder, however it is spelled. The folder may be missing.
-std::string CanonicalName(const std::string& path) {
-    std::string existing = path;
-    std::string missing;
-    while (!FolderExists(existing) && !ParentOf(existing).empty()) {
-        missing = "\\" + FileNameOf(existing) + missing;
-        existing = ParentOf(existing);
-    }
-    std::array<char, 1024> longForm{};
-    const DWORD length =
-        GetLongPathNameA(existing.c_str(), longForm.data(), static_cast<DWORD>(longForm.size()));
-    std::string name =
-        (length != 0 && length < longForm.size() ? longForm.data() : existing) + missing;
-    CharUpperBuffA(name.data(), static_cast<DWORD>(name.size()));
-    return name;
-}
-
 /// Object names hold no backslashes and are short: two checksums of the path stand for it.
 std::string NoteName(const std::string& path) {
-    const std::string name = CanonicalName(path);
+    std::wstring real = RealPath(Widen(path));
+    CharUpperBuffW(real.data(), static_cast<DWORD>(real.size()));
+    const std::string name = Narrowed(real);
     const auto number = [](const std::string& text) {
         return std::to_string(static_cast<std::uint32_t>(clsCRC().CalculateString(text)));
     };

@@ -3,6 +3,7 @@
 #include "archive/clsCRC.h"
 #include "archive/modArchive.h"
 #include "base/Failure.h"
+#include "base/Trace.h"
 #include "base/modDate.h"
 #include "base/modFile.h"
 #include "base/modText.h"
@@ -53,8 +54,9 @@ public:
 
     BuildOutcome Run() {
         outcome_.ending = RunToEnding();
-        context_.ResumeNext({context_.InstallFolder(), "still marked as unfinished"},
-                            [this] { inputs_.installFolder.Unmark(); });
+        if (outcome_.ending == BuildEnding::Done)
+            context_.ResumeNext({context_.InstallFolder(), "still marked as unfinished"},
+                                [this] { inputs_.installFolder.Unmark(); });
         context_.Status("Done");
         frontEnd_.EnterFinishedState(outcome_);
         return outcome_;
@@ -70,6 +72,7 @@ private:
     DownloadOutcome Download(const CatalogueEntry& component);
     void RemoveLeftovers(const CatalogueEntry& component);
     bool RemoveOldTree();
+    void MarkTree();
     void InstallBaseComponents();
     void InstallBaseComponent(std::size_t index);
     void CreateTree();
@@ -281,13 +284,21 @@ bool clsBuildRun::Steps::RemoveOldTree() {
     context_.Log("Removing directory: " + folder.Path());
     frontEnd_.LetEventsRun();
     if (FolderExists(folder.Path()))
-        context_.ResumeNext({folder.Path(), "not marked as unfinished"}, [&] { folder.Mark(); });
+        MarkTree();
     DeleteFolderLogged(context_, clsRemovableTree::Of(folder));
     if (!HoldsLink(folder.Path()))
         return true;
     context_.Log("ERROR: a link in the old folder could not be removed: " + folder.Path());
     Give(folder.Path(), "not built", "a link in the old folder could not be removed");
     return false;
+}
+
+/// The mark is no part of what the user asked for: where it cannot be made, what follows fails and
+/// is told.
+void clsBuildRun::Steps::MarkTree() {
+    ResumeNext([](const Problem& problem) { Trace(problem.Line()); },
+               {context_.InstallFolder(), "not marked as unfinished"},
+               [this] { inputs_.installFolder.Mark(); });
 }
 
 void clsBuildRun::Steps::InstallBaseComponents() {
@@ -356,6 +367,9 @@ void clsBuildRun::Steps::NotePeBuilder(const CatalogueEntry& component,
     outcome_.hasPeBuilder = opened && outcome.extracted > 0;
     if (!outcome_.hasPeBuilder)
         outcome_.reason = component.zip + " could not be extracted";
+    else if (!FileExists(context_.InstallFolder() + "\\pebuilder.exe"))
+        context_.report({component.zip, "pebuilder.exe not in the tree",
+                         "the shortcuts lead to nothing without it"});
 }
 
 void clsBuildRun::Steps::CreateTree() {
@@ -364,8 +378,7 @@ void clsBuildRun::Steps::CreateTree() {
         context_.ResumeNext({folder, "not made"}, [&] { CreateFolderLogged(context_, folder); });
     };
     create(context_.InstallFolder());
-    context_.ResumeNext({context_.InstallFolder(), "not marked as unfinished"},
-                        [this] { inputs_.installFolder.Mark(); });
+    MarkTree();
     create(pluginFolder);
     for (const CategoryRecord& category : catalogue_.categories)
         create(pluginFolder + "\\" + category.value);
@@ -385,8 +398,7 @@ ExtractionOutcome clsBuildRun::Steps::Extract(const CatalogueEntry& component,
                                               const std::string& folder) {
     const std::string archive = ArchivePath(component);
     context_.Log("Archive:  " + archive);
-    context_.ResumeNext({context_.InstallFolder(), "not marked as unfinished"},
-                        [this] { inputs_.installFolder.Mark(); });
+    MarkTree();
     ExtractionOwner owner;
     owner.password = [&](bool wrongBefore) {
         return frontEnd_.AskPassword(component.zip, wrongBefore);

@@ -1,5 +1,6 @@
 #include "build/clsFolderGuard.h"
 
+#include "base/RealPath.h"
 #include "base/UniqueHandle.h"
 #include "base/modFile.h"
 #include "base/modSpecialFolder.h"
@@ -94,34 +95,12 @@ std::vector<Level> WayUp(std::wstring path) {
     }
 }
 
-/// The path without links and other names for places on its way; nothing where the system cannot
-/// tell (before Windows Vista).
-std::optional<std::wstring> RealPath(const std::wstring& path) {
-    using Function = DWORD(WINAPI*)(HANDLE, LPWSTR, DWORD, DWORD);
-    static const auto function = reinterpret_cast<Function>(reinterpret_cast<void*>(
-        GetProcAddress(GetModuleHandleA("kernel32.dll"), "GetFinalPathNameByHandleW")));
-    const FileHandle folder = OpenFolder(path);
-    if (function == nullptr || !folder)
-        return std::nullopt;
-    std::wstring real(32768, L'\0'); // the system's own limit
-    real.resize(function(folder.Get(), real.data(), static_cast<DWORD>(real.size()), 0));
-    real = WithoutLongPrefix(real);
-    const bool isPath = real.starts_with(L"\\\\") || (real.size() > 2 && real[1] == L':');
-    return isPath ? std::optional(real) : std::nullopt;
-}
-
 /// A folder's way up by its name and, where that is another one, by its real path.
 std::vector<std::vector<Level>> WaysUp(const std::string& folder) {
     std::vector<std::vector<Level>> ways{WayUp(Widen(folder))};
-    const auto existing = std::ranges::find(ways[0], false, &Level::IsMissing);
-    if (existing == ways[0].end())
-        return ways;
-    const std::wstring missing = ways[0].front().path.substr(existing->path.size());
-    const auto real = RealPath(existing->path);
-    if (real && !SamePath(*real, existing->path))
-        ways.push_back(
-            WayUp(*real + (real->ends_with(L'\\') && missing.starts_with(L'\\') ? missing.substr(1)
-                                                                                : missing)));
+    const std::wstring real = RealPath(ways[0].front().path);
+    if (!SamePath(real, ways[0].front().path))
+        ways.push_back(WayUp(real));
     return ways;
 }
 

@@ -25,6 +25,11 @@ constexpr std::array kTraces = {"vesklive.ini", "pebuilder.exe", "input.inf"};
 /// Room for "\Plugin\" and what PE Builder keeps below it, within the system's 260 characters.
 constexpr std::size_t kLongestPath = 200;
 
+bool HasTrace(const std::string& folder) {
+    return std::ranges::any_of(kTraces,
+                               [&](const char* name) { return FileExists(folder + "\\" + name); });
+}
+
 bool HasControlCharacter(const std::string& text) {
     return std::ranges::any_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x20; });
 }
@@ -81,6 +86,13 @@ void RefuseRoot(const std::string& path, const std::string& text) {
                             text);
 }
 
+void RefuseLength(std::size_t length) {
+    if (length > kLongestPath)
+        throw FolderRefused("The installation folder's path is too long: it has " +
+                            std::to_string(length) + " characters, and files in it need room; " +
+                            std::to_string(kLongestPath) + " are allowed.");
+}
+
 std::string CheckedPath(const std::string& typed) {
     const std::string text = TrimBlanks(typed);
     RefuseSpelling(text);
@@ -88,13 +100,10 @@ std::string CheckedPath(const std::string& typed) {
     try {
         path = AbsolutePath(text);
     } catch (const Failure&) {
+        RefuseLength(text.size());
         throw FolderRefused("The installation folder's name is not a path: " + text);
     }
-    if (path.size() > kLongestPath)
-        throw FolderRefused("The installation folder's path is too long: it has " +
-                            std::to_string(path.size()) +
-                            " characters, and files in it need room; " +
-                            std::to_string(kLongestPath) + " are allowed.");
+    RefuseLength(path.size());
     RefuseRoot(path, text);
     const std::size_t root = RootLength(path);
     path = path.substr(0, root) + WithoutTrailingBackslash(path.substr(root));
@@ -147,8 +156,7 @@ FolderContent clsInstallFolder::Content() const {
     using Kind = FolderContent::Kind;
     if (!FolderExists(path_))
         return {};
-    const auto isThere = [this](const char* name) { return FileExists(path_ + "\\" + name); };
-    if (isThere(kMarkName) || std::ranges::any_of(kTraces, isThere))
+    if (FileExists(path_ + "\\" + kMarkName) || HasTrace(path_))
         return {Kind::EarlierBuild, 0};
     bool empty = true;
     ForEachEntry(Widen(path_), [&](const FolderEntry&) { empty = false; });
@@ -166,7 +174,7 @@ void clsInstallFolder::Mark() const {
 
 void clsInstallFolder::Unmark() const {
     const std::string mark = path_ + "\\" + kMarkName;
-    if (FileExists(mark))
+    if (FileExists(mark) && HasTrace(path_))
         RemoveFile(mark);
 }
 

@@ -61,7 +61,7 @@ public:
     /// was cut off it is known as one. Makes the folder. @throws Failure
     void Mark() const;
 
-    /// Takes the mark away again.
+    /// Takes the mark away again, once the folder is known as a build's without it. @throws Failure
     void Unmark() const;
 
 private:

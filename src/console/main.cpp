@@ -69,13 +69,14 @@ ArchiveState StateOf(const std::string& programPath, const CatalogueEntry& entry
 }
 
 /// The Windows source as the options name it, and what it tells.
-std::string TakeSource(const ConsoleOptions& options, SourceState& source, Terminal& terminal) {
+SourceCheck TakeSource(const ConsoleOptions& options, SourceState& source) {
     if (!options.source)
-        return {};
-    const SourceCheck check = CheckSourceFolder(AbsolutePath(*options.source), source);
-    if (!check.usable)
-        terminal.Complain("no Windows installation source: " + check.path);
-    return check.path;
+        return {"", true, ""};
+    try {
+        return CheckSourceFolder(AbsolutePath(*options.source), source);
+    } catch (const Failure& failure) {
+        throw UsageError("--source: " + ReasonOf(failure));
+    }
 }
 
 /// A folder that holds what no build made is emptied only when the user says so in so many words.
@@ -92,9 +93,8 @@ void RequireConsent(const clsInstallFolder& folder, const ConsoleOptions& option
 
 /// Folders as the user's choices make them: the catalogue's own, or what the options name.
 BuildInputs MakeInputs(const ConsoleOptions& options, const std::string& programPath,
-                       const Catalogue& catalogue, Terminal& terminal) {
-    SourceState source;
-    const std::string sourceFolder = TakeSource(options, source, terminal);
+                       const Catalogue& catalogue, const std::string& sourceFolder,
+                       const SourceState& source) {
     const std::string folder =
         options.install.value_or(catalogue.installRoot + "\\" + catalogue.installFolder);
     return {clsInstallFolder(folder, clsFolderGuard::OfSystem(programPath, sourceFolder)),
@@ -121,10 +121,15 @@ int RunBuild(const ConsoleOptions& options, const std::string& programPath, Cata
         terminal.Complain(load.sentence);
     TickAll(catalogue, options.enable, true, terminal);
     TickAll(catalogue, options.disable, false, terminal);
-    const BuildInputs inputs = MakeInputs(options, programPath, catalogue, terminal);
+    SourceState source;
+    const SourceCheck check = TakeSource(options, source);
+    const BuildInputs inputs = MakeInputs(options, programPath, catalogue, check.path, source);
     RequireConsent(inputs.installFolder, options);
     WatchForInterrupt();
     ConsoleFrontEnd frontEnd(options, programPath, terminal);
+    if (!check.usable)
+        frontEnd.ReportProblem(
+            {check.path, "not usable as Windows source", "it has no I386 folder of a Windows CD"});
     const BuildOutcome outcome = clsBuildRun(inputs, catalogue, frontEnd).Run();
     const bool isWhole = load.state == CatalogueState::Whole && Terminal::OutputIsWhole();
     return ExitCodeOf(outcome, frontEnd.HasProblems() || !isWhole);

@@ -2,10 +2,12 @@
 """veskbuild's contract: streams, questions, exit codes, and care for what is the user's."""
 
 import os
+import socket
+import subprocess
 import sys
 import unittest
 
-from program import ProgramTest, windows_path, zip_bytes
+from program import WINE, ProgramTest, contents_below, windows_path, zip_bytes
 
 
 class Console(ProgramTest):
@@ -14,6 +16,9 @@ class Console(ProgramTest):
         for arguments, words in (
                 (["--wrong"], '"--wrong"'), (["--install"], "--install needs a value"),
                 (["--enable", "Nobody"], '"Nobody"'), (["--yes", "--no"], "exclude each other"),
+                (["--install", "--yes"], 'not "--yes"'), (["--timeout", "-1"], "seconds"),
+                (["--timeout", "soon"], "seconds"), (["--install", "x" * 1600], "too long"),
+                (["--install", "Q:\\x"], "no such drive"), (["--install", "C:\\a|b"], "name"),
                 (["--proxy", "x"], "HOST:PORT"), (["--install", "C:\\"], "drive"),
                 (["--install", windows_path(self.program)], "this program"),
                 (["--install", windows_path(self.folder)], "this program")):
@@ -28,15 +33,40 @@ class Console(ProgramTest):
         self.tree.mkdir()
         old = self.tree / "old.txt"
         old.write_text("x")
+        (self.tree / "input.inf").write_text("of an earlier build")
         for arguments in ([], ["--no"]):  # nobody to ask counts as No
-            code, lines, _ = self.build(*arguments)
+            code, lines, errors = self.build(*arguments)
             self.assertEqual(code, 3)
             self.assertEqual(lines, ["Aborted... [{DATE}]", "click 'Finish' to exit"])
+            self.assertIn("not built, the question whether to continue was answered No", errors)
             self.assertTrue(old.exists())
         code, lines, errors = self.build("--yes")
         self.assertEqual((code, errors), (0, ""))
         self.assertFalse(old.exists())
         self.assertEqual(lines[-1], "click 'Finish' to exit")
+
+    def test_a_folder_that_no_build_made(self):
+        self.write_small_catalogue()
+        (self.tree / "sub").mkdir(parents=True)
+        for name in ("letter.txt", "sub/photo.jpg"):
+            (self.tree / name).write_text("x")
+        for arguments in (["--yes"], [], ["--yes", "--quiet"]):
+            code, lines, errors = self.build(*arguments)
+            self.assertEqual((code, lines), (64, []))
+            self.assertIn("it holds 2 files that no build made: --replace-foreign", errors)
+            self.assertEqual(sorted(contents_below(self.tree)), ["letter.txt", "sub/photo.jpg"])
+        code, _, errors = self.build("--no", "--replace-foreign")
+        self.assertEqual(code, 3)
+        self.assertTrue((self.tree / "letter.txt").exists())
+        code, _, errors = self.build("--yes", "--replace-foreign")
+        self.assertEqual((code, errors), (0, ""))
+        self.assertFalse((self.tree / "sub").exists())
+
+    def test_a_folder_below_one_that_is_missing(self):
+        self.write_small_catalogue()
+        self.tree = self.folder / "new/deep/tree"
+        self.assertEqual(self.build()[0::2], (0, ""))
+        self.assertTrue((self.tree / "Plugin/100_tools/100_tools.inf").exists())
 
     def test_list_and_locked_entries(self):
         self.write_small_catalogue()
@@ -74,18 +104,69 @@ class Console(ProgramTest):
         self.assertIn('key Lock0: "maybe"', lines[0])
 
     def test_unreadable_catalogues(self):
-        code, lines, errors = self.build()
-        self.assertEqual(code, 1)
+        code, lines, errors = self.build("--yes")
+        self.assertEqual((code, lines), (64, []))
         self.assertIn("veskbuilder.ini: there is no such file", errors)
-        self.assertEqual(lines[-1], "click 'Finish' to exit")
         self.write_small_catalogue()
         catalogue = self.program / "veskbuilder.ini"
-        catalogue.write_text(catalogue.read_text().replace("Enabled1=0", "Enabled1=maybe"))
-        code, lines, errors = self.build("--yes")
+        whole = catalogue.read_text()
+        for damaged, words in ((whole.replace("Enabled1=0", "Enabled1=maybe"), 'key Enabled1: "maybe"'),
+                               (whole.replace("Enabled0=1", "Enabled0=maybe"), 'key Enabled0: "maybe"')):
+            catalogue.write_text(damaged)
+            kept = contents_below(self.program)
+            code, lines, errors = self.build("--yes")
+            self.assertEqual((code, lines), (64, []))
+            self.assertIn(words, errors)
+            self.assertIn("--partial", errors)
+            self.assertEqual(contents_below(self.program), kept)
+        catalogue.write_text(whole.replace("Enabled1=0", "Enabled1=maybe"))
+        code, lines, errors = self.build("--yes", "--partial")
         self.assertEqual(code, 1)
         self.assertIn('key Enabled1: "maybe"', errors)
         self.assertIn("   One", lines)
         self.assertTrue((self.tree / "pebuilder.exe").exists())
+        catalogue.write_text(whole.split("[Base]")[0])
+        self.assertEqual(self.build("--yes", "--partial")[0], 64)
+
+    def test_problems_are_kept_beside_the_log(self):
+        self.write_small_catalogue()
+        (self.program / "one.zip").write_bytes(b"damaged")
+        kept = self.program / "veskbuilder-problems.txt"
+        code, _, errors = self.build("--quiet")
+        self.assertEqual(code, 1)
+        self.assertTrue(errors.startswith("veskbuild: one.zip: not installed, "), errors)
+        self.assertEqual(kept.read_bytes(), errors.replace("veskbuild: ", "").replace("\n", "\r\n")
+                         .encode())
+        zip_bytes(self.program / "one.zip", {"one.inf": "[PEBuilder]\r\nName=One\r\n"})
+        self.assertEqual(self.build("--yes")[0::2], (0, ""))
+        self.assertFalse(kept.exists())
+
+    def test_without_pe_builder_there_is_no_usable_tree(self):
+        self.write_small_catalogue()
+        (self.program / "pebuilder3110a.zip").write_bytes(b"damaged")
+        code, lines, errors = self.build()
+        self.assertEqual(code, 5)
+        self.assertIn("veskbuild: pebuilder3110a.zip: not ", errors)
+        self.assertEqual(lines[-1], "click 'Finish' to exit")
+
+    def test_one_build_at_a_time(self):
+        self.write_small_catalogue()
+        crc = zip_bytes(self.program / "pebuilder3110a.zip", {"pebuilder.exe": "x"})
+        self.write_catalogue([("PE Builder", "pebuilder3110a.zip", "", 1, 1, "", crc)],
+                             [("Far", "far.zip", "100", 1, 0, "http://h/far.zip", "1")])
+        with socket.create_server(("127.0.0.1", 0)) as silent:
+            first = subprocess.Popen(
+                [*WINE, str(self.program / "veskbuild.exe"), "--install", windows_path(self.tree),
+                 "--proxy", f"127.0.0.1:{silent.getsockname()[1]}"],
+                stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+            silent.settimeout(50)
+            connection, _ = silent.accept()
+            code, lines, errors = self.build("--yes")
+            connection.close()
+            first.wait(50)
+        self.assertEqual((code, lines), (64, []))
+        self.assertRegex(errors, r"Another build is at work in .*: veskbuild.exe, process \d+")
+        self.assertEqual(self.build("--yes", "--disable", "Far")[0], 0)
 
     def test_help_and_version(self):
         code, lines, _ = self.run_program("--help")
@@ -102,6 +183,7 @@ class Console(ProgramTest):
         (outside / "kept.txt").write_text("x")
         (self.tree / "sub").mkdir(parents=True)
         (self.tree / "sub/old.txt").write_text("x")
+        (self.tree / "pebuilder.exe").write_text("of an earlier build")
         os.symlink(outside, self.tree / "Plugin")  # where the new tree is to be made
         code, lines, _ = self.build("--yes")
         # Where the system removes the link, the tree is made; where it cannot, nothing is written.
@@ -116,8 +198,9 @@ class Console(ProgramTest):
             "../escaped.txt": "x", "a/../../escaped.txt": "x", "C:\\escaped.txt": "x",
             "/escaped.txt": "x", "good.txt": "x"})
         self.write_catalogue([("PE Builder", "pebuilder3110a.zip", "", 1, 1, "", crc)])
-        code, _, _ = self.build()
-        self.assertEqual(code, 0)
+        code, _, errors = self.build()
+        self.assertEqual(code, 1)
+        self.assertEqual(errors.count("veskbuild: pebuilder3110a.zip: "), 4, errors)
         self.assertTrue((self.tree / "good.txt").exists())
         self.assertEqual(list(self.folder.rglob("escaped.txt")), [])
 

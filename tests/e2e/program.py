@@ -41,6 +41,7 @@ class ProgramTest(unittest.TestCase):
         self.program = self.folder / "program"
         self.program.mkdir()
         shutil.copy(PROGRAMS / "veskbuild.exe", self.program)
+        (self.program / "readme.txt").write_text("read me")
         self.tree = self.folder / "tree"
 
     def run_program(self, *arguments, stdin=subprocess.DEVNULL):

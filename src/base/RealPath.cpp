@@ -1,0 +1,70 @@
+#include "base/RealPath.h"
+
+#include "base/UniqueHandle.h"
+#include "base/modWide.h"
+
+#include <windows.h>
+
+namespace vesk {
+
+namespace {
+
+constexpr std::size_t kLongest = 32768; // the system's own limit
+
+bool Exists(const std::wstring& path) {
+    return GetFileAttributesW(LongPath(path).c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+/// Length of the part of a path that exists.
+std::size_t ExistingLength(const std::wstring& path) {
+    std::size_t length = path.size();
+    while (length > 0 && !Exists(path.substr(0, length))) {
+        const std::size_t backslash = path.rfind(L'\\', length - 1);
+        if (backslash == std::wstring::npos)
+            return 0;
+        // A drive's root needs its backslash: without it the drive's current folder is meant.
+        const bool isRoot = backslash == 2 && path[1] == L':' && length > 3;
+        length = isRoot ? backslash + 1 : backslash;
+    }
+    return length;
+}
+
+std::wstring LongNames(const std::wstring& path) {
+    std::wstring names(kLongest, L'\0');
+    names.resize(GetLongPathNameW(LongPath(path).c_str(), names.data(), kLongest));
+    return names.empty() ? path : WithoutLongPrefix(names);
+}
+
+/// Where an existing path leads; the path itself when the system cannot tell.
+std::wstring Resolved(const std::wstring& path) {
+    using Function = DWORD(WINAPI*)(HANDLE, LPWSTR, DWORD, DWORD);
+    static const auto function = reinterpret_cast<Function>(reinterpret_cast<void*>(
+        GetProcAddress(GetModuleHandleA("kernel32.dll"), "GetFinalPathNameByHandleW")));
+    const FileHandle file(CreateFileW(LongPath(path).c_str(), 0,
+                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                      nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+    if (function == nullptr || !file)
+        return LongNames(path);
+    std::wstring real(kLongest, L'\0');
+    real.resize(function(file.Get(), real.data(), kLongest, 0));
+    real = WithoutLongPrefix(real);
+    const bool isPath = real.starts_with(L"\\\\") || (real.size() > 2 && real[1] == L':');
+    return isPath ? real : LongNames(path);
+}
+
+} // namespace
+
+std::wstring RealPath(const std::wstring& path) {
+    const std::size_t length = ExistingLength(path);
+    if (length == 0)
+        return path;
+    const std::wstring real = Resolved(path.substr(0, length));
+    const std::wstring missing = path.substr(length);
+    if (real.ends_with(L'\\') && missing.starts_with(L'\\'))
+        return real + missing.substr(1);
+    return real.ends_with(L'\\') || missing.empty() || missing.starts_with(L'\\')
+               ? real + missing
+               : real + L"\\" + missing;
+}
+
+} // namespace vesk

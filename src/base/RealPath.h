@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+namespace vesk {
+
+/// The path that a path leads to: without links, short names and drives that stand for folders on
+/// its way, in UTF-16. What is missing at its end stays as it is; so does all of it where the
+/// system cannot tell (before Windows Vista, short names excepted).
+/// @param path absolute
+std::wstring RealPath(const std::wstring& path);
+
+} // namespace vesk
