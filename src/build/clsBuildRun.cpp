@@ -4,8 +4,10 @@
 #include "archive/modArchive.h"
 #include "base/Failure.h"
 #include "base/Trace.h"
+#include "base/UniqueHandle.h"
 #include "base/modDate.h"
 #include "base/modFile.h"
+#include "base/modSystemError.h"
 #include "base/modText.h"
 #include "build/BuildContext.h"
 #include "build/modBuildTree.h"
@@ -34,6 +36,18 @@ bool SystemIsConnected() {
 
 std::string WarningLine(const CatalogueEntry& component, const std::string& what) {
     return "Warning: " + component.zip + what;
+}
+
+/// An empty checksum means that there was nothing to read, and matches nothing.
+bool CrcMatches(const std::string& found, const std::string& expected) {
+    return !found.empty() && found == expected;
+}
+
+/// Why a file has no checksum.
+std::string WhyUnreadable(const std::string& path) {
+    const FileHandle file(CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                      OPEN_EXISTING, 0, nullptr));
+    return file ? "it is empty" : AsReason(SystemErrorText(GetLastError()));
 }
 
 } // namespace
@@ -91,11 +105,8 @@ private:
     [[nodiscard]] std::string ArchivePath(const CatalogueEntry& component) const {
         return inputs_.programPath + component.zip;
     }
-    /// An empty checksum means "no such file", and matches nothing.
-    [[nodiscard]] bool HasCrc(const std::string& path, const std::string& crc) const {
-        const std::string found =
-            clsCRC().CalculateFile(path, [this] { frontEnd_.LetEventsRun(); });
-        return !found.empty() && found == crc;
+    [[nodiscard]] std::string FileCrc(const std::string& path) const {
+        return clsCRC().CalculateFile(path, [this] { frontEnd_.LetEventsRun(); });
     }
     void Announce(const std::string& caption) {
         context_.Status(caption);
@@ -216,7 +227,7 @@ void clsBuildRun::Steps::LogHeader() {
 
 clsBuildRun::Steps::PeBuilder clsBuildRun::Steps::FetchPeBuilder() {
     const CatalogueEntry& component = catalogue_.baseComponents.front();
-    if (HasCrc(inputs_.programPath + kPeBuilderArchive, component.crc)) {
+    if (CrcMatches(FileCrc(inputs_.programPath + kPeBuilderArchive), component.crc)) {
         context_.Log("Skipping download of: PEBuilder v3.1.1.0a");
         return PeBuilder::GoOn;
     }
@@ -325,13 +336,15 @@ bool clsBuildRun::Steps::ArchiveIsThere(const CatalogueEntry& component) {
 
 /// Whether an archive that is there is the one that the catalogue means; logs and reports when not.
 bool clsBuildRun::Steps::ArchiveIsRight(const CatalogueEntry& component) {
-    if (HasCrc(ArchivePath(component), component.crc))
+    const std::string archive = ArchivePath(component);
+    const std::string found = FileCrc(archive);
+    if (CrcMatches(found, component.crc))
         return true;
     context_.Log(WarningLine(component, " CRC failed. !!!"));
     context_.report({component.zip, "not installed",
-                     component.crc.empty() ? "the catalogue has no CRC-32 for it"
-                                           : "its CRC-32 is not the one in the catalogue, or it "
-                                             "cannot be read"});
+                     found.empty() ? WhyUnreadable(archive)
+                                   : "its CRC-32 is " + found + " where the catalogue says " +
+                                         (component.crc.empty() ? "nothing" : component.crc)});
     return false;
 }
 

@@ -1,0 +1,39 @@
+#include "base/Problem.h"
+
+#include "base/Failure.h"
+#include "base/ResumeNext.h"
+
+#include <doctest/doctest.h>
+
+#include <new>
+#include <vector>
+
+using namespace vesk;
+
+TEST_CASE("a sentence becomes the end of another one") {
+    struct Row {
+        const char* sentence;
+        const char* reason;
+    };
+    for (const Row& row :
+         {Row{"Disk full.", "disk full"}, Row{"Access denied.\r\n", "access denied"},
+          Row{"HTTP/1.1 404 Not Found", "HTTP/1.1 404 Not Found"}, Row{"A", "A"}, Row{"", ""},
+          Row{"I386 is missing", "I386 is missing"}, Row{" two\nlines\x01.. ", "two lines"}})
+        CHECK(AsReason(row.sentence) == row.reason);
+}
+
+TEST_CASE("what fails is reported once, with the reason alone, and the run goes on") {
+    std::vector<std::string> lines;
+    const ProblemReport report = [&](const Problem& problem) { lines.push_back(problem.Line()); };
+    const Attempt attempt{"a.zip: b.txt", "not written"};
+    CHECK(ResumeNext(report, attempt, [] {}));
+    CHECK(lines.empty());
+    CHECK_FALSE(ResumeNext(report, attempt, [] {
+        throw Failure(112, "x", "cannot write C:\\b.txt: Disk full.", "Disk full.");
+    }));
+    CHECK_FALSE(ResumeNext(report, attempt, [] { throw Failure(9, "x", "No category."); }));
+    CHECK_FALSE(ResumeNext(report, attempt, [] { throw std::bad_alloc(); }));
+    CHECK(lines == std::vector<std::string>{"a.zip: b.txt: not written, disk full",
+                                            "a.zip: b.txt: not written, no category",
+                                            "a.zip: b.txt: not written, not enough memory"});
+}

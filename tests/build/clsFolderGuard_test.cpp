@@ -1,0 +1,74 @@
+#include "build/clsFolderGuard.h"
+
+#include "TestFolder.h"
+#include "base/modSpecialFolder.h"
+#include "base/modText.h"
+#include "build/clsInstallFolder.h"
+
+using namespace vesk;
+using vesk::test::TestFolder;
+
+// Only asks: nothing is emptied here.
+TEST_CASE("the system's and the user's own folders are guarded") {
+    const TestFolder folder;
+    const auto guard = clsFolderGuard::OfSystem(folder / "program\\", folder / "cd\\");
+    folder.Write("program\\x", "x");
+    folder.Write("cd\\x", "x");
+    for (const SpecialFolder special :
+         {SpecialFolder::Windows, SpecialFolder::System, SpecialFolder::Fonts,
+          SpecialFolder::CommonAppData, SpecialFolder::ProgramFiles,
+          SpecialFolder::ProgramFilesCommon, SpecialFolder::UserProfile, SpecialFolder::AppData,
+          SpecialFolder::LocalAppData, SpecialFolder::Documents, SpecialFolder::Desktop,
+          SpecialFolder::StartMenu, SpecialFolder::CommonStartMenu, SpecialFolder::CommonDesktop}) {
+        const std::string path = SpecialFolderPath(special);
+        CAPTURE(path);
+        REQUIRE_FALSE(path.empty());
+        CHECK_FALSE(guard.Objection(path).empty());
+        CHECK_FALSE(guard.Objection(ParentOf(path)).empty());
+    }
+    for (const SpecialFolder whole :
+         {SpecialFolder::Windows, SpecialFolder::CommonAppData, SpecialFolder::ProgramFilesCommon})
+        CHECK(guard.Objection(SpecialFolderPath(whole) + "\\new\\tree").find("lies in") !=
+              std::string::npos);
+    CHECK(guard.Objection(folder.Path()).find("holds this program") != std::string::npos);
+    CHECK(guard.Objection(folder / "cd").find("holds the Windows source") != std::string::npos);
+    CHECK(guard.Objection(folder / "program\\tree").empty());
+    // The catalogue may place the tree among the programs, but nothing else goes there.
+    const std::string amongPrograms = SpecialFolderPath(SpecialFolder::ProgramFiles) + "\\VeskLive";
+    CHECK(guard.Objection(amongPrograms).empty());
+    CHECK(guard.KeepsForeign(amongPrograms));
+    CHECK_FALSE(guard.KeepsForeign(folder / "tree"));
+}
+
+TEST_CASE("an installation folder tells what stands in it") {
+    const TestFolder folder;
+    const clsInstallFolder tree(folder / "tree\\", clsFolderGuard({}));
+    using Kind = FolderContent::Kind;
+    CHECK(tree.Path() == folder / "tree");
+    CHECK(tree.PluginFolder() == folder / "tree\\Plugin");
+    CHECK(tree.Content().kind == Kind::Missing);
+    CreateFolderPath(folder / "tree");
+    CHECK(tree.Content().kind == Kind::Empty);
+    CreateFolderPath(folder / "tree\\sub\\deep");
+    CHECK(tree.Content().kind == Kind::Foreign);
+    CHECK(tree.Content().ForeignWords() == "it holds folders that no build made");
+    folder.Write("tree\\sub\\deep\\a", "x");
+    CHECK(tree.Content().ForeignWords() == "it holds 1 file that no build made");
+    folder.Write("tree\\b", "x");
+    CHECK(tree.Content().ForeignWords() == "it holds 2 files that no build made");
+    for (const char* trace : {"vesklive.ini", "pebuilder.exe", "input.inf"}) {
+        folder.Write(std::string("tree\\sub\\") + trace, "x"); // elsewhere it means nothing
+        CHECK(tree.Content().kind == Kind::Foreign);
+        const std::string path = folder.Write(std::string("tree\\") + trace, "x");
+        CHECK(tree.Content().kind == Kind::EarlierBuild);
+        RemoveFile(path);
+    }
+    // The mark stays until something else tells that a build made the tree.
+    tree.Mark();
+    CHECK(tree.Content().kind == Kind::EarlierBuild);
+    tree.Unmark();
+    CHECK(tree.Content().kind == Kind::EarlierBuild);
+    folder.Write("tree\\vesklive.ini", "x");
+    tree.Unmark();
+    CHECK_FALSE(FileExists(folder / "tree\\" + clsInstallFolder::kMarkName));
+}
