@@ -63,10 +63,12 @@ void RelocateStockPlugin(BuildContext& context, const StockPlugin& plugin) {
     const auto relocate = [&plugin](BuildContext& in) {
         RelocatePluginToCategory(in, plugin.inf, plugin.prefix);
     };
-    if (!FolderExists(folder) && !FileExists(folder)) {
+    if (!FolderExists(folder)) {
         BuildContext absent = context;
         absent.report = [](const Problem&) {};
         absent.ResumeNext({}, [&] { relocate(absent); });
+        if (FileExists(folder))
+            context.report({folder, "not moved into its category", "it is a file"});
         return;
     }
     context.ResumeNext({inf, "not edited"}, [&] { RequireReadable(inf); });

@@ -13,8 +13,10 @@ import sys
 import tempfile
 import unittest
 
-TOOL, PREFIX, *WINE = sys.argv[1:]
-PREFIX = pathlib.Path(PREFIX) / os.environ.get("VESK_PREFIX", "test")
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "e2e"))
+from program import link_drive  # noqa: E402
+
+TOOL, *WINE = sys.argv[1:]
 
 KEPT = ["program/veskbuild.exe", "cd/I386/LAYOUT.INF", "Windows/system32/kernel.dll",
         "Windows/win.ini", "Program Files/Tool/tool.exe", "users/me/Documents/letter.txt",
@@ -130,22 +132,10 @@ class InstallFolder(unittest.TestCase):
             (self.folder / name).write_text("x")
         os.symlink("Windows", self.folder / "junction")
         os.symlink("Windows/system32", self.folder / "deep")
-        self.drive = self.link_drive(self.folder)
-        self.windows = self.link_drive(self.folder / "Windows")
-        self.users = self.link_drive(self.folder / "users")
+        self.drive = link_drive(self, self.folder)
+        self.windows = link_drive(self, self.folder / "Windows")
+        self.users = link_drive(self, self.folder / "users")
         self.assertEqual(self.outcomes(["hide {D}\\Recycled"])[0][1], "hidden")
-
-    def link_drive(self, folder):
-        """Takes a free letter for the folder, as another test may do at the same time."""
-        for letter in "tuvwxyrsqponmlkji":
-            link = PREFIX / "dosdevices" / f"{letter}:"
-            try:
-                os.symlink(folder, link)
-            except FileExistsError:
-                continue
-            self.addCleanup(os.unlink, link)
-            return letter.upper() + ":"
-        raise AssertionError("no drive letter is free")
 
     def fill(self, text):
         return text.format(D=self.drive, d=self.drive.lower(), L=self.drive[0], S=self.windows,

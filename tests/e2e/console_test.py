@@ -7,7 +7,8 @@ import subprocess
 import sys
 import unittest
 
-from program import WINE, ProgramTest, contents_below, windows_path, zip_bytes
+from program import (WINE, ProgramTest, contents_below, link_drive, windows_path,
+                     zip_bytes)
 
 
 class Console(ProgramTest):
@@ -61,6 +62,24 @@ class Console(ProgramTest):
         code, _, errors = self.build("--yes", "--replace-foreign")
         self.assertEqual((code, errors), (0, ""))
         self.assertFalse((self.tree / "sub").exists())
+
+    def test_no_spelling_empties_a_drive(self):
+        """From a folder of a drive of the test's own, so that a failure costs nothing else."""
+        self.write_small_catalogue()
+        work = self.folder / "work"
+        work.mkdir()
+        (work / "notes.txt").write_text("x")
+        letter = link_drive(self, self.folder)
+        kept = contents_below(self.folder)
+        for spelling in ("{D}", "{D}\\", "{D}/", "{D}\\.", "{D}\\\\", "{D}\\ ", "\\", "/", "..",
+                         "..\\", "{d}\\work\\..", "{D}\\nothing\\..", "{D}.", "{D}..", "\\\\?\\{D}\\",
+                         "\\\\localhost\\{L}$", "{D}\\program", "..\\PROGRAM.", "{D}work"):
+            text = spelling.format(D=letter, d=letter.lower(), L=letter[0])
+            with self.subTest(text):
+                code, lines, errors = self.run_program(
+                    "--install", text, "--yes", "--replace-foreign", cwd=work)
+                self.assertEqual((code, lines), (64, []), errors)
+                self.assertEqual(contents_below(self.folder), kept)
 
     def test_a_folder_below_one_that_is_missing(self):
         self.write_small_catalogue()
@@ -196,7 +215,7 @@ class Console(ProgramTest):
     def test_hostile_members_stay_inside(self):
         crc = zip_bytes(self.program / "pebuilder3110a.zip", {
             "../escaped.txt": "x", "a/../../escaped.txt": "x", "C:\\escaped.txt": "x",
-            "/escaped.txt": "x", "good.txt": "x"})
+            "/escaped.txt": "x", "good.txt": "x", "pebuilder.exe": "x"})
         self.write_catalogue([("PE Builder", "pebuilder3110a.zip", "", 1, 1, "", crc)])
         code, _, errors = self.build()
         self.assertEqual(code, 1)

@@ -3,6 +3,7 @@
 Tests are started with the folder of the programs and the command that runs them.
 """
 
+import os
 import pathlib
 import re
 import shutil
@@ -32,6 +33,20 @@ def zip_bytes(path, members):
     return f"{zlib.crc32(path.read_bytes()):X}"
 
 
+def link_drive(test, folder):
+    """Gives a test a drive that is the folder. Another test may take a letter at the same time."""
+    prefix = TOP / "build/wine" / os.environ.get("VESK_PREFIX", "test")
+    for letter in "tuvwxyrsqponmlkji":
+        link = prefix / "dosdevices" / f"{letter}:"
+        try:
+            os.symlink(folder, link)
+        except FileExistsError:
+            continue
+        test.addCleanup(os.unlink, link)
+        return letter.upper() + ":"
+    raise AssertionError("no drive letter is free")
+
+
 class ProgramTest(unittest.TestCase):
     """Each test has its own folder: program/ with veskbuild.exe, and tree as installation folder."""
 
@@ -44,10 +59,10 @@ class ProgramTest(unittest.TestCase):
         (self.program / "readme.txt").write_text("read me")
         self.tree = self.folder / "tree"
 
-    def run_program(self, *arguments, stdin=subprocess.DEVNULL):
+    def run_program(self, *arguments, stdin=subprocess.DEVNULL, cwd=None):
         result = subprocess.run(
             [*WINE, str(self.program / "veskbuild.exe"), *arguments],
-            stdin=stdin, capture_output=True, timeout=60, encoding="cp1252")
+            stdin=stdin, capture_output=True, timeout=60, encoding="cp1252", cwd=cwd)
         # Wine itself complains that Z: has no volume label.
         errors = [line for line in result.stderr.splitlines(True) if not line.startswith("wine: ")]
         return result.returncode, result.stdout.splitlines(), "".join(errors)

@@ -1,0 +1,173 @@
+#!/usr/bin/env python3
+"""What a build did not do is told, each thing once, and nothing else is: on the error output, in the
+exit code, and in the file beside the log."""
+
+import os
+import pathlib
+import shutil
+import struct
+import subprocess
+import unittest
+import zipfile
+import zlib
+
+import sys
+from program import ProgramTest, contents_below, windows_path, zip_bytes
+
+INF = "[PEBuilder]\r\nName=Tool\r\nEnable=1\r\n"
+BIG = "0123456789abcdef" * 4096
+
+
+def crc_of(path):
+    return f"{zlib.crc32(path.read_bytes()):X}"
+
+
+class Truth(ProgramTest):
+    def setUp(self):
+        super().setUp()
+        self.plugins = []
+        self.base = zip_bytes(self.program / "pebuilder3110a.zip", {"pebuilder.exe": "x"})
+
+    def add(self, name, content=None, members=None):
+        """Adds a plug-in whose archive is the given bytes, or holds these members."""
+        path = self.program / name
+        if members is not None:
+            zip_bytes(path, members)
+        elif content is not None:
+            path.write_bytes(content)
+        crc = crc_of(path) if path.exists() else "1"
+        self.plugins.append((name.rsplit(".", 1)[0], name, "100", 1, 0, "", crc))
+        return path
+
+    def recrc(self, path, content):
+        path.write_bytes(content)
+        self.plugins = [(*entry[:6], crc_of(path)) if entry[1] == path.name else entry
+                        for entry in self.plugins]
+
+    def build_plugins(self, *arguments):
+        self.write_catalogue([("PE Builder", "pebuilder3110a.zip", "", 1, 1, "", self.base)],
+                             self.plugins)
+        code, lines, errors = self.build(*arguments)
+        problems = [line.removeprefix("veskbuild: ") for line in errors.splitlines()]
+        kept = self.program / "veskbuilder-problems.txt"
+        saved = kept.read_bytes().decode("cp1252") if kept.exists() else ""
+        self.assertEqual(saved, "".join(problem + "\r\n" for problem in problems))
+        self.assertEqual(lines[-1], "click 'Finish' to exit")
+        return code, problems, lines
+
+    def damaged_archives(self):
+        """Archives that cannot be extracted whole, with the places and words they are told in."""
+        good = {"tool.inf": INF, "files/big.bin": BIG}
+        path = self.add("bit.zip", members=good)
+        content = bytearray(path.read_bytes())
+        content[content.index(b"files/big.bin") + 40] ^= 0x55
+        self.recrc(path, bytes(content))
+        path = self.add("cut.zip", members=good)
+        self.recrc(path, path.read_bytes()[:-30])
+        path = self.add("locked.zip", members=good)
+        content = bytearray(path.read_bytes())
+        for signature, flags in ((b"PK\1\2", 8), (b"PK\3\4", 6)):
+            content[content.rindex(signature) + flags] |= 1
+        self.recrc(path, bytes(content))
+        path = self.add("method.zip", members={"tool.inf": INF})
+        with zipfile.ZipFile(path, "a", zipfile.ZIP_LZMA) as archive:
+            archive.writestr("files/big.bin", BIG)
+        self.recrc(path, path.read_bytes())
+        self.add("text.zip", b"this is no archive")
+        self.add("junk.cab", b"MSCF" + bytes(range(60)))
+        self.add("empty.cab", b"MSCF" + struct.pack("<5I2B5H", 0, 60, 0, 44, 0, 3, 1, 0, 1, 0, 0, 0)
+                 + b"\0" * 16)
+        self.add("names.zip", members={"tool.inf": INF, "../up.txt": "x", "nul": "x", "a:b": "x"})
+        self.add("twice.zip", members={"tool.inf": INF, "a.txt": "1", "A.TXT": "2"})
+        self.add("other.rar", b"Rar!")
+        self.add("gone.zip")
+        return [("bit.zip: files\\big.bin: not written, ", 1), ("cut.zip: ", 1),
+                ("locked.zip: files\\big.bin: not written, ", 1),
+                ("method.zip: files\\big.bin: not written, ", 1), ("text.zip: not extracted, ", 1),
+                ("junk.cab: not extracted", 1), ("empty.cab: not extracted", 1),
+                ("names.zip: ", 3), ("twice.zip: ", 1), ("other.rar: not extracted, ", 1),
+                ("gone.zip: not installed, ", 1)]
+
+    def test_failing_archives(self):
+        expected = self.damaged_archives()
+        code, problems, _ = self.build_plugins("--quiet")
+        self.assertEqual(code, 1)
+        for start, count in expected:
+            with self.subTest(start):
+                self.assertEqual(len([p for p in problems if p.startswith(start)]), count, problems)
+        self.assertEqual(len(problems), sum(count for _, count in expected), problems)
+        self.assertEqual(list(self.folder.rglob("up.txt")), [])
+        tree = contents_below(self.tree / "Plugin/100_tools")
+        for name in ("bit", "locked", "method", "names", "twice"):
+            self.assertIn(f"{name}/tool.inf", tree)
+            self.assertNotIn(f"{name}/files/big.bin", tree)
+
+    def test_a_whole_build_is_silent(self):
+        self.add("one.zip", members={"one.inf": INF, "./sub//b.txt": "x"})
+        for arguments in ([], ["--yes"]):
+            code, problems, _ = self.build_plugins(*arguments)
+            self.assertEqual((code, problems), (0, []))
+
+    def test_a_file_in_the_place_of_a_stock_plugin(self):
+        self.base = zip_bytes(self.program / "pebuilder3110a.zip",
+                              {"pebuilder.exe": "x", "Plugin/bootfix": "a file"})
+        code, problems, _ = self.build_plugins()
+        self.assertEqual(code, 1)
+        self.assertEqual(len(problems), 1)
+        self.assertIn("Plugin\\bootfix: not moved into its category, ", problems[0])
+        self.assertEqual((self.tree / "Plugin/bootfix").read_text(), "a file")
+        self.assertNotIn("[0]", (self.tree / "vesklive.ini").read_text())
+
+    def test_scripts(self):
+        self.base = zip_bytes(self.program / "pebuilder3110a.zip", {
+            "pebuilder.exe": "x", "x.script": "[base]\r\ndirmake,%ProgramPath%\\a\r\n"
+            "regwrite,HKCU,0x1,Software\\No such key,Name,data\r\ndirmake\r\n[end]\r\n"})
+        code, problems, lines = self.build_plugins()
+        self.assertEqual(code, 1)
+        script = windows_path(self.tree) + "\\x.script: "
+        self.assertEqual(len(problems), 2)
+        self.assertTrue(problems[0].startswith(
+            script + "registry value Software\\No such key\\Name not written, "), problems)
+        self.assertTrue(problems[1].startswith(
+            script + "not carried out to its end, line 4: "), problems)
+
+    def test_a_full_disk(self):
+        disk = self.folder / "disk"
+        disk.mkdir()
+        if subprocess.run(["mount", "-t", "tmpfs", "-o", "size=64k", "tmpfs", disk],
+                          capture_output=True, check=False).returncode != 0:
+            self.skipTest("no small disk can be mounted")
+        self.addCleanup(subprocess.run, ["umount", disk], check=True)
+        self.tree = disk / "tree"
+        self.add("one.zip", members={"small.txt": "x", "files/big.bin": os.urandom(70000)})
+        code, problems, _ = self.build_plugins()
+        self.assertEqual(code, 1)
+        self.assertEqual(problems[0], "one.zip: files\\big.bin: not written, disk full")
+        self.assertFalse((self.tree / "Plugin/100_tools/one/files/big.bin").exists())
+        self.assertTrue((self.tree / "Plugin/100_tools/one/small.txt").exists())
+
+    def test_a_long_installation_path(self):
+        self.base = zip_bytes(self.program / "pebuilder3110a.zip", {
+            "pebuilder.exe": "x", "Plugin/bootfix/bootfix.inf": INF})
+        work = self.folder / "work"
+        work.mkdir()
+        length = 200 - len(windows_path(self.folder)) - 1
+        self.tree = self.folder / ("t" * length)
+        self.add("one.zip", members={"a" * 60 + ".inf": INF, "b" * 100 + "/c.inf": INF})
+        os.chdir(work)
+        self.addCleanup(os.chdir, "/")
+        code, problems, _ = self.build_plugins()
+        self.assertEqual(code, 1)
+        self.assertTrue(problems)
+        self.assertEqual(os.listdir(work), [])
+
+    def test_the_log_cannot_be_saved(self):
+        (self.program / "veskbuider.log").mkdir()
+        self.write_small_catalogue()
+        code, _, errors = self.build()
+        self.assertEqual(code, 1)
+        self.assertIn("veskbuider.log: not saved, ", errors)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])
