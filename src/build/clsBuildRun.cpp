@@ -20,6 +20,7 @@
 
 #include <wininet.h>
 
+#include <algorithm>
 #include <map>
 #include <set>
 
@@ -421,8 +422,10 @@ ExtractionOutcome clsBuildRun::Steps::Extract(const CatalogueEntry& component,
         frontEnd_.LetEventsRun();
     };
     ExtractionOutcome outcome;
-    context_.ResumeNext({component.zip, "not extracted"},
-                        [&] { outcome = ExtractArchive(archive, folder, owner); });
+    context_.ResumeNext({component.zip, "not extracted"}, [&] {
+        RequireInTree(context_, folder);
+        outcome = ExtractArchive(archive, folder, owner);
+    });
     for (const MemberFailure& failure : outcome.failures) {
         const std::string member = failure.member.empty() ? "" : ": " + failure.member;
         context_.report({component.zip + member, failure.what, failure.reason});
@@ -432,9 +435,9 @@ ExtractionOutcome clsBuildRun::Steps::Extract(const CatalogueEntry& component,
 
 void clsBuildRun::Steps::RunBaseScript(std::size_t index) {
     std::string pattern = "*.script";
-    const FoundFiles found = FindFiles(context_.InstallFolder() + "\\", pattern);
-    for (const std::string& path : found.unreachable)
-        context_.report({path, "not searched", "the system's code page cannot hold its name"});
+    const FoundFiles found =
+        FindFiles(context_.InstallFolder() + "\\", pattern, "not searched for scripts");
+    std::ranges::for_each(found.problems, context_.report);
     if (found.paths.empty())
         return;
     const std::string& script = found.paths.front();
@@ -493,14 +496,14 @@ void clsBuildRun::Steps::InstallPlugin(const CatalogueEntry& plugin) {
     Announce("Processing: " + plugin.zip);
     const std::string folder = PluginOwnFolder(plugin);
     Extract(plugin, folder);
-    EditInfs(plugin, folder);
+    if (IsInTree(context_, folder))
+        EditInfs(plugin, folder);
 }
 
 void clsBuildRun::Steps::EditInfs(const CatalogueEntry& plugin, const std::string& folder) {
     std::string pattern; // the search's own default: INF files
-    const FoundFiles found = FindFiles(folder + "\\", pattern);
-    for (const std::string& path : found.unreachable)
-        context_.report({path, "not edited", "the system's code page cannot hold its name"});
+    const FoundFiles found = FindFiles(folder + "\\", pattern, "not edited");
+    std::ranges::for_each(found.problems, context_.report);
     for (const std::string& inf : found.paths) {
         const Attempt attempt{inf, "not edited"};
         context_.ResumeNext(attempt, [&] { RequireReadable(inf); });

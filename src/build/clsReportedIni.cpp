@@ -2,8 +2,7 @@
 
 #include "base/modFile.h"
 #include "base/modSystemError.h"
-
-#include <windows.h>
+#include "build/modFileOperations.h"
 
 namespace vesk {
 
@@ -12,13 +11,17 @@ clsReportedIni::clsReportedIni(const BuildContext& context, const std::string& p
 
 void clsReportedIni::SetValue(const std::string& section, const std::string& key,
                               const std::string& value) {
-    MakeWritable(Path());
-    if (ini_.SetValue(section, key, value) || told_)
-        return;
-    const DWORD error = GetLastError();
-    told_ = true;
-    context_.report(
-        {Path(), "not written, [" + section + "] " + key, AsReason(SystemErrorText(error))});
+    const auto write = [&] {
+        RequireInTree(context_, Path());
+        MakeWritable(Path());
+        if (!ini_.SetValue(section, key, value))
+            ThrowLastError("cannot write", Path());
+    };
+    // Later values are tried all the same, but one file is one problem.
+    const ProblemReport silent = [](const Problem&) {};
+    const Attempt attempt{Path(), "not written, [" + section + "] " + key};
+    if (!ResumeNext(told_ ? silent : context_.report, attempt, write))
+        told_ = true;
 }
 
 } // namespace vesk

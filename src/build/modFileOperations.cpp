@@ -1,7 +1,10 @@
 #include "build/modFileOperations.h"
 
+#include "archive/modMemberName.h"
 #include "base/FolderEntries.h"
 #include "base/modFile.h"
+#include "base/modSystemError.h"
+#include "base/modText.h"
 #include "base/modWide.h"
 
 #include <windows.h>
@@ -23,8 +26,8 @@ std::optional<std::string> UsablePath(const std::wstring& path) {
 }
 
 /// One folder: its own matches into `found`, its subfolders, the last first, onto `folders`.
-void SearchFolder(const std::wstring& folder, const std::wstring& pattern, FoundFiles& found,
-                  std::vector<std::wstring>& folders) {
+void SearchFolder(const std::wstring& folder, const std::wstring& pattern, const std::string& what,
+                  FoundFiles& found, std::vector<std::wstring>& folders) {
     ForEachEntry(
         folder,
         [&](const FolderEntry& entry) {
@@ -34,7 +37,8 @@ void SearchFolder(const std::wstring& folder, const std::wstring& pattern, Found
             if (auto usable = UsablePath(path))
                 found.paths.push_back(std::move(*usable));
             else
-                found.unreachable.push_back(Narrowed(path));
+                found.problems.push_back(
+                    {Narrowed(path), what, "the system's code page cannot hold its name"});
         },
         pattern);
     const std::size_t first = folders.size();
@@ -44,11 +48,24 @@ void SearchFolder(const std::wstring& folder, const std::wstring& pattern, Found
             folders.push_back(folder + entry.name + L"\\");
     });
     if (unread != ERROR_SUCCESS && unread != ERROR_PATH_NOT_FOUND)
-        found.unreachable.push_back(Narrowed(folder));
+        found.problems.push_back({Narrowed(folder), what, AsReason(SystemErrorText(unread))});
     std::reverse(folders.begin() + static_cast<std::ptrdiff_t>(first), folders.end());
 }
 
 } // namespace
+
+bool IsInTree(const BuildContext& context, const std::string& path) {
+    const std::string& top = context.InstallFolder();
+    return path == top ||
+           (StartsWithNoCase(path, top + "\\") &&
+            PathInside(top, std::string_view(path).substr(top.size() + 1)).has_value());
+}
+
+void RequireInTree(const BuildContext& context, const std::string& path) {
+    if (!IsInTree(context, path))
+        throw Failure(ERROR_INVALID_NAME, "RequireInTree",
+                      "the catalogue's folder name cannot be one inside the build folder");
+}
 
 void DeleteFileLogged(const BuildContext& context, const std::string& path) {
     context.Status("Deleting file");
@@ -71,6 +88,7 @@ bool DeleteFolderLogged(const BuildContext& context, const clsRemovableTree& tre
 
 void CreateFolderLogged(const BuildContext& context, const std::string& path) {
     context.Log("Creating Directory: " + path);
+    RequireInTree(context, path);
     CreateFolderPath(path);
 }
 
@@ -78,7 +96,7 @@ void LogIndented(const BuildContext& context, const std::string& text) {
     context.Log(text + "  ");
 }
 
-FoundFiles FindFiles(const std::string& folder, std::string& pattern) {
+FoundFiles FindFiles(const std::string& folder, std::string& pattern, const std::string& what) {
     if (pattern.empty())
         pattern = "*.inf";
     FoundFiles found;
@@ -87,7 +105,7 @@ FoundFiles FindFiles(const std::string& folder, std::string& pattern) {
     while (!folders.empty()) {
         const std::wstring current = std::move(folders.back());
         folders.pop_back();
-        SearchFolder(current, widePattern, found, folders);
+        SearchFolder(current, widePattern, what, found, folders);
     }
     return found;
 }

@@ -10,6 +10,13 @@
 /// the log's last line names what failed.
 namespace vesk {
 
+/// The catalogue's folder names are as untrusted as an archive's: whether a path, by its name, is
+/// the build tree or lies inside it.
+bool IsInTree(const BuildContext& context, const std::string& path);
+
+/// To be called before something is written. @throws Failure for a path outside the build tree
+void RequireInTree(const BuildContext& context, const std::string& path);
+
 /// Deletes a file, a read-only one too. @throws Failure, also when there is none.
 void DeleteFileLogged(const BuildContext& context, const std::string& path);
 
@@ -18,8 +25,8 @@ void DeleteFileLogged(const BuildContext& context, const std::string& path);
 /// @return whether nothing of it is left
 bool DeleteFolderLogged(const BuildContext& context, const clsRemovableTree& tree);
 
-/// Creates one folder with the levels above it that are missing; one that exists already is fine.
-/// @throws Failure
+/// Creates a folder of the build tree with the levels above it that are missing; one that exists
+/// already is fine. @throws Failure
 void CreateFolderLogged(const BuildContext& context, const std::string& path);
 
 /// Puts a line into the build log for another unit: the text and two blanks.
@@ -29,15 +36,16 @@ void LogIndented(const BuildContext& context, const std::string& text);
 struct FoundFiles {
     std::vector<std::string> paths; ///< Full paths, a folder's own files before its subfolders'.
 
-    /// For showing: files whose names the ANSI code page cannot hold and that have no short name,
-    /// and folders that could not be read.
-    std::vector<std::string> unreachable;
+    /// What could not be looked at, and why: files whose names the ANSI code page cannot hold and
+    /// that have no short name, and folders that could not be read.
+    std::vector<Problem> problems;
 };
 
 /// The files below a folder whose names match. Empty files are left out: nothing could be read or
 /// edited in them.
 /// @param folder start folder, ending in "\"; a missing one gives an empty result
+/// @param what what is not done with what cannot be looked at, for its problem
 /// @param pattern as for the system's file search; an empty one becomes "*.inf", for the caller too
-FoundFiles FindFiles(const std::string& folder, std::string& pattern);
+FoundFiles FindFiles(const std::string& folder, std::string& pattern, const std::string& what);
 
 } // namespace vesk

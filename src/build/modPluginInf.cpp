@@ -6,6 +6,7 @@
 #include "base/modSystemError.h"
 #include "base/modText.h"
 #include "build/clsReportedIni.h"
+#include "build/modFileOperations.h"
 #include "build/modInfText.h"
 
 #include <windows.h>
@@ -105,6 +106,7 @@ void RelocatePluginToCategory(BuildContext& context, const std::string& relative
     const std::string target = categoryFolder + relativeFolder;
     context.Log("Moving Folder: " + source + " to " + target);
     // A file of that name is no plug-in, and the system would move it as if it were one.
+    RequireInTree(context, target);
     if (!FolderExists(source))
         ThrowSystemError(ERROR_PATH_NOT_FOUND, "cannot move", source);
     MovePath(source, target);

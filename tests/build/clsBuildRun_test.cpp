@@ -5,6 +5,7 @@
 #include "TestFolder.h"
 #include "base/UniqueHandle.h"
 #include "base/modSpecialFolder.h"
+#include "base/modText.h"
 #include "catalogue/clsINI.h"
 
 #include <algorithm>
@@ -339,6 +340,26 @@ TEST_CASE_FIXTURE(Fixture, "archive names that leave the program folder are neve
         CHECK(Told("no plain file name"));
         CHECK(frontEnd.downloads.empty());
         CHECK(ReadWholeFile(victim) == "x");
+    }
+}
+
+TEST_CASE_FIXTURE(Fixture, "folder names of the catalogue that leave the tree make nothing") {
+    const std::string outside = folder / "outside";
+    for (const std::string& value :
+         {std::string("..\\..\\outside"), std::string("..\\..\\.."),
+          "..\\..\\..\\" + FileNameOf(folder.Path()) + "\\outside",
+          std::string("x\\..\\..\\..\\outside"), std::string("C:\\outside")}) {
+        CAPTURE(value);
+        catalogue.categories = {{value, "100", "Tools"}};
+        frontEnd.problems.clear();
+        Run();
+        CHECK(Told("Plugin\\" + value + ": not made, "));
+        CHECK(Told(value + "\\" + value + ".inf: not written, "));
+        CHECK(Told("one.zip: not extracted, "));
+        CHECK(Told("bootfix: not moved into its category, "));
+        CHECK_FALSE(FolderExists(outside));
+        CHECK_FALSE(FileExists(outside + ".inf"));
+        CHECK_FALSE(FolderExists(folder / "one"));
     }
 }
 

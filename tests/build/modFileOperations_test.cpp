@@ -17,11 +17,11 @@ TEST_CASE("files are found depth first; empty ones are left out") {
     CreateFolder(folder / "folder.inf");
     std::string pattern;
     const std::string root = folder.Path() + "\\";
-    CHECK(FindFiles(root, pattern).paths ==
+    CHECK(FindFiles(root, pattern, "").paths ==
           std::vector<std::string>{root + "b.inf", root + "..x\\w.inf", root + "a\\z.inf",
                                    root + "a\\deep\\y.INF"});
     CHECK(pattern == "*.inf");
-    CHECK(FindFiles(root + "none\\", pattern).paths.empty());
+    CHECK(FindFiles(root + "none\\", pattern, "").paths.empty());
 }
 
 TEST_CASE("removals write their line first, and report what stays") {
