@@ -29,6 +29,28 @@ struct BuildContext {
     void Log(const std::string& line) const { frontEnd.AddLogLine(line, LogMode::Line); }
     void Status(const std::string& caption) const { frontEnd.SetStatus(caption); }
 
+    /// Shows a status and lets it be seen before what it announces begins.
+    void Announce(const std::string& caption) const {
+        Status(caption);
+        frontEnd.LetEventsRun();
+    }
+
+    /// Logs a warning about a component's archive.
+    void Warn(const CatalogueEntry& component, const std::string& words) const {
+        Log("Warning: " + component.zip + words);
+    }
+
+    [[nodiscard]] std::string ArchivePath(const CatalogueEntry& component) const {
+        return inputs.programPath + component.zip;
+    }
+
+    /// Checksum of a file; empty when there is nothing to read, and then it matches nothing.
+    [[nodiscard]] std::string FileCrc(const std::string& path) const;
+
+    /// Marks the build tree as unfinished. The mark is no part of what the user asked for: where it
+    /// cannot be made, what follows fails and is told.
+    void MarkTree() const;
+
     /// Runs a statement that may fail, see vesk::ResumeNext.
     template <class Statement>
     bool ResumeNext(const Attempt& attempt, Statement&& statement) const {
@@ -39,5 +61,10 @@ struct BuildContext {
     [[nodiscard]] const std::string& InstallFolder() const { return inputs.installFolder.Path(); }
     [[nodiscard]] std::string PluginFolder() const { return inputs.installFolder.PluginFolder(); }
 };
+
+/// Whether a file's checksum is the one that the catalogue says.
+inline bool CrcMatches(const std::string& found, const std::string& expected) {
+    return !found.empty() && found == expected;
+}
 
 } // namespace vesk

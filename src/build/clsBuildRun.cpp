@@ -1,28 +1,19 @@
 #include "build/clsBuildRun.h"
 
-#include "archive/clsCRC.h"
 #include "archive/modArchive.h"
 #include "base/Failure.h"
-#include "base/Trace.h"
-#include "base/UniqueHandle.h"
 #include "base/modDate.h"
 #include "base/modFile.h"
-#include "base/modSystemError.h"
-#include "base/modText.h"
 #include "build/BuildContext.h"
+#include "build/clsArchiveFetcher.h"
+#include "build/clsComponentInstaller.h"
 #include "build/modBuildTree.h"
 #include "build/modFileOperations.h"
-#include "build/modPluginInf.h"
-#include "script/modScript.h"
 #include "startup/Version.h"
 
 #include <windows.h>
 
 #include <wininet.h>
-
-#include <algorithm>
-#include <map>
-#include <set>
 
 namespace vesk {
 
@@ -33,22 +24,6 @@ constexpr const char* kPeBuilderArchive = "pebuilder3110a.zip";
 bool SystemIsConnected() {
     DWORD flags = 0;
     return InternetGetConnectedState(&flags, 0) != FALSE;
-}
-
-std::string WarningLine(const CatalogueEntry& component, const std::string& what) {
-    return "Warning: " + component.zip + what;
-}
-
-/// An empty checksum means that there was nothing to read, and matches nothing.
-bool CrcMatches(const std::string& found, const std::string& expected) {
-    return !found.empty() && found == expected;
-}
-
-/// Why a file has no checksum.
-std::string WhyUnreadable(const std::string& path) {
-    const FileHandle file(CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
-                                      OPEN_EXISTING, 0, nullptr));
-    return file ? "it is empty" : AsReason(SystemErrorText(GetLastError()));
 }
 
 } // namespace
@@ -84,35 +59,11 @@ private:
     bool MayReplaceFolder();
     void LogHeader();
     PeBuilder FetchPeBuilder();
-    DownloadOutcome Download(const CatalogueEntry& component);
-    void RemoveLeftovers(const CatalogueEntry& component);
     bool RemoveOldTree();
-    void MarkTree();
     void InstallBaseComponents();
-    void InstallBaseComponent(std::size_t index);
-    void CreateTree();
-    bool ArchiveIsThere(const CatalogueEntry& component);
-    bool ArchiveIsRight(const CatalogueEntry& component);
-    ExtractionOutcome Extract(const CatalogueEntry& component, const std::string& folder);
-    void NotePeBuilder(const CatalogueEntry& component, const ExtractionOutcome& outcome);
-    void RunBaseScript(std::size_t index);
-    void RunScriptSection(const std::string& script);
     void DownloadPlugins();
     void InstallPlugins();
-    void InstallPlugin(const CatalogueEntry& plugin);
-    void EditInfs(const CatalogueEntry& plugin, const std::string& folder);
-    std::string PluginOwnFolder(const CatalogueEntry& plugin) const;
 
-    [[nodiscard]] std::string ArchivePath(const CatalogueEntry& component) const {
-        return inputs_.programPath + component.zip;
-    }
-    [[nodiscard]] std::string FileCrc(const std::string& path) const {
-        return clsCRC().CalculateFile(path, [this] { frontEnd_.LetEventsRun(); });
-    }
-    void Announce(const std::string& caption) {
-        context_.Status(caption);
-        frontEnd_.LetEventsRun();
-    }
     BuildEnding LogEnding(const std::string& words, BuildEnding ending) {
         context_.Log(words + "... [" + GeneralDate() + "]");
         context_.Log("click 'Finish' to exit");
@@ -122,6 +73,12 @@ private:
     void Give(const std::string& place, const std::string& what, const std::string& reason) {
         outcome_.reason = reason;
         context_.report({place, what, reason});
+    }
+    /// @param missing why it is not in the tree; that it could not be downloaded says more
+    void NotePeBuilder(const std::string& missing) {
+        outcome_.hasPeBuilder = missing.empty();
+        if (outcome_.reason.empty())
+            outcome_.reason = missing;
     }
     void ShowProgress(double withinComponent) {
         BuildProgress progress{componentsDone_, componentCount_, 1};
@@ -140,12 +97,9 @@ private:
     BuildFrontEnd& frontEnd_;
     BuildOutcome outcome_;
     BuildContext context_;
-    /// Scripts that hold a part for the plug-ins, by the index of their base component. Collected
-    /// for that stage; the run itself does nothing with them.
-    std::map<std::size_t, std::string> pendingScripts_;
-    /// Archives whose download was told of already: that they are then missing is no second
-    /// problem.
-    std::set<std::string> notFetched_;
+    clsArchiveFetcher fetcher_{context_};
+    clsComponentInstaller installer_{context_, fetcher_,
+                                     [this](double fraction) { ShowProgress(fraction); }};
     std::size_t componentsDone_ = 0;
     std::size_t componentCount_ = 0;
 };
@@ -228,7 +182,7 @@ void clsBuildRun::Steps::LogHeader() {
 
 clsBuildRun::Steps::PeBuilder clsBuildRun::Steps::FetchPeBuilder() {
     const CatalogueEntry& component = catalogue_.baseComponents.front();
-    if (CrcMatches(FileCrc(inputs_.programPath + kPeBuilderArchive), component.crc)) {
+    if (CrcMatches(context_.FileCrc(inputs_.programPath + kPeBuilderArchive), component.crc)) {
         context_.Log("Skipping download of: PEBuilder v3.1.1.0a");
         return PeBuilder::GoOn;
     }
@@ -238,54 +192,14 @@ clsBuildRun::Steps::PeBuilder clsBuildRun::Steps::FetchPeBuilder() {
              "there is no network connection, and nothing was changed");
         return PeBuilder::NoNetwork;
     }
-    Announce(std::string("Downloading: ") + kPeBuilderArchive);
-    const DownloadOutcome outcome = Download(component);
+    context_.Announce(std::string("Downloading: ") + kPeBuilderArchive);
+    const DownloadOutcome outcome = fetcher_.Fetch(component);
     if (outcome.result != DownloadResult::Done)
         outcome_.reason = component.zip + " was not downloaded, " + outcome.reason;
     if (outcome.result != DownloadResult::CrcDiffers)
         return PeBuilder::GoOn;
-    context_.Log(WarningLine(component, " CRC failed, setup cannot continue !!!"));
+    context_.Warn(component, " CRC failed, setup cannot continue !!!");
     return PeBuilder::WrongArchive;
-}
-
-/// Downloads a component and logs a failure or a cancel; a difference of the CRC is the caller's to
-/// log. What is not good does not stay.
-DownloadOutcome clsBuildRun::Steps::Download(const CatalogueEntry& component) {
-    context_.Log("Downloading: " + component.zip);
-    const std::string archive = ArchivePath(component);
-    DownloadOutcome outcome{DownloadResult::Failed, "the front end failed"};
-    if (!IsPlainArchiveName(component.zip))
-        outcome.reason = "the catalogue's name for it is no plain file name";
-    else
-        context_.ResumeNext({component.zip, "not downloaded"}, [&] {
-            outcome = frontEnd_.DownloadFile({component.url, archive, component.crc});
-        });
-    if (outcome.result == DownloadResult::Done)
-        return outcome;
-    context_.report({component.zip, "not downloaded", outcome.reason});
-    notFetched_.insert(component.zip);
-    RemoveLeftovers(component);
-    if (outcome.result == DownloadResult::Failed)
-        context_.Log(WarningLine(component, " could not be downloaded. !!!"));
-    if (outcome.result == DownloadResult::Cancelled)
-        context_.Log("Warning: download cancelled by user. !!!");
-    return outcome;
-}
-
-/// Removes what a failed download left, with one line for the archive wherever it was written to.
-void clsBuildRun::Steps::RemoveLeftovers(const CatalogueEntry& component) {
-    if (!IsPlainArchiveName(component.zip))
-        return;
-    const std::string archive = ArchivePath(component);
-    const std::string partial = PartialPath(archive);
-    if (!FileExists(archive) && !FileExists(partial))
-        return;
-    context_.Status("Deleting file");
-    context_.Log("Deleting File: " + archive);
-    for (const std::string& path : {archive, partial}) {
-        if (FileExists(path))
-            context_.ResumeNext({path, "not removed"}, [&] { RemoveFile(path); });
-    }
 }
 
 /// @return false when the run must not go on: a link that could not be removed would lead what the
@@ -296,7 +210,7 @@ bool clsBuildRun::Steps::RemoveOldTree() {
     context_.Log("Removing directory: " + folder.Path());
     frontEnd_.LetEventsRun();
     if (FolderExists(folder.Path()))
-        MarkTree();
+        context_.MarkTree();
     DeleteFolderLogged(context_, clsRemovableTree::Of(folder));
     if (!HoldsLink(folder.Path()))
         return true;
@@ -305,173 +219,28 @@ bool clsBuildRun::Steps::RemoveOldTree() {
     return false;
 }
 
-/// The mark is no part of what the user asked for: where it cannot be made, what follows fails and
-/// is told.
-void clsBuildRun::Steps::MarkTree() {
-    ResumeNext([](const Problem& problem) { Trace(problem.Line()); },
-               {context_.InstallFolder(), "not marked as unfinished"},
-               [this] { inputs_.installFolder.Mark(); });
-}
-
 void clsBuildRun::Steps::InstallBaseComponents() {
     for (std::size_t i = 0; i < catalogue_.baseComponents.size(); ++i) {
         if (frontEnd_.StopRequested())
             return;
-        InstallBaseComponent(i);
+        const std::string missing = installer_.InstallBaseComponent(i);
+        if (i == 0)
+            NotePeBuilder(missing);
         ComponentDone();
     }
 }
 
-/// Whether a component's archive stands in the program folder; logs and reports when it does not.
-bool clsBuildRun::Steps::ArchiveIsThere(const CatalogueEntry& component) {
-    const bool plain = IsPlainArchiveName(component.zip);
-    if (plain && FileExists(ArchivePath(component)))
-        return true;
-    context_.Log("Archive: " + ArchivePath(component) + " [not found]");
-    if (!notFetched_.contains(component.zip))
-        context_.report({component.zip, "not installed",
-                         plain ? "there is no such archive in the program folder"
-                               : "the catalogue's name for it is no plain file name"});
-    return false;
-}
-
-/// Whether an archive that is there is the one that the catalogue means; logs and reports when not.
-bool clsBuildRun::Steps::ArchiveIsRight(const CatalogueEntry& component) {
-    const std::string archive = ArchivePath(component);
-    const std::string found = FileCrc(archive);
-    if (CrcMatches(found, component.crc))
-        return true;
-    context_.Log(WarningLine(component, " CRC failed. !!!"));
-    context_.report({component.zip, "not installed",
-                     found.empty() ? WhyUnreadable(archive)
-                                   : "its CRC-32 is " + found + " where the catalogue says " +
-                                         (component.crc.empty() ? "nothing" : component.crc)});
-    return false;
-}
-
-void clsBuildRun::Steps::InstallBaseComponent(std::size_t index) {
-    const CatalogueEntry& component = catalogue_.baseComponents[index];
-    const bool isPeBuilder = index == 0;
-    if (!ArchiveIsThere(component)) {
-        if (isPeBuilder && outcome_.reason.empty())
-            outcome_.reason = component.zip + " is not in the program folder";
-        return;
-    }
-    if (isPeBuilder)
-        CreateTree();
-    Announce("Processing: " + component.zip);
-    if (ArchiveIsRight(component)) {
-        const ExtractionOutcome extracted = Extract(component, context_.InstallFolder());
-        if (isPeBuilder)
-            NotePeBuilder(component, extracted);
-        context_.Log("");
-        RunBaseScript(index);
-    } else if (isPeBuilder) {
-        outcome_.reason = component.zip + " is not the archive that the catalogue names";
-    }
-    if (isPeBuilder) {
-        WriteSettingsFile(context_);
-        PruneStockPlugins(context_);
-    }
-}
-
-void clsBuildRun::Steps::NotePeBuilder(const CatalogueEntry& component,
-                                       const ExtractionOutcome& outcome) {
-    const bool opened = outcome.failures.empty() || !outcome.failures.front().member.empty();
-    outcome_.hasPeBuilder = opened && outcome.extracted > 0;
-    if (!outcome_.hasPeBuilder)
-        outcome_.reason = component.zip + " could not be extracted";
-    else if (!FileExists(context_.InstallFolder() + "\\pebuilder.exe"))
-        context_.report({component.zip, "pebuilder.exe not in the tree",
-                         "the shortcuts lead to nothing without it"});
-}
-
-void clsBuildRun::Steps::CreateTree() {
-    const std::string pluginFolder = context_.PluginFolder();
-    const auto create = [this](const std::string& folder) {
-        context_.ResumeNext({folder, "not made"}, [&] { CreateFolderLogged(context_, folder); });
-    };
-    create(context_.InstallFolder());
-    MarkTree();
-    create(pluginFolder);
-    for (const CategoryRecord& category : catalogue_.categories)
-        create(pluginFolder + "\\" + category.value);
-    context_.Log("");
-    if (!catalogue_.showCategories)
-        return;
-    for (const CategoryRecord& category : catalogue_.categories) {
-        const std::string inf = "\\" + category.value + "\\" + category.value + ".inf";
-        context_.ResumeNext({pluginFolder + inf, "not written"}, [&] {
-            CreateCategorySeparator(context_, inf, category.key, category.caption);
-        });
-    }
-    context_.Log("");
-}
-
-ExtractionOutcome clsBuildRun::Steps::Extract(const CatalogueEntry& component,
-                                              const std::string& folder) {
-    const std::string archive = ArchivePath(component);
-    context_.Log("Archive:  " + archive);
-    MarkTree();
-    ExtractionOwner owner;
-    owner.password = [&](bool wrongBefore) {
-        return frontEnd_.AskPassword(component.zip, wrongBefore);
-    };
-    owner.progress = [this](double fraction) {
-        ShowProgress(fraction);
-        frontEnd_.LetEventsRun();
-    };
-    ExtractionOutcome outcome;
-    context_.ResumeNext({component.zip, "not extracted"}, [&] {
-        RequireInTree(context_, folder);
-        outcome = ExtractArchive(archive, folder, owner);
-    });
-    for (const MemberFailure& failure : outcome.failures) {
-        const std::string member = failure.member.empty() ? "" : ": " + failure.member;
-        context_.report({component.zip + member, failure.what, failure.reason});
-    }
-    return outcome;
-}
-
-void clsBuildRun::Steps::RunBaseScript(std::size_t index) {
-    std::string pattern = "*.script";
-    const FoundFiles found =
-        FindFiles(context_.InstallFolder() + "\\", pattern, "not searched for scripts");
-    std::ranges::for_each(found.problems, context_.report);
-    if (found.paths.empty())
-        return;
-    const std::string& script = found.paths.front();
-    RunScriptSection(script);
-    bool hasPluginPart = false;
-    context_.ResumeNext({script, "not read"},
-                        [&] { hasPluginPart = IsLineInFile(script, "[plugins]"); });
-    if (hasPluginPart)
-        pendingScripts_[index] = script;
-    else
-        context_.ResumeNext({script, "not removed"}, [&] { DeleteFileLogged(context_, script); });
-}
-
-void clsBuildRun::Steps::RunScriptSection(const std::string& script) {
-    context_.ResumeNext({script, "not carried out to its end"}, [&] {
-        ProcessScript(script, "[base]",
-                      {[this](const std::string& line) { context_.Log(line); },
-                       [&](const std::string& what, const std::string& reason) {
-                           context_.report({script, what, reason});
-                       },
-                       context_.InstallFolder(), inputs_.sourceFolder});
-    });
-}
-
 void clsBuildRun::Steps::DownloadPlugins() {
     for (const CatalogueEntry& plugin : catalogue_.plugins) {
-        const bool isThere = IsPlainArchiveName(plugin.zip) && FileExists(ArchivePath(plugin));
+        const bool isThere =
+            IsPlainArchiveName(plugin.zip) && FileExists(context_.ArchivePath(plugin));
         if (!plugin.enabled || plugin.url.empty() || isThere)
             continue;
         if (frontEnd_.StopRequested())
             return;
-        Announce("Downloading: " + plugin.zip);
-        if (Download(plugin).result == DownloadResult::CrcDiffers)
-            context_.Log(WarningLine(plugin, " CRC failed. !!!"));
+        context_.Announce("Downloading: " + plugin.zip);
+        if (fetcher_.Fetch(plugin).result == DownloadResult::CrcDiffers)
+            context_.Warn(plugin, " CRC failed. !!!");
     }
 }
 
@@ -481,43 +250,9 @@ void clsBuildRun::Steps::InstallPlugins() {
             continue;
         if (frontEnd_.StopRequested())
             return;
-        InstallPlugin(plugin);
+        installer_.InstallPlugin(plugin);
         ComponentDone();
     }
-}
-
-void clsBuildRun::Steps::InstallPlugin(const CatalogueEntry& plugin) {
-    if (!ArchiveIsThere(plugin)) {
-        context_.Log("");
-        return;
-    }
-    if (!ArchiveIsRight(plugin))
-        return;
-    Announce("Processing: " + plugin.zip);
-    const std::string folder = PluginOwnFolder(plugin);
-    Extract(plugin, folder);
-    if (IsInTree(context_, folder))
-        EditInfs(plugin, folder);
-}
-
-void clsBuildRun::Steps::EditInfs(const CatalogueEntry& plugin, const std::string& folder) {
-    std::string pattern; // the search's own default: INF files
-    const FoundFiles found = FindFiles(folder + "\\", pattern, "not edited");
-    std::ranges::for_each(found.problems, context_.report);
-    for (const std::string& inf : found.paths) {
-        const Attempt attempt{inf, "not edited"};
-        context_.ResumeNext(attempt, [&] { RequireReadable(inf); });
-        context_.ResumeNext(attempt, [&] { PrefixPluginName(context_, inf, plugin.cat); });
-        context_.ResumeNext(attempt, [&] { CommentOutAppendMenu(context_, inf); });
-        context_.ResumeNext(attempt, [&] { SetPluginEnable(context_, inf); });
-    }
-}
-
-/// A plug-in whose category is unknown goes straight below the plug-in folder.
-std::string clsBuildRun::Steps::PluginOwnFolder(const CatalogueEntry& plugin) const {
-    const CategoryRecord* const category = FindCategory(catalogue_, plugin.cat);
-    const std::string categoryFolder = category == nullptr ? "" : "\\" + category->value;
-    return context_.PluginFolder() + categoryFolder + "\\" + BaseNameOf(plugin.zip);
 }
 
 std::string CatalogueRefusal(const Catalogue& catalogue) {

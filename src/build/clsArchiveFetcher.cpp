@@ -1,0 +1,46 @@
+#include "build/clsArchiveFetcher.h"
+
+#include "archive/modArchive.h"
+#include "base/modFile.h"
+
+namespace vesk {
+
+DownloadOutcome clsArchiveFetcher::Fetch(const CatalogueEntry& component) {
+    context_.Log("Downloading: " + component.zip);
+    const std::string archive = context_.ArchivePath(component);
+    DownloadOutcome outcome{DownloadResult::Failed, "the front end failed"};
+    if (!IsPlainArchiveName(component.zip))
+        outcome.reason = "the catalogue's name for it is no plain file name";
+    else
+        context_.ResumeNext({component.zip, "not downloaded"}, [&] {
+            outcome = context_.frontEnd.DownloadFile({component.url, archive, component.crc});
+        });
+    if (outcome.result == DownloadResult::Done)
+        return outcome;
+    context_.report({component.zip, "not downloaded", outcome.reason});
+    notFetched_.insert(component.zip);
+    RemoveLeftovers(component);
+    if (outcome.result == DownloadResult::Failed)
+        context_.Warn(component, " could not be downloaded. !!!");
+    if (outcome.result == DownloadResult::Cancelled)
+        context_.Log("Warning: download cancelled by user. !!!");
+    return outcome;
+}
+
+/// Removes what a failed download left, with one line for the archive wherever it was written to.
+void clsArchiveFetcher::RemoveLeftovers(const CatalogueEntry& component) {
+    if (!IsPlainArchiveName(component.zip))
+        return;
+    const std::string archive = context_.ArchivePath(component);
+    const std::string partial = PartialPath(archive);
+    if (!FileExists(archive) && !FileExists(partial))
+        return;
+    context_.Status("Deleting file");
+    context_.Log("Deleting File: " + archive);
+    for (const std::string& path : {archive, partial}) {
+        if (FileExists(path))
+            context_.ResumeNext({path, "not removed"}, [&] { RemoveFile(path); });
+    }
+}
+
+} // namespace vesk

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "build/BuildContext.h"
+
+#include <set>
+#include <string>
+
+namespace vesk {
+
+/// Downloads components' archives into the program folder.
+class clsArchiveFetcher {
+public:
+    /// @param context must outlive the object
+    explicit clsArchiveFetcher(const BuildContext& context) : context_(context) {}
+
+    /// Downloads a component's archive. What is not good does not stay and is reported; a failure
+    /// and a cancel are logged, a difference of the CRC is the caller's to log.
+    DownloadOutcome Fetch(const CatalogueEntry& component);
+
+    /// True once the download of an archive was reported as failed: that it is then missing is no
+    /// second problem.
+    [[nodiscard]] bool HasTold(const std::string& zip) const { return notFetched_.contains(zip); }
+
+private:
+    void RemoveLeftovers(const CatalogueEntry& component);
+
+    const BuildContext& context_;
+    std::set<std::string> notFetched_;
+};
+
+} // namespace vesk

@@ -1,0 +1,209 @@
+#include "build/clsComponentInstaller.h"
+
+#include "archive/clsCRC.h"
+#include "archive/modArchive.h"
+#include "base/UniqueHandle.h"
+#include "base/modFile.h"
+#include "base/modSystemError.h"
+#include "base/modText.h"
+#include "build/modBuildTree.h"
+#include "build/modFileOperations.h"
+#include "build/modPluginInf.h"
+#include "script/modScript.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace vesk {
+
+namespace {
+
+/// Why a file has no checksum.
+std::string WhyUnreadable(const std::string& path) {
+    const FileHandle file(CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                      OPEN_EXISTING, 0, nullptr));
+    return file ? "it is empty" : AsReason(SystemErrorText(GetLastError()));
+}
+
+} // namespace
+
+clsComponentInstaller::clsComponentInstaller(BuildContext& context,
+                                             const clsArchiveFetcher& fetcher,
+                                             std::function<void(double fraction)> progress)
+    : context_(context), fetcher_(fetcher), progress_(std::move(progress)) {}
+
+/// Whether a component's archive stands in the program folder; logs and reports when it does not.
+bool clsComponentInstaller::ArchiveIsThere(const CatalogueEntry& component) {
+    const bool plain = IsPlainArchiveName(component.zip);
+    if (plain && FileExists(context_.ArchivePath(component)))
+        return true;
+    context_.Log("Archive: " + context_.ArchivePath(component) + " [not found]");
+    if (!fetcher_.HasTold(component.zip))
+        context_.report({component.zip, "not installed",
+                         plain ? "there is no such archive in the program folder"
+                               : "the catalogue's name for it is no plain file name"});
+    return false;
+}
+
+/// Whether an archive that is there is the one that the catalogue means; logs and reports when not.
+bool clsComponentInstaller::ArchiveIsRight(const CatalogueEntry& component) {
+    const std::string archive = context_.ArchivePath(component);
+    const std::string found = context_.FileCrc(archive);
+    if (CrcMatches(found, component.crc))
+        return true;
+    context_.Warn(component, " CRC failed. !!!");
+    context_.report({component.zip, "not installed",
+                     found.empty() ? WhyUnreadable(archive)
+                                   : "its CRC-32 is " + found + " where the catalogue says " +
+                                         (component.crc.empty() ? "nothing" : component.crc)});
+    return false;
+}
+
+std::string clsComponentInstaller::InstallBaseComponent(std::size_t index) {
+    const CatalogueEntry& component = context_.catalogue.baseComponents[index];
+    const bool isPeBuilder = index == 0;
+    if (!ArchiveIsThere(component))
+        return component.zip + " is not in the program folder";
+    if (isPeBuilder)
+        CreateTree();
+    context_.Announce("Processing: " + component.zip);
+    std::string missing = component.zip + " is not the archive that the catalogue names";
+    if (ArchiveIsRight(component)) {
+        missing = ExtractBase(component);
+        if (isPeBuilder && missing.empty())
+            ReportMissingProgram(component);
+        context_.Log("");
+        RunBaseScript(index);
+    }
+    if (isPeBuilder) {
+        WriteSettingsFile(context_);
+        PruneStockPlugins(context_);
+    }
+    return missing;
+}
+
+/// @return why nothing of the archive is in the tree; empty when something is
+std::string clsComponentInstaller::ExtractBase(const CatalogueEntry& component) {
+    const ExtractionOutcome outcome = Extract(component, context_.InstallFolder());
+    return outcome.extracted > 0 ? std::string() : component.zip + " could not be extracted";
+}
+
+void clsComponentInstaller::ReportMissingProgram(const CatalogueEntry& component) const {
+    if (!FileExists(context_.InstallFolder() + "\\pebuilder.exe"))
+        context_.report({component.zip, "pebuilder.exe not in the tree",
+                         "the shortcuts lead to nothing without it"});
+}
+
+void clsComponentInstaller::CreateTree() {
+    const std::string pluginFolder = context_.PluginFolder();
+    const auto create = [this](const std::string& folder) {
+        context_.ResumeNext({folder, "not made"}, [&] { CreateFolderLogged(context_, folder); });
+    };
+    create(context_.InstallFolder());
+    context_.MarkTree();
+    create(pluginFolder);
+    for (const CategoryRecord& category : context_.catalogue.categories)
+        create(pluginFolder + "\\" + category.value);
+    context_.Log("");
+    if (!context_.catalogue.showCategories)
+        return;
+    for (const CategoryRecord& category : context_.catalogue.categories) {
+        const std::string inf = "\\" + category.value + "\\" + category.value + ".inf";
+        context_.ResumeNext({pluginFolder + inf, "not written"}, [&] {
+            CreateCategorySeparator(context_, inf, category.key, category.caption);
+        });
+    }
+    context_.Log("");
+}
+
+ExtractionOutcome clsComponentInstaller::Extract(const CatalogueEntry& component,
+                                                 const std::string& folder) {
+    const std::string archive = context_.ArchivePath(component);
+    context_.Log("Archive:  " + archive);
+    context_.MarkTree();
+    ExtractionOwner owner;
+    owner.password = [&](bool wrongBefore) {
+        return context_.frontEnd.AskPassword(component.zip, wrongBefore);
+    };
+    owner.progress = [this](double fraction) {
+        progress_(fraction);
+        context_.frontEnd.LetEventsRun();
+    };
+    ExtractionOutcome outcome;
+    context_.ResumeNext({component.zip, "not extracted"}, [&] {
+        RequireInTree(context_, folder);
+        outcome = ExtractArchive(archive, folder, owner);
+    });
+    for (const MemberFailure& failure : outcome.failures) {
+        const std::string member = failure.member.empty() ? "" : ": " + failure.member;
+        context_.report({component.zip + member, failure.what, failure.reason});
+    }
+    return outcome;
+}
+
+void clsComponentInstaller::RunBaseScript(std::size_t index) {
+    std::string pattern = "*.script";
+    const FoundFiles found =
+        FindFiles(context_.InstallFolder() + "\\", pattern, "not searched for scripts");
+    std::ranges::for_each(found.problems, context_.report);
+    if (found.paths.empty())
+        return;
+    const std::string& script = found.paths.front();
+    RunScriptSection(script);
+    bool hasPluginPart = false;
+    context_.ResumeNext({script, "not read"},
+                        [&] { hasPluginPart = IsLineInFile(script, "[plugins]"); });
+    if (hasPluginPart)
+        pendingScripts_[index] = script;
+    else
+        context_.ResumeNext({script, "not removed"}, [&] { DeleteFileLogged(context_, script); });
+}
+
+void clsComponentInstaller::RunScriptSection(const std::string& script) {
+    context_.ResumeNext({script, "not carried out to its end"}, [&] {
+        ProcessScript(script, "[base]",
+                      {[this](const std::string& line) { context_.Log(line); },
+                       [&](const std::string& what, const std::string& reason) {
+                           context_.report({script, what, reason});
+                       },
+                       context_.InstallFolder(), context_.inputs.sourceFolder});
+    });
+}
+
+void clsComponentInstaller::InstallPlugin(const CatalogueEntry& plugin) {
+    if (!ArchiveIsThere(plugin)) {
+        context_.Log("");
+        return;
+    }
+    if (!ArchiveIsRight(plugin))
+        return;
+    context_.Announce("Processing: " + plugin.zip);
+    const std::string folder = PluginOwnFolder(plugin);
+    Extract(plugin, folder);
+    if (IsInTree(context_, folder))
+        EditInfs(plugin, folder);
+}
+
+void clsComponentInstaller::EditInfs(const CatalogueEntry& plugin, const std::string& folder) {
+    std::string pattern; // the search's own default: INF files
+    const FoundFiles found = FindFiles(folder + "\\", pattern, "not edited");
+    std::ranges::for_each(found.problems, context_.report);
+    for (const std::string& inf : found.paths) {
+        const Attempt attempt{inf, "not edited"};
+        context_.ResumeNext(attempt, [&] { RequireReadable(inf); });
+        context_.ResumeNext(attempt, [&] { PrefixPluginName(context_, inf, plugin.cat); });
+        context_.ResumeNext(attempt, [&] { CommentOutAppendMenu(context_, inf); });
+        context_.ResumeNext(attempt, [&] { SetPluginEnable(context_, inf); });
+    }
+}
+
+/// A plug-in whose category is unknown goes straight below the plug-in folder.
+std::string clsComponentInstaller::PluginOwnFolder(const CatalogueEntry& plugin) const {
+    const CategoryRecord* const category = FindCategory(context_.catalogue, plugin.cat);
+    const std::string categoryFolder = category == nullptr ? "" : "\\" + category->value;
+    return context_.PluginFolder() + categoryFolder + "\\" + BaseNameOf(plugin.zip);
+}
+
+} // namespace vesk

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "archive/ExtractionOutcome.h"
+#include "build/BuildContext.h"
+#include "build/clsArchiveFetcher.h"
+
+#include <functional>
+#include <map>
+#include <string>
+
+namespace vesk {
+
+/// Brings components from their archives into the build tree.
+class clsComponentInstaller {
+public:
+    /// @param context, fetcher must outlive the object
+    /// @param progress told how much of the component at hand is done, 0 to 1
+    clsComponentInstaller(BuildContext& context, const clsArchiveFetcher& fetcher,
+                          std::function<void(double fraction)> progress);
+
+    /// Installs a base component and runs the script that it brings. With the first one, PE Builder
+    /// itself, the tree is made and its stock plug-ins are sorted.
+    /// @return why it is not in the tree; empty when it is, be it with problems
+    std::string InstallBaseComponent(std::size_t index);
+
+    /// Installs a plug-in and edits its INF files.
+    void InstallPlugin(const CatalogueEntry& plugin);
+
+private:
+    void CreateTree();
+    bool ArchiveIsThere(const CatalogueEntry& component);
+    bool ArchiveIsRight(const CatalogueEntry& component);
+    ExtractionOutcome Extract(const CatalogueEntry& component, const std::string& folder);
+    std::string ExtractBase(const CatalogueEntry& component);
+    void ReportMissingProgram(const CatalogueEntry& component) const;
+    void RunBaseScript(std::size_t index);
+    void RunScriptSection(const std::string& script);
+    void EditInfs(const CatalogueEntry& plugin, const std::string& folder);
+    [[nodiscard]] std::string PluginOwnFolder(const CatalogueEntry& plugin) const;
+
+    BuildContext& context_;
+    const clsArchiveFetcher& fetcher_;
+    std::function<void(double fraction)> progress_;
+    /// Scripts that hold a part for the plug-ins, by the index of their base component. Collected
+    /// for that stage; the run itself does nothing with them.
+    std::map<std::size_t, std::string> pendingScripts_;
+};
+
+} // namespace vesk
