@@ -18,16 +18,21 @@ bool BeginsWithOrdinaryWord(std::string_view text) {
     return text.size() > 1 && IsUpper(text[0]) && text[1] >= 'a' && text[1] <= 'z';
 }
 
+/// Names come from archives and catalogues: none may begin a line of its own.
+std::string WithoutControls(std::string text, char instead) {
+    std::ranges::replace_if(
+        text, [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }, instead);
+    return text;
+}
+
 } // namespace
 
 std::string Problem::Line() const {
-    return place + ": " + what + ", " + reason;
+    return WithoutControls(place + ": " + what + ", " + reason, '?');
 }
 
 std::string AsReason(std::string_view sentence) {
-    std::string reason(sentence);
-    std::ranges::replace_if(
-        reason, [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }, ' ');
+    std::string reason = WithoutControls(std::string(sentence), ' ');
     reason.erase(reason.find_last_not_of(" .") + 1);
     reason.erase(0, reason.find_first_not_of(' '));
     if (BeginsWithOrdinaryWord(reason))

@@ -255,10 +255,14 @@ void clsBuildRun::Steps::InstallPlugins() {
     }
 }
 
-std::string CatalogueRefusal(const Catalogue& catalogue) {
+std::string CatalogueRefusal(const Catalogue& catalogue, bool isWhole) {
     if (catalogue.baseComponents.empty())
         return "The catalogue names no base component, so there is nothing to build. Start "
                "veskbuilder.exe -setup to make one.";
+    // A checksum that was not read matches nothing, and the good archive would be replaced.
+    if (!isWhole && catalogue.baseComponents.front().crc.empty())
+        return "The catalogue's first base component could not be read in full, so PE Builder's "
+               "archive cannot be checked.";
     return {};
 }
 

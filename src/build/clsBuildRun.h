@@ -25,7 +25,8 @@ struct BuildInputs {
 
 /// Why a catalogue cannot be built from at all: a sentence; empty when it can. Front ends ask
 /// before they start a run, because a run replaces the old tree.
-std::string CatalogueRefusal(const Catalogue& catalogue);
+/// @param isWhole all of the catalogue's file was read
+std::string CatalogueRefusal(const Catalogue& catalogue, bool isWhole = true);
 
 /// The one long procedure that turns catalogue and choices into a build tree. It never ends early
 /// because something failed: a failing statement is skipped and the next one runs.

@@ -113,9 +113,10 @@ int ExitCodeOf(const BuildOutcome& outcome, bool hasProblems) {
 
 int RunBuild(const ConsoleOptions& options, const std::string& programPath, Catalogue& catalogue,
              const CatalogueLoad& load, Terminal& terminal) {
-    if (const std::string refusal = CatalogueRefusal(catalogue); !refusal.empty())
+    const bool isRead = load.state == CatalogueState::Whole;
+    if (const std::string refusal = CatalogueRefusal(catalogue, isRead); !refusal.empty())
         throw UsageError(load.sentence.empty() ? refusal : load.sentence);
-    if (load.state != CatalogueState::Whole && !options.partial)
+    if (!isRead && !options.partial)
         throw UsageError(load.sentence + ": --partial builds with what could be read");
     if (!load.sentence.empty())
         terminal.Complain(load.sentence);
@@ -131,8 +132,7 @@ int RunBuild(const ConsoleOptions& options, const std::string& programPath, Cata
         frontEnd.ReportProblem(
             {check.path, "not usable as Windows source", "it has no I386 folder of a Windows CD"});
     const BuildOutcome outcome = clsBuildRun(inputs, catalogue, frontEnd).Run();
-    const bool isWhole = load.state == CatalogueState::Whole && Terminal::OutputIsWhole();
-    return ExitCodeOf(outcome, frontEnd.HasProblems() || !isWhole);
+    return ExitCodeOf(outcome, frontEnd.HasProblems() || !isRead || !Terminal::OutputIsWhole());
 }
 
 /// Prints what would go wrong in a build, a line each.

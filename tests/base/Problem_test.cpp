@@ -22,6 +22,10 @@ TEST_CASE("a sentence becomes the end of another one") {
         CHECK(AsReason(row.sentence) == row.reason);
 }
 
+TEST_CASE("no name begins a line of its own") {
+    CHECK(Problem{"a\r\nb.zip", "not\tmade", "x\x1B"}.Line() == "a??b.zip: not?made, x?");
+}
+
 TEST_CASE("what fails is reported once, with the reason alone, and the run goes on") {
     std::vector<std::string> lines;
     const ProblemReport report = [&](const Problem& problem) { lines.push_back(problem.Line()); };

@@ -144,6 +144,10 @@ class Console(ProgramTest):
         self.assertIn('key Enabled1: "maybe"', errors)
         self.assertIn("   One", lines)
         self.assertTrue((self.tree / "pebuilder.exe").exists())
+        catalogue.write_text(whole.replace("Enabled0=1", "Enabled0=maybe", 1))
+        kept = contents_below(self.program)
+        self.assertEqual(self.build("--yes", "--partial")[0], 64)
+        self.assertEqual(contents_below(self.program), kept)
         catalogue.write_text(whole.split("[Base]")[0])
         self.assertEqual(self.build("--yes", "--partial")[0], 64)
 
