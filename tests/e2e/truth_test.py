@@ -3,16 +3,19 @@
 exit code, and in the file beside the log."""
 
 import os
-import pathlib
+import pty
+import select
 import shutil
 import struct
 import subprocess
+import sys
+import time
+import tty
 import unittest
 import zipfile
 import zlib
 
-import sys
-from program import ProgramTest, contents_below, windows_path, zip_bytes
+from program import WINE, ProgramTest, contents_below, windows_path, zip_bytes
 
 INF = "[PEBuilder]\r\nName=Tool\r\nEnable=1\r\n"
 BIG = "0123456789abcdef" * 4096
@@ -130,6 +133,67 @@ class Truth(ProgramTest):
             script + "registry value Software\\No such key\\Name not written, "), problems)
         self.assertTrue(problems[1].startswith(
             script + "not carried out to its end, line 4: "), problems)
+
+    def add_locked(self):
+        """Adds a plug-in whose archive holds one locked member behind a plain one."""
+        files = self.folder / "files"
+        files.mkdir()
+        (files / "plain.inf").write_text(INF)
+        (files / "locked.txt").write_text("told to few")
+        path = self.program / "safe.zip"
+        for name, options in (("plain.inf", []), ("locked.txt", ["-P", "open sesame"])):
+            subprocess.run(["zip", "-q", *options, path, name], cwd=files, check=True)
+        self.add("safe.zip")
+        return self.tree / "Plugin/100_tools/safe/locked.txt"
+
+    def test_passwords(self):
+        locked = self.add_locked()
+        for arguments, whole in ((["--password", "open sesame"], True),
+                                 (["--yes", "--password", "wrong"], False), (["--yes"], False)):
+            code, problems, _ = self.build_plugins(*arguments)
+            self.assertEqual((code, locked.exists()), (0, True) if whole else (1, False))
+            self.assertEqual(len(problems), 0 if whole else 1, problems)
+            self.assertTrue((locked.parent / "plain.inf").exists())
+        self.assertTrue(problems[0].startswith("safe.zip: locked.txt: not written, "), problems)
+
+    def test_passwords_on_a_terminal(self):
+        locked = self.add_locked()
+        self.write_catalogue([("PE Builder", "pebuilder3110a.zip", "", 1, 1, "", self.base)],
+                             self.plugins)
+        for answers, code in ((["wrong", "open sesame"], 0), ([""], 1)):
+            shown, returned = self.run_on_a_terminal(answers)
+            self.assertEqual((returned, locked.exists()), (code, code == 0), shown)
+            self.assertIn(b"Password of safe.zip", shown)
+            self.assertNotIn(b"sesame", shown)
+            shutil.rmtree(self.tree)
+
+    def run_on_a_terminal(self, answers):
+        """Builds with a terminal as input and error output, answering each question for a password.
+        Returns what the terminal showed, and the exit code."""
+        try:
+            terminal, program_side = pty.openpty()
+        except OSError as error:
+            self.skipTest(f"no pseudo-terminal to be had: {error}")
+        tty.setraw(program_side)
+        self.addCleanup(os.close, terminal)
+        process = subprocess.Popen(
+            [*WINE, str(self.program / "veskbuild.exe"), "--install", windows_path(self.tree)],
+            stdin=program_side, stdout=subprocess.DEVNULL, stderr=program_side,
+            start_new_session=True)
+        os.close(program_side)
+        shown, asked, deadline = b"", 0, time.monotonic() + 60
+        while process.poll() is None and time.monotonic() < deadline:
+            if select.select([terminal], [], [], 0.1)[0]:
+                try:
+                    shown += os.read(terminal, 4096)
+                except OSError:
+                    break
+            if shown.count(b"assword of safe.zip:") > asked and asked < len(answers):
+                os.write(terminal, answers[asked].encode() + b"\r")
+                asked += 1
+        if process.poll() is None:
+            process.kill()
+        return shown, process.wait()
 
     def test_a_full_disk(self):
         disk = self.folder / "disk"
