@@ -112,7 +112,7 @@ bool HoldsLink(const std::string& folder) {
         const std::wstring current = std::move(folders.back());
         folders.pop_back();
         ForEachEntry(current, [&](const FolderEntry& entry) {
-            found = found || (entry.IsFolder() && entry.IsLink());
+            found = found || entry.IsLink();
             if (entry.IsPlainFolder())
                 folders.push_back(current + L"\\" + entry.name);
         });
@@ -140,7 +140,8 @@ void CreateFolder(const std::string& path) {
 void CreateFolderPath(const std::string& path) {
     // The missing levels, the innermost first: a path may be as deep as it likes.
     std::vector<std::string> missing;
-    for (std::string level = path; !FolderExists(level); level = ParentOf(level)) {
+    for (std::string level = WithoutTrailingBackslash(path); !FolderExists(level);
+         level = ParentOf(level)) {
         if (CreateDirectoryA(level.c_str(), nullptr) != 0)
             break;
         const DWORD error = GetLastError();

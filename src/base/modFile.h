@@ -30,8 +30,7 @@ bool FolderExists(const std::string& path);
 /// other way. The path must begin with the folder.
 bool HasLinkBelow(const std::string& folder, const std::string& path);
 
-/// True when the folder, or anything at any depth in it, is a junction or symbolic link to a
-/// folder.
+/// True when the folder, or anything at any depth in it, is a junction or symbolic link.
 bool HoldsLink(const std::string& folder);
 
 /// Takes the read-only attribute from a file, if there is one; everything else stays.

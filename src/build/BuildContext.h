@@ -29,6 +29,11 @@ struct BuildContext {
     void Log(const std::string& line) const { frontEnd.AddLogLine(line, LogMode::Line); }
     void Status(const std::string& caption) const { frontEnd.SetStatus(caption); }
 
+    /// The same, for what is done for its log lines only: nothing of it is reported.
+    [[nodiscard]] BuildContext Silent() const {
+        return {inputs, catalogue, frontEnd, {}, [](const Problem&) {}};
+    }
+
     /// Shows a status and lets it be seen before what it announces begins.
     void Announce(const std::string& caption) const {
         Status(caption);

@@ -43,8 +43,17 @@ public:
     std::function<bool()> networkIsConnected = SystemIsConnected;
 
     BuildOutcome Run() {
-        outcome_.ending = RunToEnding();
-        if (outcome_.ending == BuildEnding::Done)
+        try {
+            outcome_.ending = RunToEnding();
+        } catch (const std::exception& failure) {
+            // Nothing but a failure of the program itself comes here. The log is saved all the
+            // same.
+            Give(context_.InstallFolder(), "not finished", ReasonOf(failure));
+            outcome_.ending = LogEnding("Aborted", BuildEnding::Aborted);
+            frontEnd_.EnterFinishedState(outcome_);
+            throw;
+        }
+        if (outcome_.ending == BuildEnding::Done && outcome_.treeMade)
             context_.ResumeNext({context_.InstallFolder(), "still marked as unfinished"},
                                 [this] { inputs_.installFolder.Unmark(); });
         context_.Status("Done");

@@ -136,6 +136,8 @@ ExtractionOutcome clsComponentInstaller::Extract(const CatalogueEntry& component
         RequireInTree(context_, folder);
         outcome = ExtractArchive(archive, folder, owner);
     });
+    if (outcome.extracted == 0 && outcome.failures.empty() && IsInTree(context_, folder))
+        context_.report({component.zip, "not extracted", "there is nothing in it"});
     for (const MemberFailure& failure : outcome.failures) {
         const std::string member = failure.member.empty() ? "" : ": " + failure.member;
         context_.report({component.zip + member, failure.what, failure.reason});
@@ -147,7 +149,11 @@ void clsComponentInstaller::RunBaseScript(std::size_t index) {
     std::string pattern = "*.script";
     const FoundFiles found =
         FindFiles(context_.InstallFolder() + "\\", pattern, "not searched for scripts");
-    std::ranges::for_each(found.problems, context_.report);
+    for (const Problem& problem : found.problems) {
+        // The whole tree is searched for each component.
+        if (toldPlaces_.insert(problem.place).second)
+            context_.report(problem);
+    }
     if (found.paths.empty())
         return;
     const std::string& script = found.paths.front();
@@ -192,10 +198,11 @@ void clsComponentInstaller::EditInfs(const CatalogueEntry& plugin, const std::st
     std::ranges::for_each(found.problems, context_.report);
     for (const std::string& inf : found.paths) {
         const Attempt attempt{inf, "not edited"};
-        context_.ResumeNext(attempt, [&] { RequireReadable(inf); });
-        context_.ResumeNext(attempt, [&] { PrefixPluginName(context_, inf, plugin.cat); });
-        context_.ResumeNext(attempt, [&] { CommentOutAppendMenu(context_, inf); });
-        context_.ResumeNext(attempt, [&] { SetPluginEnable(context_, inf); });
+        const bool readable = context_.ResumeNext(attempt, [&] { RequireReadable(inf); });
+        const BuildContext& context = readable ? context_ : context_.Silent();
+        context.ResumeNext(attempt, [&] { PrefixPluginName(context, inf, plugin.cat); });
+        context.ResumeNext(attempt, [&] { CommentOutAppendMenu(context, inf); });
+        context.ResumeNext(attempt, [&] { SetPluginEnable(context, inf); });
     }
 }
 

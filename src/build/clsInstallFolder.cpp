@@ -134,6 +134,8 @@ std::size_t CountFiles(const std::string& top, std::size_t most) {
 } // namespace
 
 std::string FolderContent::ForeignWords() const {
+    if (unreadable)
+        return "it cannot be told what it holds";
     const std::string number = std::to_string(files);
     if (files == 0)
         return "it holds folders that no build made";
@@ -159,7 +161,8 @@ FolderContent clsInstallFolder::Content() const {
     if (FileExists(path_ + "\\" + kMarkName) || HasTrace(path_))
         return {Kind::EarlierBuild, 0};
     bool empty = true;
-    ForEachEntry(Widen(path_), [&](const FolderEntry&) { empty = false; });
+    if (ForEachEntry(Widen(path_), [&](const FolderEntry&) { empty = false; }) != ERROR_SUCCESS)
+        return {Kind::Foreign, 0, true};
     if (empty)
         return {Kind::Empty, 0};
     return {Kind::Foreign, CountFiles(path_, FolderContent::kMostCounted)};

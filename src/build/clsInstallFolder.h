@@ -23,7 +23,8 @@ struct FolderContent {
     };
 
     Kind kind = Kind::Missing;
-    std::size_t files = 0; ///< At any depth; kMostCounted when there are more.
+    std::size_t files = 0;   ///< At any depth; kMostCounted when there are more.
+    bool unreadable = false; ///< What stands in it cannot be told.
 
     static constexpr std::size_t kMostCounted = 100000;
 

@@ -11,6 +11,7 @@
 
 #include <windows.h>
 
+#include <unordered_set>
 #include <utility>
 
 namespace vesk {
@@ -24,7 +25,9 @@ public:
     /// @param lastName a file directly in the folder that is to go last; may be empty
     Remover(const std::string& top, const std::string& lastName,
             const std::function<void()>& meanwhile)
-        : top_(Widen(top)), last_(top_ + L"\\" + Widen(lastName)), meanwhile_(meanwhile) {}
+        : top_(Widen(top)),
+          last_(lastName.empty() ? std::wstring() : top_ + L"\\" + Widen(lastName)),
+          meanwhile_(meanwhile) {}
 
     std::vector<Failure> Run() {
         std::vector<std::wstring> folders{top_};
@@ -52,8 +55,9 @@ public:
 private:
     /// The file that goes last goes only when nothing but it is left.
     void RemoveLast() {
-        if (failures_.empty())
-            Delete(last_, DeleteFileW);
+        if (failures_.empty() && !last_.empty() && !Delete(last_, DeleteFileW) &&
+            GetLastError() != ERROR_FILE_NOT_FOUND)
+            Remember(last_, GetLastError());
         RemoveEmptyFolder(top_);
     }
 
@@ -67,9 +71,18 @@ private:
     }
 
     void RemoveEmptyFolder(const std::wstring& path) {
-        // A folder that still holds something has its failure already.
-        if (!Delete(path, RemoveDirectoryW) && GetLastError() != ERROR_DIR_NOT_EMPTY)
-            Remember(path, GetLastError());
+        if (Delete(path, RemoveDirectoryW))
+            return;
+        const DWORD error = GetLastError();
+        // What is left in it was told already, and is why the folders above are left as well.
+        if (error == ERROR_DIR_NOT_EMPTY && holding_.contains(path))
+            holding_.insert(ParentOf(path));
+        else
+            Remember(path, error);
+    }
+
+    static std::wstring ParentOf(const std::wstring& path) {
+        return path.substr(0, path.rfind(L'\\'));
     }
 
     static bool Delete(const std::wstring& path, BOOL(WINAPI* function)(LPCWSTR)) {
@@ -85,6 +98,7 @@ private:
     void Remember(const std::wstring& path, DWORD error) {
         const std::string shown = Narrowed(path);
         const std::string reason = SystemErrorText(error);
+        holding_.insert(ParentOf(path));
         failures_.emplace_back(error, shown, "cannot delete " + shown + ": " + reason, reason);
     }
 
@@ -92,6 +106,7 @@ private:
     std::wstring last_;
     const std::function<void()>& meanwhile_;
     std::vector<Failure> failures_;
+    std::unordered_set<std::wstring> holding_; ///< Folders with something that could not go.
     std::size_t removed_ = 0;
 };
 

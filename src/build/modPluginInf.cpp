@@ -25,11 +25,14 @@ std::string ModifyingLine(const std::string& inf, const std::string& what) {
 } // namespace
 
 void RequireReadable(const std::string& inf) {
-    const FileHandle file(CreateFileA(inf.c_str(), GENERIC_READ,
-                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+    if (inf.size() >= MAX_PATH)
+        ThrowSystemError(ERROR_FILENAME_EXCED_RANGE, "cannot read", inf);
+    // Shared as ReadWholeFile does, or the answer would be another one.
+    const FileHandle file(CreateFileA(inf.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
                                       nullptr, OPEN_EXISTING, 0, nullptr));
+    const DWORD error = GetLastError();
     if (!file && FileExists(inf))
-        ThrowSystemError(GetLastError(), "cannot read", inf);
+        ThrowSystemError(error, "cannot read", inf);
 }
 
 void CommentOutAppendMenu(const BuildContext& context, const std::string& inf) {
@@ -112,6 +115,7 @@ void RelocatePluginToCategory(BuildContext& context, const std::string& relative
     MovePath(source, target);
 
     const std::string movedInf = categoryFolder + relativeInf;
+    context.ResumeNext({movedInf, "not read for the menu"}, [&] { RequireReadable(movedInf); });
     CatalogueEntry entry;
     entry.name = clsINI(movedInf).GetStringValue(kPluginSection, "Name");
     entry.cat = prefix;

@@ -64,8 +64,7 @@ void RelocateStockPlugin(BuildContext& context, const StockPlugin& plugin) {
         RelocatePluginToCategory(in, plugin.inf, plugin.prefix);
     };
     if (!FolderExists(folder)) {
-        BuildContext absent = context;
-        absent.report = [](const Problem&) {};
+        BuildContext absent = context.Silent();
         absent.ResumeNext({}, [&] { relocate(absent); });
         if (FileExists(folder))
             context.report({folder, "not moved into its category", "it is a file"});

@@ -375,6 +375,37 @@ TEST_CASE_FIXTURE(Fixture, "an empty checksum matches nothing") {
     CHECK(frontEnd.outcome->reason.find("the test said no") != std::string::npos);
 }
 
+TEST_CASE_FIXTURE(Fixture, "an archive with nothing in it is told") {
+    catalogue.plugins[0].crc = WriteArchive("one.zip", {});
+    CHECK(Run() == BuildEnding::Done);
+    CHECK(frontEnd.problems ==
+          std::vector<std::string>{"one.zip: not extracted, there is nothing in it"});
+    catalogue.baseComponents[0].crc = WriteArchive("pebuilder3110a.zip", {});
+    Run();
+    CHECK(VerdictOf(*frontEnd.outcome) == BuildVerdict::NotUsable);
+}
+
+TEST_CASE_FIXTURE(Fixture, "without a network the mark of a run that was cut off stays") {
+    folder.Write("tree\\pebuilder.exe", "x");
+    inputs.installFolder.Mark();
+    catalogue.baseComponents[0].crc = "BAD";
+    network = false;
+    CHECK(Run() == BuildEnding::Done);
+    CHECK(FileExists(InTree(clsInstallFolder::kMarkName)));
+    CHECK(VerdictOf(*frontEnd.outcome) == BuildVerdict::NotBuilt);
+}
+
+TEST_CASE_FIXTURE(Fixture, "a failure of the program itself is told, and its log is kept") {
+    frontEnd.onLine = [](const std::string& line) {
+        if (line == "Plugins:")
+            throw std::runtime_error("no more paper");
+    };
+    CHECK_THROWS_WITH(Run(), "no more paper");
+    REQUIRE(frontEnd.outcome);
+    CHECK(VerdictOf(*frontEnd.outcome) == BuildVerdict::NotBuilt);
+    CHECK(Told("not finished, no more paper"));
+}
+
 TEST_CASE_FIXTURE(Fixture, "two builds never share a folder") {
     clsBuildRun first(inputs, catalogue, frontEnd);
     CHECK_THROWS_WITH_AS(clsBuildRun(inputs, catalogue, frontEnd),
