@@ -1,14 +1,13 @@
 #include "build/clsBuildLock.h"
 
 #include "archive/clsCRC.h"
-#include "base/RealPath.h"
 #include "base/modText.h"
 #include "base/modWide.h"
+#include "build/FolderLevels.h"
 
 #include <windows.h>
 
 #include <array>
-#include <string>
 
 namespace vesk {
 
@@ -16,20 +15,25 @@ namespace {
 
 constexpr DWORD kNoteSize = 512;
 
-/// Object names hold no backslashes and are short: two checksums of the path stand for it.
-std::string NoteName(const std::string& path) {
-    std::wstring real = RealPath(Widen(path));
-    CharUpperBuffW(real.data(), static_cast<DWORD>(real.size()));
-    const std::string name = Narrowed(real);
-    const auto number = [](const std::string& text) {
-        return std::to_string(static_cast<std::uint32_t>(clsCRC().CalculateString(text)));
-    };
-    return "VeskBuilder-" + number(name) + "-" + number(std::string(name.rbegin(), name.rend()));
+std::string NumberOf(std::wstring name) {
+    CharUpperBuffW(name.data(), static_cast<DWORD>(name.size()));
+    const std::string text = Narrowed(name);
+    return std::to_string(static_cast<std::uint32_t>(clsCRC().CalculateString(text))) + "-" +
+           std::to_string(text.size());
 }
 
-MappingHandle MakeNote(const std::string& name) {
-    return MappingHandle(CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0,
-                                            kNoteSize, name.c_str()));
+std::string NumberOf(const FolderIdentity& identity) {
+    return std::to_string(identity.index) + "-" + std::to_string(identity.created);
+}
+
+/// A folder by the one that it lies in and its name there: a build makes the folder itself anew.
+std::string AtName(const FolderLevel& above, const std::wstring& path) {
+    const std::size_t start = above.path.size() + (above.path.ends_with(L'\\') ? 0 : 1);
+    return "VeskBuilder-at-" + NumberOf(*above.identity) + "-" + NumberOf(path.substr(start));
+}
+
+std::string BelowName(const FolderLevel& level) {
+    return "VeskBuilder-below-" + NumberOf(*level.identity);
 }
 
 std::string ProgramName() {
@@ -38,26 +42,69 @@ std::string ProgramName() {
     return FileNameOf(path.data());
 }
 
+std::string WhoHas(const MappingHandle& note) {
+    const MappedView view(MapViewOfFile(note.Get(), FILE_MAP_READ, 0, 0, 0));
+    const auto* text = static_cast<const char*>(view.Get());
+    return text != nullptr && *text != '\0' ? text : "another program";
+}
+
+void SignNote(const MappingHandle& note) {
+    const MappedView view(MapViewOfFile(note.Get(), FILE_MAP_WRITE, 0, 0, 0));
+    if (!view)
+        return;
+    const std::string signature =
+        ProgramName() + ", process " + std::to_string(GetCurrentProcessId());
+    lstrcpynA(static_cast<char*>(const_cast<void*>(view.Get())), signature.c_str(),
+              static_cast<int>(kNoteSize));
+}
+
+MappingHandle MakeNote(const std::string& name) {
+    return MappingHandle(CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0,
+                                            kNoteSize, name.c_str()));
+}
+
 } // namespace
 
-clsBuildLock::clsBuildLock(const clsInstallFolder& folder) {
-    const std::string name = NoteName(folder.Path());
-    // Users of other sessions count as well, where the user may make what they can see.
-    note_ = MakeNote("Global\\" + name);
-    if (!note_)
-        note_ = MakeNote("Local\\" + name);
-    if (!note_)
-        throw FolderRefused("It cannot be told whether another build works in " + folder.Path());
+clsBuildLock::clsBuildLock(const clsInstallFolder& folder) : path_(folder.Path()) {
+    const std::vector<FolderLevel> way = WayUp(Widen(path_));
+    // First everything is taken and then looked for, so that of two that start at once one at least
+    // sees the other.
+    for (std::size_t i = 1; i < way.size(); ++i) {
+        if (way[i].identity)
+            Take(AtName(way[i], way[0].path));
+    }
+    for (std::size_t i = 1; i < way.size(); ++i) {
+        if (way[i].identity)
+            notes_.push_back(MakeNote("Local\\" + BelowName(way[i])));
+        if (notes_.empty() || !notes_.back())
+            continue;
+        SignNote(notes_.back());
+    }
+    for (std::size_t i = 1; i < way.size(); ++i) {
+        for (std::size_t above = i + 1; above < way.size(); ++above) {
+            if (way[above].identity)
+                RefuseIfTaken(AtName(way[above], way[i].path));
+        }
+    }
+    if (way[0].identity)
+        RefuseIfTaken(BelowName(way[0]));
+}
+
+void clsBuildLock::Take(const std::string& name) {
+    MappingHandle note = MakeNote("Local\\" + name);
     const bool taken = GetLastError() == ERROR_ALREADY_EXISTS;
-    const MappedView view(MapViewOfFile(note_.Get(), FILE_MAP_ALL_ACCESS, 0, 0, kNoteSize));
-    auto* const text = static_cast<char*>(const_cast<void*>(view.Get()));
+    if (!note)
+        throw FolderRefused("It cannot be told whether another build works in " + path_);
     if (taken)
-        throw FolderRefused("Another build is at work in " + folder.Path() + ": " +
-                            std::string(text != nullptr ? text : "an unknown program"));
-    if (text != nullptr)
-        lstrcpynA(text,
-                  (ProgramName() + ", process " + std::to_string(GetCurrentProcessId())).c_str(),
-                  static_cast<int>(kNoteSize));
+        throw FolderRefused("Another build is at work in " + path_ + ": " + WhoHas(note));
+    SignNote(note);
+    notes_.push_back(std::move(note));
+}
+
+void clsBuildLock::RefuseIfTaken(const std::string& name) const {
+    const MappingHandle note(OpenFileMappingA(FILE_MAP_READ, FALSE, ("Local\\" + name).c_str()));
+    if (note)
+        throw FolderRefused("Another build is at work around " + path_ + ": " + WhoHas(note));
 }
 
 } // namespace vesk

@@ -3,17 +3,25 @@
 #include "base/UniqueHandle.h"
 #include "build/clsInstallFolder.h"
 
+#include <string>
+#include <vector>
+
 namespace vesk {
 
-/// Keeps every other build, in this process or another, out of an installation folder for as long
-/// as it lives.
+/// Keeps every other build, in this process or another, out of an installation folder, out of the
+/// folders in it, and out of those that it lies in, for as long as it lives.
 class clsBuildLock {
 public:
-    /// @throws FolderRefused, naming who builds into the folder now
+    /// @throws FolderRefused, naming who builds there now
     explicit clsBuildLock(const clsInstallFolder& folder);
 
 private:
-    MappingHandle note_; ///< A page of memory under the folder's name, saying who has it.
+    void Take(const std::string& name);
+    void RefuseIfTaken(const std::string& name) const;
+
+    std::string path_;
+    /// Pages of memory that say who builds: "at" the folder, and "below" each one that it lies in.
+    std::vector<MappingHandle> notes_;
 };
 
 } // namespace vesk

@@ -3,6 +3,7 @@
 #include "TestFolder.h"
 #include "base/modSpecialFolder.h"
 #include "base/modText.h"
+#include "build/clsBuildLock.h"
 #include "build/clsInstallFolder.h"
 
 using namespace vesk;
@@ -38,6 +39,33 @@ TEST_CASE("the system's and the user's own folders are guarded") {
     CHECK(guard.Objection(amongPrograms).empty());
     CHECK(guard.KeepsForeign(amongPrograms));
     CHECK_FALSE(guard.KeepsForeign(folder / "tree"));
+}
+
+TEST_CASE("no build works in, below or above another one's folder") {
+    const TestFolder folder;
+    const clsFolderGuard none({});
+    const auto lock = [&](const std::string& name) {
+        return clsBuildLock(clsInstallFolder(folder / name, none));
+    };
+    for (const bool exists : {false, true}) {
+        CAPTURE(exists);
+        if (exists)
+            CreateFolderPath(folder / "a\\tree\\Plugin");
+        const clsBuildLock held = lock("a\\tree");
+        for (const char* name :
+             {"a\\tree", "A\\TREE\\", "a\\.\\tree", "a\\tree\\Plugin", "a\\tree\\new\\deep"})
+            CHECK_THROWS_AS(lock(name), FolderRefused);
+        if (exists)
+            CHECK_THROWS_AS(lock("a"), FolderRefused);
+        CHECK_NOTHROW(lock("a\\other"));
+        CHECK_NOTHROW(lock("a\\tree2"));
+        // The build removes its folder and makes it anew.
+        TestFolder::RemoveTree(folder / "a\\tree");
+        CHECK_THROWS_AS(lock("a\\tree"), FolderRefused);
+        CreateFolderPath(folder / "a\\tree");
+        CHECK_THROWS_AS(lock("a\\tree"), FolderRefused);
+    }
+    CHECK_NOTHROW(lock("a\\tree"));
 }
 
 TEST_CASE("an installation folder tells what stands in it") {

@@ -19,7 +19,7 @@ clsFolderGuard GuardOf(const std::string& drive) {
     using Reach = GuardedPlace::Reach;
     const std::string root = drive + "\\";
     return clsFolderGuard({{root + "program\\", "this program", Reach::Holding},
-                           {root + "cd\\", "the Windows source", Reach::Holding},
+                           {root + "cd\\", "the Windows source", Reach::Within},
                            {root + "Windows", "Windows", Reach::Within},
                            {root + "Program Files", "Program Files", Reach::Holding},
                            {root + "users\\me", "your user profile", Reach::Siblings},

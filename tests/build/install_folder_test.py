@@ -22,8 +22,8 @@ KEPT = ["program/veskbuild.exe", "cd/I386/LAYOUT.INF", "Windows/system32/kernel.
         "Windows/win.ini", "Program Files/Tool/tool.exe", "users/me/Documents/letter.txt",
         "users/other/letter.txt", "work/sub/notes.txt", "Recycled/hidden/file", "file.txt"]
 
-# {D} is the drive that all lies on; {S} one that leads to its Windows, {U} one to its users. The
-# current folder is {D}\work\sub.
+# {D} is the drive that all lies on; {S} one that leads to its Windows, {U} one to its users, {A} one
+# to the folder that {D} is in. The current folder is {D}\work\sub.
 REFUSED = r"""
 {D}
 {D}\
@@ -69,6 +69,12 @@ REFUSED = r"""
 ..\..\program
 {D}\cd
 {D}\cd\I386\..
+{D}\cd\I386
+{D}\cd\new
+{A}\inner
+{A}\inner\program
+{A}\inner\Windows\new
+{A}\INNER\users\other
 {D}\Windows
 {D}\windows\
 {D}/Windows/
@@ -125,8 +131,10 @@ EMPTIED = {r"{D}\tree": r"{D}\tree", "{D}/tree/": r"{D}\tree", r" {D}\tree\\ ": 
 
 class InstallFolder(unittest.TestCase):
     def setUp(self):
-        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="vesk-drive-"))
-        self.addCleanup(shutil.rmtree, self.folder)
+        top = pathlib.Path(tempfile.mkdtemp(prefix="vesk-drive-"))
+        self.addCleanup(shutil.rmtree, top)
+        self.folder = top / "inner"
+        self.above = link_drive(self, top)
         for name in KEPT:
             (self.folder / name).parent.mkdir(parents=True, exist_ok=True)
             (self.folder / name).write_text("x")
@@ -139,7 +147,7 @@ class InstallFolder(unittest.TestCase):
 
     def fill(self, text):
         return text.format(D=self.drive, d=self.drive.lower(), L=self.drive[0], S=self.windows,
-                           U=self.users)
+                           U=self.users, A=self.above)
 
     def outcomes(self, spellings):
         text = "".join(self.fill(spelling) + "\r\n" for spelling in spellings)

@@ -1,0 +1,104 @@
+#include "build/FolderLevels.h"
+
+#include "base/RealPath.h"
+#include "base/UniqueHandle.h"
+#include "base/modWide.h"
+
+#include <windows.h>
+
+#include <algorithm>
+
+namespace vesk {
+
+namespace {
+
+bool IsSamePath(const std::wstring& left, const std::wstring& right) {
+    return CompareStringW(LOCALE_INVARIANT, NORM_IGNORECASE, left.data(),
+                          static_cast<int>(left.size()), right.data(),
+                          static_cast<int>(right.size())) == CSTR_EQUAL;
+}
+
+/// @param name as the system's functions take it
+FolderLevel LevelOf(const std::wstring& name) {
+    FolderLevel level{name, GetFileAttributesW(name.c_str()), {}};
+    const FileHandle folder(
+        CreateFileW(name.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                    nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+    BY_HANDLE_FILE_INFORMATION info{};
+    if (folder && GetFileInformationByHandle(folder.Get(), &info) != FALSE)
+        level.identity = {std::uint64_t{info.nFileIndexHigh} << 32 | info.nFileIndexLow,
+                          std::uint64_t{info.ftCreationTime.dwHighDateTime} << 32 |
+                              info.ftCreationTime.dwLowDateTime};
+    return level;
+}
+
+/// Length of the root in an absolute path: "C:\" or "\\server\share".
+std::size_t RootLength(const std::wstring& path) {
+    constexpr std::size_t kDriveRoot = 3;
+    if (!path.starts_with(L"\\\\"))
+        return std::min(kDriveRoot, path.size());
+    const std::size_t share = path.find(L'\\', 2);
+    return share == std::wstring::npos ? path.size()
+                                       : std::min(path.find(L'\\', share + 1), path.size());
+}
+
+/// Where drives are folders of another system (Wine), a drive's root lies in something that no path
+/// of ours reaches. The other system's own names do.
+std::vector<FolderLevel> ClimbOutside(const std::wstring& existing) {
+    using Function = char*(CDECL*)(LPCWSTR);
+    static const auto function = reinterpret_cast<Function>(reinterpret_cast<void*>(
+        GetProcAddress(GetModuleHandleA("kernel32.dll"), "wine_get_unix_file_name")));
+    std::vector<FolderLevel> levels;
+    const UniqueHandle<[](char* text) { HeapFree(GetProcessHeap(), 0, text); }, char*> outside(
+        function == nullptr ? nullptr : function(existing.c_str()));
+    if (!outside)
+        return levels;
+    constexpr int kMostLevels = 256;
+    std::wstring name = L"\\\\?\\unix" + Widen(outside.Get());
+    for (int i = 0; i < kMostLevels; ++i, name += L"/..") {
+        FolderLevel level = LevelOf(name);
+        if (!level.identity || (!levels.empty() && level.identity == levels.back().identity))
+            break; // above the top lies the top itself
+        levels.push_back(std::move(level));
+    }
+    return levels;
+}
+
+} // namespace
+
+std::vector<FolderLevel> WayUp(const std::wstring& folder) {
+    std::wstring path = folder;
+    const std::size_t root = RootLength(path);
+    while (path.size() > root && path.back() == L'\\')
+        path.pop_back();
+    std::vector<FolderLevel> levels;
+    for (;;) {
+        levels.push_back(LevelOf(LongPath(path)));
+        levels.back().path = path;
+        if (path.size() <= root)
+            return levels;
+        path.resize(std::max(path.rfind(L'\\'), root));
+    }
+}
+
+std::vector<std::vector<FolderLevel>> WaysUp(const std::string& folder) {
+    std::vector<std::vector<FolderLevel>> ways{WayUp(Widen(folder))};
+    const std::wstring real = RealPath(ways[0].front().path);
+    if (!IsSamePath(real, ways[0].front().path))
+        ways.push_back(WayUp(real));
+    const auto existing = std::ranges::find(ways[0], false, &FolderLevel::IsMissing);
+    if (existing == ways[0].end())
+        return ways;
+    std::vector<FolderLevel> outside = ClimbOutside(existing->path);
+    if (!outside.empty()) {
+        outside.insert(outside.begin(), ways[0].begin(), existing); // the missing levels
+        ways.push_back(std::move(outside));
+    }
+    return ways;
+}
+
+bool IsSameFolder(const FolderLevel& left, const FolderLevel& right) {
+    return (left.identity && left.identity == right.identity) || IsSamePath(left.path, right.path);
+}
+
+} // namespace vesk

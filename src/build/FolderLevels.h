@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// Folders compared by what the system opens under their names: no other spelling, short name,
+/// drive that stands for a folder, or link makes two of one.
+namespace vesk {
+
+/// What the system opened. The volume's number is left out on purpose: a drive that stands for a
+/// folder may have another one than the drive that the folder is on. Two folders of different
+/// volumes that agree in the rest are taken for one, which harms nobody.
+struct FolderIdentity {
+    std::uint64_t index = 0;
+    std::uint64_t created = 0;
+
+    bool operator==(const FolderIdentity&) const = default;
+};
+
+/// One folder on the way down from a volume's root.
+struct FolderLevel {
+    std::wstring path;
+    std::uint32_t attributes = 0xFFFFFFFF;  ///< Of a link: the link's own. All ones: missing.
+    std::optional<FolderIdentity> identity; ///< Of a link: of what it leads to.
+
+    [[nodiscard]] bool IsMissing() const { return attributes == 0xFFFFFFFF; }
+    [[nodiscard]] bool Has(std::uint32_t wanted) const {
+        return !IsMissing() && (attributes & wanted) == wanted;
+    }
+};
+
+/// A folder and those that it lies in, the folder first. @param path absolute
+std::vector<FolderLevel> WayUp(const std::wstring& path);
+
+/// The ways up from a folder: by its name first; then, where the system leads elsewhere under that
+/// name, by its real path; and where the system can climb above a drive's root, as it really lies.
+std::vector<std::vector<FolderLevel>> WaysUp(const std::string& folder);
+
+/// Whether two levels are one folder, or have one name.
+bool IsSameFolder(const FolderLevel& left, const FolderLevel& right);
+
+} // namespace vesk
