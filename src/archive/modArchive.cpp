@@ -6,6 +6,8 @@
 #include "base/Problem.h"
 #include "base/modText.h"
 
+#include <algorithm>
+#include <array>
 #include <utility>
 
 namespace vesk {
@@ -60,7 +62,12 @@ ExtractionOutcome ExtractZip(const std::string& path, const std::string& folder,
 } // namespace
 
 bool IsPlainArchiveName(std::string_view name) {
-    return name.find_first_of("\\/") == std::string_view::npos && PathInside("", name).has_value();
+    constexpr std::array<std::string_view, 8> kOwnFiles = {
+        "veskbuilder.exe", "veskbuild.exe",  "veskbuilder.ini",          "veskbuilder.hlp",
+        "readme.txt",      "veskbuider.log", "veskbuilder-problems.txt", "veskbuilder.sha256"};
+    const auto isName = [name](std::string_view own) { return EqualNoCase(own, name); };
+    return name.find_first_of("\\/") == std::string_view::npos &&
+           PathInside("", name).has_value() && std::ranges::none_of(kOwnFiles, isName);
 }
 
 ExtractionOutcome ExtractArchive(const std::string& path, const std::string& folder,

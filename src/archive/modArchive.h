@@ -23,7 +23,7 @@ struct ExtractionOwner {
 };
 
 /// True for a name that can be an archive's in the program folder: a plain file name, so that
-/// nothing elsewhere is read, written or deleted under it.
+/// nothing elsewhere is read, written or deleted under it, and none of the program's own files.
 bool IsPlainArchiveName(std::string_view name);
 
 /// Extracts every member below the folder, over existing files; what cannot be extracted does not

@@ -2,6 +2,7 @@
 
 #include "base/FolderEntries.h"
 #include "base/UniqueHandle.h"
+#include "base/clsLinkDetector.h"
 #include "base/modSystemError.h"
 #include "base/modText.h"
 #include "base/modWide.h"
@@ -107,12 +108,15 @@ bool HoldsLink(const std::string& folder) {
     if (HasAttribute(GetFileAttributesA(folder.c_str()), FILE_ATTRIBUTE_REPARSE_POINT))
         return true;
     std::vector<std::wstring> folders{Widen(folder)};
+    clsLinkDetector links;
     bool found = false;
     while (!found && !folders.empty()) {
         const std::wstring current = std::move(folders.back());
         folders.pop_back();
         ForEachEntry(current, [&](const FolderEntry& entry) {
-            found = found || entry.IsLink();
+            found = found ||
+                    (entry.IsFolder() ? entry.IsLink()
+                                      : links.IsFileLink(current, entry.name, entry.attributes));
             if (entry.IsPlainFolder())
                 folders.push_back(current + L"\\" + entry.name);
         });
@@ -130,6 +134,17 @@ void RemoveFile(const std::string& path) {
     ClearAttributes(path);
     if (DeleteFileA(path.c_str()) == 0)
         ThrowLastError("cannot delete", path);
+}
+
+void RemoveOwnFile(const std::string& path) {
+    if (!FileExists(path))
+        return;
+    const std::wstring wide = Widen(AbsolutePath(path));
+    const std::size_t slash = wide.rfind(L'\\');
+    if (clsLinkDetector().IsFileLink(wide.substr(0, slash), wide.substr(slash + 1),
+                                     GetFileAttributesA(path.c_str())))
+        ThrowSystemError(ERROR_CANT_RESOLVE_FILENAME, "cannot replace", path);
+    RemoveFile(path);
 }
 
 void CreateFolder(const std::string& path) {

@@ -39,6 +39,10 @@ void MakeWritable(const std::string& path);
 /// Deletes one file, a read-only one too. Throws.
 void RemoveFile(const std::string& path);
 
+/// Deletes a file that is about to be made anew, if there is one. Should it be a second name of a
+/// file elsewhere, that one stays as it is; a link stays too, and is a failure. Throws.
+void RemoveOwnFile(const std::string& path);
+
 /// Creates one folder, whose parent must exist. Throws, also when it exists already.
 void CreateFolder(const std::string& path);
 

@@ -26,7 +26,8 @@ FolderLevel LevelOf(const std::wstring& name) {
                     nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
     BY_HANDLE_FILE_INFORMATION info{};
     if (folder && GetFileInformationByHandle(folder.Get(), &info) != FALSE)
-        level.identity = {std::uint64_t{info.nFileIndexHigh} << 32 | info.nFileIndexLow,
+        level.identity = {info.dwVolumeSerialNumber,
+                          std::uint64_t{info.nFileIndexHigh} << 32 | info.nFileIndexLow,
                           std::uint64_t{info.ftCreationTime.dwHighDateTime} << 32 |
                               info.ftCreationTime.dwLowDateTime};
     return level;

@@ -9,14 +9,18 @@
 /// drive that stands for a folder, or link makes two of one.
 namespace vesk {
 
-/// What the system opened. The volume's number is left out on purpose: a drive that stands for a
-/// folder may have another one than the drive that the folder is on. Two folders of different
-/// volumes that agree in the rest are taken for one, which harms nobody.
+/// What the system opened.
 struct FolderIdentity {
+    std::uint32_t volume = 0;
     std::uint64_t index = 0;
     std::uint64_t created = 0;
 
-    bool operator==(const FolderIdentity&) const = default;
+    /// A drive that stands for a folder may have another number than the drive that the folder is
+    /// on. Two folders of different volumes that agree in the rest are taken for one, which harms
+    /// nobody.
+    bool operator==(const FolderIdentity& other) const {
+        return index == other.index && (volume == other.volume || created == other.created);
+    }
 };
 
 /// One folder on the way down from a volume's root.

@@ -10,7 +10,7 @@ DownloadOutcome clsArchiveFetcher::Fetch(const CatalogueEntry& component) {
     const std::string archive = context_.ArchivePath(component);
     DownloadOutcome outcome{DownloadResult::Failed, "the front end failed"};
     if (!IsPlainArchiveName(component.zip))
-        outcome.reason = "the catalogue's name for it is no plain file name";
+        outcome.reason = "the catalogue's name for it cannot be an archive's";
     else
         context_.ResumeNext({component.zip, "not downloaded"}, [&] {
             outcome = context_.frontEnd.DownloadFile({component.url, archive, component.crc});

@@ -22,8 +22,9 @@ std::string NumberOf(std::wstring name) {
            std::to_string(text.size());
 }
 
+/// Only the number that is the same through every drive and at any time.
 std::string NumberOf(const FolderIdentity& identity) {
-    return std::to_string(identity.index) + "-" + std::to_string(identity.created);
+    return std::to_string(identity.index);
 }
 
 /// A folder by the one that it lies in and its name there: a build makes the folder itself anew.

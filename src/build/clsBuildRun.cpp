@@ -66,6 +66,8 @@ private:
 
     BuildEnding RunToEnding();
     bool MayReplaceFolder();
+    [[nodiscard]] bool MayReplace(const FolderContent& content) const;
+    [[nodiscard]] std::string ChangeSinceAsked() const;
     void LogHeader();
     PeBuilder FetchPeBuilder();
     bool RemoveOldTree();
@@ -105,6 +107,7 @@ private:
     Catalogue& catalogue_;
     BuildFrontEnd& frontEnd_;
     BuildOutcome outcome_;
+    std::optional<FolderIdentity> asked_; ///< The folder that the user was asked about.
     BuildContext context_;
     clsArchiveFetcher fetcher_{context_};
     clsComponentInstaller installer_{context_, fetcher_,
@@ -152,11 +155,11 @@ bool clsBuildRun::Steps::MayReplaceFolder() {
         return false;
     }
     const FolderContent content = inputs_.installFolder.Content();
-    const bool mayReplaceForeign = inputs_.replaceForeign && !inputs_.installFolder.KeepsForeign();
-    if (content.kind == FolderContent::Kind::Foreign && !mayReplaceForeign) {
+    if (!MayReplace(content)) {
         Give(path, "not built", content.ForeignWords());
         return false;
     }
+    asked_ = inputs_.installFolder.Identity();
     if (content.kind == FolderContent::Kind::Missing)
         return true;
     context_.Status("Confirmation");
@@ -211,6 +214,28 @@ clsBuildRun::Steps::PeBuilder clsBuildRun::Steps::FetchPeBuilder() {
     return PeBuilder::WrongArchive;
 }
 
+bool clsBuildRun::Steps::MayReplace(const FolderContent& content) const {
+    return content.kind != FolderContent::Kind::Foreign ||
+           (inputs_.replaceForeign && !inputs_.installFolder.KeepsForeign());
+}
+
+/// Why the folder must not be emptied although the user said so: a download may have taken an hour
+/// since, and another program may have put another folder there.
+std::string clsBuildRun::Steps::ChangeSinceAsked() const {
+    const clsInstallFolder& folder = inputs_.installFolder;
+    if (const std::string objection = folder.Objection(); !objection.empty())
+        return AsReason(objection);
+    const FolderContent content = folder.Content();
+    if (!MayReplace(content))
+        return content.ForeignWords();
+    const auto now = folder.Identity();
+    if (asked_ && now && *asked_ != *now)
+        return "another folder stands in its place since the build began";
+    if (!asked_ && content.kind == FolderContent::Kind::EarlierBuild)
+        return "it was made while the build ran";
+    return {};
+}
+
 /// @return false when the run must not go on: a link that could not be removed would lead what the
 /// run writes next to some place outside the folder that the user named
 bool clsBuildRun::Steps::RemoveOldTree() {
@@ -218,6 +243,10 @@ bool clsBuildRun::Steps::RemoveOldTree() {
     context_.Status("Removing directory");
     context_.Log("Removing directory: " + folder.Path());
     frontEnd_.LetEventsRun();
+    if (const std::string change = ChangeSinceAsked(); !change.empty()) {
+        Give(folder.Path(), "not built", change);
+        return false;
+    }
     if (FolderExists(folder.Path()))
         context_.MarkTree();
     DeleteFolderLogged(context_, clsRemovableTree::Of(folder));

@@ -43,7 +43,7 @@ bool clsComponentInstaller::ArchiveIsThere(const CatalogueEntry& component) {
     if (!fetcher_.HasTold(component.zip))
         context_.report({component.zip, "not installed",
                          plain ? "there is no such archive in the program folder"
-                               : "the catalogue's name for it is no plain file name"});
+                               : "the catalogue's name for it cannot be an archive's"});
     return false;
 }
 

@@ -1,5 +1,6 @@
 #include "build/clsFolderGuard.h"
 
+#include "base/UniqueHandle.h"
 #include "base/modFile.h"
 #include "base/modSpecialFolder.h"
 #include "base/modText.h"
@@ -21,6 +22,36 @@ bool Leads(const std::vector<std::vector<FolderLevel>>& ways, const FolderLevel&
         return std::ranges::any_of(
             way, [&](const FolderLevel& level) { return IsSameFolder(level, place); });
     });
+}
+
+/// What the shell has noted of the user's and of all users' folders: newer systems have more of
+/// them than there are numbers for.
+std::vector<std::string> RegisteredShellFolders() {
+    constexpr const char* kKey =
+        "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders";
+    std::vector<std::string> folders;
+    for (const HKEY root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) {
+        UniqueHandle<::RegCloseKey, HKEY> key;
+        if (RegOpenKeyExA(root, kKey, 0, KEY_READ, key.Out()) != ERROR_SUCCESS)
+            continue;
+        for (DWORD index = 0;; ++index) {
+            std::array<char, 256> name{};
+            std::array<char, 1024> value{};
+            std::array<char, 1024> expanded{};
+            DWORD nameSize = name.size();
+            DWORD valueSize = value.size() - 1;
+            const LSTATUS error =
+                RegEnumValueA(key.Get(), index, name.data(), &nameSize, nullptr, nullptr,
+                              reinterpret_cast<BYTE*>(value.data()), &valueSize);
+            if (error == ERROR_NO_MORE_ITEMS)
+                break;
+            const DWORD length = ExpandEnvironmentStringsA(value.data(), expanded.data(),
+                                                           static_cast<DWORD>(expanded.size()));
+            if (error == ERROR_SUCCESS && length <= expanded.size() && expanded[1] == ':')
+                folders.emplace_back(expanded.data());
+        }
+    }
+    return folders;
 }
 
 constexpr const char* kEmptied = "The installation folder is emptied before a build, ";
@@ -87,6 +118,8 @@ clsFolderGuard clsFolderGuard::OfSystem(const std::string& programPath,
     };
     for (const Row& row : kRows)
         places.push_back({SpecialFolderPath(row.folder), row.name, row.reach});
+    for (const std::string& folder : RegisteredShellFolders())
+        places.push_back({folder, "one of the system's folders for your files", Reach::Holding});
     std::array<char, MAX_PATH> temporary{};
     if (GetTempPathA(static_cast<DWORD>(temporary.size()), temporary.data()) != 0)
         places.push_back({temporary.data(), "the temporary folder", Reach::Holding});
@@ -99,6 +132,9 @@ clsFolderGuard clsFolderGuard::OfSystem(const std::string& programPath,
         programs.emplace_back(wide.data());
     for (const std::string& folder : programs)
         places.push_back({folder, "Program Files", Reach::Holding});
+    // Nor is what programs keep for the user replaced.
+    for (const SpecialFolder data : {SpecialFolder::AppData, SpecialFolder::LocalAppData})
+        programs.push_back(ParentOf(SpecialFolderPath(data)));
     return clsFolderGuard(std::move(places), std::move(programs));
 }
 

@@ -104,6 +104,8 @@ std::string CheckedPath(const std::string& typed) {
         throw FolderRefused("The installation folder's name is not a path: " + text);
     }
     RefuseLength(path.size());
+    if (path.starts_with("\\\\.\\"))
+        throw FolderRefused("The installation folder's name is a device's: " + text);
     RefuseRoot(path, text);
     const std::size_t root = RootLength(path);
     path = path.substr(0, root) + WithoutTrailingBackslash(path.substr(root));
@@ -152,6 +154,10 @@ clsInstallFolder::clsInstallFolder(const std::string& text, clsFolderGuard guard
 std::string clsInstallFolder::Objection() const {
     const std::string objection = guard_.Objection(path_);
     return objection.empty() ? objection : objection + ": " + path_;
+}
+
+std::optional<FolderIdentity> clsInstallFolder::Identity() const {
+    return WayUp(Widen(path_)).front().identity;
 }
 
 FolderContent clsInstallFolder::Content() const {

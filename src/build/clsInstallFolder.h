@@ -1,8 +1,10 @@
 #pragma once
 
+#include "build/FolderLevels.h"
 #include "build/clsFolderGuard.h"
 
 #include <cstddef>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -54,6 +56,9 @@ public:
 
     /// True when only what a build made may be emptied here, whatever the user says.
     [[nodiscard]] bool KeepsForeign() const { return guard_.KeepsForeign(path_); }
+
+    /// What the system opens under its name now; nothing when it is missing.
+    [[nodiscard]] std::optional<FolderIdentity> Identity() const;
 
     /// Why it must not be emptied now (the disk may have changed since); empty when it may.
     [[nodiscard]] std::string Objection() const;

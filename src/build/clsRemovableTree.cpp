@@ -2,6 +2,7 @@
 
 #include "archive/modMemberName.h"
 #include "base/FolderEntries.h"
+#include "base/clsLinkDetector.h"
 #include "base/modFile.h"
 #include "base/modSpecialFolder.h"
 #include "base/modSystemError.h"
@@ -39,7 +40,7 @@ public:
                 if (entry.IsPlainFolder())
                     folders.push_back(path);
                 else if (path != last_)
-                    RemoveEntry(path, entry);
+                    RemoveEntry(folder, entry);
             });
             if (unread != ERROR_SUCCESS)
                 Remember(folder, unread);
@@ -61,7 +62,11 @@ private:
         RemoveEmptyFolder(top_);
     }
 
-    void RemoveEntry(const std::wstring& path, const FolderEntry& entry) {
+    void RemoveEntry(const std::wstring& folder, const FolderEntry& entry) {
+        const std::wstring path = folder + L"\\" + entry.name;
+        if (!entry.IsFolder() && !entry.IsLink() &&
+            links_.IsFileLink(folder, entry.name, entry.attributes))
+            return Remember(path, ERROR_CANT_RESOLVE_FILENAME);
         // A folder here is a link: it goes itself, and what it leads to is not looked at.
         if (!Delete(path, entry.IsFolder() ? RemoveDirectoryW : DeleteFileW))
             Remember(path, GetLastError());
@@ -106,6 +111,7 @@ private:
     std::wstring last_;
     const std::function<void()>& meanwhile_;
     std::vector<Failure> failures_;
+    clsLinkDetector links_;
     std::unordered_set<std::wstring> holding_; ///< Folders with something that could not go.
     std::size_t removed_ = 0;
 };

@@ -65,6 +65,9 @@ void RequireInTree(const BuildContext& context, const std::string& path) {
     if (!IsInTree(context, path))
         throw Failure(ERROR_INVALID_NAME, "RequireInTree",
                       "the catalogue's folder name cannot be one inside the build folder");
+    if (HasLinkBelow(ParentOf(context.InstallFolder()), path))
+        throw Failure(ERROR_CANT_RESOLVE_FILENAME, "RequireInTree",
+                      "a link stands on the way to it");
 }
 
 void DeleteFileLogged(const BuildContext& context, const std::string& path) {

@@ -1,5 +1,6 @@
 #include "base/modFile.h"
 #include "base/modSpecialFolder.h"
+#include "base/modText.h"
 #include "build/clsReportedIni.h"
 #include "build/clsShellLink.h"
 #include "build/modBuildTree.h"
@@ -18,16 +19,21 @@ void CopyReadMe(const BuildContext& context) {
     const std::string& program = context.inputs.programPath;
     const std::string& folder = context.InstallFolder();
     context.Log("Copying file: " + program + "Readme.txt to " + folder + "\\Readme.txt");
-    context.ResumeNext({folder + "\\readme.txt", "not written"},
-                       [&] { CopyFileOver(program + "readme.txt", folder + "\\readme.txt"); });
+    context.ResumeNext({folder + "\\readme.txt", "not written"}, [&] {
+        RequireInTree(context, folder + "\\readme.txt");
+        RemoveOwnFile(folder + "\\readme.txt");
+        CopyFileOver(program + "readme.txt", folder + "\\readme.txt");
+    });
 }
 
-/// Makes the start menu's folder afresh.
-void RenewStartMenu(const BuildContext& context, const std::string& startMenu) {
-    context.ResumeNext({startMenu, "not made"}, [&] {
+/// Makes the start menu's folder afresh. @return false when there is none to put shortcuts into
+bool RenewStartMenu(const BuildContext& context, const std::string& startMenu) {
+    return context.ResumeNext({startMenu, "not made"}, [&] {
         const clsRemovableTree old = clsRemovableTree::StartMenuFolder();
         if (FolderExists(old.Path()))
             DeleteFolderLogged(context, old);
+        if (HasLinkBelow(ParentOf(old.Path()), old.Path()))
+            throw std::runtime_error("a link stands in its place");
         CreateFolderPath(old.Path());
     });
 }
@@ -39,6 +45,8 @@ void CreateShortcut(const BuildContext& context, const std::string& link, const 
         // Where the system knows no such folder, the link's path begins with nothing.
         if (link.starts_with('\\') && !link.starts_with("\\\\"))
             throw std::runtime_error("the system has no folder for it");
+        // What stands there goes first: it may be a second name of a file elsewhere.
+        RemoveOwnFile(link);
         clsShellLink::CreateShellLink(link, folder + target, folder, "", icon, 0, SW_SHOWNORMAL,
                                       "");
     });
@@ -53,11 +61,13 @@ void CreateShortcuts(const BuildContext& context) {
     const std::string readMeLink = startMenu + "\\ReadMe.lnk";
     const std::string icon = context.InstallFolder() + "\\vesk.ico";
 
-    RenewStartMenu(context, startMenu);
+    const bool hasStartMenu = RenewStartMenu(context, startMenu);
     context.Log("Creating shortcut: " + programLink);
     context.Log("Creating shortcut: " + readMeLink);
-    CreateShortcut(context, programLink, "\\pebuilder.exe", icon);
-    CreateShortcut(context, readMeLink, "\\readme.txt", "");
+    if (hasStartMenu) {
+        CreateShortcut(context, programLink, "\\pebuilder.exe", icon);
+        CreateShortcut(context, readMeLink, "\\readme.txt", "");
+    }
     context.Log("Creating shortcut: " + desktopLink);
     CreateShortcut(context, desktopLink, "\\pebuilder.exe", icon);
 }

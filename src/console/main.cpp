@@ -1,8 +1,11 @@
 #include "archive/clsCRC.h"
 #include "base/Failure.h"
 #include "base/Trace.h"
+#include "base/UniqueHandle.h"
 #include "base/modFile.h"
+#include "base/modSystemError.h"
 #include "base/modText.h"
+#include "base/modWide.h"
 #include "build/clsBuildRun.h"
 #include "catalogue/modCatalogueFile.h"
 #include "console/CatalogueTable.h"
@@ -15,6 +18,8 @@
 #include "startup/modMain.h"
 
 #include <windows.h>
+
+#include <shellapi.h>
 
 #include <cstdio>
 #include <string>
@@ -181,10 +186,28 @@ int RunAction(const ConsoleOptions& options, Terminal& terminal) {
     return load.state == CatalogueState::Whole ? kDone : kDoneWithWarnings;
 }
 
-int Main(const std::vector<std::string>& arguments) {
+/// The words behind the program's name. The system would hand them out with similar characters in
+/// place of those that its code page lacks: the name of another folder.
+std::vector<std::string> Arguments() {
+    int count = 0;
+    const UniqueHandle<::LocalFree, LPWSTR*> words(CommandLineToArgvW(GetCommandLineW(), &count));
+    if (!words)
+        ThrowLastError("cannot read", "the command line");
+    std::vector<std::string> arguments;
+    for (int i = 1; i < count; ++i) {
+        const std::wstring word = words.Get()[i];
+        const auto exact = NarrowedExactly(word);
+        if (!exact)
+            throw UsageError("the system's code page cannot hold \"" + Narrowed(word) + "\"");
+        arguments.push_back(*exact);
+    }
+    return arguments;
+}
+
+int Main() {
     SetTraceSink([](const std::string& line) { OutputDebugStringA(("vesk: " + line).c_str()); });
     try {
-        const ConsoleOptions options = ParseOptions(arguments);
+        const ConsoleOptions options = ParseOptions(Arguments());
         Terminal terminal(options.quiet);
         return RunAction(options, terminal);
     } catch (const UsageError& error) {
@@ -203,6 +226,6 @@ int Main(const std::vector<std::string>& arguments) {
 
 } // namespace vesk
 
-int main(int argc, char** argv) {
-    return vesk::Main(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc));
+int main() {
+    return vesk::Main();
 }

@@ -330,14 +330,16 @@ TEST_CASE_FIXTURE(Fixture, "a catalogue without base components builds nothing")
 
 TEST_CASE_FIXTURE(Fixture, "archive names that leave the program folder are never touched") {
     const std::string victim = folder.Write("victim.zip", "x");
-    for (const char* zip : {"..\\victim.zip", "../victim.zip", "..\\program\\..\\victim.zip", ""}) {
+    for (const char* zip : {"..\\victim.zip", "../victim.zip", "..\\program\\..\\victim.zip", "",
+                            "ReadMe.txt", "VESKBUILDER.INI"}) {
         CAPTURE(zip);
         frontEnd.problems.clear();
         catalogue.plugins[0].zip = zip;
         catalogue.plugins[0].url = "http://h/x.zip";
         catalogue.plugins[0].crc = clsCRC().CalculateFile(victim);
         CHECK(Run() == BuildEnding::Done);
-        CHECK(Told("no plain file name"));
+        CHECK(Told("cannot be an archive's"));
+        CHECK(FileExists(inputs.programPath + "readme.txt"));
         CHECK(frontEnd.downloads.empty());
         CHECK(ReadWholeFile(victim) == "x");
     }
