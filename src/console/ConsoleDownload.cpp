@@ -10,27 +10,41 @@ namespace vesk {
 
 namespace {
 
-/// Waits for a message or Ctrl+C and lets all waiting messages run.
+/// Milliseconds between two looks at the clock.
+constexpr std::uint32_t kTick = 250;
+
+/// Waits for a message or Ctrl+C and lets waiting messages run, for no longer than a tick: a fast
+/// server keeps them coming.
 void RunMessages() {
     HANDLE interrupt = InterruptEvent();
-    MsgWaitForMultipleObjects(1, &interrupt, FALSE, INFINITE, QS_ALLINPUT);
+    MsgWaitForMultipleObjects(1, &interrupt, FALSE, kTick, QS_ALLINPUT);
+    const std::uint32_t start = GetTickCount();
     MSG message;
-    while (!WasInterrupted() && PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE) != 0)
+    while (!WasInterrupted() && GetTickCount() - start < kTick &&
+           PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE) != 0)
         DispatchMessageA(&message);
 }
 
 } // namespace
 
-DownloadOutcome ConsoleDownload::Run(const DownloadRequest& request, const ProxySettings& proxy) {
+DownloadOutcome ConsoleDownload::Run(const DownloadRequest& request, const ProxySettings& proxy,
+                                     int timeout) {
     fileName_ = FileNameOf(request.destination);
     drawnAt_ = 0;
     clsDownloadSession session(*this, request, proxy);
+    session.SetTimeout(static_cast<std::uint32_t>(timeout));
     session.Start();
+    session.OnTime();
+    std::uint32_t lastTick = GetTickCount();
     while (!session.Finished()) {
         if (WasInterrupted())
             session.Cancel();
         else
             RunMessages();
+        if (GetTickCount() - lastTick < kTick)
+            continue;
+        lastTick = GetTickCount();
+        session.OnTime();
     }
     return session.Outcome();
 }

@@ -13,7 +13,8 @@ public:
     explicit ConsoleDownload(Terminal& terminal) : terminal_(terminal) {}
 
     /// Returns when the download is over. Arguments as for clsDownloadSession.
-    DownloadOutcome Run(const DownloadRequest& request, const ProxySettings& proxy);
+    /// @param timeout seconds without a byte after which an address is given up; 0: never
+    DownloadOutcome Run(const DownloadRequest& request, const ProxySettings& proxy, int timeout);
 
 private:
     void OnProgress(const DownloadProgress& progress) override;

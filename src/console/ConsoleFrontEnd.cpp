@@ -42,7 +42,7 @@ DownloadOutcome ConsoleFrontEnd::DownloadFile(const DownloadRequest& request) {
     ProxySettings proxy;
     if (options_.proxy)
         proxy = {kAccessProxy, options_.proxy->host, options_.proxy->port};
-    DownloadOutcome outcome = ConsoleDownload(terminal_).Run(request, proxy);
+    DownloadOutcome outcome = ConsoleDownload(terminal_).Run(request, proxy, options_.timeout);
     DrawStatus();
     return outcome;
 }

@@ -1,31 +1,16 @@
 #include "console/DownloadLine.h"
 
+#include "net/modDownloadText.h"
+
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstdio>
+#include <string>
+#include <vector>
 
 namespace vesk {
 
 namespace {
-
-/// "999 B", "1.2 kB", "34.5 MB".
-std::string Amount(double bytes) {
-    constexpr std::array kUnits{"kB", "MB", "GB"};
-    constexpr double kThousand = 1000;
-    if (bytes < kThousand)
-        return std::to_string(std::lround(bytes)) + " B";
-    std::size_t unit = 0;
-    double amount = bytes / kThousand;
-    // What would be shown as 1000.0 belongs to the next unit already.
-    while (amount >= 999.95 && unit + 1 < kUnits.size()) {
-        amount /= kThousand;
-        ++unit;
-    }
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%.1f %s", amount, kUnits.at(unit));
-    return text.data();
-}
 
 std::string Bar(double share) {
     constexpr int kWidth = 20;
@@ -55,17 +40,30 @@ std::string TimeText(std::int64_t seconds) {
 } // namespace
 
 std::string DownloadLine(const DownloadProgress& progress, const std::string& fileName) {
+    std::vector<std::string> parts;
+    if (progress.stage == DownloadStage::Receiving) {
+        const bool sizeKnown = progress.fileSize > 0;
+        if (sizeKnown)
+            parts.push_back(Bar(progress.received / progress.fileSize));
+        parts.push_back(ByteAmount(progress.received) +
+                        (sizeKnown ? " of " + ByteAmount(progress.fileSize) : ""));
+    }
+    const std::string wait = WaitText(progress);
+    if (!wait.empty()) {
+        parts.push_back(wait);
+    } else {
+        if (progress.bytesPerSecond > 0)
+            parts.push_back(ByteAmount(progress.bytesPerSecond) + "/s");
+        if (progress.secondsLeft >= 0)
+            parts.push_back(TimeText(progress.secondsLeft) + " left");
+    }
+    parts.push_back(fileName);
+    if (!progress.lastFailure.empty())
+        parts.push_back("(" + progress.lastFailure + ")");
     std::string line;
-    if (progress.fileSize > 0)
-        line = Bar(progress.received / progress.fileSize) + "  ";
-    line += Amount(progress.received);
-    if (progress.fileSize > 0)
-        line += " of " + Amount(progress.fileSize);
-    if (progress.bytesPerSecond > 0)
-        line += "  " + Amount(progress.bytesPerSecond) + "/s";
-    if (progress.secondsLeft >= 0)
-        line += "  " + TimeText(progress.secondsLeft) + " left";
-    return line + "  " + fileName;
+    for (const std::string& part : parts)
+        line += (line.empty() ? "" : "  ") + part;
+    return line;
 }
 
 } // namespace vesk

@@ -7,7 +7,8 @@
 namespace vesk {
 
 /// One line on a running download for the console: bar, percentage, received of total, rate, time
-/// left, and the file's name at the end, where a narrow terminal cuts.
+/// left, or what it waits for. The file's name and why an address before this one failed come last,
+/// where a narrow terminal cuts.
 std::string DownloadLine(const DownloadProgress& progress, const std::string& fileName);
 
 } // namespace vesk

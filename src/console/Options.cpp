@@ -1,26 +1,50 @@
 #include "console/Options.h"
 
+#include "base/modText.h"
+
+#include <algorithm>
 #include <charconv>
 #include <functional>
 #include <map>
+#include <string_view>
 
 namespace vesk {
 
 namespace {
 
+/// The same written as an address, as other programs take it, becomes HOST:PORT.
+std::string WithoutHttp(const std::string& text) {
+    constexpr std::string_view kScheme = "http://";
+    if (!StartsWithNoCase(text, kScheme))
+        return text;
+    return text.substr(kScheme.size(),
+                       text.size() - kScheme.size() - (text.ends_with('/') ? 1 : 0));
+}
+
+bool IsHostName(const std::string& host) {
+    constexpr std::string_view kElsewhere = ":/\\@[]";
+    return !host.empty() && std::ranges::all_of(host, [&](char c) {
+        const auto byte = static_cast<unsigned char>(c);
+        return byte > ' ' && byte != 0x7F && kElsewhere.find(c) == std::string_view::npos;
+    });
+}
+
 ProxyAddress ParseProxy(const std::string& text) {
     constexpr int kHighestPort = 65535;
-    const std::size_t colon = text.rfind(':');
+    const std::string address = WithoutHttp(text);
+    const std::size_t colon = address.rfind(':');
     ProxyAddress proxy;
     if (colon != std::string::npos) {
-        proxy.host = text.substr(0, colon);
-        const char* end = text.data() + text.size();
-        const auto [stop, error] = std::from_chars(text.data() + colon + 1, end, proxy.port);
-        if (error == std::errc() && stop == end && !proxy.host.empty() && proxy.port >= 1 &&
+        proxy.host = address.substr(0, colon);
+        const char* end = address.data() + address.size();
+        const auto [stop, error] = std::from_chars(address.data() + colon + 1, end, proxy.port);
+        if (error == std::errc() && stop == end && IsHostName(proxy.host) && proxy.port >= 1 &&
             proxy.port <= kHighestPort)
             return proxy;
     }
-    throw UsageError("--proxy takes HOST:PORT with a port from 1 to 65535, not \"" + text + "\"");
+    throw UsageError("--proxy takes HOST:PORT of an HTTP proxy, a name or address without user and "
+                     "path and a port from 1 to 65535, not \"" +
+                     text + "\"");
 }
 
 int ParseTimeout(const std::string& text) {

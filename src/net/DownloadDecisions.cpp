@@ -1,6 +1,7 @@
 #include "net/DownloadDecisions.h"
 
 #include "base/modText.h"
+#include "net/modHttpText.h"
 
 #include <algorithm>
 #include <array>
@@ -10,7 +11,8 @@ namespace vesk {
 namespace {
 
 /// Errors that another server may not have: no address for the name, no answer, no such file.
-constexpr std::array kMirrorErrors{11004, 10060, 404};
+constexpr std::int32_t kNoAnswer = 10060;
+constexpr std::array kMirrorErrors{11004, kNoAnswer, 404};
 
 /// Errors that are an answer of the server.
 constexpr std::array kAnsweredErrors{401, 403, 404};
@@ -35,6 +37,9 @@ void DownloadDecisions::OnStarting(std::int32_t fileSize, std::string_view heade
     // chosen for it.
     if (header.find("HTTP/1.1 200 OK") != std::string_view::npos && fileSize >= 1)
         succeeded_ = true;
+    // Counted apart from `fileSize`, which has no room for a file of more than two gigabytes.
+    announced_ = header.empty() ? fileSize : LeadingCount(HeaderValue("Content-Length", header));
+    received_ = 0;
 }
 
 bool DownloadDecisions::OnError(std::int32_t number) {
@@ -43,9 +48,17 @@ bool DownloadDecisions::OnError(std::int32_t number) {
     const bool another = current_ < last && last > 1 && IsOneOf(kMirrorErrors, number);
     if (another)
         ++current_;
+    if (another)
+        announced_ = received_ = 0;
     // After any other error an answer that counted as success stands: the checksum decides.
     if (another || IsOneOf(kAnsweredErrors, number))
         succeeded_ = false;
+    return another;
+}
+
+bool DownloadDecisions::OnSilence() {
+    const bool another = OnError(kNoAnswer);
+    succeeded_ = false;
     return another;
 }
 
@@ -55,9 +68,9 @@ DownloadResult DownloadDecisions::Result(const std::string& expectedCrc,
         return DownloadResult::Cancelled;
     if (!succeeded_)
         return DownloadResult::Failed;
-    if (expectedCrc.empty() || fileCrc() == expectedCrc)
-        return DownloadResult::Done;
-    return DownloadResult::CrcDiffers;
+    if (expectedCrc.empty()) // then nothing but its size tells whether the file is whole
+        return IsShort() ? DownloadResult::Failed : DownloadResult::Done;
+    return fileCrc() == expectedCrc ? DownloadResult::Done : DownloadResult::CrcDiffers;
 }
 
 } // namespace vesk

@@ -25,20 +25,38 @@ public:
     /// Judges an answer by its header.
     void OnStarting(std::int32_t fileSize, std::string_view header);
 
+    /// Counts bytes of the file.
+    void OnDataArrival(std::int32_t bytesTotal) { received_ += bytesTotal; }
+
     /// Takes in an error. @return true when Url() is now another one that is to be tried at once
     bool OnError(std::int32_t number);
+
+    /// The server was silent for too long and is given up, which is as good as no answer.
+    /// @return as OnError
+    bool OnSilence();
+
+    /// True when fewer bytes of the file came than the present answer announced.
+    [[nodiscard]] bool IsShort() const { return received_ < announced_; }
+    [[nodiscard]] std::int64_t Received() const { return received_; }
+    [[nodiscard]] std::int64_t Announced() const { return announced_; }
+
+    /// True when the present answer counts.
+    [[nodiscard]] bool Counts() const { return succeeded_; }
 
     /// The user cancelled and confirmed it.
     void OnCancelled() { cancelled_ = true; }
 
     /// What became of the download. @param expectedCrc checksum text to match exactly, or empty for
-    /// any file @param fileCrc asked for the file's checksum text, only when it decides
+    /// any file that is not short @param fileCrc asked for the file's checksum text, only when it
+    /// decides
     [[nodiscard]] DownloadResult Result(const std::string& expectedCrc,
                                         const std::function<std::string()>& fileCrc) const;
 
 private:
     std::vector<std::string> urls_;
     std::size_t current_ = 0;
+    std::int64_t announced_ = 0;
+    std::int64_t received_ = 0;
     bool succeeded_ = false;
     bool cancelled_ = false;
 };

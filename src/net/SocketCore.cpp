@@ -18,6 +18,10 @@ namespace {
 /// with a quarter of this a download takes half as long again.
 constexpr std::size_t kReceiveBuffer = std::size_t{4} * 1024 * 1024;
 
+/// What the first read takes: most files are small, and memory for a full read would have to be
+/// made for each.
+constexpr std::size_t kFirstOffer = std::size_t{16} * 1024;
+
 /// No host name is longer.
 constexpr std::size_t kLongestHost = 255;
 
@@ -87,6 +91,7 @@ void SocketCore::Close() {
     received_.Clear();
     sending_.Clear();
     datagrams_.clear();
+    datagramAnnounced_ = false;
     localPort_ = 0;
     peerAddress_ = INADDR_NONE;
     if (state_ != SocketState::sckClosed)
@@ -120,6 +125,7 @@ void SocketCore::ReadSystemSizes() {
                sizeof kWished);
     constexpr std::size_t kUsualSize = 8192;
     receiveSize_ = std::min(OptionOf(socket_.Get(), SO_RCVBUF, kUsualSize), kReceiveBuffer);
+    offeredSize_ = std::min(receiveSize_, kFirstOffer);
     sendSize_ = OptionOf(socket_.Get(), SO_SNDBUF, kUsualSize);
     if (protocol == SocketProtocol::UDP)
         largestDatagram_ = OptionOf(socket_.Get(), SO_MAX_MSG_SIZE, kUsualSize);

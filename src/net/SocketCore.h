@@ -100,7 +100,9 @@ private:
     unsigned connection_ = 0;          ///< Number of the current connection; closing ends it.
     unsigned sendingConnection_ = ~0U; ///< The connection whose buffer is being sent just now.
     std::size_t sendSize_ = 0;
-    std::size_t receiveSize_ = 0;
+    std::size_t receiveSize_ = 0;    ///< The most that one read takes.
+    std::size_t offeredSize_ = 0;    ///< What the next one takes.
+    bool datagramAnnounced_ = false; ///< Its event was raised and it was not taken yet.
     std::size_t largestDatagram_ = 0;
     ByteQueue received_;
     ByteQueue sending_;

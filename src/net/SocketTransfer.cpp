@@ -140,7 +140,7 @@ void SocketCore::OnAcceptable() {
 bool SocketCore::ReceiveOnce() {
     int count = 0;
     try {
-        count = recv(socket_.Get(), received_.Room(receiveSize_).data(), Length(receiveSize_), 0);
+        count = recv(socket_.Get(), received_.Room(offeredSize_).data(), Length(offeredSize_), 0);
     } catch (const std::bad_alloc&) {
         FailWith(kOutOfMemory, kOutOfMemoryText, kNotificationSource);
         return false;
@@ -154,6 +154,9 @@ bool SocketCore::ReceiveOnce() {
     if (count == 0)
         return false;
     received_.Commit(static_cast<std::size_t>(count));
+    constexpr std::size_t kGrowth = 8;
+    if (static_cast<std::size_t>(count) == offeredSize_)
+        offeredSize_ = std::min(offeredSize_ * kGrowth, receiveSize_);
     const unsigned connection = connection_;
     Raise([&](SocketEvents& owner) { owner.OnDataArrival(count); });
     return StillOn(connection) && state_ == SocketState::sckConnected;
@@ -171,8 +174,12 @@ void SocketCore::OnClosed() {
 }
 
 void SocketCore::OnReadableDatagram() {
+    // Looking at a datagram makes the system notify again as long as it waits.
+    if (datagramAnnounced_)
+        return;
     const int size = NextDatagramSize();
     if (size >= 0) {
+        datagramAnnounced_ = true;
         Raise([&](SocketEvents& owner) { owner.OnDataArrival(size); });
         return;
     }
@@ -224,6 +231,7 @@ SocketValue SocketCore::TakeDatagram(VarType type, std::size_t limit, bool remov
     if (count >= 0 && remove) {
         // A datagram is taken whole: what the caller did not ask for is gone.
         ReadDatagram(socket_.Get(), room, true, from);
+        datagramAnnounced_ = false;
         peerAddress_ = from.sin_addr.s_addr;
         remotePort = ntohs(from.sin_port);
     }

@@ -1,19 +1,20 @@
 #include "net/clsDownload.h"
 
 #include "base/Failure.h"
+#include "base/Problem.h"
 #include "base/UniqueHandle.h"
 #include "base/modFile.h"
 #include "base/modSystemError.h"
 #include "base/modText.h"
 #include "net/modHttpText.h"
 
+#include <exception>
+#include <new>
 #include <utility>
 
 namespace vesk {
 
 namespace {
-
-constexpr std::int32_t kHttpPort = 80;
 
 /// True when the folder lists a file by exactly this name, letter case included.
 bool IsListedExactly(const std::string& path) {
@@ -46,6 +47,7 @@ struct clsDownload::Transfer {
 
     clsSocketMaster cmSocket;
     std::string header; ///< What has come of it.
+    bool connected = false;
     bool headerComplete = false;
     FileHandle file;
 };
@@ -73,10 +75,15 @@ void clsDownload::Download(const std::optional<std::string>& url,
     if (destination)
         SetDestination(*destination);
     fileSize_ = 0;
+    statusLine_.clear();
+    failedHere_ = false;
+    Cancel();
+    if (!IsRequestable(url_))
+        return FailHere(kBadAddress, "The address holds a blank or a control character");
     try {
         transfer_ = std::make_shared<Transfer>(static_cast<SocketEvents&>(*this));
     } catch (const Failure& failure) {
-        return Fail(static_cast<std::int32_t>(failure.number), failure.what());
+        return FailHere(static_cast<std::int32_t>(failure.number), failure.what());
     }
     const std::weak_ptr<Transfer> running = transfer_;
     const bool direct = accessType_ == kAccessDirect;
@@ -94,14 +101,44 @@ void clsDownload::Cancel() {
     transfer_.reset();
 }
 
+DownloadStage clsDownload::Stage() const {
+    if (!transfer_ || !transfer_->connected)
+        return DownloadStage::Connecting;
+    return transfer_->headerComplete ? DownloadStage::Receiving : DownloadStage::Waiting;
+}
+
+/// Handles an event of the socket. What is thrown on the way ends the download, which would
+/// otherwise wait for ever.
+void clsDownload::Guarded(const std::function<void()>& step) {
+    const std::weak_ptr<Transfer> running = transfer_;
+    try {
+        step();
+    } catch (const std::exception& failure) {
+        if (running.expired())
+            throw;
+        const auto* known = dynamic_cast<const Failure*>(&failure);
+        const auto number = known != nullptr ? known->number : std::uint32_t{ERROR_OUTOFMEMORY};
+        FailHere(static_cast<std::int32_t>(number),
+                 known != nullptr ? failure.what() : ReasonOf(failure));
+    }
+}
+
+void clsDownload::FailHere(std::int32_t number, const std::string& description) {
+    failedHere_ = true;
+    Fail(number, description);
+}
+
 void clsDownload::Fail(std::int32_t number, const std::string& description) {
     Cancel();
     owner_.OnError(number, description);
 }
 
 void clsDownload::OnConnect() {
-    if (OpenDestination())
-        transfer_->cmSocket.SendData(RequestText(url_, accessType_));
+    transfer_->connected = true;
+    Guarded([this] {
+        if (OpenDestination())
+            transfer_->cmSocket.SendData(RequestText(url_, accessType_));
+    });
 }
 
 bool clsDownload::OpenDestination() {
@@ -109,22 +146,26 @@ bool clsDownload::OpenDestination() {
         transfer_->file = OpenAfresh(destination_);
         return true;
     } catch (const Failure& failure) {
-        Fail(static_cast<std::int32_t>(failure.number), failure.what());
+        FailHere(static_cast<std::int32_t>(failure.number), failure.what());
         return false;
     }
 }
 
 void clsDownload::OnDataArrival(std::int32_t) {
-    if (transfer_->headerComplete)
-        DeliverBody();
-    else
-        CollectHeader();
+    Guarded([this] {
+        if (transfer_->headerComplete)
+            DeliverBody();
+        else
+            CollectHeader();
+    });
 }
 
 void clsDownload::CollectHeader() {
     Transfer& transfer = *transfer_;
     const std::size_t before = transfer.header.size();
-    const std::string_view received = transfer.cmSocket.Received();
+    const std::string_view received =
+        transfer.cmSocket.Received().substr(0, kLongestHeader - before);
+    const bool tooMuch = received.size() < transfer.cmSocket.Received().size();
     transfer.header.append(received);
     const std::optional<std::size_t> end = FindHeaderEnd(transfer.header, before);
     // What follows the header stays in the socket, so that it is delivered before anything newer
@@ -134,15 +175,21 @@ void clsDownload::CollectHeader() {
         transfer.header.resize(*end);
         transfer.headerComplete = true;
         OnHeader(std::exchange(transfer.header, {}));
-    } else if (transfer.header.size() > kLongestHeader) {
+    } else if (tooMuch) {
         Fail(kHeaderTooLong, "The header of the server's answer does not end");
     }
 }
 
 void clsDownload::OnHeader(const std::string& header) {
+    statusLine_ = StatusLineOf(header);
     if (const auto error = RecognizeErrorPage(header))
         return Fail(error->number, error->description);
     const std::string location = disableRedirection_ ? "" : HeaderValue("Location", header);
+    // A line end that reached the next request would end its line and begin another one.
+    if (!IsRequestable(location))
+        return Fail(kBadAddress,
+                    "The server leads to an address with a blank or a control character in it");
+    // However many: a circle ends when the owner gives up waiting for the first byte of a file.
     if (!location.empty()) {
         Cancel();
         return Download(location);
@@ -171,12 +218,16 @@ bool clsDownload::AppendToFile(std::string_view bytes) {
         return true;
     // A full disk may take a part without an error code.
     const DWORD error = written < bytes.size() && written > 0 ? ERROR_DISK_FULL : GetLastError();
-    Fail(static_cast<std::int32_t>(error),
-         "cannot write " + destination_ + ": " + SystemErrorText(error));
+    FailHere(static_cast<std::int32_t>(error),
+             "cannot write " + destination_ + ": " + SystemErrorText(error));
     return false;
 }
 
 void clsDownload::OnCloseSck() {
+    Guarded([this] { FinishAnswer(); });
+}
+
+void clsDownload::FinishAnswer() {
     const std::weak_ptr<Transfer> running = transfer_;
     if (!transfer_->headerComplete) {
         // Without a header the whole answer is the file.

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "net/DownloadProgress.h"
 #include "net/clsSocketMaster.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -33,12 +35,14 @@ public:
 /// Download starts afresh. Memory use does not depend on the size of the file.
 ///
 /// Everything that goes wrong arrives as OnError, a file that cannot be written included. A header
-/// that has not ended after 16 MB is given up with kHeaderTooLong; so is an answer without a header
-/// of that size, because it can only be told from one at its end.
+/// longer than 16 MB is given up with kHeaderTooLong; so is an answer without a header that is,
+/// because it can only be told from one at its end.
 class clsDownload : private SocketEvents {
 public:
     /// Number of the error for a header that does not end.
     static constexpr std::int32_t kHeaderTooLong = 431;
+    /// Number of the error for a URL that IsRequestable refuses.
+    static constexpr std::int32_t kBadAddress = 400;
     static constexpr std::size_t kLongestHeader = std::size_t{16} * 1024 * 1024;
 
     /// @param owner must outlive the object
@@ -72,6 +76,15 @@ public:
     /// Size of the file in bytes as announced (the greatest 32-bit value when it is larger), or 0.
     [[nodiscard]] std::int32_t FileSize() const { return fileSize_; }
 
+    /// First line of the header that came last from the present URL; empty while none has.
+    [[nodiscard]] const std::string& StatusLine() const { return statusLine_; }
+
+    /// How far a running download is.
+    [[nodiscard]] DownloadStage Stage() const;
+
+    /// True when the last OnError was about this machine (the file, the URL), not the server.
+    [[nodiscard]] bool FailedHere() const { return failedHere_; }
+
     /// Starts the download, ending one that runs. What is given replaces the property.
     void Download(const std::optional<std::string>& url = {},
                   const std::optional<std::string>& destination = {});
@@ -87,11 +100,14 @@ private:
     void OnCloseSck() override;
     void OnError(const SocketErrorInfo& error, bool& cancelDisplay) override;
 
+    void Guarded(const std::function<void()>& step);
     void Fail(std::int32_t number, const std::string& description);
+    void FailHere(std::int32_t number, const std::string& description);
     bool OpenDestination();
     void CollectHeader();
     void OnHeader(const std::string& header);
     void DeliverBody();
+    void FinishAnswer();
     bool AppendToFile(std::string_view bytes);
 
     DownloadEvents& owner_;
@@ -101,6 +117,8 @@ private:
     std::int32_t proxyPort_ = 0;
     std::int32_t accessType_ = 0;
     std::int32_t fileSize_ = 0;
+    std::string statusLine_;
+    bool failedHere_ = false;
     bool disableRedirection_ = false;
 
     /// What exists only while a download runs. After an event a weak pointer to it tells whether

@@ -5,25 +5,18 @@
 #include "net/DownloadRequest.h"
 #include "net/TransferRate.h"
 #include "net/clsDownload.h"
+#include "net/modDownloadReason.h"
 
 #include <functional>
-#include <memory>
 #include <string>
+#include <vector>
 
 namespace vesk {
-
-/// The way to the servers.
-struct ProxySettings {
-    std::int32_t accessType = 0; ///< See AccessType.
-    std::string proxy;
-    std::int32_t proxyPort = 0;
-};
 
 /// Whoever shows a download.
 class DownloadSessionEvents {
 public:
     virtual ~DownloadSessionEvents() = default;
-
     virtual void OnProgress(const DownloadProgress& progress) = 0;
 
     /// The download is over (not after Cancel): stop waiting and ask for the Outcome.
@@ -31,16 +24,24 @@ public:
 };
 
 /// The download of one archive as dialog and console run it: it tries further addresses on certain
-/// errors, judges the answer and checks the finished file. The owner keeps the thread's messages
-/// running until OnFinished or its own Cancel, and then asks for the result.
+/// errors, judges the answer, checks the finished file and only then gives it its name. The owner
+/// keeps the thread's messages running until OnFinished or its own Cancel, and then asks for the
+/// result.
 class clsDownloadSession : private DownloadEvents {
 public:
     /// @param owner must outlive the session
     clsDownloadSession(DownloadSessionEvents& owner, DownloadRequest request,
                        const ProxySettings& proxy = {});
 
+    /// Gives an address up after so many seconds without a byte of the file; 0: never, as at first.
+    void SetTimeout(std::uint32_t seconds) { timeout_ = seconds; }
+
     /// Starts with the first address. OnFinished may come before it returns.
     void Start();
+
+    /// To be called a few times a second: reports progress also when nothing comes, and gives up
+    /// what is silent for too long.
+    void OnTime();
 
     /// Ends the download; the user has confirmed it. No event follows.
     void Cancel();
@@ -48,10 +49,14 @@ public:
     /// True once nothing more is going to happen.
     [[nodiscard]] bool Finished() const { return finished_; }
 
-    /// What became of it; reads the whole file where its checksum decides, so let pending events
-    /// run first. Cancelled whatever else happened, once Cancel was called.
-    /// @param meanwhile called every few megabytes of the file
-    [[nodiscard]] DownloadOutcome Outcome(const std::function<void()>& meanwhile = {}) const;
+    /// Why it failed, as far as that is known before the file is checked; empty when it looks well.
+    [[nodiscard]] std::string FailureSoFar() const;
+
+    /// What became of it, to be asked once: reads the whole file where its checksum decides, so let
+    /// pending events run first, and moves a good one to its destination, over what stands there.
+    /// Any other stays at PartialPath, and the destination as it was. Cancelled whatever else
+    /// happened, once Cancel was called. @param meanwhile called every few megabytes of the file
+    [[nodiscard]] DownloadOutcome Outcome(const std::function<void()>& meanwhile = {});
 
 private:
     void OnStarting(std::int32_t fileSize, const std::string& header) override;
@@ -59,14 +64,26 @@ private:
     void OnError(std::int32_t number, const std::string& description) override;
     void OnCompleted() override;
 
+    void StartAddress();
+    void EndAddress(bool another);
     void Finish();
+    void Report();
+    [[nodiscard]] std::uint32_t Silence() const;
+    [[nodiscard]] std::string AllReasons(const std::string& last) const;
+    void LearnFacts();
 
     DownloadSessionEvents& owner_;
     DownloadRequest request_;
+    std::string partial_; ///< Where the file is written.
+    ProxySettings proxy_;
     DownloadDecisions decisions_;
-    std::string error_; ///< What the last error said.
+    DownloadFacts facts_;               ///< Of the present address.
+    std::vector<std::string> failures_; ///< Why each address before it was given up.
     double received_ = 0;
     TransferRate rate_;
+    std::uint32_t timeout_ = 0;
+    std::uint32_t lastByteAt_ = 0; ///< Milliseconds of the system's clock.
+    bool cancelled_ = false;
     bool finished_ = false;
     clsDownload objDownload_;
 };

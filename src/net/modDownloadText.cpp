@@ -3,7 +3,9 @@
 #include "base/modText.h"
 #include "net/modHttpText.h"
 
+#include <array>
 #include <cmath>
+#include <cstdio>
 
 namespace vesk {
 
@@ -30,6 +32,35 @@ std::string DownloadUnit(double count) {
 std::string DownloadCaption(double received, std::int32_t fileSize, const DigitGrouping& group) {
     return std::string(kDownloadCaption) + " - " + Amount(received, group) + " of " +
            Amount(fileSize, group);
+}
+
+std::string ByteAmount(double bytes) {
+    constexpr std::array kUnits{"kB", "MB", "GB"};
+    constexpr double kThousand = 1000;
+    if (bytes < kThousand)
+        return std::to_string(std::lround(bytes)) + " B";
+    std::size_t unit = 0;
+    double amount = bytes / kThousand;
+    // What would be shown as 1000.0 belongs to the next unit already.
+    while (amount >= 999.95 && unit + 1 < kUnits.size()) {
+        amount /= kThousand;
+        ++unit;
+    }
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), "%.1f %s", amount, kUnits.at(unit));
+    return text.data();
+}
+
+std::string WaitText(const DownloadProgress& progress) {
+    std::string text;
+    if (progress.stage == DownloadStage::Connecting)
+        text = "connecting to " + progress.server;
+    else if (progress.stage == DownloadStage::Waiting)
+        text = "waiting for " + progress.server;
+    if (progress.silence < kSilenceTold)
+        return text;
+    return text + (text.empty() ? "" : ", ") + "no data for " + std::to_string(progress.silence) +
+           " s";
 }
 
 std::string PercentText(double received, std::int32_t fileSize) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "net/DownloadProgress.h"
+
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -22,6 +24,15 @@ std::string DownloadUnit(double count);
 /// Title with the bytes received and the file's size, for example "Downloading - 1,234 Mb of 5,678
 /// Mb": both always in thousands, whatever their unit says.
 std::string DownloadCaption(double received, std::int32_t fileSize, const DigitGrouping& group);
+
+/// "999 B", "1.2 kB", "34.5 MB".
+std::string ByteAmount(double bytes);
+
+/// Seconds without a byte from which on that is told.
+inline constexpr std::uint32_t kSilenceTold = 5;
+
+/// What a download waits for, "connecting to host" or "no data for 30 s"; empty while bytes come.
+std::string WaitText(const DownloadProgress& progress);
 
 /// Whole percents received, with a leading space: " 45%". @param fileSize at least 1
 std::string PercentText(double received, std::int32_t fileSize);

@@ -23,6 +23,13 @@ std::string WithoutScheme(std::string_view url) {
 
 } // namespace
 
+bool IsRequestable(std::string_view url) {
+    return std::ranges::none_of(url, [](char c) {
+        const auto byte = static_cast<unsigned char>(c);
+        return byte <= ' ' || byte == 0x7F;
+    });
+}
+
 std::string HostOfUrl(std::string_view url) {
     const std::string rest = WithoutScheme(url);
     return rest.substr(0, rest.find('/'));
@@ -68,15 +75,24 @@ std::string HeaderValue(std::string_view name, std::string_view header) {
     return TrimBlanks(header.substr(start, end - start));
 }
 
-std::int32_t LeadingNumber(std::string_view text) {
-    constexpr std::int64_t kLargest = std::numeric_limits<std::int32_t>::max();
+std::string StatusLineOf(std::string_view header) {
+    return std::string(header.substr(0, header.find(kLineEnd)));
+}
+
+std::int64_t LeadingCount(std::string_view text) {
+    constexpr std::int64_t kLargest = 1'000'000'000'000'000'000;
     std::int64_t number = 0;
     for (const char c : text) {
         if (c < '0' || c > '9')
             break;
-        number = std::min(number * 10 + (c - '0'), kLargest);
+        number = number > kLargest / 10 ? kLargest : number * 10 + (c - '0');
     }
-    return static_cast<std::int32_t>(number);
+    return std::min(number, kLargest);
+}
+
+std::int32_t LeadingNumber(std::string_view text) {
+    constexpr std::int64_t kLargest = std::numeric_limits<std::int32_t>::max();
+    return static_cast<std::int32_t>(std::min(LeadingCount(text), kLargest));
 }
 
 std::optional<HttpError> RecognizeErrorPage(std::string_view header) {

@@ -17,6 +17,20 @@ enum AccessType : std::int32_t {
     kAccessPathThroughProxy = 2, ///< To the proxy, which is given only the path.
 };
 
+/// The way to the servers.
+struct ProxySettings {
+    std::int32_t accessType = kAccessDirect; ///< See AccessType.
+    std::string proxy;
+    std::int32_t proxyPort = 0;
+};
+
+/// The port of every direct connection.
+inline constexpr std::int32_t kHttpPort = 80;
+
+/// False for a URL that must not become a part of a request: a blank, line end or other control
+/// character in it would end its line or begin a new one.
+bool IsRequestable(std::string_view url);
+
 /// Host of a URL: without a leading "http://" (lower case only) and without what follows the first
 /// "/". A port written behind it stays part of the host.
 std::string HostOfUrl(std::string_view url);
@@ -35,8 +49,13 @@ std::optional<std::size_t> FindHeaderEnd(std::string_view received, std::size_t 
 /// case) and one more character, up to the line's end. Empty when absent.
 std::string HeaderValue(std::string_view name, std::string_view header);
 
-/// The number that a text starts with: 0 without a digit, the greatest 32-bit value when it is
-/// larger than that.
+/// The first line of a header, without its end.
+std::string StatusLineOf(std::string_view header);
+
+/// The number that a text starts with: 0 without a digit, 10^18 when it is larger than that.
+std::int64_t LeadingCount(std::string_view text);
+
+/// The same, but at most the greatest 32-bit value.
 std::int32_t LeadingNumber(std::string_view text);
 
 /// What an error page is reported as.

@@ -16,6 +16,24 @@ namespace {
 constexpr UINT kStartMessage = WM_APP;
 constexpr UINT kFinishedMessage = WM_APP + 1;
 
+/// Posted by the Cancel button: its question is not to run inside an event of the download.
+constexpr UINT kCancelMessage = WM_APP + 2;
+
+/// The rate falls and the seconds without data count also when nothing comes.
+constexpr UINT_PTR kTimer = 1;
+constexpr UINT kTick = 500; // milliseconds
+
+/// Lets keys, clicks and painting through. The system hands out posted messages first, and a fast
+/// server keeps those coming.
+void RunInputAndPaint() {
+    constexpr int kMost = 50; // a window that does not paint itself would ask for ever
+    MSG message{};
+    for (int i = 0; i < kMost && PeekMessageA(&message, nullptr, 0, 0,
+                                              PM_REMOVE | PM_QS_INPUT | PM_QS_PAINT) != 0;
+         ++i)
+        DispatchForDialogs(message);
+}
+
 } // namespace
 
 DownloadOutcome frmProgress::DownloadFile(const DownloadRequest& request) {
@@ -39,18 +57,47 @@ void frmProgress::OnActivate() {
     PostMessageA(Window(), kStartMessage, 0, 0);
 }
 
+void frmProgress::OnStart() {
+    SetTimer(Window(), kTimer, kTick, nullptr);
+    session_->Start();
+    session_->OnTime();
+}
+
+void frmProgress::LetUserAct() {
+    constexpr DWORD kDistance = 50; // milliseconds
+    if (GetTickCount() - lastInput_ < kDistance)
+        return;
+    lastInput_ = GetTickCount();
+    RunInputAndPaint();
+}
+
 void frmProgress::OnProgress(const DownloadProgress& progress) {
+    Show(progress);
+    LetUserAct();
+}
+
+void frmProgress::Show(const DownloadProgress& progress) {
+    SetText(Control(IDC_LBL_DETAIL), DownloadDetail(progress));
+    if (!progress.lastFailure.empty())
+        SetText(Control(IDC_LBL_REASON), "Another address failed: " + progress.lastFailure);
     if (progress.fileSize == 0)
         return;
     SetText(Window(), DownloadCaption(progress.received, progress.fileSize, GroupDigits));
     const std::string percent = PercentText(progress.received, progress.fileSize);
     SetText(Control(IDC_LBL_RATE), percent);
     SendMessageA(Control(IDC_SHP_PROGRESS), PBM_SETPOS, static_cast<WPARAM>(BarWidth(percent)), 0);
-    SetText(Control(IDC_LBL_DETAIL), RateText(progress.bytesPerSecond, progress.secondsLeft));
 }
 
 void frmProgress::OnFinished() {
     PostMessageA(Window(), kFinishedMessage, 0, 0);
+}
+
+/// Shows behind an open question what became of the download.
+void frmProgress::ShowEnd() {
+    const std::string failure = session_->FailureSoFar();
+    SetText(Control(IDC_LBL_DETAIL),
+            failure.empty() ? "The download is complete." : "The download failed.");
+    SetText(Control(IDC_LBL_REASON), failure);
 }
 
 void frmProgress::cmdCancel_Click() {
@@ -73,15 +120,23 @@ INT_PTR frmProgress::Handle(UINT message, WPARAM wparam, LPARAM) {
         OnActivate();
         return TRUE;
     case kStartMessage:
-        session_->Start();
+        OnStart();
+        return TRUE;
+    case WM_TIMER:
+        session_->OnTime();
         return TRUE;
     case kFinishedMessage:
-        if (!asking_)
+        if (asking_)
+            ShowEnd();
+        else
             EndDialog(Window(), 0);
         return TRUE;
     case WM_COMMAND:
         if (LOWORD(wparam) == IDCANCEL)
-            cmdCancel_Click();
+            PostMessageA(Window(), kCancelMessage, 0, 0);
+        return TRUE;
+    case kCancelMessage:
+        cmdCancel_Click();
         return TRUE;
     default:
         return FALSE;

@@ -21,11 +21,16 @@ private:
     void OnProgress(const DownloadProgress& progress) override;
     void OnFinished() override;
     void OnActivate();
+    void OnStart();
+    void Show(const DownloadProgress& progress);
+    void ShowEnd();
+    void LetUserAct();
     void cmdCancel_Click();
 
     HWND owner_;
     std::string destination_;
     std::unique_ptr<clsDownloadSession> session_; ///< While the dialog works.
+    DWORD lastInput_ = 0;                         ///< When input was let through last.
     bool asking_ = false;                         ///< The cancel question is open.
 };
 

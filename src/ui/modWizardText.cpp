@@ -1,10 +1,9 @@
 #include "ui/modWizardText.h"
 
 #include "base/modText.h"
+#include "net/modDownloadText.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <vector>
 
 namespace vesk {
@@ -78,17 +77,22 @@ std::string EntryTip(const CatalogueEntry& entry, ArchivePlace place) {
 std::string RateText(double bytesPerSecond, std::int64_t secondsLeft) {
     if (bytesPerSecond < 1)
         return {};
-    std::array<char, 32> rate{};
-    const bool mega = bytesPerSecond >= 999999;
-    std::snprintf(rate.data(), rate.size(), mega ? "%.1f Mb/s" : "%.0f Kb/s",
-                  bytesPerSecond / (mega ? 1e6 : 1e3));
+    const std::string rate = ByteAmount(bytesPerSecond) + "/s";
     if (secondsLeft < 0)
-        return rate.data();
+        return rate;
     constexpr std::int64_t kMinute = 60;
     const bool minutes = secondsLeft >= 2 * kMinute;
     const std::int64_t count = minutes ? (secondsLeft + kMinute / 2) / kMinute : secondsLeft;
-    return std::string(rate.data()) + ", " + std::to_string(count) +
-           (minutes ? " minute" : " second") + (count == 1 ? " left" : "s left");
+    return rate + ", " + std::to_string(count) + (minutes ? " minute" : " second") +
+           (count == 1 ? " left" : "s left");
+}
+
+std::string DownloadDetail(const DownloadProgress& progress) {
+    std::string wait = WaitText(progress);
+    if (wait.empty())
+        return RateText(progress.bytesPerSecond, progress.secondsLeft);
+    wait[0] = UpperCase(wait.substr(0, 1))[0];
+    return wait;
 }
 
 std::string InstallFolderOf(const std::string& fieldText) {

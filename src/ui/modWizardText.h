@@ -1,6 +1,7 @@
 #pragma once
 
 #include "catalogue/Catalogue.h"
+#include "net/DownloadProgress.h"
 
 #include <cstdint>
 #include <string>
@@ -38,6 +39,9 @@ std::string EntryTip(const CatalogueEntry& entry, ArchivePlace place);
 /// Speed of a download and the time it still takes, each as far as known.
 /// @param secondsLeft negative while unknown
 std::string RateText(double bytesPerSecond, std::int64_t secondsLeft);
+
+/// What a download waits for; its RateText while bytes come.
+std::string DownloadDetail(const DownloadProgress& progress);
 
 /// The installation folder that a field's text means: without a trailing backslash, except for a
 /// whole drive, which without it would mean that drive's current folder.

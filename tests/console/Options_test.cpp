@@ -19,6 +19,11 @@ TEST_CASE("options are read") {
     REQUIRE(options.proxy);
     CHECK(options.proxy->host == "proxy");
     CHECK(options.proxy->port == 8080);
+    for (const char* written : {"http://proxy:8080", "HTTP://proxy:8080/"}) {
+        const ConsoleOptions same = ParseOptions({"--proxy", written});
+        CHECK(same.proxy->host == "proxy");
+        CHECK(same.proxy->port == 8080);
+    }
     CHECK_FALSE(ParseOptions({}).answer.has_value());
     CHECK(ParseOptions({"--check"}).action == ConsoleOptions::Action::Check);
 }
@@ -34,7 +39,10 @@ TEST_CASE("wrong options are refused with a sentence that names them") {
           Row{{"--enable", ""}, "--enable"}, Row{{"--yes", "--no"}, "exclude"},
           Row{{"--proxy", "host"}, "host"}, Row{{"--proxy", "host:0"}, "host:0"},
           Row{{"--proxy", ":80"}, ":80"}, Row{{"--proxy", "host:65536"}, "65536"},
-          Row{{"--proxy", "host:8x"}, "8x"}}) {
+          Row{{"--proxy", "host:8x"}, "8x"}, Row{{"--proxy", "https://host:80"}, "https://host"},
+          Row{{"--proxy", "http://u@host:80"}, "u@host"},
+          Row{{"--proxy", "http://:80"}, "http://:"}, Row{{"--proxy", "http://h:80/x"}, "80/x"},
+          Row{{"--proxy", "a b:80"}, "a b"}, Row{{"--proxy", "http://"}, "http://"}}) {
         CAPTURE(row.named);
         CHECK_THROWS_WITH_AS(ParseOptions(row.arguments), doctest::Contains(row.named), UsageError);
     }

@@ -20,17 +20,20 @@ from peers import ScriptedServer, answer  # noqa: E402
 
 HALF_DRAWN = re.compile(rb"\[#########-----------\]  49%  \d+ B of \d+ B  [\d.]+ k?B/s  "
                         rb"\d+:\d\d left  one.zip")
+SILENCE_DRAWN = re.compile(rb"49%  \d+ B of \d+ B  no data for \d+ s  one.zip")
 
 
 class Download(ProgramTest):
     def setUp(self):
         super().setUp()
+        (self.program / "readme.txt").write_text("Read me.")
         server = self.folder / "server"
         server.mkdir()
         base = zip_bytes(server / "pebuilder3110a.zip", {"pebuilder.exe": "x"})
         one = zip_bytes(server / "one.zip", {"one.inf": "[PEBuilder]\r\nName=One\r\n"})
         (server / "damaged.zip").write_bytes(b"no archive")
         host = "http://archives.invalid/"
+        self.one = one
         plugins = [("One", "one.zip", f"{host}none, {host}gone ,{host}one.zip", one),
                    ("Damaged", "damaged.zip", host + "damaged.zip", one),
                    ("None", "none.zip", host + "none", one)]
@@ -57,7 +60,12 @@ class Download(ProgramTest):
 
     def test_missing_archives_come_through_the_proxy(self):
         code, lines, errors = self.build(*self.proxy)
-        self.assertEqual((code, errors), (1, ""))
+        self.assertEqual(code, 1)
+        by = f"archives.invalid through proxy {self.proxy[1].replace(':', ' port ')}"
+        self.assertEqual(errors.splitlines(), [
+            f"veskbuild: damaged.zip: not downloaded, {by}: CRC differs, expected {self.one}, "
+            'found 1E98F274, a text came instead: "no archive"',
+            f"veskbuild: none.zip: not downloaded, {by}: HTTP/1.1 404 Not Found"])
         self.assertTrue((self.tree / "pebuilder.exe").exists())
         self.assertTrue((self.tree / "Plugin/100_tools/one/one.inf").exists())
         self.assertEqual(
@@ -65,14 +73,47 @@ class Download(ProgramTest):
             ["Downloading: pebuilder3110a.zip", "Downloading: one.zip", "Downloading: damaged.zip",
              "Warning: damaged.zip CRC failed. !!!", "Downloading: none.zip",
              "Warning: none.zip could not be downloaded. !!!"])
-        self.assertFalse((self.program / "damaged.zip").exists())
+        self.assertEqual({path.name for path in self.program.glob("*.zip*")},
+                         {"pebuilder3110a.zip", "one.zip"})
         requested = [request.split()[1].rsplit(b"/", 1)[1] for request in self.server.requests]
         self.assertEqual(requested, [b"pebuilder3110a.zip", b"none", b"gone", b"one.zip",
                                      b"damaged.zip", b"none"])
 
-    def stop_on_a_terminal(self):
+    def test_a_server_that_falls_silent_is_given_up(self):
+        self.slow = "one.zip"
+        code, lines, errors = self.build(*self.proxy, "--timeout", "1")
+        self.assertEqual(code, 1)
+        self.assertIn("Warning: one.zip could not be downloaded. !!!", lines)
+        self.assertRegex(errors, r"one\.zip: not downloaded, .*archives\.invalid through proxy "
+                                 r"[\d.]+ port \d+: no data for 1 s, \d+ of \d+ bytes came\n")
+        self.assertFalse((self.program / "one.zip").exists())
+
+    def test_what_a_killed_run_leaves_is_no_archive(self):
+        self.slow = "one.zip"
+        process = subprocess.Popen(
+            [*WINE, str(self.program / "veskbuild.exe"), "--install", windows_path(self.tree),
+             *self.proxy], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+            stderr=subprocess.DEVNULL)
+        part = self.program / "one.zip.vesk-part"
+        try:
+            self.assertTrue(self.half_sent.wait(30))
+            deadline = time.monotonic() + 30
+            while (not part.exists() or part.stat().st_size == 0) and time.monotonic() < deadline:
+                time.sleep(0.02)
+        finally:
+            process.kill()
+            process.wait()
+        self.assertGreater(part.stat().st_size, 0)
+        self.assertFalse((self.program / "one.zip").exists())
+        self.slow = ""
+        self.build("--yes", *self.proxy)
+        self.assertTrue((self.tree / "Plugin/100_tools/one/one.inf").exists())
+        self.assertFalse(part.exists())
+
+    def stop_on_a_terminal(self, drawn):
         """Runs a build whose error output is a terminal and stops it while it waits for the other
-        half of an archive. Returns exit code, log and what the terminal showed."""
+        half of an archive and has drawn such a line. Returns exit code, log, what the terminal
+        showed."""
         try:
             terminal, program_side = pty.openpty()
         except OSError as error:
@@ -98,24 +139,26 @@ class Download(ProgramTest):
         try:
             self.assertTrue(self.half_sent.wait(30))
             deadline = time.monotonic() + 30
-            while not HALF_DRAWN.search(b"".join(shown)) and time.monotonic() < deadline:
+            while not drawn.search(b"".join(shown)) and time.monotonic() < deadline:
                 time.sleep(0.02)
             process.send_signal(signal.SIGINT)
             log = process.communicate(timeout=30)[0].decode("cp1252").splitlines()
         finally:
             process.kill()
         reader.join(10)
-        return process.returncode, [self.normalised(line) for line in log], b"".join(shown)
+        lines = [self.normalised(line) for line in log]
+        return process.returncode, lines, b"".join(shown)
 
     def test_progress_is_drawn_and_ctrl_c_ends_download_and_run(self):
         self.slow = "one.zip"
-        code, lines, shown = self.stop_on_a_terminal()
+        code, lines, shown = self.stop_on_a_terminal(SILENCE_DRAWN)
         self.assertEqual(code, 3)
         self.assertEqual(lines[-3:], ["Warning: download cancelled by user. !!!",
                                       "Aborted... [{DATE}]", "click 'Finish' to exit"])
-        self.assertFalse((self.program / "one.zip").exists())
+        self.assertEqual(list(self.program.glob("one.zip*")), [])
         self.assertEqual(len(self.server.requests), 4)  # nothing after the one cancelled
         self.assertRegex(shown, HALF_DRAWN)
+        self.assertRegex(shown, SILENCE_DRAWN)
 
 
 if __name__ == "__main__":

@@ -63,6 +63,39 @@ TEST_CASE("the next address is tried after three kinds of error, and never the s
     CHECK_FALSE(walk.OnError(404));
 }
 
+TEST_CASE("without a checksum a file that is shorter than announced failed") {
+    struct Row {
+        const char* length;
+        std::int32_t received;
+        DownloadResult empty, withCrc;
+    };
+    using enum DownloadResult;
+    for (const Row& row : {Row{"5", 4, Failed, Done}, Row{"5", 5, Done, Done},
+                           Row{"5", 6, Done, Done}, Row{"4294967297", 2147483647, Failed, Done}}) {
+        CAPTURE(row.length);
+        CAPTURE(row.received);
+        DownloadDecisions decisions("a,b,c");
+        decisions.OnStarting(9, "HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\n");
+        decisions.OnDataArrival(9); // from an address that another one replaces
+        CHECK(decisions.OnError(10060));
+        CHECK_FALSE(decisions.IsShort());
+        decisions.OnStarting(5, std::string("HTTP/1.1 200 OK\r\nContent-Length: ") + row.length +
+                                    "\r\n\r\n");
+        decisions.OnDataArrival(row.received);
+        CHECK(ResultOf(decisions, "") == row.empty);
+        CHECK(ResultOf(decisions, "12AB") == row.withCrc);
+    }
+}
+
+TEST_CASE("a silent server is one that does not answer, whatever it sent before") {
+    for (const auto& [urls, another] : {std::pair{"a", false}, {"a,b", false}, {"a,b,c", true}}) {
+        DownloadDecisions decisions(urls);
+        decisions.OnStarting(5, kGood);
+        CHECK(decisions.OnSilence() == another);
+        CHECK(ResultOf(decisions, "12AB") == DownloadResult::Failed);
+    }
+}
+
 TEST_CASE("an answer that counted stands after errors that are no answer") {
     using enum DownloadResult;
     for (const auto& [number, result] :

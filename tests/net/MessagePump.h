@@ -14,7 +14,9 @@ bool PumpUntil(Condition&& condition, DWORD milliseconds = 10000) {
             return false;
         MsgWaitForMultipleObjects(0, nullptr, FALSE, milliseconds - elapsed, QS_ALLINPUT);
         MSG message;
-        while (!condition() && PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE) != 0)
+        // Looks at the clock between messages too: some faults keep them coming.
+        while (!condition() && GetTickCount() - start < milliseconds &&
+               PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE) != 0)
             DispatchMessageA(&message);
     }
     return true;

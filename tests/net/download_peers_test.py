@@ -111,6 +111,13 @@ class ScriptedAnswers(unittest.TestCase):
         self.expect(lambda c, _: c.sendall(page),
                     [f"Starting 4 {len(page) - 4} HTTP/1.1 302 Found", "Completed", "Bytes 4"],
                     b"gone", "--no-redirect")
+        for where in ("http://h/\nX: y", "http://h/\rX: y", "http://h/a b", "http://h/\x7f\0"):
+            split = answer(b"gone", "Location: " + where, status="HTTP/1.1 302 Found")
+            server = self.expect(
+                lambda c, _, text=split: c.sendall(text),
+                ["Error 400 [The server leads to an address with a blank or a control character in "
+                 "it]", "Bytes 0"], b"")
+            self.assertEqual(len(server.requests), 1)
         server = self.expect(lambda c, _: c.sendall(page), ["Cancelled", "Bytes 0"] * 3, None,
                              "--cancel-after", 400, "--times", 3)
         self.assertGreater(len(server.requests), 10)
@@ -122,6 +129,15 @@ class ScriptedAnswers(unittest.TestCase):
 
         self.expect(endless, ["Error 431 [The header of the server's answer does not end]",
                               "Bytes 0"] * 3, b"", "--times", 3)
+        most = 16 * 1024 * 1024
+        start = b"HTTP/1.1 200 OK\r\nContent-Length: 1\r\nX: "
+        for size in (most, most + 1):
+            header = start + b"y" * (size - len(start) - 4) + b"\r\n\r\n"
+            self.expect(lambda c, _, text=header + b"b": c.sendall(text),
+                        [f"Starting 1 {most} HTTP/1.1 200 OK", "Completed", "Bytes 1"]
+                        if size == most else
+                        ["Error 431 [The header of the server's answer does not end]", "Bytes 0"],
+                        b"b" if size == most else b"")
         page = answer(b"page", status="HTTP/1.1 403 Web site blocked")
         self.expect(lambda c, _: c.sendall(page), ["Error 403 [Forbidden ]", "Bytes 0"], b"")
 
@@ -148,6 +164,8 @@ class ScriptedAnswers(unittest.TestCase):
         unknown = ["Error 11001 [Host not found.]", "Bytes 0"]
         for url in ("http://no-such-host.invalid/x", "", "http://127.0.0.1:8080/x"):
             self.assertEqual(download("--times", 3, url), unknown * 3)
+        self.assertEqual(download("http://h/a\r\nX: y"),
+                         ["Error 400 [The address holds a blank or a control character]", "Bytes 0"])
         self.assertEqual(download("--access", 1, "--proxy", "h:70000", "http://h/")[0][:11],
                          "Error 40014")
 

@@ -23,7 +23,7 @@ struct Options {
             const std::string word = words[i];
             if (!word.starts_with("--"))
                 names.push_back(word);
-            else if (word == "--timed" || word == "--no-redirect" || i + 1 == count)
+            else if (word == "--only-time" || word == "--no-redirect" || i + 1 == count)
                 values[word] = "1";
             else
                 values[word] = words[++i];
@@ -69,7 +69,6 @@ public:
     void Run() {
         over_ = false;
         bytes_ = 0;
-        const DWORD start = GetTickCount();
         download_->Download(options_.names.at(0), options_.names.at(1));
         const auto limit = static_cast<DWORD>(options_.Number("--cancel-after", 60000));
         if (!test::PumpUntil([this] { return over_; }, limit)) {
@@ -77,15 +76,16 @@ public:
             Say("Cancelled");
             test::PumpFor(50);
         }
+        if (options_.Has("--only-time"))
+            return;
         Say("Bytes " + std::to_string(bytes_));
-        if (options_.Has("--timed"))
-            Say("Milliseconds " + std::to_string(GetTickCount() - start));
     }
 
 private:
     void OnStarting(std::int32_t fileSize, const std::string& header) override {
-        Say("Starting " + std::to_string(fileSize) + " " + std::to_string(header.size()) + " " +
-            header.substr(0, header.find('\r')));
+        if (!options_.Has("--only-time"))
+            Say("Starting " + std::to_string(fileSize) + " " + std::to_string(header.size()) + " " +
+                header.substr(0, header.find('\r')));
         Act("starting", false);
     }
     void OnDataArrival(std::int32_t bytesTotal) override {
@@ -97,7 +97,8 @@ private:
         Act("error", true);
     }
     void OnCompleted() override {
-        Say("Completed");
+        if (!options_.Has("--only-time"))
+            Say("Completed");
         Act("completed", true);
     }
 
@@ -143,9 +144,13 @@ int main(int count, char** words) {
     if (options.names.size() != 2)
         return 64;
     Recorder recorder(options);
+    const DWORD start = GetTickCount();
     for (int i = 0; i < options.Number("--times", 1); ++i) {
         recorder.Run();
-        SayWhatIsOpen();
+        if (!options.Has("--only-time"))
+            SayWhatIsOpen();
     }
+    if (options.Has("--only-time"))
+        Say("Milliseconds " + std::to_string(GetTickCount() - start));
     return 0;
 }

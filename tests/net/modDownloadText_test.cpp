@@ -46,4 +46,13 @@ TEST_CASE("the rate is that of the last seconds, across a wrap of the clock") {
     CHECK(rate.SecondsLeft(46000 + 2500) == std::optional<std::int64_t>(3));
     CHECK(rate.SecondsLeft(46000) == std::optional<std::int64_t>(0));
     CHECK_FALSE(rate.SecondsLeft(0));
+    double before = rate.BytesPerSecond();
+    for (std::uint32_t ms = 11000; ms <= 14500; ms += 500) { // nothing comes any more
+        rate.Add(46000, start + ms);
+        CHECK(rate.BytesPerSecond() < before);
+        before = rate.BytesPerSecond();
+    }
+    rate.Add(46000, start + 15500);
+    CHECK(rate.BytesPerSecond() == 0);
+    CHECK_FALSE(rate.SecondsLeft(48500));
 }

@@ -21,6 +21,15 @@ TEST_CASE("host and request path of a URL") {
     }
 }
 
+TEST_CASE("what would break a request's line is not requested") {
+    for (const char c : {'\0', '\t', '\n', '\r', ' ', '\x1F', '\x7F'}) {
+        CAPTURE(static_cast<int>(c));
+        CHECK_FALSE(IsRequestable(std::string("http://h/a") + c + "b"));
+    }
+    CHECK(IsRequestable("http://h/~a%20b?c=d&e#\xE4!"));
+    CHECK(IsRequestable(""));
+}
+
 TEST_CASE("the request, byte by byte") {
     const char* const rest =
         " HTTP/1.0\r\n"
@@ -61,6 +70,9 @@ TEST_CASE("header values are found by name, loosely") {
     CHECK(LeadingNumber("1234 bytes") == 1234);
     CHECK(LeadingNumber("-5") == 0);
     CHECK(LeadingNumber("99999999999999999999999") == 2147483647);
+    CHECK(LeadingCount("4294967297") == 4294967297);
+    CHECK(LeadingCount("99999999999999999999999") == 1'000'000'000'000'000'000);
+    CHECK(StatusLineOf("HTTP/1.1 200 OK\r\nA: b\r\n\r\n") == "HTTP/1.1 200 OK");
 }
 
 TEST_CASE("error pages are told by their texts, in a fixed order") {

@@ -58,10 +58,15 @@ TEST_CASE("the installation folder has no trailing backslash, a whole drive keep
 
 TEST_CASE("speed and time left are told as far as they are known") {
     CHECK(RateText(0, 5).empty());
-    CHECK(RateText(1500, -1) == "2 Kb/s");
-    CHECK(RateText(2500000, 1) == "2.5 Mb/s, 1 second left");
-    CHECK(RateText(50000, 119) == "50 Kb/s, 119 seconds left");
-    CHECK(RateText(50000, 150) == "50 Kb/s, 3 minutes left");
+    CHECK(RateText(1500, -1) == "1.5 kB/s");
+    CHECK(RateText(2500000, 1) == "2.5 MB/s, 1 second left");
+    CHECK(RateText(50000, 119) == "50.0 kB/s, 119 seconds left");
+    CHECK(RateText(50000, 150) == "50.0 kB/s, 3 minutes left");
+    DownloadProgress progress;
+    progress.bytesPerSecond = 5e7;
+    CHECK(DownloadDetail(progress) == "50.0 MB/s");
+    progress.silence = 30;
+    CHECK(DownloadDetail(progress) == "No data for 30 s");
 }
 
 TEST_CASE("a scaled picture covers its target and keeps what is at the bottom left") {

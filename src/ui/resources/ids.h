@@ -65,6 +65,7 @@
 #define IDC_SHP_PROGRESS 1201
 #define IDC_LBL_FILE_NAME 1202
 #define IDC_LBL_DETAIL 1203
+#define IDC_LBL_REASON 1204
 
 // frmSelOS; its Cancel button is IDCANCEL
 #define IDC_CMD_STOP 1220

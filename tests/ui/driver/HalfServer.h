@@ -33,8 +33,7 @@ public:
     HalfServer(const HalfServer&) = delete;
     HalfServer& operator=(const HalfServer&) = delete;
     ~HalfServer() {
-        for (const SOCKET client : clients_)
-            closesocket(client);
+        HangUp();
         closesocket(listener_);
         WSACleanup();
     }
@@ -58,10 +57,15 @@ public:
 
     /// Sends the rest to everybody who waits for it.
     void SendRest() {
-        for (const SOCKET client : clients_) {
+        for (const SOCKET client : clients_)
             Send(client, body_.substr(body_.size() / 2));
+        HangUp();
+    }
+
+    /// Hangs up on everybody who waits for it.
+    void HangUp() {
+        for (const SOCKET client : clients_)
             closesocket(client);
-        }
         clients_.clear();
     }
 

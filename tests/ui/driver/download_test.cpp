@@ -38,19 +38,22 @@ struct HalfDownload {
         }));
     }
 
-    [[nodiscard]] std::string Percent() const {
-        std::string text(32, '\0');
-        text.resize(GetDlgItemTextA(dialog, IDC_LBL_RATE, text.data(), 32));
+    [[nodiscard]] std::string Text(int id) const {
+        std::string text(500, '\0');
+        text.resize(GetDlgItemTextA(dialog, id, text.data(), static_cast<int>(text.size())));
         return text;
     }
+    [[nodiscard]] std::string Percent() const { return Text(IDC_LBL_RATE); }
 
-    /// Presses the dialog's Cancel button and answers its question.
-    void Cancel(int answer) const {
+    /// Presses the dialog's Cancel button. @return its question
+    [[nodiscard]] HWND AskToCancel() const {
         PostMessageA(GetDlgItem(dialog, IDCANCEL), BM_CLICK, 0, 0);
         const HWND question = wizard->AwaitDialog("Confirmation");
         CHECK(WizardDriver::BoxText(question) == "Are you sure you want to cancel download");
-        WizardDriver::Answer(question, answer);
+        return question;
     }
+
+    void Cancel(int answer) const { WizardDriver::Answer(AskToCancel(), answer); }
 
     std::vector<std::string> AwaitLog() const {
         REQUIRE(WaitUntil([&] { return wizard->Text(IDC_CMD_NEXT) == "&Finish"; }));
@@ -96,6 +99,22 @@ TEST_CASE("a download shows its progress, goes on after No and ends after Yes") 
         CHECK(Holds(lines, "Downloading: remote.zip"));
         CHECK(FileExists(program.Tree() + "\\Plugin\\100_tools\\remote\\remote.txt"));
         CHECK(IsWindowEnabled(download.wizard->Window()));
+    }
+    SUBCASE("stalled, then broken off behind the open question") {
+        ProgramFolder program;
+        const HalfDownload download(server, program, crc);
+        CHECK(WaitUntil([&] { return download.Text(IDC_LBL_DETAIL).starts_with("No data for "); }));
+        const HWND question = download.AskToCancel();
+        server.HangUp();
+        CHECK(WaitUntil([&] { return download.Text(IDC_LBL_DETAIL) == "The download failed."; }));
+        const std::string reason = download.Text(IDC_LBL_REASON);
+        CHECK(reason.starts_with("127.0.0.1 port 80: 1,500,"));
+        CHECK(reason.ends_with(" bytes came"));
+        CHECK(FileExists(program.Path() + "remote.zip.vesk-part"));
+        CHECK_FALSE(FileExists(program.Path() + "remote.zip"));
+        WizardDriver::Answer(question, IDNO);
+        CHECK(Holds(download.AwaitLog(), "Warning: remote.zip CRC failed. !!!"));
+        CHECK_FALSE(FileExists(program.Path() + "remote.zip.vesk-part"));
     }
     SUBCASE("cancelled") {
         ProgramFolder program;

@@ -1,0 +1,267 @@
+"""Runs whole downloads against servers that answer as they should not, and compares what became of
+them, the reason told and the files. Arguments: the program that runs Windows programs, the tool."""
+
+import os
+import pathlib
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+import zlib
+
+sys.path.insert(0, os.path.dirname(__file__))
+from peers import Nginx, ScriptedServer, answer, free_port, reset  # noqa: E402
+
+WINE, TOOL = sys.argv[1:3]
+WORK = pathlib.Path(tempfile.mkdtemp(prefix="vesk-net-"))
+CRC_DIFFERS, DONE, FAILED = 0, 1, 2
+BODY = bytes(range(256)) * 16
+CRC = f"{zlib.crc32(BODY):X}"
+HEAD = answer(BODY)[:-len(BODY)]
+OLD = b"the archive that was there before"
+
+
+def windows(path):
+    return "Z:" + str(path).replace("/", "\\")
+
+
+class Sessions(unittest.TestCase):
+    def setUp(self):
+        self.folder = pathlib.Path(tempfile.mkdtemp(dir=WORK))
+        self.target = self.folder / "a.zip"
+        self.partial = self.folder / "a.zip.vesk-part"
+
+    def run_tool(self, proxy, downloads, timeout=20):
+        """Downloads are pairs of checksum and addresses. Returns (result, size of the file, size of
+        the partial one, reason) of each."""
+        words = [word for crc, urls in downloads for word in (crc or "-", urls)]
+        run = subprocess.run([WINE, TOOL, proxy, str(timeout), windows(self.target), *words],
+                             timeout=100, stdin=subprocess.DEVNULL, capture_output=True, check=True)
+        rows = [line.rstrip("\r").split("|", 3) for line in run.stdout.decode().splitlines()]
+        return [(int(result), file, partial, reason) for result, file, partial, reason in rows]
+
+    def serve(self, script):
+        server = ScriptedServer(script)
+        self.addCleanup(server.stop)
+        return server, f"127.0.0.1:{server.port}"
+
+    def check_table(self, table, timeout=20):
+        """Rows of name, server, result with the checksum, result without one, reason of the first
+        (behind the server's name) and of the second. Where it failed, the file that stood there must stay."""
+        scripts = {name.replace(" ", "-"): script for name, script, *_ in table}
+        _, proxy = self.serve(lambda c, url: scripts[url.rsplit("/", 1)[1]](c))
+        self.target.write_bytes(OLD)
+        standing = str(len(OLD))
+        downloads = [(crc, "http://h/" + name) for name in scripts for crc in (CRC, None)]
+        told = iter(self.run_tool(proxy, downloads, timeout))
+        for name, _, with_crc, without, *reasons in table:
+            for expected, reason in ((with_crc, reasons[0]), (without, reasons[-1])):
+                with self.subTest(name, result=expected):
+                    result, size, _, why = next(told)
+                    self.assertEqual((result, why),
+                                     (expected, f"h through proxy {proxy}: ".replace(
+                                         ":", " port ", 1) + reason if reason else ""))
+                    if expected != DONE:
+                        self.assertEqual(size, standing, "the file that stood there")
+                    standing = size
+
+    def test_answers(self):
+        def page(text, **more):
+            return lambda c: c.sendall(answer(text, **more))
+
+        def send(text):
+            return lambda c: c.sendall(text)
+
+        def length(text):
+            return send(HEAD.replace(b"4096", text) + BODY)
+
+        counts = "only HTTP/1.1 200 OK counts"
+        no_length = "HTTP/1.1 200 OK, no Content-Length above 0"
+        short = "512 of 4,096 bytes came"
+        self.check_table([
+            ("cut", send(HEAD + BODY[:512]), CRC_DIFFERS, FAILED, short),
+            ("cut before the body", send(HEAD), CRC_DIFFERS, FAILED, "0 of 4,096 bytes came"),
+            ("cut in the header", send(HEAD[:-1]), FAILED, FAILED,
+             'the answer has no HTTP header, a text came instead: '
+             '"HTTP/1.1 200 OK Content-Length: 4096"'),
+            ("closed at once", send(b""), FAILED, FAILED,
+             "the connection was closed without an answer"),
+            ("announced shorter", length(b"12"), DONE, DONE, ""),
+            ("announced longer", length(b"5000"), DONE, FAILED, "", "4,096 of 5,000 bytes came"),
+            ("announced huge", length(b"99999999999"), DONE, FAILED, "",
+             "4,096 of 99,999,999,999 bytes came"),
+            ("announced negative", length(b"-5"), FAILED, FAILED, no_length),
+            ("announced nothing", length(b"0"), FAILED, FAILED, no_length),
+            ("announced twice", length(b"4096\r\nContent-Length: 1"), DONE, DONE, ""),
+            ("announced twice and first less", length(b"1\r\nContent-Length: 4096"), DONE, DONE, ""),
+            ("no length", send(HEAD.replace(b"Content-Length", b"X") + BODY), FAILED, FAILED,
+             no_length),
+            ("chunked", send(b"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n1000\r\n" +
+                             BODY + b"\r\n0\r\n\r\n"), FAILED, FAILED, no_length),
+            ("as HTTP 1.0", send(HEAD.replace(b"1.1", b"1.0") + BODY), FAILED, FAILED,
+             "HTTP/1.0 200 OK, " + counts),
+            ("as HTTP 0.9", send(BODY), FAILED, FAILED, "the answer has no HTTP header"),
+            ("page", page(b"<html><title>Log in</title><p>first"), CRC_DIFFERS, DONE,
+             f"CRC differs, expected {CRC}, found 134FD3C3, a page came instead: \"Log in first\"",
+             ""),
+            ("error page", page(b"<p>Too busy", status="HTTP/1.1 503 Busy"), FAILED, FAILED,
+             'HTTP/1.1 503 Busy, a page came instead: "Too busy"'),
+            ("not found", page(b"", status="HTTP/1.1 404 Not Found"), FAILED, FAILED,
+             "HTTP/1.1 404 Not Found"),
+            ("led into a request", page(b"", status="HTTP/1.1 302 Found\r\n"
+                                        "Location: http://h/x\nX-Evil: 1"), FAILED, FAILED,
+             "HTTP/1.1 302 Found, the server leads to an address with a blank or a control "
+             "character in it"),
+        ])
+
+    def test_silence_in_every_state_ends_when_the_time_is_up(self):
+        def silent_after(text):
+            def script(connection):
+                connection.sendall(text)
+                connection.recv(1)
+            return script
+
+        def redirects(connection):
+            connection.sendall(answer(b"", "Location: http://h/in-circles",
+                                      status="HTTP/1.1 302 Found"))
+
+        def drips_header(connection):
+            connection.sendall(b"HTTP/1.1 200 OK\r\n")
+            while True:
+                connection.sendall(b"X: y\r\n")
+                time.sleep(0.02)
+
+        silent = "no data for 1 s"
+        started = time.monotonic()
+        _, proxy = self.serve(lambda c, _: silent_after(b"")(c))
+        self.assertEqual([row[3] for row in self.run_tool(proxy, [(CRC, "http://h/x")], 1)],
+                         [f"proxy {proxy}: {silent}".replace(":", " port ", 1)])
+        self.check_table([
+            ("in mid body", silent_after(HEAD + BODY[:512]), FAILED, FAILED,
+             silent + ", 512 of 4,096 bytes came"),
+            ("before the body", silent_after(HEAD), FAILED, FAILED,
+             silent + ", 0 of 4,096 bytes came"),
+        ], timeout=1)
+        for script in (redirects, drips_header):
+            _, proxy = self.serve(lambda c, _, script=script: script(c))
+            (result, _, _, why), = self.run_tool(proxy, [(None, "http://h/in-circles")], 1)
+            self.assertEqual((result, why[-len(silent):]), (FAILED, silent))
+        self.assertLess(time.monotonic() - started, 60)
+
+    def test_slow_bytes_are_no_silence(self):
+        def slow(connection, _):
+            connection.sendall(HEAD)
+            for at in range(0, len(BODY), 512):
+                time.sleep(0.3)
+                connection.sendall(BODY[at:at + 512])
+
+        _, proxy = self.serve(slow)
+        self.assertEqual(self.run_tool(proxy, [(CRC, "http://h/x")], 1), [(DONE, "4096", "none", "")])
+
+    def test_of_three_addresses_the_reasons_of_all_are_told(self):
+        def script(connection, url):
+            if url.endswith("silent"):
+                connection.recv(1)
+            elif url.endswith("good"):
+                connection.sendall(answer(BODY))
+            else:
+                connection.sendall(answer(b"", status="HTTP/1.1 404 Not Found"))
+
+        _, proxy = self.serve(script)
+        by = " through proxy " + proxy.replace(":", " port ")
+        rows = self.run_tool(proxy, [
+            (CRC, "http://a/silent,http://b/none,http://c/good"),
+            (CRC, "http://a/none,http://b/none,http://c/none"),
+            (CRC, "http://a/none, http://b/a b ,http://c/good")], 1)
+        self.assertEqual([row[0] for row in rows], [DONE, FAILED, FAILED])
+        missing = ": HTTP/1.1 404 Not Found"
+        self.assertEqual([row[3] for row in rows[1:]], [
+            f"a{by}{missing}; b{by}{missing}; c{by}{missing}",
+            f'a{by}{missing}; "http://b/a b": the address holds a blank or a control character'])
+
+    def test_who_cannot_be_reached(self):
+        port = free_port()
+        self.assertEqual([row[3] for row in self.run_tool(f"127.0.0.1:{port}", [("-", "http://h/")])],
+                         [f"proxy 127.0.0.1 port {port}: connection refused"])
+        self.assertEqual(
+            [row[3] for row in self.run_tool("direct", [
+                ("-", "http://no-such-host.invalid/x"), ("-", "http://h:8080/x"),
+                ("-", "https://h/x"), ("-", " ")])],
+            ["no-such-host.invalid: host not found",
+             "h:8080: host not found, the address must have no port",
+             '"https://h/x": only addresses that begin with http:// can be downloaded',
+             '"": the address names no host'])
+
+    def test_a_reset_is_told(self):
+        def script(connection, _):
+            connection.sendall(HEAD + BODY[:512])
+            time.sleep(0.2)
+            reset(connection)
+
+        _, proxy = self.serve(script)
+        for crc, expected in ((CRC, CRC_DIFFERS), (None, FAILED)):
+            (result, _, partial, why), = self.run_tool(proxy, [(crc, "http://h/x")])
+            self.assertEqual((result, partial), (expected, "512"))
+            # Wine tells of a reset as if it were an ordinary end.
+            self.assertRegex(why, "(connection reset by peer, )?512 of 4,096 bytes came$")
+
+    def test_files(self):
+        _, proxy = self.serve(lambda c, _: c.sendall(answer(BODY)))
+        done = [(DONE, "4096", "none", "")]
+        for name, prepare in (
+                ("nothing", lambda: None),
+                ("partial file", lambda: self.partial.write_bytes(b"left by a killed run" * 999)),
+                ("partial file in other case",
+                 lambda: (self.folder / "A.zip.vesk-part").write_bytes(b"left")),
+                ("read-only partial file", lambda: (self.partial.write_bytes(b"left"),
+                                                    self.partial.chmod(0o444))),
+                ("file", lambda: self.target.write_bytes(OLD)),
+                ("read-only file", lambda: (self.target.write_bytes(OLD),
+                                            self.target.chmod(0o444)))):
+            with self.subTest(name):
+                prepare()
+                self.assertEqual(self.run_tool(proxy, [(CRC, "http://h/x")]), done)
+                self.assertEqual(self.target.read_bytes(), BODY)
+                self.target.unlink()
+        self.target.mkdir()  # nothing can take its place
+        (result, _, partial, why), = self.run_tool(proxy, [(CRC, "http://h/x")])
+        self.assertEqual((result, partial), (FAILED, "4096"))
+        self.assertIn(f"cannot replace {windows(self.target)}: ", why)
+        self.partial.unlink()
+        self.partial.mkdir()
+        (result, _, _, why), = self.run_tool(proxy, [(CRC, "http://h/x")])
+        self.assertEqual(result, FAILED)
+        self.assertIn(f"cannot create {windows(self.partial)}: ", why)
+
+    def test_a_full_disk_is_told(self):
+        disk = WORK / "disk"
+        disk.mkdir()
+        if subprocess.run(["mount", "-t", "tmpfs", "-o", "size=64k", "tmpfs", str(disk)],
+                          capture_output=True).returncode != 0:
+            self.skipTest("no rights to make a small disk")
+        self.addCleanup(subprocess.run, ["umount", str(disk)], check=True)
+        self.target = disk / "a.zip"
+        _, proxy = self.serve(lambda c, _: c.sendall(answer(BODY * 100)))
+        for crc, expected in ((CRC, CRC_DIFFERS), (None, FAILED)):
+            (result, size, _, why), = self.run_tool(proxy, [(crc, "http://h/x")])
+            self.assertEqual((result, size), (expected, "none"))
+            self.assertRegex(why, r"^cannot write .*a\.zip\.vesk-part: .+, [\d,]+ of 409,600 bytes")
+
+    def test_a_real_server(self):
+        nginx = Nginx(WORK / "nginx")
+        self.addCleanup(nginx.stop)
+        (nginx.root / "a.zip").write_bytes(BODY)
+        proxy = f"127.0.0.1:{nginx.port}"
+        rows = self.run_tool(proxy, [(CRC, "http://h/a.zip"), (CRC, "http://h/secret"),
+                                     (CRC, "http://h/none")])
+        self.assertEqual([(row[0], row[3].rsplit(": ", 1)[-1]) for row in rows],
+                         [(DONE, ""), (FAILED, "HTTP/1.1 401 Unauthorized"),
+                          (FAILED, "HTTP/1.1 404 Not Found")])
+
+
+if __name__ == "__main__":
+    try:
+        unittest.main(argv=[sys.argv[0], *sys.argv[3:]], verbosity=2)
+    finally:
+        subprocess.run(["rm", "-rf", str(WORK)], check=False)
