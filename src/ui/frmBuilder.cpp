@@ -81,7 +81,7 @@ void frmBuilder::ExplainCatalogue() {
     const int answer = ShowMessage(
         Window(),
         found +
-            "\r\n\r\nWithout it there is nothing to build. The catalogue editor (veskbuilder.exe "
+            "\r\n\r\nThere is nothing to build without one. The catalogue editor (veskbuilder.exe "
             "-setup) makes a catalogue. Do you want to start it now?",
         kProductName, MB_YESNO | MB_ICONWARNING);
     wantsEditor_ = answer == IDYES;

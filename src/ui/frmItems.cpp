@@ -35,6 +35,8 @@ void frmItems::OnCreated() {
     nameFont_ = DerivedFont(font, FW_BOLD, 100);
     SendMessageA(Control(IDC_LBL_ITEM_NAME), WM_SETFONT, reinterpret_cast<WPARAM>(nameFont_.Get()),
                  FALSE);
+    // It stands exactly above the labels.
+    SendMessageA(Control(IDC_LBL_ITEM_NAME), EM_SETMARGINS, EC_LEFTMARGIN | EC_RIGHTMARGIN, 0);
     const auto show = [this](int id, const std::string& text, const std::string& whenEmpty) {
         SetText(Control(id), text.empty() ? whenEmpty : text);
     };

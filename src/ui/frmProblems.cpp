@@ -13,7 +13,7 @@ namespace vesk {
 
 namespace {
 
-constexpr std::array<const char*, 3> kTitles{"Place", "What was not done", "Why"};
+constexpr std::array<const char*, 3> kTitles{"Place", "What", "Why"};
 
 const std::string& ColumnOf(const Problem& problem, int column) {
     return column == 0 ? problem.place : column == 1 ? problem.what : problem.reason;
@@ -65,7 +65,7 @@ void frmProblems::AddColumns() const {
 
 /// All three stay in sight; what they cut off is shown below the list.
 void frmProblems::FitColumns() const {
-    const int width = InnerSize(List()).cx - GetSystemMetrics(SM_CXVSCROLL);
+    const int width = InnerSize(List()).cx;
     const int place = width * 2 / 5;
     const int what = width / 5;
     ListView_SetColumnWidth(List(), 0, place);

@@ -91,6 +91,30 @@ private:
     std::string before_;
 };
 
+/// Presses a key as the keyboard does, together with Ctrl if wanted.
+void PressKey(const WizardDriver& wizard, BYTE key, bool withControl = false) {
+    SetForegroundWindow(wizard.Window());
+    if (withControl)
+        keybd_event(VK_CONTROL, 0, 0, 0);
+    keybd_event(key, 0, 0, 0);
+    keybd_event(key, 0, KEYEVENTF_KEYUP, 0);
+    if (withControl)
+        keybd_event(VK_CONTROL, 0, KEYEVENTF_KEYUP, 0);
+}
+
+/// True when the control shows a pixel of this colour.
+bool Shows(HWND control, COLORREF colour) {
+    const RECT area = AreaOf(control);
+    const HDC screen = GetDC(nullptr);
+    bool found = false;
+    for (LONG y = area.top; y < area.bottom && !found; ++y) {
+        for (LONG x = area.left; x < area.right && !found; ++x)
+            found = GetPixel(screen, x, y) == colour;
+    }
+    ReleaseDC(nullptr, screen);
+    return found;
+}
+
 } // namespace
 
 TEST_CASE("lists grow with the window, the buttons stay in its corner") {
@@ -235,4 +259,55 @@ TEST_CASE("a long name pushes no column out of sight, and is shown whole by itse
     CHECK(HeightOf(field) >= lines * lineHeight);
     CHECK(AreaOf(GetDlgItem(dialog, IDC_TXT_ITEM_ARCHIVE)).top >= AreaOf(field).bottom);
     CHECK(IsInside(GetDlgItem(dialog, IDCANCEL), AreaOf(dialog)));
+}
+
+TEST_CASE("F1, a double click and Ctrl+C do what they are known for") {
+    const ProgramFolder program;
+    program.Save();
+    const WizardDriver wizard(program.Wizard());
+    PressKey(wizard, VK_F1);
+    AnswerBox(wizard, "Help", IDOK);
+    wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
+    wizard.SetText(IDC_TXT_PROG_PATH, program.Tree());
+    wizard.GoTo(IDC_CMD_NEXT, kPluginsHeading);
+    const HWND list = wizard.Control(IDC_LST_PLUGINS);
+    const LRESULT spacing = SendMessageA(list, LVM_GETITEMSPACING, TRUE, 0);
+    const LONG line = HeightOf(reinterpret_cast<HWND>(SendMessageA(list, LVM_GETHEADER, 0, 0))) +
+                      HIWORD(spacing) / 2;
+    for (const UINT message : {WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_LBUTTONUP})
+        PostMessageA(list, message, MK_LBUTTON, MAKELPARAM(60, line + 6));
+    const HWND item = wizard.AwaitDialog("Component");
+    CHECK(TextIn(item, IDC_LBL_ITEM_NAME) == "Alpha");
+    WizardDriver::Answer(item, IDCANCEL);
+    wizard.GoTo(IDC_CMD_NEXT, kSummaryHeading);
+    wizard.Click(IDC_CMD_NEXT);
+    AwaitFinish(wizard);
+    PostMessageA(wizard.Window(), WM_NEXTDLGCTL,
+                 reinterpret_cast<WPARAM>(wizard.Control(IDC_LST_PROGRESS)), TRUE);
+    REQUIRE(WaitUntil([&] { return FocusOf(wizard) == wizard.Control(IDC_LST_PROGRESS); }, 5000));
+    PressKey(wizard, 'A', true);
+    PressKey(wizard, 'C', true);
+    CHECK(AwaitClipboard(Joined(wizard.LogLines())));
+}
+
+TEST_CASE("a usable source is green, another one dark red") {
+    const ProgramFolder program;
+    program.Save();
+    const std::string layout = program.Folder().Write("cd\\I386\\LAYOUT.INF", "x");
+    program.Folder().Write("cd\\I386\\SETUPLDR.BIN", "x");
+    program.Folder().Write("cd\\I386\\NTDLL.DLL", "x");
+    const WizardDriver wizard(program.Wizard());
+    wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
+    const HWND field = wizard.Control(IDC_TXT_WIN_PATH);
+    for (const bool usable : {true, false}) {
+        if (!usable)
+            RemoveFile(layout);
+        PostMessageA(wizard.Window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(field), TRUE);
+        REQUIRE(WaitUntil([&] { return FocusOf(wizard) == field; }, 5000));
+        wizard.SetText(IDC_TXT_WIN_PATH, program.Folder() / (usable ? "cd" : "cd\\I386\\.."));
+        PostMessageA(field, WM_KEYDOWN, VK_TAB, 1);
+        CHECK(WaitUntil([&] { return Shows(field, usable ? RGB(0, 130, 0) : RGB(140, 0, 0)); },
+                        5000));
+        CHECK_FALSE(Shows(field, usable ? RGB(140, 0, 0) : RGB(0, 130, 0)));
+    }
 }
