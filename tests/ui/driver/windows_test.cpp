@@ -225,7 +225,8 @@ TEST_CASE("more plug-ins than can be ticked: said once, and the others keep what
     CHECK(WaitUntil([&] { return !wizard.IsTicked(IDC_LST_PLUGINS, 299); }, 5000));
     toggle(VK_HOME);
     CHECK(WaitUntil([&] { return !wizard.IsTicked(IDC_LST_PLUGINS, 0); }, 5000));
-    wizard.GoTo(IDC_CMD_NEXT, kSummaryHeading); // no second box stands in the way
+    SendMessageA(list, WM_NULL, 0, 0);
+    CHECK(IsWindowEnabled(wizard.Window())); // no second box stands in the way
 }
 
 TEST_CASE("a long name pushes no column out of sight, and is shown whole by itself") {
