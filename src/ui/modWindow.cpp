@@ -1,5 +1,6 @@
 #include "ui/modWindow.h"
 
+#include "base/modSystemError.h"
 #include "ui/resources/ids.h"
 
 #include <algorithm>
@@ -92,8 +93,14 @@ RECT WorkAreaOf(HWND window) {
 }
 
 void PutOnClipboard(HWND owner, const std::string& text) {
-    if (!OpenClipboard(owner))
-        return;
+    // Programs that watch the clipboard hold it for moments.
+    constexpr int kAttempts = 40;
+    int attempt = 0;
+    while (!OpenClipboard(owner)) {
+        if (++attempt == kAttempts)
+            ThrowLastError("copy to", "the clipboard");
+        Sleep(10);
+    }
     EmptyClipboard();
     GlobalMemory memory(GlobalAlloc(GMEM_MOVEABLE, text.size() + 1));
     if (memory) {
