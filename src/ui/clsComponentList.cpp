@@ -140,6 +140,7 @@ void clsComponentList::FitColumns() {
         width -= GetSystemMetrics(SM_CXVSCROLL);
     const int columns = kind_ == Kind::Plugins ? 4 : 3;
     std::vector<int> wanted;
+    wanted.reserve(static_cast<std::size_t>(columns));
     for (int column = 0; column < columns; ++column)
         wanted.push_back(FittingWidth(list_, column));
     const std::vector<int> widths = ShareWidth(std::move(wanted), width);
