@@ -105,8 +105,8 @@ std::optional<LRESULT> frmProblems::OnListMessage(UINT message, WPARAM wparam) {
     return 0;
 }
 
-void frmProblems::GiveText(NMHDR& request) const {
-    LVITEMA& item = reinterpret_cast<NMLVDISPINFOA&>(request).item;
+void frmProblems::GiveText(const NMHDR& request) const {
+    const LVITEMA& item = reinterpret_cast<const NMLVDISPINFOA&>(request).item;
     if ((item.mask & LVIF_TEXT) != 0 && item.iItem < static_cast<int>(problems_.size()))
         lstrcpynA(item.pszText,
                   ColumnOf(problems_[static_cast<std::size_t>(item.iItem)], item.iSubItem).c_str(),
@@ -117,7 +117,7 @@ void frmProblems::OnNotify(const NMHDR& header) {
     if (header.hwndFrom != List())
         return;
     if (header.code == LVN_GETDISPINFOA)
-        return GiveText(const_cast<NMHDR&>(header));
+        return GiveText(header);
     if (header.code == LVN_ITEMCHANGED)
         ShowWhole(ListView_GetNextItem(List(), -1, LVNI_FOCUSED));
 }

@@ -28,7 +28,7 @@ private:
     void OnSize() const;
     std::optional<LRESULT> OnListMessage(UINT message, WPARAM wparam);
     void OnNotify(const NMHDR& header);
-    void GiveText(NMHDR& request) const;
+    void GiveText(const NMHDR& request) const;
     void ShowWhole(int line) const;
     void Copy() const;
     void SelectAll() const;
