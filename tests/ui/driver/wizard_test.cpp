@@ -34,6 +34,19 @@ DWORD LongestAnswer(const WizardDriver& wizard, const std::function<bool()>& con
     return longest;
 }
 
+/// The longest that other programs keep this one from working when it never waits, in milliseconds.
+DWORD LongestGap() {
+    const DWORD start = GetTickCount();
+    DWORD before = start;
+    DWORD longest = 0;
+    while (before - start < 400) {
+        const DWORD now = GetTickCount();
+        longest = std::max(longest, now - before);
+        before = now;
+    }
+    return longest;
+}
+
 } // namespace
 
 TEST_CASE("a whole build, page by page") {
@@ -262,15 +275,15 @@ TEST_CASE("the Tab key visits every control in reading order") {
 }
 
 TEST_CASE("the window answers at once while a build works") {
-    constexpr DWORD kAtOnce = 100;   // milliseconds
-    constexpr DWORD kQuietIdle = 15; // an idle window answers within this unless others work
+    constexpr DWORD kAtOnce = 100; // milliseconds
+    constexpr DWORD kQuiet = 17;   // a program that has a processor is never kept waiting longer
     std::vector<TestMember> members;
     members.reserve(600);
     for (int i = 0; i < 600; ++i)
         members.push_back(TestMember::Stored("files\\" + std::to_string(i) + ".bin",
                                              std::string(20000, static_cast<char>(i))));
     // Other work on the machine only makes it slower: the best of a few builds counts.
-    DWORD idle = 0;
+    DWORD gap = 0;
     DWORD best = ~DWORD{0};
     for (int attempt = 0; attempt < 3 && best > kAtOnce; ++attempt) {
         ProgramFolder program;
@@ -278,16 +291,16 @@ TEST_CASE("the window answers at once while a build works") {
         program.Save();
         WizardDriver wizard(program.Wizard());
         GoToSummary(wizard, program);
-        const DWORD start = GetTickCount();
-        idle = std::max(idle, LongestAnswer(wizard, [&] { return GetTickCount() - start > 500; }));
+        gap = std::max(gap, LongestGap());
         wizard.Click(IDC_CMD_NEXT);
         best = std::min(best, LongestAnswer(wizard, [&] {
                             return wizard.Text(IDC_CMD_NEXT) == "&Finish" &&
                                    wizard.IsEnabled(IDC_CMD_NEXT);
                         }));
     }
-    MESSAGE("longest answer: idle ", idle, " ms, building ", best, " ms");
-    if (idle > kQuietIdle)
+    gap = std::max(gap, LongestGap());
+    MESSAGE("longest answer ", best, " ms, longest gap ", gap, " ms");
+    if (gap > kQuiet)
         WARN_MESSAGE(best <= kAtOnce, "the machine is too busy to be timed");
     else
         CHECK(best <= kAtOnce);
