@@ -5,6 +5,8 @@
 
 #include <windows.h>
 
+#include <utility>
+
 namespace vesk {
 
 namespace {
@@ -27,6 +29,12 @@ bool HasFileVersion(const std::string& path) {
     return version.dwFileVersionMS != 0 || version.dwFileVersionLS != 0;
 }
 
+bool IsPlainFolder(const WIN32_FIND_DATAA& entry) {
+    // A junction may lead back up: what it leads to is searched at its own place.
+    return (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0 &&
+           (entry.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0;
+}
+
 } // namespace
 
 std::vector<std::string> SearchableDrives(std::uint32_t driveMask) {
@@ -38,40 +46,69 @@ std::vector<std::string> SearchableDrives(std::uint32_t driveMask) {
     return roots;
 }
 
+/// One folder on the way down, with the entry that is looked at.
+struct clsDriveScan::Level {
+    std::string folder; ///< Ends in "\".
+    WIN32_FIND_DATAA entry{};
+    FindHandle search;
+    bool hasEntry;
+
+    explicit Level(std::string path)
+        : folder(std::move(path)),
+          search(FindFirstFileA((folder + "*.*").c_str(), &entry)),
+          hasEntry(static_cast<bool>(search)) {}
+
+    // The case is compared: the folder of a Windows CD is spelled so, its copies elsewhere are not.
+    [[nodiscard]] bool IsI386() const { return folder.ends_with(kI386) && IsI386Folder(folder); }
+};
+
 void clsDriveScan::Run(const std::vector<std::string>& roots) {
     stopped_ = false;
     for (const std::string& root : roots) {
         if (stopped_)
             return;
-        SearchFolder(root);
+        SearchDrive(root);
     }
 }
 
-void clsDriveScan::SearchFolder(const std::string& folder) {
-    WIN32_FIND_DATAA entry{};
-    const FindHandle search(FindFirstFileA((folder + "*.*").c_str(), &entry));
-    if (!search)
-        return;
-    // The case is compared: the folder of a Windows CD is spelled so, its copies elsewhere are not.
-    const bool isI386 = folder.ends_with(kI386);
-    do {
-        if (stopped_)
-            return;
-        const std::string name = entry.cFileName;
-        const bool isFolder = (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-        if (!name.empty() && name.front() != '.') {
-            if (isFolder) {
-                // A junction may lead back up: what it leads to is searched at its own place.
-                if ((entry.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0)
-                    SearchFolder(folder + name + "\\");
-                events_.OnFolder(folder);
-            } else if (isI386 && IsI386Folder(folder)) {
-                ReportFound(folder);
-                return;
-            }
+void clsDriveScan::SearchDrive(const std::string& root) {
+    std::vector<Level> levels;
+    levels.emplace_back(root);
+    while (!levels.empty() && !stopped_) {
+        if (levels.back().hasEntry) {
+            LookAtEntry(levels);
+            continue;
         }
-        events_.OnEntryDone();
-    } while (FindNextFileA(search.Get(), &entry));
+        levels.pop_back();
+        if (levels.empty())
+            return;
+        events_.OnFolder(levels.back().folder); // back from a folder in it
+        GoOn(levels.back());
+    }
+}
+
+void clsDriveScan::LookAtEntry(std::vector<Level>& levels) {
+    Level& level = levels.back();
+    const std::string name = level.entry.cFileName;
+    const bool isFolder = (level.entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    if (name.empty() || name.front() == '.')
+        return GoOn(level);
+    if (IsPlainFolder(level.entry)) {
+        levels.emplace_back(level.folder + name + "\\");
+    } else if (isFolder) {
+        events_.OnFolder(level.folder);
+        GoOn(level);
+    } else if (level.IsI386()) {
+        ReportFound(level.folder);
+        level.hasEntry = false; // the folder's other entries are not looked at
+    } else {
+        GoOn(level);
+    }
+}
+
+void clsDriveScan::GoOn(Level& level) {
+    events_.OnEntryDone();
+    level.hasEntry = FindNextFileA(level.search.Get(), &level.entry) != FALSE;
 }
 
 void clsDriveScan::ReportFound(const std::string& i386Folder) {

@@ -49,7 +49,10 @@ public:
     [[nodiscard]] bool IsStopped() const { return stopped_; }
 
 private:
-    void SearchFolder(const std::string& folder);
+    struct Level;
+    void SearchDrive(const std::string& root);
+    void LookAtEntry(std::vector<Level>& levels);
+    void GoOn(Level& level);
     void ReportFound(const std::string& i386Folder);
 
     DriveScanEvents& events_;

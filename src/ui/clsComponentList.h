@@ -1,6 +1,8 @@
 #pragma once
 
 #include "catalogue/Catalogue.h"
+#include "ui/clsListNote.h"
+#include "ui/clsSubclass.h"
 #include "ui/modWizardText.h"
 
 #include <windows.h>
@@ -23,8 +25,7 @@ public:
     /// @param catalogue outlives the list; its entries take over the ticks
     clsComponentList(Kind kind, Catalogue& catalogue, std::string programPath);
 
-    /// Takes over a list view of a dialog and fills it. The window must outlive this object or
-    /// destroy itself first.
+    /// Takes over a list view of a dialog and fills it.
     void Attach(HWND list);
 
     /// Handles a notification of the list or its tool tip. @return its answer, if it wants one
@@ -33,6 +34,11 @@ public:
     /// Shows the selected entry in the item view.
     void OpenSelected() const;
 
+    /// Fits the columns to the list's width.
+    void FitColumns();
+
+    [[nodiscard]] int LineCount() const;
+
     /// Reads anew which archives lie in the program folder.
     void RefreshStates();
 
@@ -40,26 +46,26 @@ private:
     [[nodiscard]] const CatalogueEntry& EntryAt(int line) const;
     [[nodiscard]] ArchivePlace StateAt(int line) const;
     [[nodiscard]] std::vector<CatalogueEntry>& Entries() const;
-    [[nodiscard]] int LineCount() const;
     void AddColumns();
     void Fill();
-    void FitColumns();
     void Walk();
+    void RefuseBehind(int line);
     void OnDoubleClick(POINT position) const;
     LRESULT Draw(const NMLVCUSTOMDRAW& draw) const;
     void AttachTip();
     void FollowMouse(POINT position);
     void AnswerTip(NMTTDISPINFOA& info);
-    static LRESULT CALLBACK ListProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam,
-                                          UINT_PTR id, DWORD_PTR self);
 
     Kind kind_;
     Catalogue& catalogue_;
     std::string programPath_;
     HWND list_ = nullptr;
+    clsSubclass mouse_;
+    clsListNote note_;
     HWND tip_ = nullptr; ///< Owned by the list's window, which destroys it.
     int tipLine_ = -1;
     std::string tipText_;
+    bool overflowTold_ = false;
     bool filling_ = false; ///< Changes that the program makes are no clicks.
 };
 

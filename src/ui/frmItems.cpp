@@ -3,6 +3,7 @@
 #include "archive/clsCRC.h"
 #include "base/modFile.h"
 #include "base/modText.h"
+#include "ui/modReadOnlyText.h"
 #include "ui/modWizardText.h"
 #include "ui/resources/ids.h"
 
@@ -34,6 +35,8 @@ void frmItems::OnCreated() {
     nameFont_ = DerivedFont(font, FW_BOLD, 100);
     SendMessageA(Control(IDC_LBL_ITEM_NAME), WM_SETFONT, reinterpret_cast<WPARAM>(nameFont_.Get()),
                  FALSE);
+    // It stands exactly above the labels.
+    SendMessageA(Control(IDC_LBL_ITEM_NAME), EM_SETMARGINS, EC_LEFTMARGIN | EC_RIGHTMARGIN, 0);
     const auto show = [this](int id, const std::string& text, const std::string& whenEmpty) {
         SetText(Control(id), text.empty() ? whenEmpty : text);
     };
@@ -46,7 +49,29 @@ void frmItems::OnCreated() {
     if (entry_.lock)
         show(IDC_TXT_ITEM_TICK, entry_.enabled ? "yes, always (locked)" : "no, never (locked)", "");
     show(IDC_TXT_ITEM_URL, ReplaceAll(entry_.url, ",", "\r\n"), "none");
+    ShowWholeName();
+    MakePlainText(address_, Control(IDC_TXT_ITEM_URL));
+    MakePlainText(name_, Control(IDC_LBL_ITEM_NAME));
     CenterWindow(Window());
+}
+
+/// A long name takes as many lines as it needs; everything below moves down, and the dialog grows.
+void frmItems::ShowWholeName() const {
+    const HWND name = Control(IDC_LBL_ITEM_NAME);
+    RECT area = AreaOf(name);
+    const LONG lines = static_cast<LONG>(SendMessageA(name, EM_GETLINECOUNT, 0, 0));
+    const LONG more = (lines - 1) * TextSize(name, "X").cy;
+    SetWindowPos(name, nullptr, 0, 0, area.right - area.left, area.bottom - area.top + more,
+                 SWP_NOMOVE | SWP_NOZORDER);
+    for (HWND below = GetWindow(Window(), GW_CHILD); below; below = GetWindow(below, GW_HWNDNEXT)) {
+        area = AreaOf(below);
+        if (below != name)
+            SetWindowPos(below, nullptr, area.left, area.top + more, 0, 0,
+                         SWP_NOSIZE | SWP_NOZORDER);
+    }
+    GetWindowRect(Window(), &area);
+    SetWindowPos(Window(), nullptr, 0, 0, area.right - area.left, area.bottom - area.top + more,
+                 SWP_NOMOVE | SWP_NOZORDER);
 }
 
 INT_PTR frmItems::Handle(UINT message, WPARAM wparam, LPARAM) {

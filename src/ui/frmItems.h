@@ -2,6 +2,7 @@
 
 #include "catalogue/Catalogue.h"
 #include "ui/clsDialog.h"
+#include "ui/clsSubclass.h"
 #include "ui/modWindow.h"
 
 #include <string>
@@ -19,12 +20,15 @@ public:
 private:
     INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;
     void OnCreated();
+    void ShowWholeName() const;
     [[nodiscard]] std::string ArchiveSentence() const;
 
     CatalogueEntry entry_;
     std::string category_;
     std::string programPath_;
     GdiHandle nameFont_;
+    clsSubclass name_;
+    clsSubclass address_;
 };
 
 } // namespace vesk

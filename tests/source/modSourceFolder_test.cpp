@@ -63,3 +63,26 @@ TEST_CASE("a folder that is no source changes nothing; a file stands for its fol
     CHECK_FALSE(file.usable);
     CHECK(file.path == (good / "I386\\"));
 }
+
+TEST_CASE("a path at which there is nothing is no source and stays as it is") {
+    const TestFolder folder;
+    WriteSource(folder, Layout("Windows XP Professional", "a.sp1"));
+    SourceState state;
+    for (const std::string& path : {folder / "missing", folder / "I386\\missing.txt"}) {
+        const SourceCheck check = CheckSourceFolder(path, state);
+        CHECK_FALSE(check.usable);
+        CHECK(check.path == path);
+    }
+    CHECK_FALSE(state.valid);
+}
+
+TEST_CASE("a file in a drive's root, and the drive's letter, stand for that root") {
+    const TestFolder folder;
+    const std::string root = folder.Path().substr(0, 3);
+    const std::string file = root + "vesk-" + std::to_string(GetCurrentProcessId()) + ".txt";
+    WriteCompleteFile(file, "x");
+    SourceState state;
+    CHECK(CheckSourceFolder(file, state).path == root);
+    CHECK(CheckSourceFolder(root.substr(0, 2), state).path == root);
+    RemoveFile(file);
+}

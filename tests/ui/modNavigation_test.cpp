@@ -81,3 +81,37 @@ TEST_CASE("a walk ends in an overflow behind 256 lines") {
     CHECK_THROWS_WITH_AS(WalkTicks(entries, 257, allTicked), "Overflow", Failure);
     CHECK(entries[255].enabled);
 }
+
+TEST_CASE("the heading tells what became of a build, and why") {
+    struct Row {
+        BuildOutcome outcome;
+        const char *title, *sentence;
+    };
+    for (const Row& row : {
+             Row{{BuildEnding::Done, true, true, 0, ""},
+                 "Built Whole",
+                 "Everything is in the build folder, which is ready for PE Builder."},
+             Row{{BuildEnding::Done, true, true, 1, ""},
+                 "Built, with 1 Problem",
+                 "Not everything is in the build folder: the list of problems tells what is "
+                 "missing and why."},
+             Row{{BuildEnding::Done, true, true, 12, ""}, "Built, with 12 Problems", nullptr},
+             Row{{BuildEnding::Done, true, false, 2, "no such host"},
+                 "Not Usable",
+                 "PE Builder's archive was not installed: no such host."},
+             Row{{BuildEnding::Aborted, false, false, 1, "answered No"},
+                 "Not Built",
+                 "No usable build folder was made: answered No."},
+             Row{{BuildEnding::Done, false, false, 1, "no network connection"},
+                 "Not Built",
+                 "No usable build folder was made: no network connection."},
+             Row{{BuildEnding::InstallFailed, false, false, 1, ""},
+                 "Not Built",
+                 "No usable build folder was made."},
+         }) {
+        const EndingHeading heading = HeadingOf(row.outcome);
+        CHECK(heading.title == row.title);
+        if (row.sentence)
+            CHECK(heading.sentence == row.sentence);
+    }
+}
