@@ -96,7 +96,7 @@ private:
         const bool arePlugins = &entries == &catalogue_.plugins;
         for (std::size_t i = 0; i < entries.size(); ++i) {
             const CatalogueEntry& entry = entries[i];
-            place_ = EntryPlace{arePlugins, i};
+            place_ = EntryPlace{arePlugins ? EntryList::Plugins : EntryList::BaseComponents, i};
             entry_ = what + (entry.name.empty() ? std::to_string(i + 1) : Quoted(entry.name));
             if (entry.name.empty())
                 Report(Kind::NoName, "it has no name");

@@ -23,14 +23,6 @@ enum class CatalogueProblemKind {
     SectionNames,     ///< More section names than the reader takes.
 };
 
-/// Which entry of a catalogue.
-struct EntryPlace {
-    bool isPlugin = false; ///< In the list of plug-ins; else in that of the base components.
-    std::size_t index = 0;
-
-    bool operator==(const EntryPlace&) const = default;
-};
-
 /// One thing that would go wrong in a build.
 struct CatalogueProblem {
     CatalogueProblemKind kind{};

@@ -1,9 +1,9 @@
-#include "archive/clsCRC.h"
 #include "base/Failure.h"
 #include "base/Trace.h"
 #include "base/modFile.h"
 #include "base/modText.h"
 #include "build/clsBuildRun.h"
+#include "catalogue/clsProgramArchives.h"
 #include "catalogue/modCatalogueFile.h"
 #include "console/CatalogueTable.h"
 #include "console/ConsoleFrontEnd.h"
@@ -35,37 +35,33 @@ enum ExitCode : int {
     kProgramFailed = 70,
 };
 
-void Tick(std::vector<CatalogueEntry>& entries, const std::string& name, bool enabled,
-          Terminal& terminal, bool& found) {
-    for (CatalogueEntry& entry : entries) {
-        if (!EqualNoCase(entry.name, name))
-            continue;
-        found = true;
-        if (!entry.lock)
-            entry.enabled = enabled;
-        else if (entry.enabled != enabled)
-            terminal.Complain("\"" + entry.name + "\" is locked and stays " +
-                              (entry.enabled ? "ticked" : "unticked"));
-    }
+void Tick(CatalogueEntry& entry, EntryList list, bool enabled, Terminal& terminal) {
+    if (!entry.lock)
+        entry.enabled = enabled;
+    else if (entry.enabled != enabled)
+        terminal.Complain("\"" + entry.name + "\" is locked and stays " +
+                          (entry.enabled ? "ticked" : "unticked"));
+    if (!enabled && list == EntryList::BaseComponents)
+        terminal.Complain("\"" + entry.name +
+                          "\" is a base component: the build installs it whether it is ticked or "
+                          "not");
 }
 
 void TickAll(Catalogue& catalogue, const std::vector<std::string>& names, bool enabled,
              Terminal& terminal) {
     for (const std::string& name : names) {
         bool found = false;
-        Tick(catalogue.baseComponents, name, enabled, terminal, found);
-        Tick(catalogue.plugins, name, enabled, terminal, found);
+        for (const EntryList list : {EntryList::BaseComponents, EntryList::Plugins}) {
+            for (CatalogueEntry& entry : EntriesOf(catalogue, list)) {
+                if (!EqualNoCase(entry.name, name))
+                    continue;
+                found = true;
+                Tick(entry, list, enabled, terminal);
+            }
+        }
         if (!found)
             throw UsageError("the catalogue has no component or plug-in named \"" + name + "\"");
     }
-}
-
-ArchiveState StateOf(const std::string& programPath, const CatalogueEntry& entry) {
-    const std::string archive = programPath + entry.zip;
-    if (!FileExists(archive))
-        return ArchiveState::Missing;
-    return clsCRC().CalculateFile(archive) == entry.crc ? ArchiveState::Good
-                                                        : ArchiveState::CrcDiffers;
 }
 
 /// The Windows source as the options name it, and what it tells.
@@ -168,11 +164,11 @@ int RunAction(const ConsoleOptions& options, Terminal& terminal) {
         return RunBuild(options, programPath, catalogue, load, terminal);
     if (!load.sentence.empty())
         terminal.Complain(load.sentence);
-    std::fputs(
-        CatalogueTable(catalogue,
-                       [&](const CatalogueEntry& entry) { return StateOf(programPath, entry); })
-            .c_str(),
-        stdout);
+    clsProgramArchives archives(programPath);
+    const auto stateOf = [&](const CatalogueEntry& entry, const EntryPlace& place) {
+        return JudgeArchive(entry, place, archives.Facts(entry.zip));
+    };
+    std::fputs(CatalogueTable(catalogue, stateOf).c_str(), stdout);
     return load.state == CatalogueState::Whole ? kDone : kDoneWithWarnings;
 }
 

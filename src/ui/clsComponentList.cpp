@@ -1,6 +1,5 @@
 #include "ui/clsComponentList.h"
 
-#include "base/modFile.h"
 #include "ui/ScopeFlag.h"
 #include "ui/frmItems.h"
 #include "ui/modListWalk.h"
@@ -16,6 +15,8 @@ namespace {
 
 constexpr DWORD kDoubleBuffer = 0x00010000; // LVS_EX_DOUBLEBUFFER
 constexpr UINT_PTR kSubclassId = 1;
+constexpr UINT_PTR kCheckTimer = 0x5643; // none of the list's own
+constexpr UINT kCheckPause = 10;         // milliseconds between two archives, for other events
 constexpr int kTitleMargin = 16; // pixels at 96 DPI on both sides of a column's title together
 constexpr int kTextMargin = 6;   // pixels at 96 DPI between a column's widest text and the next one
 constexpr int kTipWidth = 420;   // pixels at 96 DPI, for long addresses
@@ -48,10 +49,13 @@ int FittingWidth(HWND list, int column) {
 } // namespace
 
 clsComponentList::clsComponentList(Kind kind, Catalogue& catalogue, std::string programPath)
-    : kind_(kind), catalogue_(catalogue), programPath_(std::move(programPath)) {}
+    : kind_(kind),
+      catalogue_(catalogue),
+      programPath_(std::move(programPath)),
+      archives_(programPath_) {}
 
 std::vector<CatalogueEntry>& clsComponentList::Entries() const {
-    return kind_ == Kind::Plugins ? catalogue_.plugins : catalogue_.baseComponents;
+    return EntriesOf(catalogue_, kind_);
 }
 
 int clsComponentList::LineCount() const {
@@ -62,15 +66,19 @@ const CatalogueEntry& clsComponentList::EntryAt(int line) const {
     return Entries().at(static_cast<std::size_t>(line));
 }
 
-ArchivePlace clsComponentList::StateAt(int line) const {
-    const CatalogueEntry& entry = EntryAt(line);
-    return FindArchivePlace(entry, FileExists(programPath_ + entry.zip));
+EntryPlace clsComponentList::PlaceAt(int line) const {
+    return {kind_, static_cast<std::size_t>(line)};
 }
 
-void clsComponentList::OpenSelected() const {
+ArchiveState clsComponentList::StateAt(int line) const {
+    const CatalogueEntry& entry = EntryAt(line);
+    return JudgeArchive(entry, PlaceAt(line), archives_.Known(entry.zip));
+}
+
+void clsComponentList::OpenSelected() {
     const int line = ListView_GetNextItem(list_, -1, LVNI_SELECTED);
     if (line >= 0)
-        frmItems(catalogue_, EntryAt(line), programPath_).Show(list_);
+        frmItems(catalogue_, PlaceAt(line), archives_).Show(list_);
 }
 
 void clsComponentList::Attach(HWND list) {
@@ -120,10 +128,45 @@ void clsComponentList::Fill() {
 }
 
 void clsComponentList::RefreshStates() {
+    const auto lines = static_cast<std::size_t>(LineCount());
+    states_.resize(lines);
+    stateTexts_.resize(lines);
+    for (int line = 0; line < LineCount(); ++line) {
+        states_[static_cast<std::size_t>(line)] = StateAt(line);
+        ShowState(line);
+    }
+    nextToCheck_ = 0;
+    SetTimer(list_, kCheckTimer, kCheckPause, nullptr);
+}
+
+void clsComponentList::ShowState(int line) {
+    const auto index = static_cast<std::size_t>(line);
+    const std::string text = StateText(EntryAt(line), PlaceAt(line), states_[index]);
+    if (stateTexts_[index] == text)
+        return;
     const ScopeFlag guard(filling_);
-    const int column = kind_ == Kind::Plugins ? 3 : 2;
-    for (int line = 0; line < LineCount(); ++line)
-        SetCell(list_, line, column, StateText(EntryAt(line), StateAt(line)));
+    stateTexts_[index] = text;
+    SetCell(list_, line, kind_ == Kind::Plugins ? 3 : 2, text);
+}
+
+/// Computes one checksum. A list that is hidden, as during a build, waits until it is shown again.
+void clsComponentList::CheckNextArchive() {
+    const auto isUnchecked = [this](int line) {
+        return states_[static_cast<std::size_t>(line)] == ArchiveState::Unchecked;
+    };
+    while (nextToCheck_ < LineCount() && !isUnchecked(nextToCheck_))
+        ++nextToCheck_;
+    const bool done = nextToCheck_ >= LineCount();
+    if (done || !IsWindowVisible(list_)) {
+        KillTimer(list_, kCheckTimer);
+        if (done)
+            FitColumns();
+        return;
+    }
+    const CatalogueEntry& entry = EntryAt(nextToCheck_);
+    states_[static_cast<std::size_t>(nextToCheck_)] =
+        JudgeArchive(entry, PlaceAt(nextToCheck_), archives_.Facts(entry.zip));
+    ShowState(nextToCheck_++);
 }
 
 void clsComponentList::FitColumns() {
@@ -170,7 +213,7 @@ std::optional<LRESULT> clsComponentList::HandleNotify(const NMHDR& header) {
 }
 
 /// A double click on a check box only ticks twice.
-void clsComponentList::OnDoubleClick(POINT position) const {
+void clsComponentList::OnDoubleClick(POINT position) {
     LVHITTESTINFO hit{};
     hit.pt = position;
     ListView_HitTest(list_, &hit);
@@ -187,6 +230,9 @@ void clsComponentList::Walk() {
                [this](std::size_t line, bool ticked) {
                    ListView_SetCheckState(list_, static_cast<WPARAM>(line), ticked);
                }});
+    // A tick may change what a build does about an archive.
+    for (int line = 0; line < LineCount(); ++line)
+        ShowState(line);
 }
 
 LRESULT clsComponentList::Draw(const NMLVCUSTOMDRAW& draw) const {
@@ -227,12 +273,17 @@ void clsComponentList::FollowMouse(POINT position) {
 
 void clsComponentList::AnswerTip(NMTTDISPINFOA& info) {
     const bool onLine = tipLine_ >= 0 && tipLine_ < LineCount();
-    tipText_ = onLine ? EntryTip(EntryAt(tipLine_), StateAt(tipLine_)) : std::string();
+    tipText_ =
+        onLine ? EntryTip(EntryAt(tipLine_), PlaceAt(tipLine_), StateAt(tipLine_)) : std::string();
     info.lpszText = tipText_.data();
 }
 
 LRESULT CALLBACK clsComponentList::ListProcedure(HWND window, UINT message, WPARAM wparam,
                                                  LPARAM lparam, UINT_PTR id, DWORD_PTR self) {
+    if (message == WM_TIMER && wparam == kCheckTimer) {
+        reinterpret_cast<clsComponentList*>(self)->CheckNextArchive();
+        return 0;
+    }
     if (message == WM_MOUSEMOVE)
         reinterpret_cast<clsComponentList*>(self)->FollowMouse(
             {static_cast<short>(LOWORD(lparam)), static_cast<short>(HIWORD(lparam))});

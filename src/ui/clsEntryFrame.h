@@ -14,7 +14,7 @@ namespace vesk {
 /// takes over at once what the user changes in them.
 class clsEntryFrame {
 public:
-    enum class Kind { BaseComponents, Plugins };
+    using Kind = EntryList;
     enum class Action { Add, Remove, Browse, MoveUp, MoveDown };
 
     /// @param editor outlives the frame

@@ -195,7 +195,7 @@ void frmSetup::cmdCheck_Click() {
         problems = CheckCatalogue(editor_.Edited(), ArchivesIn(paths_.programPath));
     }
     if (const auto place = frmCheck(std::move(problems)).Show(Window()))
-        (place->isPlugin ? pluginFrame_ : baseFrame_).GoTo(place->index);
+        (place->list == EntryList::Plugins ? pluginFrame_ : baseFrame_).GoTo(place->index);
 }
 
 bool frmSetup::OnField(int id, int notification) {

@@ -120,7 +120,7 @@ TEST_CASE("a line names the entry, by its place when it has no name") {
     const auto problems = CheckCatalogue(catalogue, {});
     REQUIRE(problems.size() == 1);
     CHECK(problems[0].Line() == "plug-in 2: it has no name");
-    CHECK(problems[0].place == EntryPlace{true, 1});
+    CHECK(problems[0].place == EntryPlace{EntryList::Plugins, 1});
     catalogue = Good();
     catalogue.categories.clear();
     CHECK_FALSE(CheckCatalogue(catalogue, {}).front().place);
