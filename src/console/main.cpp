@@ -112,7 +112,7 @@ int RunBuild(const ConsoleOptions& options, const std::string& programPath, Cata
     if (const std::string refusal = CatalogueRefusal(catalogue); !refusal.empty())
         throw UsageError(load.sentence.empty() ? refusal : load.sentence);
     if (load.state != CatalogueState::Whole && !options.partial)
-        throw UsageError(load.sentence + ": --partial builds with what could be read");
+        throw UsageError(load.sentence + " --partial builds with what could be read.");
     if (!load.sentence.empty())
         terminal.Complain(load.sentence);
     TickAll(catalogue, options.enable, true, terminal);
