@@ -2,6 +2,7 @@
 
 #include "base/modText.h"
 #include "catalogue/modCatalogueText.h"
+#include "catalogue/modCategoryCheck.h"
 
 #include <algorithm>
 #include <array>
@@ -17,7 +18,6 @@ constexpr std::array<std::string_view, 2> kInstallKeys{"Folder", "Path"};
 constexpr std::array<std::string_view, 6> kBaseKeys{"Name", "Zip", "Enabled", "Lock", "Url", "CRC"};
 constexpr std::array<std::string_view, 7> kPluginKeys{"Name", "Zip", "Cat", "Enabled",
                                                       "Lock", "Url", "CRC"};
-constexpr std::string_view kShowCategories = "ShowCategories";
 
 std::string Place(const IniSection& section, const IniKey& key) {
     return "section [" + section.name + "], key " + key.name + ": ";
@@ -88,11 +88,11 @@ std::string InstallFault(const IniSection& section) {
 
 std::string CategoriesFault(const IniSection& section) {
     if (section.keys.empty())
-        return "section [" + section.name + "] has no key " + std::string(kShowCategories);
+        return "section [" + section.name + "] has no key " + std::string(kShowCategoriesKey);
     const auto show = std::ranges::find_if(
-        section.keys, [](const IniKey& key) { return EqualNoCase(key.name, kShowCategories); });
+        section.keys, [](const IniKey& key) { return EqualNoCase(key.name, kShowCategoriesKey); });
     if (show != section.keys.end() && show != section.keys.begin())
-        return PlaceFault(section, section.keys.front(), std::string(kShowCategories));
+        return PlaceFault(section, section.keys.front(), std::string(kShowCategoriesKey));
     return BooleanFault(section, section.keys.front());
 }
 

@@ -1,6 +1,6 @@
 #include "catalogue/modCatalogueFile.h"
 
-#include "archive/clsCRC.h"
+#include "archive/modArchive.h"
 #include "base/Failure.h"
 #include "base/Problem.h"
 #include "base/UniqueHandle.h"
@@ -11,6 +11,7 @@
 #include "base/modText.h"
 #include "base/modWide.h"
 #include "catalogue/clsINI.h"
+#include "catalogue/clsProgramArchives.h"
 #include "catalogue/modCatalogueFaults.h"
 #include "catalogue/modCatalogueText.h"
 
@@ -18,6 +19,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 
 namespace vesk {
 
@@ -247,14 +249,19 @@ std::string CategoryCaption(const std::string& value, const std::string& key) {
     return ProperCase(TrimBlanks(ReplaceAll(ReplaceAll(value, "_", " "), key, " ")));
 }
 
-CrcOfArchive ArchivesIn(const std::string& programPath) {
-    return [programPath](const std::string& archive) {
-        return clsCRC().CalculateFile(programPath + archive);
-    };
+ArchiveSource ArchivesIn(const std::string& programPath) {
+    const auto archives = std::make_shared<clsProgramArchives>(programPath);
+    return {[archives](const std::string& name) { return archives->Facts(name); },
+            [programPath](const std::string& name) {
+                std::vector<std::string> lines;
+                for (const MemberFailure& failure : InspectArchive(programPath + name))
+                    lines.push_back((failure.member.empty() ? "" : failure.member + ": ") +
+                                    failure.what + ", " + failure.reason);
+                return lines;
+            }};
 }
 
-std::vector<CatalogueProblem> CheckCatalogueFile(const std::string& programPath,
-                                                 const Catalogue& catalogue) {
+CatalogueCheck CheckCatalogueFile(const std::string& programPath, const Catalogue& catalogue) {
     return CheckCatalogue(catalogue, ArchivesIn(programPath),
                           SectionNames(ReadWholeFile(programPath + kCatalogueFileName)));
 }

@@ -45,12 +45,11 @@ void DeriveInstallPaths(Catalogue& catalogue, const std::string& programFilesFol
 /// "System Tools".
 std::string CategoryCaption(const std::string& value, const std::string& key);
 
-/// The checksums of the archives in a folder (its path ends in "\"), for CheckCatalogue.
-CrcOfArchive ArchivesIn(const std::string& programPath);
+/// The archives in a folder (its path ends in "\"), for CheckCatalogue.
+ArchiveSource ArchivesIn(const std::string& programPath);
 
 /// What would go wrong in a build of a catalogue that was loaded from the program path.
-std::vector<CatalogueProblem> CheckCatalogueFile(const std::string& programPath,
-                                                 const Catalogue& catalogue);
+CatalogueCheck CheckCatalogueFile(const std::string& programPath, const Catalogue& catalogue);
 
 /// Writes the catalogue file into the program path. The old file stays until the new one is
 /// complete beside it. The text is exact: other tools compare it.

@@ -126,18 +126,19 @@ int RunBuild(const ConsoleOptions& options, const std::string& programPath, Cata
     return ExitCodeOf(outcome, frontEnd.HasProblems() || !isWhole);
 }
 
-/// Prints what would go wrong in a build, a line each.
-/// @param unread what of the file could not be read; empty when all of it was
+/// Prints what would go wrong in a build, a line each, or what the check vouches for.
 int PrintProblems(const std::string& programPath, const Catalogue& catalogue,
-                  const std::string& unread, Terminal& terminal) {
-    if (!unread.empty())
-        terminal.PrintLine(unread);
-    const auto problems = CheckCatalogueFile(programPath, catalogue);
-    for (const CatalogueProblem& problem : problems)
-        terminal.PrintLine(problem.Line());
-    if (!unread.empty() || !problems.empty())
+                  const CatalogueLoad& load, Terminal& terminal) {
+    if (!load.sentence.empty())
+        terminal.PrintLine(load.sentence);
+    if (load.state == CatalogueState::Absent)
         return kDoneWithWarnings;
-    terminal.PrintLine("Nothing to mend.");
+    const CatalogueCheck check = CheckCatalogueFile(programPath, catalogue);
+    for (const CatalogueProblem& problem : check.problems)
+        terminal.PrintLine(problem.Line());
+    if (load.state != CatalogueState::Whole || !check.problems.empty())
+        return kDoneWithWarnings;
+    terminal.PrintLine(check.Verdict());
     return kDone;
 }
 
@@ -159,7 +160,7 @@ int RunAction(const ConsoleOptions& options, Terminal& terminal) {
     Catalogue catalogue;
     const CatalogueLoad load = LoadCatalogueReporting(programPath, catalogue);
     if (options.action == ConsoleOptions::Action::Check)
-        return PrintProblems(programPath, catalogue, load.sentence, terminal);
+        return PrintProblems(programPath, catalogue, load, terminal);
     if (options.action == ConsoleOptions::Action::Build)
         return RunBuild(options, programPath, catalogue, load, terminal);
     if (!load.sentence.empty())

@@ -20,12 +20,12 @@ SIZE ClientSize(HWND window) {
 
 } // namespace
 
-frmCheck::frmCheck(std::vector<CatalogueProblem> problems) : problems_(std::move(problems)) {}
+frmCheck::frmCheck(CatalogueCheck check)
+    : problems_(std::move(check.problems)), verdict_(check.Verdict()) {}
 
 std::optional<EntryPlace> frmCheck::Show(HWND owner) {
     if (problems_.empty())
-        ShowMessage(owner, "Nothing to mend: a build can work with this catalogue as it is.",
-                    "Check", MB_OK | MB_ICONINFORMATION);
+        ShowMessage(owner, verdict_, "Check", MB_OK | MB_ICONINFORMATION);
     else
         RunModal(owner, IDD_CHECK);
     return chosen_;

@@ -11,7 +11,7 @@ namespace vesk {
 /// Lists what would go wrong in a build, a line each; the user can go from a line to its entry.
 class frmCheck : public clsDialog {
 public:
-    explicit frmCheck(std::vector<CatalogueProblem> problems);
+    explicit frmCheck(CatalogueCheck check);
 
     /// Shows the list, or says that it is empty. @return the entry that the user wants to see
     std::optional<EntryPlace> Show(HWND owner);
@@ -26,6 +26,7 @@ private:
     [[nodiscard]] const CatalogueProblem* Selected() const;
 
     std::vector<CatalogueProblem> problems_;
+    std::string verdict_; ///< What is said when there are none.
     std::optional<EntryPlace> chosen_;
     SIZE smallest_{}; ///< The dialog's size as it was made, frame included.
     SIZE client_{};   ///< Size of its inside when the controls were last placed.

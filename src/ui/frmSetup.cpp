@@ -189,12 +189,12 @@ void frmSetup::cmdActions_Click(int index) {
 }
 
 void frmSetup::cmdCheck_Click() {
-    std::vector<CatalogueProblem> problems;
+    CatalogueCheck check;
     {
         const WaitCursor wait;
-        problems = CheckCatalogue(editor_.Edited(), ArchivesIn(paths_.programPath));
+        check = CheckCatalogue(editor_.Edited(), ArchivesIn(paths_.programPath));
     }
-    if (const auto place = frmCheck(std::move(problems)).Show(Window()))
+    if (const auto place = frmCheck(std::move(check)).Show(Window()))
         (place->list == EntryList::Plugins ? pluginFrame_ : baseFrame_).GoTo(place->index);
 }
 
