@@ -17,10 +17,14 @@ constexpr std::array<std::pair<const char*, const char*>, 3> kProducts = {
 constexpr std::array<std::pair<const char*, const char*>, 3> kServicePacks = {
     {{"sp1", "1"}, {"sp2", "2"}, {"sp3", "3"}}};
 
+/// The folder that a path means, ending in "\"; empty for a path at which there is nothing.
 std::string FolderOf(const std::string& chosenPath) {
-    const std::string path = FolderExists(chosenPath) ? chosenPath : ParentOf(chosenPath);
-    constexpr std::size_t kDriveRootLength = 3; // "D:\" ends in a backslash already
-    return path.size() > kDriveRootLength ? WithTrailingBackslash(path) : path;
+    if (FolderExists(chosenPath))
+        return WithTrailingBackslash(chosenPath);
+    if (!FileExists(chosenPath))
+        return {};
+    const std::string parent = ParentOf(chosenPath);
+    return parent.empty() ? parent : WithTrailingBackslash(parent);
 }
 
 } // namespace
@@ -29,7 +33,9 @@ SourceCheck CheckSourceFolder(const std::string& chosenPath, SourceState& state)
     SourceCheck check;
     check.path = FolderOf(chosenPath);
     const std::string i386 = check.path + "I386\\";
-    check.usable = IsI386Folder(i386);
+    check.usable = !check.path.empty() && IsI386Folder(i386);
+    if (check.path.empty())
+        check.path = chosenPath;
     if (!check.usable)
         return check; // a source chosen earlier in the same run still counts
     state.valid = true;

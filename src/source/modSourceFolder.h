@@ -8,7 +8,8 @@ namespace vesk {
 
 /// What a look at a chosen source folder gave, for the front end to show.
 struct SourceCheck {
-    std::string path;         ///< The folder, ending in "\": what the source field shows.
+    /// The folder, ending in "\"; the chosen path itself when there is no such file or folder.
+    std::string path;
     bool usable = false;      ///< Shown as green (usable) or dark red text.
     std::string productLabel; ///< Product name and service pack; empty when not usable.
 };

@@ -1,6 +1,7 @@
 // The wizard's entry: checks the system, then opens the form that the command line asks for.
 #include "base/Com.h"
 #include "base/modText.h"
+#include "base/modWide.h"
 #include "startup/Version.h"
 #include "startup/modMain.h"
 #include "ui/frmBuilder.h"
@@ -13,11 +14,14 @@
 #include <commctrl.h>
 
 #include <exception>
+#include <string>
 
 namespace vesk {
 
 namespace {
 
+/// More than the system's newest classes: before its version 6 the library knows lists and progress
+/// bars only when they are asked for.
 bool InitializeControls() {
     INITCOMMONCONTROLSEX request{};
     request.dwSize = sizeof request;
@@ -48,23 +52,46 @@ int RunMessageLoop() {
     return static_cast<int>(message.wParam);
 }
 
-int RunWizard(const ProgramPaths& paths) {
-    frmBuilder wizard(paths);
-    wizard.Show();
-    // Systems from 6.0 to 6.3 draw the arrows of "< Back" and "Next >" badly in the dialog font.
-    if (SystemMajorVersion() == 6)
-        wizard.SetButtonFace("Arial");
-    return RunMessageLoop();
-}
-
 int RunCatalogueEditor(const ProgramPaths& paths) {
     frmSetup editor(paths);
     editor.Show();
     return RunMessageLoop();
 }
 
+int RunWizard(const ProgramPaths& paths) {
+    frmBuilder wizard(paths);
+    // Systems from 6.0 to 6.3 draw the arrows of "< Back" and "Next >" badly in the dialog font.
+    wizard.Show(SystemMajorVersion() == 6 ? "Arial" : "");
+    const int code = RunMessageLoop();
+    return wizard.WantsEditor() ? RunCatalogueEditor(paths) : code;
+}
+
+/// The program works with paths in the system's code page. Tells when that cannot hold the one of
+/// its own folder: nothing would be found there. @return false when it does
+bool ProgramFolderIsFit() {
+    std::wstring path(32768, L'\0'); // the system's own limit
+    path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
+    if (path.size() < MAX_PATH && NarrowedExactly(path))
+        return true;
+    const std::wstring reason =
+        path.size() < MAX_PATH
+            ? L"The name of this program's folder holds characters that programs in this system's "
+              L"code page cannot read."
+            : L"The path of this program's folder is too long.";
+    MessageBoxW(nullptr,
+                (reason +
+                 L" Move the folder to a place with a plain name, such as "
+                 L"C:\\VeskBuilder:\r\n\r\n" +
+                 path)
+                    .c_str(),
+                Widen(kProductName).c_str(), MB_OK | MB_ICONERROR);
+    return false;
+}
+
 int Main(const char* commandLine) {
     if (!SystemIsFit())
+        return 1;
+    if (!ProgramFolderIsFit())
         return 1;
     InitializeControls();
     const ComLibrary apartment;

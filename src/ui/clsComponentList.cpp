@@ -1,7 +1,9 @@
 #include "ui/clsComponentList.h"
 
+#include "base/Failure.h"
 #include "ui/ScopeFlag.h"
 #include "ui/frmItems.h"
+#include "ui/modColumns.h"
 #include "ui/modListWalk.h"
 #include "ui/modWindow.h"
 
@@ -14,9 +16,8 @@ namespace vesk {
 namespace {
 
 constexpr DWORD kDoubleBuffer = 0x00010000; // LVS_EX_DOUBLEBUFFER
-constexpr UINT_PTR kSubclassId = 1;
-constexpr UINT_PTR kCheckTimer = 0x5643; // none of the list's own
-constexpr UINT kCheckPause = 10;         // milliseconds between two archives, for other events
+constexpr UINT_PTR kCheckTimer = 0x5643;    // none of the list's own
+constexpr UINT kCheckPause = 10;            // milliseconds between two archives, for other events
 constexpr int kTitleMargin = 16; // pixels at 96 DPI on both sides of a column's title together
 constexpr int kTextMargin = 6;   // pixels at 96 DPI between a column's widest text and the next one
 constexpr int kTipWidth = 420;   // pixels at 96 DPI, for long addresses
@@ -85,11 +86,24 @@ void clsComponentList::Attach(HWND list) {
     list_ = list;
     ListView_SetExtendedListViewStyle(list_,
                                       LVS_EX_CHECKBOXES | LVS_EX_FULLROWSELECT | kDoubleBuffer);
-    SetWindowSubclass(list_, ListProcedure, kSubclassId, reinterpret_cast<DWORD_PTR>(this));
+    events_.Attach(list_, [this](UINT message, WPARAM wparam, LPARAM lparam) {
+        return OnListMessage(message, wparam, lparam);
+    });
+    note_.Attach(list_, kind_ == Kind::Plugins ? "The catalogue holds no plug-ins."
+                                               : "The catalogue holds no base components.");
     AttachTip();
     AddColumns();
     Fill();
     FitColumns();
+}
+
+std::optional<LRESULT> clsComponentList::OnListMessage(UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message == WM_MOUSEMOVE)
+        FollowMouse({static_cast<short>(LOWORD(lparam)), static_cast<short>(HIWORD(lparam))});
+    if (message != WM_TIMER || wparam != kCheckTimer)
+        return std::nullopt;
+    CheckNextArchive();
+    return 0;
 }
 
 void clsComponentList::AddColumns() {
@@ -170,18 +184,17 @@ void clsComponentList::CheckNextArchive() {
 }
 
 void clsComponentList::FitColumns() {
-    RECT client{};
-    GetClientRect(list_, &client);
-    int rest = client.right;
-    if (LineCount() > ListView_GetCountPerPage(list_))
-        rest -= GetSystemMetrics(SM_CXVSCROLL);
-    const int last = kind_ == Kind::Plugins ? 3 : 2;
-    for (int column = last; column >= 0; --column) {
-        // The first column takes the room that the others leave, if its texts need no more.
-        const int width = std::max(FittingWidth(list_, column), column == 0 ? rest : 0);
-        ListView_SetColumnWidth(list_, column, width);
-        rest -= width;
-    }
+    int width = InnerSize(list_).cx;
+    if (LineCount() > ListView_GetCountPerPage(list_) &&
+        (GetWindowLongPtrA(list_, GWL_STYLE) & WS_VSCROLL) == 0)
+        width -= GetSystemMetrics(SM_CXVSCROLL);
+    const int columns = kind_ == Kind::Plugins ? 4 : 3;
+    std::vector<int> wanted;
+    for (int column = 0; column < columns; ++column)
+        wanted.push_back(FittingWidth(list_, column));
+    const std::vector<int> widths = ShareWidth(std::move(wanted), width);
+    for (int column = 0; column < columns; ++column)
+        ListView_SetColumnWidth(list_, column, widths[static_cast<std::size_t>(column)]);
 }
 
 std::optional<LRESULT> clsComponentList::HandleNotify(const NMHDR& header) {
@@ -225,14 +238,36 @@ void clsComponentList::Walk() {
     if (filling_)
         return;
     const ScopeFlag guard(filling_);
-    WalkTicks(Entries(), static_cast<std::size_t>(LineCount()),
-              {[this](std::size_t line) { return ListView_GetCheckState(list_, line) != 0; },
-               [this](std::size_t line, bool ticked) {
-                   ListView_SetCheckState(list_, static_cast<WPARAM>(line), ticked);
-               }});
+    const TickAccess ticks{
+        [this](std::size_t line) { return ListView_GetCheckState(list_, line) != 0; },
+        [this](std::size_t line, bool ticked) {
+            ListView_SetCheckState(list_, static_cast<WPARAM>(line), ticked);
+        }};
+    try {
+        WalkTicks(Entries(), static_cast<std::size_t>(LineCount()), ticks);
+    } catch (const Failure&) {
+        RefuseBehind(static_cast<int>(kMostLines));
+    }
     // A tick may change what a build does about an archive.
     for (int line = 0; line < LineCount(); ++line)
         ShowState(line);
+}
+
+/// The lines that the walk does not reach show what the catalogue says, and so what is built.
+void clsComponentList::RefuseBehind(int line) {
+    for (int beyond = line; beyond < LineCount(); ++beyond) {
+        const bool enabled = EntryAt(beyond).enabled;
+        if ((ListView_GetCheckState(list_, beyond) != 0) != enabled)
+            ListView_SetCheckState(list_, beyond, enabled);
+    }
+    if (std::exchange(overflowTold_, true))
+        return;
+    const HWND root = GetAncestor(list_, GA_ROOT);
+    ShowMessage(root,
+                "Overflow: the list has " + std::to_string(LineCount()) + " lines, and only the " +
+                    "first " + std::to_string(line) +
+                    " can be ticked. The others, in grey, stay as the catalogue has them.",
+                TextOf(root), MB_OK | MB_ICONERROR);
 }
 
 LRESULT clsComponentList::Draw(const NMLVCUSTOMDRAW& draw) const {
@@ -240,7 +275,7 @@ LRESULT clsComponentList::Draw(const NMLVCUSTOMDRAW& draw) const {
         return CDRF_NOTIFYITEMDRAW;
     const auto line = static_cast<std::size_t>(draw.nmcd.dwItemSpec);
     if (draw.nmcd.dwDrawStage == CDDS_ITEMPREPAINT && line < Entries().size() &&
-        Entries()[line].lock)
+        (Entries()[line].lock || line >= kMostLines))
         const_cast<NMLVCUSTOMDRAW&>(draw).clrText = GetSysColor(COLOR_GRAYTEXT);
     return CDRF_DODEFAULT;
 }
@@ -275,21 +310,9 @@ void clsComponentList::AnswerTip(NMTTDISPINFOA& info) {
     const bool onLine = tipLine_ >= 0 && tipLine_ < LineCount();
     tipText_ =
         onLine ? EntryTip(EntryAt(tipLine_), PlaceAt(tipLine_), StateAt(tipLine_)) : std::string();
+    if (onLine) // the column may be too narrow for it
+        tipText_ = EntryAt(tipLine_).name + "\r\n" + tipText_;
     info.lpszText = tipText_.data();
-}
-
-LRESULT CALLBACK clsComponentList::ListProcedure(HWND window, UINT message, WPARAM wparam,
-                                                 LPARAM lparam, UINT_PTR id, DWORD_PTR self) {
-    if (message == WM_TIMER && wparam == kCheckTimer) {
-        reinterpret_cast<clsComponentList*>(self)->CheckNextArchive();
-        return 0;
-    }
-    if (message == WM_MOUSEMOVE)
-        reinterpret_cast<clsComponentList*>(self)->FollowMouse(
-            {static_cast<short>(LOWORD(lparam)), static_cast<short>(HIWORD(lparam))});
-    if (message == WM_NCDESTROY)
-        RemoveWindowSubclass(window, ListProcedure, id);
-    return DefSubclassProc(window, message, wparam, lparam);
 }
 
 } // namespace vesk

@@ -2,6 +2,8 @@
 
 #include "catalogue/Catalogue.h"
 #include "catalogue/clsProgramArchives.h"
+#include "ui/clsListNote.h"
+#include "ui/clsSubclass.h"
 #include "ui/modWizardText.h"
 
 #include <windows.h>
@@ -24,8 +26,7 @@ public:
     /// @param catalogue outlives the list; its entries take over the ticks
     clsComponentList(Kind kind, Catalogue& catalogue, std::string programPath);
 
-    /// Takes over a list view of a dialog and fills it. The window must outlive this object or
-    /// destroy itself first.
+    /// Takes over a list view of a dialog and fills it.
     void Attach(HWND list);
 
     /// Handles a notification of the list or its tool tip. @return its answer, if it wants one
@@ -33,6 +34,11 @@ public:
 
     /// Shows the selected entry in the item view.
     void OpenSelected();
+
+    /// Fits the columns to the list's width.
+    void FitColumns();
+
+    [[nodiscard]] int LineCount() const;
 
     /// Reads anew which archives lie in the program folder. Their checksums follow one by one while
     /// the list is shown, so that the window stays alive.
@@ -43,20 +49,18 @@ private:
     [[nodiscard]] EntryPlace PlaceAt(int line) const;
     [[nodiscard]] ArchiveState StateAt(int line) const;
     [[nodiscard]] std::vector<CatalogueEntry>& Entries() const;
-    [[nodiscard]] int LineCount() const;
     void AddColumns();
     void Fill();
-    void FitColumns();
     void Walk();
     void ShowState(int line);
     void CheckNextArchive();
+    std::optional<LRESULT> OnListMessage(UINT message, WPARAM wparam, LPARAM lparam);
+    void RefuseBehind(int line);
     void OnDoubleClick(POINT position);
     LRESULT Draw(const NMLVCUSTOMDRAW& draw) const;
     void AttachTip();
     void FollowMouse(POINT position);
     void AnswerTip(NMTTDISPINFOA& info);
-    static LRESULT CALLBACK ListProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam,
-                                          UINT_PTR id, DWORD_PTR self);
 
     Kind kind_;
     Catalogue& catalogue_;
@@ -66,9 +70,12 @@ private:
     std::vector<std::string> stateTexts_; ///< What the state column shows.
     int nextToCheck_ = 0;                 ///< The first line whose checksum may be missing.
     HWND list_ = nullptr;
+    clsSubclass events_;
+    clsListNote note_;
     HWND tip_ = nullptr; ///< Owned by the list's window, which destroys it.
     int tipLine_ = -1;
     std::string tipText_;
+    bool overflowTold_ = false;
     bool filling_ = false; ///< Changes that the program makes are no clicks.
 };
 

@@ -18,14 +18,14 @@ clsDialog::~clsDialog() {
 }
 
 void clsDialog::Create(HWND owner, int resourceId) {
-    const DialogTemplate dialog(resourceId);
+    const DialogTemplate dialog(resourceId, owner);
     if (!CreateDialogIndirectParamA(ProgramInstance(), dialog.Get(), owner, Procedure,
                                     reinterpret_cast<LPARAM>(this)))
         ThrowLastError("create dialog", std::to_string(resourceId));
 }
 
 INT_PTR clsDialog::RunModal(HWND owner, int resourceId) {
-    const DialogTemplate dialog(resourceId);
+    const DialogTemplate dialog(resourceId, owner);
     const INT_PTR result = DialogBoxIndirectParamA(ProgramInstance(), dialog.Get(), owner,
                                                    Procedure, reinterpret_cast<LPARAM>(this));
     if (result == -1)

@@ -3,34 +3,14 @@
 #include "ui/modWindow.h"
 #include "ui/resources/ids.h"
 
-#include <commctrl.h>
-
 #include <algorithm>
-#include <cstring>
 #include <utility>
 
 namespace vesk {
 
 namespace {
 
-constexpr UINT_PTR kSubclassId = 1;
 constexpr int kLineMargin = 8; // pixels at 96 DPI behind the widest line
-
-using GlobalMemory = UniqueHandle<::GlobalFree, HGLOBAL>;
-
-void PutOnClipboard(HWND owner, const std::string& text) {
-    if (!OpenClipboard(owner))
-        return; // another program holds it
-    EmptyClipboard();
-    GlobalMemory memory(GlobalAlloc(GMEM_MOVEABLE, text.size() + 1));
-    if (memory) {
-        std::memcpy(GlobalLock(memory.Get()), text.c_str(), text.size() + 1);
-        GlobalUnlock(memory.Get());
-        if (SetClipboardData(CF_TEXT, memory.Get()))
-            (void)memory.Release(); // the clipboard frees it
-    }
-    CloseClipboard();
-}
 
 } // namespace
 
@@ -39,7 +19,9 @@ clsLogList::clsLogList(const BuildLog& log, std::string programPath)
 
 void clsLogList::Attach(HWND list) {
     list_ = list;
-    SetWindowSubclass(list_, ListProcedure, kSubclassId, reinterpret_cast<DWORD_PTR>(this));
+    link_.Attach(list_, [this](UINT message, WPARAM wparam, LPARAM lparam) {
+        return OnMessage(message, wparam, lparam);
+    });
     constexpr WPARAM kExpectedLines = 4000;
     SendMessageA(list_, LB_INITSTORAGE, kExpectedLines, kExpectedLines * 80);
 }
@@ -61,6 +43,16 @@ void clsLogList::Widen(const std::string& line) {
         return;
     widest_ = width;
     SendMessageA(list_, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(width), 0);
+}
+
+void clsLogList::ShowFirstWarning() const {
+    const auto& lines = log_.Lines();
+    const auto first = std::ranges::find_if(lines, IsWarningLine);
+    if (first == lines.end())
+        return;
+    const auto line = static_cast<WPARAM>(first - lines.begin());
+    SendMessageA(list_, LB_SETCARETINDEX, line, FALSE);
+    SendMessageA(list_, LB_SETTOPINDEX, line > 0 ? line - 1 : line, 0);
 }
 
 POINT clsLogList::CurrentLinePosition() const {
@@ -128,13 +120,22 @@ bool clsLogList::HandleKey(WPARAM key) const {
     return true;
 }
 
-LRESULT CALLBACK clsLogList::ListProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam,
-                                           UINT_PTR id, DWORD_PTR self) {
-    if (message == WM_KEYDOWN && reinterpret_cast<const clsLogList*>(self)->HandleKey(wparam))
+/// The menu opens when the right button goes down, where the mouse then is.
+std::optional<LRESULT> clsLogList::OnMessage(UINT message, WPARAM wparam, LPARAM lparam) {
+    switch (message) {
+    case WM_KEYDOWN:
+        return HandleKey(wparam) ? std::optional<LRESULT>(0) : std::nullopt;
+    case WM_RBUTTONDOWN: {
+        POINT position{static_cast<short>(LOWORD(lparam)), static_cast<short>(HIWORD(lparam))};
+        ClientToScreen(list_, &position);
+        OpenMenu(position);
         return 0;
-    if (message == WM_NCDESTROY)
-        RemoveWindowSubclass(window, ListProcedure, id);
-    return DefSubclassProc(window, message, wparam, lparam);
+    }
+    case WM_RBUTTONUP: // would ask for the menu a second time
+        return 0;
+    default:
+        return std::nullopt;
+    }
 }
 
 } // namespace vesk

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "build/BuildLog.h"
+#include "ui/clsSubclass.h"
 
 #include <windows.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,12 +19,14 @@ public:
     /// @param programPath where the log file lies
     clsLogList(const BuildLog& log, std::string programPath);
 
-    /// Takes over a multi-selection list box of a dialog. The window must outlive this object or
-    /// destroy itself first.
+    /// Takes over a multi-selection list box of a dialog.
     void Attach(HWND list);
 
     /// Shows lines that were added to the log and makes the last one the current line.
     void ShowLines(const std::vector<std::string>& lines);
+
+    /// Makes the first line that tells of something wrong the current line, so that it is in sight.
+    void ShowFirstWarning() const;
 
     /// Opens the context menu. @param position of the mouse on the screen; (-1, -1) when the
     /// keyboard asked
@@ -38,12 +42,12 @@ private:
     [[nodiscard]] POINT CurrentLinePosition() const;
     void Widen(const std::string& line);
     bool HandleKey(WPARAM key) const;
-    static LRESULT CALLBACK ListProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam,
-                                          UINT_PTR id, DWORD_PTR self);
+    std::optional<LRESULT> OnMessage(UINT message, WPARAM wparam, LPARAM lparam);
 
     const BuildLog& log_;
     std::string programPath_;
     HWND list_ = nullptr;
+    clsSubclass link_;
     int widest_ = 0; ///< Pixels that the widest line takes.
 };
 

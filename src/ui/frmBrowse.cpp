@@ -117,7 +117,7 @@ std::string frmBrowse::ChooseFolder(const std::string& title,
 
 std::string frmBrowse::ChooseFile(const std::string& title, const std::string& pattern,
                                   const std::string& startFolder) const {
-    std::string filter = pattern + '\0' + pattern + '\0';
+    std::string filter = "Archives (" + pattern + ")" + '\0' + pattern + '\0';
     filter += std::string("All files") + '\0' + "*.*" + '\0';
     std::array<char, 1024> path{};
     OPENFILENAMEA request{};

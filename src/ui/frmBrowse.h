@@ -17,7 +17,7 @@ public:
     [[nodiscard]] std::string ChooseFolder(const std::string& title,
                                            const std::string& startFolder) const;
 
-    /// @param pattern file name patterns parted by ";"
+    /// @param pattern file name patterns of archives, separated by ";"
     /// @return full path of the file, or an empty text when the user cancels
     [[nodiscard]] std::string ChooseFile(const std::string& title, const std::string& pattern,
                                          const std::string& startFolder) const;

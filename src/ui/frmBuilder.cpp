@@ -2,9 +2,10 @@
 
 #include "base/modFile.h"
 #include "base/modSystemError.h"
-#include "catalogue/modCatalogueFile.h"
 #include "startup/Version.h"
+#include "ui/frmProblems.h"
 #include "ui/modBand.h"
+#include "ui/modContrast.h"
 #include "ui/modProgramVersion.h"
 #include "ui/modWizardText.h"
 #include "ui/pagBase.h"
@@ -15,6 +16,7 @@
 #include "ui/resources/ids.h"
 
 #include <array>
+#include <initializer_list>
 #include <utility>
 
 namespace vesk {
@@ -23,9 +25,6 @@ namespace {
 
 constexpr std::array<int, 4> kButtonIds{IDC_CMD_HELP, IDC_CMD_BACK, IDC_CMD_NEXT, IDCANCEL};
 
-/// The welcome page is white down to the line above the buttons, in dialog units.
-constexpr int kWelcomeHeight = 224;
-
 } // namespace
 
 frmBuilder::frmBuilder(ProgramPaths paths)
@@ -33,10 +32,13 @@ frmBuilder::frmBuilder(ProgramPaths paths)
 
 frmBuilder::~frmBuilder() = default;
 
-void frmBuilder::Show() {
+void frmBuilder::Show(const std::string& buttonFace) {
     Create(nullptr, IDD_BUILDER);
+    if (!buttonFace.empty())
+        SetButtonFace(buttonFace);
     ShowWindow(Window(), SW_SHOW);
     SetForegroundWindow(Window());
+    ExplainCatalogue();
 }
 
 void frmBuilder::SetButtonFace(const std::string& face) {
@@ -47,7 +49,7 @@ void frmBuilder::SetButtonFace(const std::string& face) {
 }
 
 void frmBuilder::Form_Load() {
-    LoadCatalogueOrExplain();
+    load_ = LoadCatalogueReporting(paths_.programPath, catalogue_);
     SetWindowIcon(Window());
     taskbar_ = std::make_unique<clsTaskbar>(Window());
     auto* const font = reinterpret_cast<HFONT>(SendMessageA(Window(), WM_GETFONT, 0, 0));
@@ -56,6 +58,7 @@ void frmBuilder::Form_Load() {
     SendMessageA(Control(IDC_LBL_HEADING_SM), WM_SETFONT, reinterpret_cast<WPARAM>(boldFont_.Get()),
                  FALSE);
     CreatePages();
+    FollowSize();
     const auto stored = ResourceBytes("TXT", IDR_WELCOME_TEXT);
     welcomePage_->SetWelcomeText(
         WelcomeText(kVersionText, LegalNotice(),
@@ -65,11 +68,42 @@ void frmBuilder::Form_Load() {
     SetFocus(Control(IDC_CMD_NEXT));
 }
 
-/// The wizard opens with what was read.
-void frmBuilder::LoadCatalogueOrExplain() {
-    const CatalogueLoad load = LoadCatalogueReporting(paths_.programPath, catalogue_);
-    if (!load.sentence.empty())
-        ShowMessage(Window(), load.sentence, kProductName, MB_OK | MB_ICONERROR);
+/// The wizard opens with what was read; where that is not enough to build from, it offers the way
+/// to a catalogue.
+void frmBuilder::ExplainCatalogue() {
+    if (!catalogue_.baseComponents.empty()) {
+        if (!load_.sentence.empty())
+            ShowMessage(Window(), load_.sentence, kProductName, MB_OK | MB_ICONERROR);
+        return;
+    }
+    const std::string found =
+        load_.sentence.empty() ? "The catalogue names no base component." : load_.sentence;
+    const int answer = ShowMessage(
+        Window(),
+        found +
+            "\r\n\r\nWithout it there is nothing to build. The catalogue editor (veskbuilder.exe "
+            "-setup) makes a catalogue. Do you want to start it now?",
+        kProductName, MB_YESNO | MB_ICONWARNING);
+    wantsEditor_ = answer == IDYES;
+    if (wantsEditor_)
+        DestroyWindow(Window());
+}
+
+void frmBuilder::FollowSize() {
+    layout_.Attach(Window());
+    const auto follow = [this](unsigned how, std::initializer_list<int> ids) {
+        for (const int id : ids)
+            layout_.Add(Control(id), how);
+    };
+    for (const Page page :
+         {Page::Welcome, Page::BaseComponents, Page::Plugins, Page::Summary, Page::Build})
+        layout_.Add(PageWindow(page).Window(), clsLayout::kGrowX | clsLayout::kGrowY);
+    follow(clsLayout::kGrowY, {IDC_IMG_LOGO});
+    follow(clsLayout::kGrowX, {IDC_LINE_TOP, IDC_LBL_HEADING_SM2});
+    follow(clsLayout::kMoveX, {IDC_IMG_LOGO_SMALL});
+    follow(clsLayout::kGrowX | clsLayout::kMoveY, {IDC_LINE_BOTTOM});
+    follow(clsLayout::kMoveY, {IDC_CMD_HELP, IDC_CMD_PROBLEMS});
+    follow(clsLayout::kMoveX | clsLayout::kMoveY, {IDC_CMD_BACK, IDC_CMD_NEXT, IDCANCEL});
 }
 
 void frmBuilder::CreatePages() {
@@ -111,10 +145,8 @@ void frmBuilder::ShowControl(int id, bool shown) const {
 }
 
 void frmBuilder::GoTo(Page page) {
-    if (page == Page::Summary) {
-        summaryPage_->SetSummary(SummaryText(
-            {catalogue_, basePage_->InstallFolder(), basePage_->SourceFolder(), source_.valid}));
-    }
+    if (page == Page::Summary)
+        ShowSummary();
     page_ = page;
     ShowHeading(page);
     ShowPageWindow(page);
@@ -166,7 +198,7 @@ void frmBuilder::FocusPage() {
 }
 
 void frmBuilder::cmdButtons_Click(WizardButton button) {
-    basePage_->CommitFields();
+    basePage_->CommitSource();
     const NavigationStep step = NextStep(page_, button);
     switch (step.kind) {
     case NavigationStep::Kind::Nothing:
@@ -174,6 +206,8 @@ void frmBuilder::cmdButtons_Click(WizardButton button) {
     case NavigationStep::Kind::ShowHelp:
         return ShowHelp();
     case NavigationStep::Kind::GoToPage:
+        if (step.page == Page::Plugins && page_ == Page::BaseComponents && !AcceptInstallFolder())
+            return;
         return GoTo(step.page);
     case NavigationStep::Kind::StartBuild:
         return StartBuild();
@@ -212,6 +246,8 @@ void frmBuilder::ShowHelp() {
 }
 
 void frmBuilder::OnCommand(int id) {
+    if (id == IDC_CMD_PROBLEMS)
+        return frmProblems(problems_).Show(Window());
     for (std::size_t index = 0; index < kButtonIds.size(); ++index) {
         // Escape arrives as a click on Cancel, also while that button is disabled.
         if (kButtonIds[index] == id && IsWindowEnabled(Control(id)))
@@ -219,8 +255,11 @@ void frmBuilder::OnCommand(int id) {
     }
 }
 
+/// The welcome page is white down to the line above the buttons.
 INT_PTR frmBuilder::PaintBackground(HDC dc) const {
-    return Answer(PaintBand(Window(), dc, page_ == Page::Welcome ? kWelcomeHeight : kBandHeight));
+    return Answer(page_ == Page::Welcome
+                      ? PaintBandTo(Window(), dc, AreaOf(Control(IDC_LINE_BOTTOM)).top)
+                      : PaintBand(Window(), dc, kBandHeight));
 }
 
 INT_PTR frmBuilder::ColourOf(HDC dc, HWND control) {
@@ -233,7 +272,9 @@ INT_PTR frmBuilder::ColourOf(HDC dc, HWND control) {
 INT_PTR frmBuilder::DrawPicture(const DRAWITEMSTRUCT& item) {
     if (item.CtlID == IDC_IMG_LOGO)
         logo_.Paint(item.hDC, item.rcItem);
-    else if (item.CtlID == IDC_IMG_LOGO_SMALL)
+    else if (IsDark(GetSysColor(COLOR_WINDOW)))
+        FillRect(item.hDC, &item.rcItem, GetSysColorBrush(COLOR_WINDOW)); // it is drawn on white
+    else
         logoSmall_.Paint(item.hDC, item.rcItem);
     return TRUE;
 }
@@ -249,6 +290,12 @@ INT_PTR frmBuilder::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
     case WM_HELP: // the F1 key
         if (IsWindowEnabled(Control(IDC_CMD_HELP)))
             ShowHelp();
+        return TRUE;
+    case WM_SIZE:
+        layout_.OnSize();
+        return TRUE;
+    case WM_GETMINMAXINFO:
+        layout_.LimitSize(*reinterpret_cast<MINMAXINFO*>(lparam));
         return TRUE;
     case WM_CLOSE:
         Form_QueryUnload();

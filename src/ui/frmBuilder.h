@@ -4,9 +4,12 @@
 #include "build/BuildLog.h"
 #include "build/clsBuildRun.h"
 #include "catalogue/Catalogue.h"
+#include "catalogue/modCatalogueFile.h"
 #include "startup/modMain.h"
 #include "ui/clsDialog.h"
+#include "ui/clsLayout.h"
 #include "ui/clsTaskbar.h"
+#include "ui/modChosenFolder.h"
 #include "ui/modNavigation.h"
 #include "ui/modPicture.h"
 #include "ui/modWindow.h"
@@ -34,11 +37,13 @@ public:
     frmBuilder& operator=(const frmBuilder&) = delete;
     ~frmBuilder() override;
 
-    /// Loads the catalogue and shows the wizard; it ends the thread's message loop when it closes.
-    void Show();
+    /// Loads the catalogue and shows the wizard; it ends the thread's message loop when it closes,
+    /// which it may do before this returns.
+    /// @param buttonFace font name of the four buttons; empty for the window's own font
+    void Show(const std::string& buttonFace);
 
-    /// Sets the font name of the four buttons.
-    void SetButtonFace(const std::string& face);
+    /// True when the user left the wizard to make a catalogue first.
+    [[nodiscard]] bool WantsEditor() const { return wantsEditor_; }
 
 private:
     static constexpr UINT kRunBuildMessage = WM_APP; ///< Posted to itself.
@@ -46,6 +51,7 @@ private:
     // What the window does.
     INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;
     void Form_Load();
+    void SetButtonFace(const std::string& face);
     void Form_QueryUnload();
     void cmdButtons_Click(WizardButton button);
     void OnCommand(int id);
@@ -56,9 +62,9 @@ private:
     INT_PTR DrawPicture(const DRAWITEMSTRUCT& item);
 
     // Pages.
-    void LoadCatalogueOrExplain();
+    void ExplainCatalogue();
     void CreatePages();
-    void PlacePage(clsDialog& page);
+    void FollowSize();
     void GoTo(Page page);
     void ShowHeading(Page page);
     void ShowPageWindow(Page page);
@@ -68,9 +74,17 @@ private:
     void ShowControl(int id, bool shown) const;
 
     // The build.
-    [[nodiscard]] BuildInputs CollectInputs() const;
+    [[nodiscard]] ChosenFolder LookAtChosenFolder() const;
+    void Refuse(const FolderRefused& refusal) const;
+    bool AcceptInstallFolder();
+    void ShowSummary();
+    BuildInputs CollectInputs();
+    bool AcceptsPartialCatalogue();
+    bool PrepareBuild();
     void StartBuild();
     void RunBuild();
+    void SaveRecord();
+    void ShowEnding(const BuildOutcome& outcome);
     void EnableButtons(bool enabled);
 
     void AddLogLine(const std::string& text, LogMode mode) override;
@@ -87,14 +101,18 @@ private:
 
     ProgramPaths paths_;
     Catalogue catalogue_;
+    CatalogueLoad load_;
+    bool wantsEditor_ = false;
     SourceState source_;
     BuildLog log_;
     std::vector<Problem> problems_;
     std::unique_ptr<BuildInputs> inputs_; ///< Of the build that is about to start or runs.
+    std::unique_ptr<clsBuildRun> run_;    ///< The same; keeps other builds out of the folder.
     Page page_ = Page::Welcome;
     ClosingState closing_;
     DWORD lastEvents_ = 0; ///< Tick count of when events last ran.
 
+    clsLayout layout_;
     clsPictureView logo_;
     clsPictureView logoSmall_;
     GdiHandle largeFont_;

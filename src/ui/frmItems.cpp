@@ -1,6 +1,7 @@
 #include "ui/frmItems.h"
 
 #include "base/modText.h"
+#include "ui/modReadOnlyText.h"
 #include "ui/modWizardText.h"
 #include "ui/resources/ids.h"
 
@@ -33,7 +34,29 @@ void frmItems::OnCreated() {
     show(IDC_TXT_ITEM_STATE, ArchiveSentence(entry_, place_, state), "");
     show(IDC_TXT_ITEM_TICK, InBuildText(entry_, place_.list), "");
     show(IDC_TXT_ITEM_URL, ReplaceAll(entry_.url, ",", "\r\n"), "none");
+    ShowWholeName();
+    MakePlainText(address_, Control(IDC_TXT_ITEM_URL));
+    MakePlainText(name_, Control(IDC_LBL_ITEM_NAME));
     CenterWindow(Window());
+}
+
+/// A long name takes as many lines as it needs; everything below moves down, and the dialog grows.
+void frmItems::ShowWholeName() const {
+    const HWND name = Control(IDC_LBL_ITEM_NAME);
+    RECT area = AreaOf(name);
+    const LONG lines = static_cast<LONG>(SendMessageA(name, EM_GETLINECOUNT, 0, 0));
+    const LONG more = (lines - 1) * TextSize(name, "X").cy;
+    SetWindowPos(name, nullptr, 0, 0, area.right - area.left, area.bottom - area.top + more,
+                 SWP_NOMOVE | SWP_NOZORDER);
+    for (HWND below = GetWindow(Window(), GW_CHILD); below; below = GetWindow(below, GW_HWNDNEXT)) {
+        area = AreaOf(below);
+        if (below != name)
+            SetWindowPos(below, nullptr, area.left, area.top + more, 0, 0,
+                         SWP_NOSIZE | SWP_NOZORDER);
+    }
+    GetWindowRect(Window(), &area);
+    SetWindowPos(Window(), nullptr, 0, 0, area.right - area.left, area.bottom - area.top + more,
+                 SWP_NOMOVE | SWP_NOZORDER);
 }
 
 INT_PTR frmItems::Handle(UINT message, WPARAM wparam, LPARAM) {

@@ -3,6 +3,7 @@
 #include "catalogue/Catalogue.h"
 #include "catalogue/clsProgramArchives.h"
 #include "ui/clsDialog.h"
+#include "ui/clsSubclass.h"
 #include "ui/modWindow.h"
 
 #include <string>
@@ -21,12 +22,15 @@ public:
 private:
     INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;
     void OnCreated();
+    void ShowWholeName() const;
 
     EntryPlace place_;
     CatalogueEntry entry_;
     std::string category_;
     clsProgramArchives& archives_;
     GdiHandle nameFont_;
+    clsSubclass name_;
+    clsSubclass address_;
 };
 
 } // namespace vesk

@@ -1,9 +1,12 @@
 #include "ui/frmSelOS.h"
 
+#include "ui/modColumns.h"
 #include "ui/modWindow.h"
 #include "ui/resources/ids.h"
 
 #include <commctrl.h>
+
+#include <algorithm>
 
 namespace vesk {
 
@@ -39,6 +42,13 @@ void frmSelOS::OnCreated() {
     CenterWindow(Window());
     ListView_SetExtendedListViewStyle(List(), LVS_EX_FULLROWSELECT);
     AddColumns();
+    note_.Attach(List(), "Nothing found yet.");
+    layout_.Attach(Window());
+    layout_.Add(List(), clsLayout::kGrowX | clsLayout::kGrowY);
+    layout_.Add(Control(IDC_LABEL1), clsLayout::kGrowX | clsLayout::kMoveY);
+    layout_.Add(Control(IDC_CMD_STOP), clsLayout::kMoveY);
+    layout_.Add(Control(IDC_CMD_SELECT), clsLayout::kMoveX | clsLayout::kMoveY);
+    layout_.Add(Control(IDCANCEL), clsLayout::kMoveX | clsLayout::kMoveY);
     PostMessageA(Window(), kScanMessage, 0, 0);
 }
 
@@ -57,12 +67,15 @@ void frmSelOS::AddColumns() {
 }
 
 void frmSelOS::FitColumns() {
-    RECT client{};
-    GetClientRect(List(), &client);
-    ListView_SetColumnWidth(List(), 0, LVSCW_AUTOSIZE_USEHEADER);
-    if (ListView_GetColumnWidth(List(), 0) < client.right / 2)
-        ListView_SetColumnWidth(List(), 0, client.right / 2);
-    ListView_SetColumnWidth(List(), 1, LVSCW_AUTOSIZE_USEHEADER);
+    const int width = InnerSize(List()).cx;
+    ListView_SetColumnWidth(List(), 0, LVSCW_AUTOSIZE);
+    ListView_SetColumnWidth(List(), 1, LVSCW_AUTOSIZE);
+    const std::vector<int> widths =
+        ShareWidth({std::max(ListView_GetColumnWidth(List(), 0), width / 2),
+                    ListView_GetColumnWidth(List(), 1)},
+                   width);
+    ListView_SetColumnWidth(List(), 0, widths[0]);
+    ListView_SetColumnWidth(List(), 1, widths[1]);
 }
 
 void frmSelOS::Scan() {
@@ -71,21 +84,35 @@ void frmSelOS::Scan() {
     scanning_ = true;
     do {
         found_.clear();
-        ListView_DeleteAllItems(List());
-        EnableWindow(Control(IDC_CMD_STOP), TRUE);
-        EnableWindow(Control(IDC_CMD_SELECT), FALSE);
-        SetText(Control(IDC_CMD_STOP), "&Stop");
+        ShowScanning();
         restart_ = false;
         scan_.Run(SearchableDrives(GetLogicalDrives()));
     } while (restart_ && !closed_);
     scanning_ = false;
-    if (closed_)
-        return;
-    scan_.Stop();
-    SetText(Control(IDC_CMD_STOP), "&Start");
+    if (!closed_)
+        ShowResult();
+}
+
+void frmSelOS::ShowScanning() const {
+    ListView_DeleteAllItems(List());
+    EnableWindow(Control(IDC_CMD_STOP), TRUE);
+    EnableWindow(Control(IDC_CMD_SELECT), FALSE);
+}
+
+/// The first find is ready to be taken. The first button keeps its caption: after a scan that ran
+/// to its end it says "Stop" until it is clicked, and then "Start".
+void frmSelOS::ShowResult() {
+    note_.SetNote("No Windows installation files were found.");
     FitColumns();
-    EnableWindow(Control(IDC_CMD_SELECT), !found_.empty());
     SetText(Control(IDC_LABEL1), "");
+    if (found_.empty())
+        return;
+    EnableWindow(Control(IDC_CMD_SELECT), TRUE);
+    SendMessageA(Window(), DM_SETDEFID, IDC_CMD_SELECT, 0);
+    if (ListView_GetNextItem(List(), -1, LVNI_SELECTED) < 0)
+        ListView_SetItemState(List(), 0, LVIS_SELECTED | LVIS_FOCUSED,
+                              LVIS_SELECTED | LVIS_FOCUSED);
+    SetFocus(List());
 }
 
 void frmSelOS::StopOrStart() {
@@ -94,8 +121,18 @@ void frmSelOS::StopOrStart() {
         scan_.Stop();
         return;
     }
+    SetText(Control(IDC_CMD_STOP), "&Stop");
+    SendMessageA(Window(), DM_SETDEFID, IDC_CMD_STOP, 0);
+    note_.SetNote("Nothing found yet.");
     restart_ = true;
     Scan();
+}
+
+/// Also when the wizard below is closed meanwhile: the scan then ends, and with it the program.
+void frmSelOS::Close(INT_PTR result) {
+    closed_ = true;
+    scan_.Stop();
+    EndDialog(Window(), result);
 }
 
 void frmSelOS::Select() {
@@ -103,9 +140,7 @@ void frmSelOS::Select() {
     if (line < 0)
         return;
     chosen_ = found_.at(static_cast<std::size_t>(line));
-    closed_ = true;
-    scan_.Stop();
-    EndDialog(Window(), IDOK);
+    Close(IDOK);
 }
 
 void frmSelOS::OnCommand(int id) {
@@ -117,9 +152,7 @@ void frmSelOS::OnCommand(int id) {
         Select();
         break;
     case IDCANCEL:
-        closed_ = true;
-        scan_.Stop();
-        EndDialog(Window(), IDCANCEL);
+        Close(IDCANCEL);
         break;
     default:
         break;
@@ -151,6 +184,16 @@ INT_PTR frmSelOS::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
         return TRUE;
     case WM_COMMAND:
         OnCommand(LOWORD(wparam));
+        return TRUE;
+    case WM_SIZE:
+        layout_.OnSize();
+        FitColumns();
+        return TRUE;
+    case WM_GETMINMAXINFO:
+        layout_.LimitSize(*reinterpret_cast<MINMAXINFO*>(lparam));
+        return TRUE;
+    case WM_DESTROY:
+        Close(IDCANCEL);
         return TRUE;
     case WM_NOTIFY: {
         const auto& header = *reinterpret_cast<const NMHDR*>(lparam);

@@ -3,6 +3,8 @@
 #include "source/SourceState.h"
 #include "source/clsDriveScan.h"
 #include "ui/clsDialog.h"
+#include "ui/clsLayout.h"
+#include "ui/clsListNote.h"
 
 #include <optional>
 #include <vector>
@@ -26,6 +28,9 @@ private:
     void OnCreated();
     void OnCommand(int id);
     void Scan();
+    void ShowScanning() const;
+    void ShowResult();
+    void Close(INT_PTR result);
     void StopOrStart();
     void Select();
     void AddColumns();
@@ -33,11 +38,13 @@ private:
     [[nodiscard]] HWND List() const;
 
     clsDriveScan scan_;
+    clsLayout layout_;
+    clsListNote note_;
     std::vector<FoundSource> found_;
     std::optional<FoundSource> chosen_;
     bool scanning_ = false;
     bool restart_ = false; ///< Asked for while the scan before was still running.
-    bool closed_ = false;
+    bool closed_ = false;  ///< The dialog is about to go, or gone: nothing is shown any more.
 };
 
 } // namespace vesk

@@ -3,13 +3,20 @@
 namespace vesk {
 
 LRESULT PaintBand(HWND dialog, HDC dc, int height) {
-    RECT client{};
-    GetClientRect(dialog, &client);
-    FillRect(dc, &client, GetSysColorBrush(COLOR_BTNFACE));
     RECT band{0, 0, 0, height};
     MapDialogRect(dialog, &band);
-    client.bottom = band.bottom;
-    FillRect(dc, &client, GetSysColorBrush(COLOR_WINDOW));
+    return PaintBandTo(dialog, dc, band.bottom);
+}
+
+LRESULT PaintBandTo(HWND dialog, HDC dc, int pixels) {
+    RECT area{};
+    GetClientRect(dialog, &area);
+    const LONG bottom = area.bottom;
+    area.bottom = pixels;
+    FillRect(dc, &area, GetSysColorBrush(COLOR_WINDOW));
+    area.top = pixels;
+    area.bottom = bottom;
+    FillRect(dc, &area, GetSysColorBrush(COLOR_BTNFACE));
     return TRUE;
 }
 

@@ -12,6 +12,9 @@ inline constexpr int kBandHeight = 34;
 /// @return TRUE, as the answer to WM_ERASEBKGND
 LRESULT PaintBand(HWND dialog, HDC dc, int height);
 
+/// The same for a height in pixels.
+LRESULT PaintBandTo(HWND dialog, HDC dc, int pixels);
+
 /// The answer to WM_CTLCOLORSTATIC for a text that stands on white.
 INT_PTR OnWhite(HDC dc);
 

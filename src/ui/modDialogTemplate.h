@@ -9,11 +9,13 @@ namespace vesk {
 
 /// A dialog of the program's resources, ready for the ...Indirect functions, in the font that the
 /// user's system uses for its messages: dialog units, and with them every measure of the dialog,
-/// follow that font and the screen's resolution.
+/// follow that font and the screen's resolution. Where the dialog would then not fit on the
+/// screen, the font is as much smaller as it takes. A page has the font of the dialog around it.
 class DialogTemplate {
 public:
+    /// @param owner of the dialog, or the dialog that a page belongs to; may be null
     /// @throws Failure when there is no such dialog
-    explicit DialogTemplate(int resourceId);
+    DialogTemplate(int resourceId, HWND owner);
 
     [[nodiscard]] LPCDLGTEMPLATEA Get() const {
         return reinterpret_cast<LPCDLGTEMPLATEA>(words_.data());

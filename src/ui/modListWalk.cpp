@@ -8,7 +8,6 @@ namespace vesk {
 
 namespace {
 
-constexpr std::size_t kMostLines = 256;
 constexpr std::uint32_t kOverflow = 6;
 
 } // namespace

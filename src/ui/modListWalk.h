@@ -2,6 +2,7 @@
 
 #include "catalogue/Catalogue.h"
 
+#include <cstddef>
 #include <functional>
 #include <vector>
 
@@ -12,6 +13,9 @@ struct TickAccess {
     std::function<bool(std::size_t line)> isTicked;
     std::function<void(std::size_t line, bool ticked)> setTick;
 };
+
+/// How many lines of a list can be ticked.
+inline constexpr std::size_t kMostLines = 256;
 
 /// Brings list and catalogue into agreement after a click: the line of a locked entry springs back
 /// to the entry's own state, every other entry takes over its line's tick.

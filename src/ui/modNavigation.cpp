@@ -65,19 +65,24 @@ std::string PageSubheading(Page page) {
 }
 
 EndingHeading HeadingOf(const BuildOutcome& outcome) {
-    const std::string count = std::to_string(outcome.problems);
+    const std::string why = outcome.reason.empty() ? "" : ": " + outcome.reason;
     switch (VerdictOf(outcome)) {
     case BuildVerdict::Whole:
-        return {"Built Whole", "The build folder is ready for PE Builder"};
+        return {"Built Whole", "Everything is in the build folder, which is ready for PE Builder."};
     case BuildVerdict::WithProblems:
-        return {"Built, " + count + (outcome.problems == 1 ? " Problem" : " Problems"),
-                "Not everything is in the build"};
+        return {"Built, with " + ProblemCount(outcome.problems),
+                "Not everything is in the build folder: the list of problems tells what is missing "
+                "and why."};
     case BuildVerdict::NotUsable:
-        return {"Not Usable", "PE Builder's archive was not installed: " + outcome.reason};
+        return {"Not Usable", "PE Builder's archive was not installed" + why + "."};
     case BuildVerdict::NotBuilt:
         break;
     }
-    return {"Not Built", outcome.reason};
+    return {"Not Built", "No usable build folder was made" + why + "."};
+}
+
+std::string ProblemCount(std::size_t problems) {
+    return std::to_string(problems) + (problems == 1 ? " Problem" : " Problems");
 }
 
 ClosingAnswer AnswerClosing(const ClosingState& state) {

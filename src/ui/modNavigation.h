@@ -2,6 +2,7 @@
 
 #include "build/BuildFrontEnd.h"
 
+#include <cstddef>
 #include <string>
 
 namespace vesk {
@@ -31,11 +32,17 @@ std::string PageHeading(Page page, const std::string& versionText);
 /// The sentence below the heading; empty for the welcome page, which has none.
 std::string PageSubheading(Page page);
 
+/// "1 Problem", "3 Problems".
+std::string ProblemCount(std::size_t problems);
+
 /// Title and sentence that replace heading and subheading once a build run is over.
 struct EndingHeading {
     std::string title;
     std::string sentence;
 };
+
+/// What came of a build: built whole, built with problems, not usable, or not built, with the
+/// reason for the last two.
 EndingHeading HeadingOf(const BuildOutcome& outcome);
 
 /// What decides whether the wizard may close.

@@ -3,6 +3,7 @@
 #include "ui/resources/ids.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace vesk {
 
@@ -14,17 +15,12 @@ bool IsDialogWindow(HWND window) {
     return GetClassLongPtrA(window, GCW_ATOM) == kDialogClassAtom;
 }
 
+using GlobalMemory = UniqueHandle<::GlobalFree, HGLOBAL>;
+
 LOGFONTA DescribeFont(HFONT font) {
     LOGFONTA description{};
     GetObjectA(font, sizeof description, &description);
     return description;
-}
-
-RECT WorkAreaOf(HWND window) {
-    MONITORINFO monitor{};
-    monitor.cbSize = sizeof monitor;
-    GetMonitorInfoA(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &monitor);
-    return monitor.rcWork;
 }
 
 } // namespace
@@ -70,6 +66,43 @@ void SetWindowIcon(HWND window) {
     };
     setIcon(ICON_BIG, SM_CXICON, SM_CYICON);
     setIcon(ICON_SMALL, SM_CXSMICON, SM_CYSMICON);
+}
+
+SIZE InnerSize(HWND window) {
+    RECT client{};
+    GetClientRect(window, &client);
+    return {client.right, client.bottom};
+}
+
+RECT AreaOf(HWND control) {
+    RECT area{};
+    GetWindowRect(control, &area);
+    MapWindowPoints(nullptr, GetParent(control), reinterpret_cast<POINT*>(&area), 2);
+    return area;
+}
+
+RECT WorkAreaOf(HWND window) {
+    constexpr POINT kOnTheMainMonitor{};
+    MONITORINFO monitor{};
+    monitor.cbSize = sizeof monitor;
+    GetMonitorInfoA(window ? MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST)
+                           : MonitorFromPoint(kOnTheMainMonitor, MONITOR_DEFAULTTOPRIMARY),
+                    &monitor);
+    return monitor.rcWork;
+}
+
+void PutOnClipboard(HWND owner, const std::string& text) {
+    if (!OpenClipboard(owner))
+        return;
+    EmptyClipboard();
+    GlobalMemory memory(GlobalAlloc(GMEM_MOVEABLE, text.size() + 1));
+    if (memory) {
+        std::memcpy(GlobalLock(memory.Get()), text.c_str(), text.size() + 1);
+        GlobalUnlock(memory.Get());
+        if (SetClipboardData(CF_TEXT, memory.Get()))
+            (void)memory.Release(); // the clipboard frees it
+    }
+    CloseClipboard();
 }
 
 void CenterWindow(HWND window) {
@@ -123,7 +156,7 @@ int ShowMessage(HWND owner, const std::string& text, const std::string& title, U
     return MessageBoxA(owner, text.c_str(), title.c_str(), style);
 }
 
-int TextWidth(HWND control, const std::string& text) {
+SIZE TextSize(HWND control, const std::string& text) {
     const HDC dc = GetDC(control);
     const HGDIOBJ before =
         SelectObject(dc, reinterpret_cast<HGDIOBJ>(SendMessageA(control, WM_GETFONT, 0, 0)));
@@ -131,7 +164,7 @@ int TextWidth(HWND control, const std::string& text) {
     GetTextExtentPoint32A(dc, text.c_str(), static_cast<int>(text.size()), &size);
     SelectObject(dc, before);
     ReleaseDC(control, dc);
-    return static_cast<int>(size.cx);
+    return size;
 }
 
 void SetComboItems(HWND combo, const std::vector<std::string>& items) {

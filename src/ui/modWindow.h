@@ -32,6 +32,18 @@ void SetTopMost(HWND window, bool onTop);
 /// Gives a window the program's icon in both sizes.
 void SetWindowIcon(HWND window);
 
+/// The size of a window's inside.
+SIZE InnerSize(HWND window);
+
+/// Where a control stands in its dialog's client area.
+RECT AreaOf(HWND control);
+
+/// The room that programs have on the monitor of a window; on the main one for null.
+RECT WorkAreaOf(HWND window);
+
+/// Puts a text on the clipboard, unless another program holds that.
+void PutOnClipboard(HWND owner, const std::string& text);
+
 /// Centres a window over its owner, or on the work area when it has none or a hidden one, and
 /// keeps it on the monitor.
 void CenterWindow(HWND window);
@@ -51,8 +63,13 @@ void FollowFocus(HWND button, int notification, int defaultId);
 /// A message box. @return the button, IDOK ...
 int ShowMessage(HWND owner, const std::string& text, const std::string& title, UINT style);
 
-/// Pixels that a text takes in a control's font.
-int TextWidth(HWND control, const std::string& text);
+/// Pixels that a line of text takes in a control's font.
+SIZE TextSize(HWND control, const std::string& text);
+
+/// Its width alone.
+inline int TextWidth(HWND control, const std::string& text) {
+    return static_cast<int>(TextSize(control, text).cx);
+}
 
 /// Replaces the items of a combo box; none of them is selected then.
 void SetComboItems(HWND combo, const std::vector<std::string>& items);

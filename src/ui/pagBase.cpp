@@ -6,9 +6,13 @@
 #include "source/modSourceFolder.h"
 #include "ui/frmBrowse.h"
 #include "ui/frmSelOS.h"
+#include "ui/modBand.h"
+#include "ui/modContrast.h"
 #include "ui/modWindow.h"
 #include "ui/modWizardText.h"
 #include "ui/resources/ids.h"
+
+#include <initializer_list>
 
 namespace vesk {
 
@@ -39,6 +43,19 @@ void pagBase::OnCreated() {
     if (!catalogue_.installRoot.empty())
         SetText(Control(IDC_TXT_PROG_PATH),
                 InstallFolderOf(catalogue_.installRoot + "\\" + catalogue_.installFolder));
+    EnableWindow(Control(IDC_CMD_BASE_DETAILS), list_.LineCount() > 0);
+    layout_.Attach(Window());
+    const auto follow = [this](unsigned how, std::initializer_list<int> ids) {
+        for (const int id : ids)
+            layout_.Add(Control(id), how);
+    };
+    follow(clsLayout::kGrowX | clsLayout::kGrowY, {IDC_PIC_FRAME1, IDC_LST_BASE});
+    follow(clsLayout::kMoveX, {IDC_CMD_BASE_DETAILS});
+    follow(clsLayout::kMoveY, {IDC_LBL_PROG_PATH, IDC_LBL_WIN_PATH});
+    follow(clsLayout::kGrowX | clsLayout::kMoveY,
+           {IDC_PIC_FRAME2, IDC_TXT_PROG_PATH, IDC_TXT_WIN_PATH, IDC_LBL_WIN_PRODUCT});
+    follow(clsLayout::kMoveX | clsLayout::kMoveY,
+           {IDC_CMD_PROG_PATH, IDC_CMD_WIN_PATH, IDC_CMD_SCAN});
 }
 
 std::string pagBase::InstallFolder() const {
@@ -49,21 +66,23 @@ std::string pagBase::SourceFolder() const {
     return TextOf(Control(IDC_TXT_WIN_PATH));
 }
 
-void pagBase::CommitFields() {
-    const std::string folder = InstallFolder();
-    SetInstallFolder(folder.empty() ? folder : AbsolutePath(folder));
+void pagBase::CommitSource() {
     const std::string typed = TrimBlanks(SourceFolder());
     if (typed == checkedSource_)
         return;
-    if (FolderExists(typed) || FileExists(typed))
-        CheckSource(typed);
+    if (typed.empty())
+        ShowSource(typed, "", SourceColour::Plain);
     else
-        ShowSource(typed, "", typed.empty() ? SourceColour::Plain : SourceColour::Unusable);
+        CheckSource(typed);
 }
 
-void pagBase::SetInstallFolder(const std::string& folder) {
+void pagBase::ShowInstallFolder(const std::string& folder) {
     SetText(Control(IDC_TXT_PROG_PATH), folder);
-    catalogue_.pluginFolder = folder + "\\Plugin";
+}
+
+void pagBase::FocusInstallFolder() const {
+    SendMessageA(GetAncestor(Window(), GA_ROOT), WM_NEXTDLGCTL,
+                 reinterpret_cast<WPARAM>(Control(IDC_TXT_PROG_PATH)), TRUE);
 }
 
 void pagBase::CheckSource(const std::string& chosen) {
@@ -86,7 +105,7 @@ void pagBase::cmdProgPath_Click() {
         frmBrowse(GetAncestor(Window(), GA_ROOT))
             .ChooseFolder("Choose the folder to build into", NearestFolder(InstallFolder()));
     if (!folder.empty())
-        SetInstallFolder(InstallFolderOf(folder));
+        ShowInstallFolder(InstallFolderOf(folder));
 }
 
 void pagBase::cmdWinPath_Click() {
@@ -115,9 +134,8 @@ void pagBase::cmdScan_Click() {
 }
 
 INT_PTR pagBase::OnCommand(int id, int notification) {
-    const bool isField = id == IDC_TXT_PROG_PATH || id == IDC_TXT_WIN_PATH;
-    if (notification == EN_KILLFOCUS && isField)
-        CommitFields();
+    if (notification == EN_KILLFOCUS && id == IDC_TXT_WIN_PATH)
+        CommitSource();
     if (notification != BN_CLICKED)
         return TRUE;
     switch (id) {
@@ -141,9 +159,10 @@ INT_PTR pagBase::OnCommand(int id, int notification) {
 INT_PTR pagBase::OnColour(HDC dc, HWND control) const {
     if (control != Control(IDC_TXT_WIN_PATH) || sourceColour_ == SourceColour::Plain)
         return FALSE;
-    SetTextColor(dc, sourceColour_ == SourceColour::Usable ? kGreen : kDarkRed);
-    SetBkColor(dc, GetSysColor(COLOR_WINDOW));
-    return reinterpret_cast<INT_PTR>(GetSysColorBrush(COLOR_WINDOW));
+    const INT_PTR brush = OnWhite(dc);
+    SetTextColor(dc, ReadableColour(sourceColour_ == SourceColour::Usable ? kGreen : kDarkRed,
+                                    GetSysColor(COLOR_WINDOWTEXT), GetSysColor(COLOR_WINDOW)));
+    return brush;
 }
 
 INT_PTR pagBase::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
@@ -157,6 +176,10 @@ INT_PTR pagBase::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
         return OnCommand(LOWORD(wparam), HIWORD(wparam));
     case WM_CTLCOLOREDIT:
         return OnColour(reinterpret_cast<HDC>(wparam), reinterpret_cast<HWND>(lparam));
+    case WM_SIZE:
+        layout_.OnSize();
+        list_.FitColumns();
+        return TRUE;
     case WM_SHOWWINDOW:
         if (wparam != FALSE)
             list_.RefreshStates();

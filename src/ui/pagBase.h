@@ -4,6 +4,7 @@
 #include "source/SourceState.h"
 #include "ui/clsComponentList.h"
 #include "ui/clsDialog.h"
+#include "ui/clsLayout.h"
 
 #include <string>
 
@@ -12,8 +13,8 @@ namespace vesk {
 /// The page with the base components and the two folders of a build.
 class pagBase : public clsDialog {
 public:
-    /// Catalogue and source state outlive the page, which keeps the catalogue's ticks and plug-in
-    /// folder and the source's codes up to date.
+    /// Catalogue and source state outlive the page, which keeps the catalogue's ticks and the
+    /// source's codes up to date.
     pagBase(HWND wizard, Catalogue& catalogue, SourceState& source, const std::string& programPath);
 
     /// Text of txtProgPath without a trailing backslash.
@@ -22,8 +23,14 @@ public:
     /// Text of txtWinPath.
     [[nodiscard]] std::string SourceFolder() const;
 
-    /// Takes over what was typed into the two fields.
-    void CommitFields();
+    /// Takes over what was typed as source folder.
+    void CommitSource();
+
+    /// Shows the installation folder as it is meant.
+    void ShowInstallFolder(const std::string& folder);
+
+    /// Gives the keyboard to the installation folder, to be typed anew.
+    void FocusInstallFolder() const;
 
 private:
     /// What the colour of the source folder's text tells.
@@ -36,13 +43,13 @@ private:
     void cmdProgPath_Click();
     void cmdWinPath_Click();
     void cmdScan_Click();
-    void SetInstallFolder(const std::string& folder);
     void CheckSource(const std::string& chosen);
     void ShowSource(const std::string& folder, const std::string& product, SourceColour colour);
 
     Catalogue& catalogue_;
     SourceState& source_;
     clsComponentList list_;
+    clsLayout layout_;
     std::string checkedSource_; ///< The text that the colour and the product label belong to.
     SourceColour sourceColour_ = SourceColour::Plain;
 };

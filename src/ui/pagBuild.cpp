@@ -27,11 +27,22 @@ void pagBuild::FocusLog() {
     SetFocus(Control(IDC_LST_PROGRESS));
 }
 
+void pagBuild::OnCreated() {
+    list_.Attach(Control(IDC_LST_PROGRESS));
+    layout_.Attach(Window());
+    layout_.Add(Control(IDC_LBL_FILE), clsLayout::kGrowX);
+    layout_.Add(Control(IDC_BAR_OVERALL), clsLayout::kGrowX);
+    layout_.Add(Control(IDC_LST_PROGRESS), clsLayout::kGrowX | clsLayout::kGrowY);
+}
+
 INT_PTR pagBuild::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
     switch (message) {
     case WM_INITDIALOG:
-        list_.Attach(Control(IDC_LST_PROGRESS));
+        OnCreated();
         return FALSE;
+    case WM_SIZE:
+        layout_.OnSize();
+        return TRUE;
     case WM_CONTEXTMENU:
         if (reinterpret_cast<HWND>(wparam) != Control(IDC_LST_PROGRESS))
             return FALSE;

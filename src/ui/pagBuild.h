@@ -2,6 +2,7 @@
 
 #include "build/BuildLog.h"
 #include "ui/clsDialog.h"
+#include "ui/clsLayout.h"
 #include "ui/clsLogList.h"
 
 #include <cstddef>
@@ -23,9 +24,11 @@ public:
     void FocusLog();
 
 private:
+    void OnCreated();
     INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;
 
     clsLogList list_;
+    clsLayout layout_;
 };
 
 } // namespace vesk

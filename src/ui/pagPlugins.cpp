@@ -10,11 +10,24 @@ pagPlugins::pagPlugins(HWND wizard, Catalogue& catalogue, const std::string& pro
     Create(wizard, IDD_PAGE_PLUGINS);
 }
 
+void pagPlugins::OnCreated() {
+    list_.Attach(Control(IDC_LST_PLUGINS));
+    EnableWindow(Control(IDC_CMD_PLUGIN_DETAILS), list_.LineCount() > 0);
+    layout_.Attach(Window());
+    layout_.Add(Control(IDC_PIC_FRAME3), clsLayout::kGrowX | clsLayout::kGrowY);
+    layout_.Add(Control(IDC_LST_PLUGINS), clsLayout::kGrowX | clsLayout::kGrowY);
+    layout_.Add(Control(IDC_CMD_PLUGIN_DETAILS), clsLayout::kMoveX | clsLayout::kMoveY);
+}
+
 INT_PTR pagPlugins::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
     switch (message) {
     case WM_INITDIALOG:
-        list_.Attach(Control(IDC_LST_PLUGINS));
+        OnCreated();
         return FALSE;
+    case WM_SIZE:
+        layout_.OnSize();
+        list_.FitColumns();
+        return TRUE;
     case WM_COMMAND:
         FollowFocus(reinterpret_cast<HWND>(lparam), HIWORD(wparam), IDC_CMD_NEXT);
         if (wparam == MAKEWPARAM(IDC_CMD_PLUGIN_DETAILS, BN_CLICKED))

@@ -3,6 +3,7 @@
 #include "catalogue/Catalogue.h"
 #include "ui/clsComponentList.h"
 #include "ui/clsDialog.h"
+#include "ui/clsLayout.h"
 
 #include <string>
 
@@ -14,9 +15,11 @@ public:
     pagPlugins(HWND wizard, Catalogue& catalogue, const std::string& programPath);
 
 private:
+    void OnCreated();
     INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;
 
     clsComponentList list_;
+    clsLayout layout_;
 };
 
 } // namespace vesk

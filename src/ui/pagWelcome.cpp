@@ -1,24 +1,49 @@
 #include "ui/pagWelcome.h"
 
+#include "ui/modBand.h"
 #include "ui/modLink.h"
+#include "ui/modReadOnlyText.h"
 #include "ui/modWindow.h"
 #include "ui/resources/ids.h"
 
-#include <commctrl.h>
 #include <shellapi.h>
+
+#include <cstddef>
 
 namespace vesk {
 
 namespace {
 
-constexpr UINT_PTR kSubclassId = 1;
+/// The character under a point of a text box; nothing beside and below the text, where the system
+/// names the nearest one.
+std::optional<std::size_t> CharacterAt(HWND textBox, POINT point) {
+    const LRESULT found = SendMessageA(textBox, EM_CHARFROMPOS, 0, MAKELPARAM(point.x, point.y));
+    if (found == -1)
+        return std::nullopt;
+    const std::size_t at = LOWORD(found);
+    const std::string text = TextOf(textBox);
+    const LRESULT corner = SendMessageA(textBox, EM_POSFROMCHAR, at, 0);
+    if (at >= text.size() || corner == -1)
+        return std::nullopt;
+    const SIZE letter = TextSize(textBox, text.substr(at, 1));
+    const int left = static_cast<short>(LOWORD(corner));
+    const int top = static_cast<short>(HIWORD(corner));
+    // The nearest one may begin right of the point by a part of a letter.
+    const bool inside = point.y >= top && point.y < top + letter.cy &&
+                        point.x >= left - letter.cx && point.x < left + letter.cx;
+    return inside ? std::optional(at) : std::nullopt;
+}
 
-bool MouseIsOnLink(HWND textBox) {
+bool IsOnLink(HWND textBox, POINT point) {
+    const auto at = CharacterAt(textBox, point);
+    return at && !LinkAtCaret(TextOf(textBox), *at).empty();
+}
+
+POINT MousePosition(HWND textBox) {
     POINT position{};
     GetCursorPos(&position);
     ScreenToClient(textBox, &position);
-    const LRESULT at = SendMessageA(textBox, EM_CHARFROMPOS, 0, MAKELPARAM(position.x, position.y));
-    return at != -1 && !LinkAtCaret(TextOf(textBox), LOWORD(at)).empty();
+    return position;
 }
 
 } // namespace
@@ -45,9 +70,14 @@ void pagWelcome::SetWelcomeText(const std::string& text) {
 }
 
 void pagWelcome::OnCreated() {
-    SetWindowSubclass(Control(IDC_TXT_WELCOME), TextProcedure, kSubclassId, 0);
+    text_.Attach(Control(IDC_TXT_WELCOME), [this](UINT message, WPARAM wparam, LPARAM lparam) {
+        return OnTextMessage(message, wparam, lparam);
+    });
     // The text stands exactly below the heading.
     SendMessageA(Control(IDC_TXT_WELCOME), EM_SETMARGINS, EC_LEFTMARGIN, 0);
+    layout_.Attach(Window());
+    layout_.Add(Control(IDC_TXT_WELCOME), clsLayout::kGrowX | clsLayout::kGrowY);
+    layout_.Add(Control(IDC_LBL_WELCOME_NEXT), clsLayout::kMoveY);
 }
 
 INT_PTR pagWelcome::Handle(UINT message, WPARAM wparam, LPARAM) {
@@ -55,42 +85,40 @@ INT_PTR pagWelcome::Handle(UINT message, WPARAM wparam, LPARAM) {
     case WM_INITDIALOG:
         OnCreated();
         return FALSE;
+    case WM_SIZE:
+        layout_.OnSize();
+        return TRUE;
     case WM_CTLCOLORDLG:
     case WM_CTLCOLORSTATIC:
-        SetTextColor(reinterpret_cast<HDC>(wparam), GetSysColor(COLOR_WINDOWTEXT));
-        SetBkColor(reinterpret_cast<HDC>(wparam), GetSysColor(COLOR_WINDOW));
-        return reinterpret_cast<INT_PTR>(GetSysColorBrush(COLOR_WINDOW));
+        return OnWhite(reinterpret_cast<HDC>(wparam));
     default:
         return FALSE;
     }
 }
 
-LRESULT CALLBACK pagWelcome::TextProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam,
-                                           UINT_PTR id, DWORD_PTR) {
+std::optional<LRESULT> pagWelcome::OnTextMessage(UINT message, WPARAM wparam, LPARAM lparam) {
+    const HWND box = Control(IDC_TXT_WELCOME);
     switch (message) {
     case WM_SETCURSOR:
-        if (LOWORD(lparam) == HTCLIENT && MouseIsOnLink(window)) {
-            SetCursor(LoadCursorA(nullptr, IDC_HAND));
-            return TRUE;
-        }
-        break;
+        if (LOWORD(lparam) != HTCLIENT || !IsOnLink(box, MousePosition(box)))
+            return std::nullopt;
+        SetCursor(LoadCursorA(nullptr, IDC_HAND));
+        return TRUE;
     case WM_LBUTTONUP: {
-        const LRESULT result = DefSubclassProc(window, message, wparam, lparam);
-        OpenLinkAtCaret(window);
+        const LRESULT result = text_.PassOn(message, wparam, lparam);
+        if (CharacterAt(box,
+                        {static_cast<short>(LOWORD(lparam)), static_cast<short>(HIWORD(lparam))}))
+            OpenLinkAtCaret(box);
         return result;
     }
     case WM_KEYDOWN:
         // The keyboard's click; a read-only text has no other use for the space bar.
         if (wparam == VK_SPACE)
-            OpenLinkAtCaret(window);
-        break;
-    case WM_NCDESTROY:
-        RemoveWindowSubclass(window, TextProcedure, id);
-        break;
+            OpenLinkAtCaret(box);
+        return std::nullopt;
     default:
-        break;
+        return PlainTextAnswer(message);
     }
-    return DefSubclassProc(window, message, wparam, lparam);
 }
 
 } // namespace vesk

@@ -1,7 +1,10 @@
 #pragma once
 
 #include "ui/clsDialog.h"
+#include "ui/clsLayout.h"
+#include "ui/clsSubclass.h"
 
+#include <optional>
 #include <string>
 
 namespace vesk {
@@ -16,8 +19,10 @@ public:
 private:
     INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;
     void OnCreated();
-    static LRESULT CALLBACK TextProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam,
-                                          UINT_PTR id, DWORD_PTR data);
+    std::optional<LRESULT> OnTextMessage(UINT message, WPARAM wparam, LPARAM lparam);
+
+    clsLayout layout_;
+    clsSubclass text_;
 };
 
 /// Opens the link under the caret of a text box, if there is one and nothing is selected.

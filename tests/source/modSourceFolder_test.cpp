@@ -63,3 +63,33 @@ TEST_CASE("a folder that is no source changes nothing; a file stands for its fol
     CHECK_FALSE(file.usable);
     CHECK(file.path == (good / "I386\\"));
 }
+
+TEST_CASE("a path at which there is nothing is no source and stays as it is") {
+    const TestFolder folder;
+    WriteSource(folder, Layout("Windows XP Professional", "a.sp1"));
+    SourceState state;
+    for (const std::string& path : {folder / "missing", folder / "I386\\missing.txt"}) {
+        const SourceCheck check = CheckSourceFolder(path, state);
+        CHECK_FALSE(check.usable);
+        CHECK(check.path == path);
+    }
+    CHECK_FALSE(state.valid);
+}
+
+TEST_CASE("a file in a drive's root stands for that root") {
+    const TestFolder folder;
+    WriteSource(folder, Layout("Windows XP Home", "a.sp1"));
+    folder.Write("setup.exe", "x");
+    // A drive of its own: a letter that the machine does not use.
+    std::string drive = "Y:";
+    while (drive[0] > 'D' && (GetLogicalDrives() >> (drive[0] - 'A') & 1) != 0)
+        --drive[0];
+    REQUIRE(DefineDosDeviceA(0, drive.c_str(), folder.Path().c_str()));
+    SourceState state;
+    const SourceCheck check = CheckSourceFolder(drive + "\\setup.exe", state);
+    const SourceCheck bare = CheckSourceFolder(drive, state);
+    DefineDosDeviceA(DDD_REMOVE_DEFINITION, drive.c_str(), nullptr);
+    CHECK(check.path == drive + "\\");
+    CHECK(check.usable);
+    CHECK(bare.path == drive + "\\");
+}

@@ -19,6 +19,8 @@
 #define IDD_ITEMS 212
 #define IDD_SETUP 213
 #define IDD_CHECK 214
+#define IDD_PROBLEMS 220
+#define IDD_PASSWORD 221
 
 // frmBuilder; its Cancel button is IDCANCEL
 #define IDC_CMD_HELP 1000
@@ -32,6 +34,7 @@
 #define IDC_LBL_HEADING_SM2 1015
 #define IDC_LINE_TOP 1016
 #define IDC_LINE_BOTTOM 1017
+#define IDC_CMD_PROBLEMS 1018
 
 // pages
 #define IDC_TXT_WELCOME 1100
@@ -49,7 +52,12 @@
 #define IDC_LST_PLUGINS 1130
 #define IDC_CMD_PLUGIN_DETAILS 1131
 #define IDC_PIC_FRAME3 1132
+#define IDC_LBL_PROG_PATH 1120
+#define IDC_LBL_WIN_PATH 1121
 #define IDC_TXT_SUMMARY 1140
+#define IDC_LBL_SUMMARY 1141
+#define IDC_LBL_FOREIGN 1142
+#define IDC_IMG_FOREIGN 1143
 #define IDC_LST_PROGRESS 1150
 #define IDC_LABEL3 1151
 #define IDC_LBL_FILE 1152
@@ -80,6 +88,16 @@
 #define IDC_TXT_ITEM_CRC 1244
 #define IDC_TXT_ITEM_STATE 1245
 #define IDC_TXT_ITEM_TICK 1246
+
+// frmProblems; its Close button is IDCANCEL
+#define IDC_LST_NOT_DONE 1260
+#define IDC_TXT_NOT_DONE 1261
+#define IDC_CMD_COPY 1262
+
+// frmPassword; its buttons are IDOK and IDCANCEL
+#define IDC_LBL_PASSWORD 1270
+#define IDC_TXT_PASSWORD 1271
+#define IDC_LBL_PASSWORD_HINT 1272
 
 // frmSetup; its Exit button is IDCANCEL. The control arrays count from their first number on:
 // text 0 name, 1 file name, 4 address, 5 checksum; combo 0 entry, 1 enabled, 2 locked, 3 category

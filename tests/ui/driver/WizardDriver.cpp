@@ -84,7 +84,15 @@ WizardDriver::WizardDriver(const std::string& program, const std::string& argume
     CloseHandle(started.hThread);
     process_.Reset(started.hProcess);
     processId_ = started.dwProcessId;
-    window_ = AwaitDialog(title);
+    // What it asks at its start has the same title, and the window as its owner.
+    REQUIRE(WaitUntil([&] {
+        window_ = FindTopWindow([&](HWND window) {
+            return !GetWindow(window, GW_OWNER) && ClassOf(window) == "#32770" &&
+                   TextOf(window).starts_with(title);
+        });
+        return window_ != nullptr || HasEnded();
+    }));
+    REQUIRE(window_);
 }
 
 WizardDriver::~WizardDriver() {

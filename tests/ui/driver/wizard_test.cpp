@@ -1,7 +1,5 @@
-#include "ProgramFolder.h"
-#include "WizardDriver.h"
+#include "WizardSteps.h"
 #include "build/BuildLog.h"
-#include "ui/resources/ids.h"
 
 #include <commctrl.h>
 
@@ -13,35 +11,6 @@ using namespace vesk;
 using namespace vesk::test;
 
 namespace {
-
-constexpr const char* kBaseHeading = "Vesk Builder Base Components";
-constexpr const char* kPluginsHeading = "Vesk Builder Plugins";
-constexpr const char* kSummaryHeading = "Vesk Builder Summary";
-
-/// From the welcome page to the summary, with the test's own folder to build into.
-void GoToSummary(const WizardDriver& wizard, const ProgramFolder& program) {
-    wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
-    wizard.SetText(IDC_TXT_PROG_PATH, program.Tree());
-    wizard.GoTo(IDC_CMD_NEXT, kPluginsHeading);
-    wizard.GoTo(IDC_CMD_NEXT, kSummaryHeading);
-}
-
-void AwaitFinish(const WizardDriver& wizard) {
-    REQUIRE(WaitUntil(
-        [&] { return wizard.Text(IDC_CMD_NEXT) == "&Finish" && wizard.IsEnabled(IDC_CMD_NEXT); }));
-}
-
-bool Holds(const std::vector<std::string>& lines, const std::string& part) {
-    return std::ranges::any_of(
-        lines, [&](const std::string& line) { return line.find(part) != std::string::npos; });
-}
-
-std::string Joined(const std::vector<std::string>& lines) {
-    std::string text;
-    for (const std::string& line : lines)
-        text += line + "\r\n";
-    return text;
-}
 
 void WriteCd(const ProgramFolder& program, const std::string& folder) {
     program.Folder().Write(folder + "\\I386\\LAYOUT.INF",
@@ -110,7 +79,9 @@ TEST_CASE("a whole build, page by page") {
 
     wizard.Click(IDC_CMD_NEXT);
     AwaitFinish(wizard);
-    CHECK(wizard.Heading() == "Finished");
+    CHECK(wizard.Heading() == "Built Whole");
+    CHECK_FALSE(wizard.IsShown(IDC_CMD_PROBLEMS));
+    CHECK_FALSE(wizard.IsEnabled(IDCANCEL)); // there is nothing to cancel
     CHECK(wizard.Text(IDC_LBL_FILE) == "Done");
     CHECK(wizard.IsEnabled(IDC_CMD_HELP));
     CHECK_FALSE(wizard.IsEnabled(IDC_CMD_BACK));
@@ -168,27 +139,13 @@ TEST_CASE("a build into a folder that is there stops when the user says No") {
     PostMessageA(wizard.Window(), WM_CLOSE, 0, 0); // refused while the run works
     WizardDriver::Answer(box, IDNO);
     AwaitFinish(wizard);
-    CHECK(wizard.Heading() == "Aborted");
+    CHECK(wizard.Heading() == "Not Built");
+    CHECK(Holds(wizard.Text(IDC_LBL_HEADING_SM2), "answered No"));
+    CHECK(wizard.IsShown(IDC_LBL_HEADING_SM2));
     CHECK(Holds(wizard.LogLines(), "Aborted... ["));
     CHECK(ReadWholeFile(program.Tree() + "\\mine.txt") == "keep");
     wizard.Click(IDC_CMD_NEXT);
     CHECK(wizard.AwaitEnd() == 0);
-}
-
-TEST_CASE("a folder that must not be emptied is refused before the build starts") {
-    const ProgramFolder program;
-    program.Save();
-    const WizardDriver wizard(program.Wizard());
-    wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
-    wizard.SetText(IDC_TXT_PROG_PATH, program.Folder().Path());
-    wizard.GoTo(IDC_CMD_NEXT, kPluginsHeading);
-    wizard.GoTo(IDC_CMD_NEXT, kSummaryHeading);
-    wizard.Click(IDC_CMD_NEXT);
-    const HWND box = wizard.AwaitDialog("Vesk Builder");
-    CHECK_FALSE(WizardDriver::BoxText(box).empty());
-    WizardDriver::Answer(box, IDOK);
-    CHECK(wizard.Heading() == kSummaryHeading);
-    CHECK(FileExists(program.Wizard()));
 }
 
 TEST_CASE("the log's context menu selects, copies and saves") {
@@ -205,14 +162,7 @@ TEST_CASE("the log's context menu selects, copies and saves") {
     };
     const auto copies = [&](const std::string& wanted) {
         wizard.PickFromLogMenu(1);
-        return WaitUntil([&] {
-            if (!OpenClipboard(nullptr))
-                return false; // the wizard still has it
-            const HANDLE data = GetClipboardData(CF_TEXT);
-            const std::string text = data ? static_cast<const char*>(GlobalLock(data)) : "none";
-            CloseClipboard();
-            return text == wanted;
-        });
+        return AwaitClipboard(wanted);
     };
     CHECK(selected() == 0);
     CHECK(copies(""));
@@ -234,13 +184,8 @@ TEST_CASE("details of an entry are shown with the state of its archive") {
     PostMessageA(wizard.Control(IDC_LST_BASE), WM_KEYDOWN, VK_DOWN, 0);
     wizard.Click(IDC_CMD_BASE_DETAILS);
     const HWND dialog = wizard.AwaitDialog("Component");
-    const auto text = [&](int id) {
-        std::string value(256, '\0');
-        value.resize(GetDlgItemTextA(dialog, id, value.data(), static_cast<int>(value.size())));
-        return value;
-    };
-    CHECK(text(IDC_TXT_ITEM_ARCHIVE) == "extras.zip");
-    CHECK(text(IDC_TXT_ITEM_STATE).find("differs") != std::string::npos);
+    CHECK(TextIn(dialog, IDC_TXT_ITEM_ARCHIVE) == "extras.zip");
+    CHECK(Holds(TextIn(dialog, IDC_TXT_ITEM_STATE), "differs"));
     WizardDriver::Answer(dialog, IDCANCEL);
 }
 
@@ -278,22 +223,32 @@ TEST_CASE("the drive scan finds a CD, stops, and hands it over") {
     const HWND dialog = wizard.AwaitDialog("Searching for Windows installation files");
     const HWND list = GetDlgItem(dialog, IDC_LST_FOUND);
     const HWND stop = GetDlgItem(dialog, IDC_CMD_STOP);
-    const auto caption = [&] {
-        std::string text(32, '\0');
-        text.resize(static_cast<std::size_t>(
-            SendMessageA(stop, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));
-        return text;
-    };
+    const auto caption = [&] { return TextIn(dialog, IDC_CMD_STOP); };
     CHECK(caption() == "&Stop");
     REQUIRE(WaitUntil([&] { return SendMessageA(list, LVM_GETITEMCOUNT, 0, 0) > 0; }, 60000));
     PostMessageA(stop, BM_CLICK, 0, 0);
     REQUIRE(WaitUntil([&] {
         return caption() == "&Start" && IsWindowEnabled(GetDlgItem(dialog, IDC_CMD_SELECT));
     }));
-    PostMessageA(list, WM_KEYDOWN, VK_HOME, 0);
+    CHECK(SendMessageA(list, LVM_GETSELECTEDCOUNT, 0, 0) == 1);
+    const LRESULT byDefault = SendMessageA(dialog, DM_GETDEFID, 0, 0);
+    CHECK(LOWORD(byDefault) == IDC_CMD_SELECT); // Enter takes the line
     WizardDriver::Answer(dialog, IDC_CMD_SELECT);
     CHECK(wizard.Text(IDC_TXT_WIN_PATH).ends_with("\\"));
     CHECK(wizard.Text(IDC_LBL_WIN_PRODUCT) == "Windows XP Home sp2");
+}
+
+TEST_CASE("closing the wizard while it scans ends the scan and the program") {
+    const ProgramFolder program;
+    program.Save();
+    const WizardDriver wizard(program.Wizard());
+    wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
+    wizard.Click(IDC_CMD_SCAN);
+    AnswerBox(wizard, "File Search", IDYES);
+    REQUIRE(wizard.AwaitDialog("Searching for Windows installation files"));
+    PostMessageA(wizard.Window(), WM_CLOSE, 0, 0);
+    AnswerBox(wizard, "Confirm Action", IDYES);
+    CHECK(wizard.AwaitEnd() == 0);
 }
 
 TEST_CASE("the Tab key visits every control in reading order") {

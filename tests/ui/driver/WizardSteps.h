@@ -1,0 +1,78 @@
+#pragma once
+
+#include "ProgramFolder.h"
+#include "WizardDriver.h"
+#include "ui/resources/ids.h"
+
+#include <doctest/doctest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+/// What the tests of the wizard do again and again.
+namespace vesk::test {
+
+inline constexpr const char* kBaseHeading = "Vesk Builder Base Components";
+inline constexpr const char* kPluginsHeading = "Vesk Builder Plugins";
+inline constexpr const char* kSummaryHeading = "Vesk Builder Summary";
+
+/// From the welcome page to the summary, with the test's own folder to build into.
+inline void GoToSummary(const WizardDriver& wizard, const ProgramFolder& program) {
+    wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
+    wizard.SetText(IDC_TXT_PROG_PATH, program.Tree());
+    wizard.GoTo(IDC_CMD_NEXT, kPluginsHeading);
+    wizard.GoTo(IDC_CMD_NEXT, kSummaryHeading);
+}
+
+inline void AwaitFinish(const WizardDriver& wizard) {
+    REQUIRE(WaitUntil(
+        [&] { return wizard.Text(IDC_CMD_NEXT) == "&Finish" && wizard.IsEnabled(IDC_CMD_NEXT); }));
+}
+
+inline bool Holds(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+inline bool Holds(const std::vector<std::string>& lines, const std::string& part) {
+    return std::ranges::any_of(lines, [&](const std::string& line) { return Holds(line, part); });
+}
+
+inline std::string Joined(const std::vector<std::string>& lines) {
+    std::string text;
+    for (const std::string& line : lines)
+        text += line + "\r\n";
+    return text;
+}
+
+/// Polls until the clipboard holds the text.
+inline bool AwaitClipboard(const std::string& wanted) {
+    return WaitUntil(
+        [&] {
+            if (!OpenClipboard(nullptr))
+                return false; // the program still has it
+            const HANDLE data = GetClipboardData(CF_TEXT);
+            const std::string text = data ? static_cast<const char*>(GlobalLock(data)) : "none";
+            CloseClipboard();
+            return text == wanted;
+        },
+        5000);
+}
+
+/// A message box of the wizard: what it says, and its answer.
+inline std::string AnswerBox(const WizardDriver& wizard, const std::string& title, int answer) {
+    const HWND box = wizard.AwaitDialog(title);
+    const std::string text = WizardDriver::BoxText(box);
+    WizardDriver::Answer(box, answer);
+    return text;
+}
+
+/// The text of a dialog's control.
+inline std::string TextIn(HWND dialog, int id) {
+    std::string text(4096, '\0');
+    text.resize(static_cast<std::size_t>(SendMessageA(
+        GetDlgItem(dialog, id), WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));
+    return text;
+}
+
+} // namespace vesk::test

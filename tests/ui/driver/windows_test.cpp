@@ -1,0 +1,238 @@
+#include "WizardSteps.h"
+
+#include <commctrl.h>
+
+#include <doctest/doctest.h>
+
+#include <array>
+
+using namespace vesk;
+using namespace vesk::test;
+
+namespace {
+
+RECT AreaOf(HWND window) {
+    RECT area{};
+    GetWindowRect(window, &area);
+    return area;
+}
+
+LONG WidthOf(HWND window) {
+    const RECT area = AreaOf(window);
+    return area.right - area.left;
+}
+
+LONG HeightOf(HWND window) {
+    const RECT area = AreaOf(window);
+    return area.bottom - area.top;
+}
+
+bool IsInside(HWND control, const RECT& area) {
+    const RECT own = AreaOf(control);
+    return own.left >= area.left && own.top >= area.top && own.right <= area.right &&
+           own.bottom <= area.bottom;
+}
+
+HWND FocusOf(const WizardDriver& wizard) {
+    GUITHREADINFO info{};
+    info.cbSize = sizeof info;
+    GetGUIThreadInfo(GetWindowThreadProcessId(wizard.Window(), nullptr), &info);
+    return info.hwndFocus;
+}
+
+/// Sets the size of the system's message font for the programs that start next.
+class MessageFont {
+public:
+    explicit MessageFont(int points) {
+        before_.cbSize = sizeof before_;
+        SystemParametersInfoA(SPI_GETNONCLIENTMETRICS, sizeof before_, &before_, 0);
+        NONCLIENTMETRICSA larger = before_;
+        larger.lfMessageFont.lfHeight = -MulDiv(points, 96, 72);
+        Set(larger);
+    }
+    MessageFont(const MessageFont&) = delete;
+    MessageFont& operator=(const MessageFont&) = delete;
+    ~MessageFont() { Set(before_); }
+
+private:
+    static void Set(NONCLIENTMETRICSA& metrics) {
+        SystemParametersInfoA(SPI_SETNONCLIENTMETRICS, sizeof metrics, &metrics,
+                              SPIF_UPDATEINIFILE);
+    }
+    NONCLIENTMETRICSA before_{};
+};
+
+/// Hands mail addresses to a command that leaves a file behind, for as long as it lives.
+class MailHandler {
+public:
+    explicit MailHandler(const std::string& traceFile) {
+        RegCreateKeyA(HKEY_LOCAL_MACHINE, kKey, &key_);
+        std::array<char, 1024> text{};
+        DWORD size = text.size() - 1;
+        RegQueryValueExA(key_, nullptr, nullptr, nullptr, reinterpret_cast<BYTE*>(text.data()),
+                         &size);
+        before_ = text.data();
+        Set("C:\\windows\\system32\\cmd.exe /c echo %1 > " + traceFile);
+    }
+    MailHandler(const MailHandler&) = delete;
+    MailHandler& operator=(const MailHandler&) = delete;
+    ~MailHandler() {
+        Set(before_);
+        RegCloseKey(key_);
+    }
+
+private:
+    void Set(const std::string& command) {
+        RegSetValueExA(key_, nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>(command.c_str()),
+                       static_cast<DWORD>(command.size() + 1));
+    }
+    static constexpr const char* kKey = "Software\\Classes\\mailto\\shell\\open\\command";
+    HKEY key_ = nullptr;
+    std::string before_;
+};
+
+} // namespace
+
+TEST_CASE("lists grow with the window, the buttons stay in its corner") {
+    const ProgramFolder program;
+    program.Save();
+    const WizardDriver wizard(program.Wizard());
+    wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
+    wizard.GoTo(IDC_CMD_NEXT, kPluginsHeading);
+    const HWND list = wizard.Control(IDC_LST_PLUGINS);
+    const LONG width = WidthOf(wizard.Window());
+    const LONG height = HeightOf(wizard.Window());
+    const LONG listWidth = WidthOf(list);
+    const LONG listHeight = HeightOf(list);
+    SetWindowPos(wizard.Window(), nullptr, 0, 0, width + 200, height + 100, SWP_NOZORDER);
+    CHECK(WidthOf(list) == listWidth + 200);
+    CHECK(HeightOf(list) == listHeight + 100);
+    CHECK(IsInside(wizard.Control(IDCANCEL), AreaOf(wizard.Window())));
+    CHECK(AreaOf(wizard.Control(IDCANCEL)).right > AreaOf(wizard.Window()).right - 40);
+    SetWindowPos(wizard.Window(), nullptr, 0, 0, 100, 100, SWP_NOZORDER);
+    CHECK(WidthOf(wizard.Window()) == width); // never smaller than its controls need
+    CHECK(WidthOf(list) == listWidth);
+}
+
+TEST_CASE("at the largest text sizes every window still fits on the screen") {
+    const MessageFont font(36);
+    const ProgramFolder program;
+    program.Save();
+    const WizardDriver wizard(program.Wizard());
+    RECT work{};
+    SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
+    CHECK(IsInside(wizard.Window(), work));
+    for (const int id : {IDC_CMD_HELP, IDC_CMD_NEXT, IDCANCEL, IDC_TXT_WELCOME})
+        CHECK(IsInside(wizard.Control(id), AreaOf(wizard.Window())));
+    wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
+    CHECK(IsInside(wizard.Control(IDC_CMD_SCAN), AreaOf(wizard.Window())));
+    CHECK(AreaOf(wizard.Control(IDC_CMD_SCAN)).bottom <
+          AreaOf(wizard.Control(IDC_LINE_BOTTOM)).top);
+}
+
+TEST_CASE("the keyboard gets out of a text that is only read") {
+    const ProgramFolder program;
+    program.Save();
+    const WizardDriver wizard(program.Wizard());
+    const auto press = [&](WPARAM key) { PostMessageA(FocusOf(wizard), WM_KEYDOWN, key, 1); };
+    const auto enter = [&](int text) {
+        PostMessageA(wizard.Window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(wizard.Control(text)),
+                     TRUE);
+        REQUIRE(WaitUntil([&] { return FocusOf(wizard) == wizard.Control(text); }, 5000));
+    };
+    enter(IDC_TXT_WELCOME);
+    press(VK_TAB);
+    CHECK(WaitUntil([&] { return FocusOf(wizard) == wizard.Control(IDC_CMD_HELP); }, 5000));
+    enter(IDC_TXT_WELCOME);
+    press(VK_ESCAPE);
+    AnswerBox(wizard, "Confirm Action", IDNO);
+    enter(IDC_TXT_WELCOME);
+    press(VK_RETURN);
+    CHECK(WaitUntil([&] { return wizard.Heading() == kBaseHeading; }, 5000));
+    wizard.SetText(IDC_TXT_PROG_PATH, program.Tree());
+    wizard.GoTo(IDC_CMD_NEXT, kPluginsHeading);
+    wizard.GoTo(IDC_CMD_NEXT, kSummaryHeading);
+    enter(IDC_TXT_SUMMARY);
+    press(VK_ESCAPE);
+    AnswerBox(wizard, "Confirm Action", IDNO);
+    CHECK(wizard.Heading() == kSummaryHeading);
+}
+
+TEST_CASE("a link opens by a click on it, and by none beside the text") {
+    const ProgramFolder program;
+    program.Save();
+    const std::string trace = program.Folder() / "opened.txt";
+    const MailHandler handler(trace);
+    const WizardDriver wizard(program.Wizard());
+    const HWND box = wizard.Control(IDC_TXT_WELCOME);
+    const auto click = [&](LPARAM at) {
+        PostMessageA(box, WM_LBUTTONDOWN, MK_LBUTTON, at);
+        PostMessageA(box, WM_LBUTTONUP, 0, at);
+    };
+    const auto begin = static_cast<WPARAM>(wizard.Text(IDC_TXT_WELCOME).rfind('@'));
+    const LRESULT link = SendMessageA(box, EM_POSFROMCHAR, begin, 0);
+    RECT inside{};
+    GetClientRect(box, &inside);
+    click(MAKELPARAM(20, inside.bottom - 3));              // below the last line
+    click(MAKELPARAM(inside.right - 3, HIWORD(link) + 3)); // behind it
+    CHECK_FALSE(WaitUntil([&] { return FileExists(trace); }, 700));
+    click(MAKELPARAM(LOWORD(link) + 2, HIWORD(link) + 3));
+    CHECK(WaitUntil([&] { return Holds(ReadWholeFile(trace), "mailto:"); }, 10000));
+}
+
+TEST_CASE("more plug-ins than can be ticked: said once, and the others keep what is built") {
+    ProgramFolder program;
+    program.catalogue.plugins.resize(300, program.catalogue.plugins.front());
+    program.catalogue.plugins[299].enabled = false;
+    program.Save();
+    const WizardDriver wizard(program.Wizard());
+    wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
+    wizard.GoTo(IDC_CMD_NEXT, kPluginsHeading);
+    const HWND list = wizard.Control(IDC_LST_PLUGINS);
+    const auto toggle = [&](WPARAM end) {
+        PostMessageA(list, WM_KEYDOWN, end, 0);
+        PostMessageA(list, WM_KEYDOWN, VK_SPACE, 0);
+        PostMessageA(list, WM_KEYUP, VK_SPACE, 0);
+    };
+    toggle(VK_END);
+    const std::string told = AnswerBox(wizard, "Vesk Builder", IDOK);
+    CHECK(Holds(told, "300"));
+    CHECK(Holds(told, "256"));
+    CHECK(WaitUntil([&] { return !wizard.IsTicked(IDC_LST_PLUGINS, 299); }, 5000));
+    toggle(VK_HOME);
+    CHECK(WaitUntil([&] { return !wizard.IsTicked(IDC_LST_PLUGINS, 0); }, 5000));
+    wizard.GoTo(IDC_CMD_NEXT, kSummaryHeading); // no second box stands in the way
+}
+
+TEST_CASE("a long name pushes no column out of sight, and is shown whole by itself") {
+    ProgramFolder program;
+    std::string name = "A name";
+    while (name.size() < 200)
+        name += " that goes on";
+    program.catalogue.plugins[0].name = name;
+    program.Save();
+    const WizardDriver wizard(program.Wizard());
+    wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
+    wizard.GoTo(IDC_CMD_NEXT, kPluginsHeading);
+    const HWND list = wizard.Control(IDC_LST_PLUGINS);
+    RECT inside{};
+    GetClientRect(list, &inside);
+    LONG together = 0;
+    for (WPARAM column = 0; column < 4; ++column)
+        together += static_cast<LONG>(SendMessageA(list, LVM_GETCOLUMNWIDTH, column, 0));
+    CHECK(together <= inside.right);
+
+    wizard.Click(IDC_CMD_PLUGIN_DETAILS);
+    const HWND dialog = wizard.AwaitDialog("Component");
+    const HWND field = GetDlgItem(dialog, IDC_LBL_ITEM_NAME);
+    CHECK(TextIn(dialog, IDC_LBL_ITEM_NAME) == name);
+    const LRESULT lines = SendMessageA(field, EM_GETLINECOUNT, 0, 0);
+    CHECK(lines > 1);
+    const LRESULT second = SendMessageA(field, EM_LINEINDEX, 1, 0);
+    const LONG lineHeight =
+        HIWORD(SendMessageA(field, EM_POSFROMCHAR, static_cast<WPARAM>(second), 0)) -
+        HIWORD(SendMessageA(field, EM_POSFROMCHAR, 0, 0));
+    CHECK(HeightOf(field) >= lines * lineHeight);
+    CHECK(AreaOf(GetDlgItem(dialog, IDC_TXT_ITEM_ARCHIVE)).top >= AreaOf(field).bottom);
+    CHECK(IsInside(GetDlgItem(dialog, IDCANCEL), AreaOf(dialog)));
+}
