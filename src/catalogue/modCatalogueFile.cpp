@@ -169,11 +169,15 @@ bool ProgramFolderIsUnknown() {
     return !NarrowedExactly(program).has_value();
 }
 
-/// Why the catalogue's file cannot be opened, as a sentence that names it; empty when it can.
-std::string AccessFault(const std::string& path) {
+/// Why the catalogue's file cannot be opened; a state of Whole when it can.
+CatalogueLoad OpenOrExplain(const std::string& path) {
+    const auto absent = [&](const std::string& why, bool isThere) {
+        return CatalogueLoad{CatalogueState::Absent, path + ": " + why, isThere};
+    };
     if (path.size() >= MAX_PATH)
-        return path + ": the path is longer than the 259 characters that can be used. Move the "
-                      "program to a folder with a shorter path.";
+        return absent("the path is longer than the 259 characters that can be used. Move the "
+                      "program to a folder with a shorter path.",
+                      true);
     const FileHandle file(CreateFileA(path.c_str(), GENERIC_READ,
                                       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                                       nullptr, OPEN_EXISTING, 0, nullptr));
@@ -181,15 +185,17 @@ std::string AccessFault(const std::string& path) {
     if (error == 0)
         return {};
     if (ProgramFolderIsUnknown())
-        return path + ": the name of the program's folder has characters that the system's code "
-                      "page lacks. Move the program to a folder with a plain name.";
+        return absent("the name of the program's folder has characters that the system's code page "
+                      "lacks. Move the program to a folder with a plain name.",
+                      true);
     if (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND)
-        return path + ": there is no such file. Start veskbuilder.exe -setup to make one.";
+        return absent("there is no such file. Start veskbuilder.exe -setup to make one.", false);
     if (FolderExists(path))
-        return path + ": it is a folder. Remove it, and start veskbuilder.exe -setup to make a "
-                      "file.";
-    return path + ": it cannot be read, " + AsReason(SystemErrorText(error)) +
-           ". See who may read it, and who has it open.";
+        return absent("it is a folder. Remove it, and start veskbuilder.exe -setup to make a file.",
+                      true);
+    return absent("it cannot be read, " + AsReason(SystemErrorText(error)) +
+                      ". See who may read it, and who has it open.",
+                  true);
 }
 
 } // namespace
@@ -216,8 +222,7 @@ std::vector<IniSection> ReadSectionsThroughSystem(const std::string& path) {
 
 CatalogueLoad LoadCatalogueReporting(const std::string& programPath, Catalogue& catalogue) {
     const std::string path = programPath + kCatalogueFileName;
-    CatalogueLoad load{CatalogueState::Absent, AccessFault(path), FileExists(path)};
-    if (!load.sentence.empty())
+    if (CatalogueLoad load = OpenOrExplain(path); load.state != CatalogueState::Whole)
         return load;
     const IniText file = ReadIniText(path);
     if (file.sections.empty() && file.lost.empty())

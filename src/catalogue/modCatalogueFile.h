@@ -28,7 +28,7 @@ struct CatalogueLoad {
     /// What is wrong with the file, which it names, and what to do; empty for a whole one.
     std::string sentence;
 
-    /// There is something under the file's name: what is saved takes its place.
+    /// False only when it is certain that there is no such file, and one can be made.
     bool isThere = true;
 };
 

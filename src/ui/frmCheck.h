@@ -2,8 +2,10 @@
 
 #include "catalogue/modCatalogueCheck.h"
 #include "ui/clsDialog.h"
+#include "ui/clsLayout.h"
 
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace vesk {
@@ -20,7 +22,7 @@ private:
     INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;
     void OnCreated();
     void OnCommand(int id, int notification);
-    void OnSize();
+    void GrowToLines(int widest);
     void ShowWhereToGo() const;
     void GoTo();
     [[nodiscard]] const CatalogueProblem* Selected() const;
@@ -28,8 +30,7 @@ private:
     std::vector<CatalogueProblem> problems_;
     std::string verdict_; ///< What is said when there are none.
     std::optional<EntryPlace> chosen_;
-    SIZE smallest_{}; ///< The dialog's size as it was made, frame included.
-    SIZE client_{};   ///< Size of its inside when the controls were last placed.
+    clsLayout layout_;
 };
 
 } // namespace vesk
