@@ -7,6 +7,7 @@
 #include "ui/frmCategories.h"
 #include "ui/frmCheck.h"
 #include "ui/modBand.h"
+#include "ui/modContrast.h"
 #include "ui/modEnable.h"
 #include "ui/resources/ids.h"
 
@@ -367,7 +368,10 @@ INT_PTR frmSetup::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
         }
     case WM_DRAWITEM: {
         const auto& item = *reinterpret_cast<const DRAWITEMSTRUCT*>(lparam);
-        logoSmall_.Paint(item.hDC, item.rcItem);
+        if (IsDark(GetSysColor(COLOR_WINDOW)))
+            FillRect(item.hDC, &item.rcItem, GetSysColorBrush(COLOR_WINDOW)); // drawn on white
+        else
+            logoSmall_.Paint(item.hDC, item.rcItem);
         return TRUE;
     }
     default:
