@@ -217,6 +217,11 @@ TEST_CASE("plug-ins follow the keys of their categories, also two that change pl
           std::vector<CategoryRecord>{
               {"v", "100", "v/100"}, {"100_system", "200", "100_system/200"}, {"", "300", "/300"}});
 
+    // Where two came under one key, the one that still has it keeps its plug-ins.
+    clsCategoryEditor twins({{"v", "1", ""}, {"w", "1", ""}}, join);
+    twins.SetKey("2");
+    CHECK(twins.Renames().empty());
+
     Catalogue catalogue = Sample();
     catalogue.plugins.push_back(Entry("r", false, "200"));
     clsCatalogueEditor editor(catalogue);

@@ -256,6 +256,12 @@ TEST_CASE("a catalogue in another encoding is read as the system reads it") {
     Catalogue catalogue;
     CHECK(LoadText(folder, bytes, catalogue).state == CatalogueState::Whole);
     CHECK(catalogue.plugins == GoodCatalogue().plugins);
+    // A value that ends for the system where it does not in the file.
+    std::string text = Narrowed(wide);
+    text.replace(text.find("b.zip"), 5, std::string("b\0zip", 5));
+    const CatalogueLoad cut = LoadText(folder, text, catalogue);
+    CHECK(cut.state == CatalogueState::Partial);
+    CHECK(cut.sentence.find("does not read it as it is written") != std::string::npos);
 }
 
 TEST_CASE("section names beyond the list's 254 characters are cut off") {

@@ -75,6 +75,8 @@ TEST_CASE("a text is plain only when nobody can read it in another way") {
              "[a]\r\nk=" + std::string(255, 'x'),
              "[" + std::string(255, 'x') + "]",
              std::string("k=v"),
+             std::string("[a]\r\nk =v"),
+             std::string(" [a]\r\n"),
              std::string("\xEF\xBB\xBF[a]"),
              std::string("[a]\r\n \xE4=1"),
          }) {
