@@ -142,11 +142,11 @@ private:
             const std::string& name = entries[i].name;
             about_ = (arePlugins ? "plug-in " : "base component ") +
                      (name.empty() ? std::to_string(i + 1) : Quoted(name));
-            CheckEntry(entries[i]);
+            CheckEntry(entries[i], *place_);
         }
     }
 
-    void CheckEntry(const CatalogueEntry& entry) {
+    void CheckEntry(const CatalogueEntry& entry, const EntryPlace& place) {
         if (entry.name.empty())
             Report(Kind::NoName, "it has no name");
         CheckText("name", entry.name);
@@ -154,11 +154,11 @@ private:
         CheckText("category", entry.cat);
         CheckText("address", entry.url);
         CheckText("CRC-32", entry.crc);
-        CheckArchiveName(entry);
+        CheckArchiveName(entry, place);
         ReportIfAny(Kind::CrcForm, CrcFormFault(entry.crc));
-        CheckArchive(entry);
+        CheckArchive(entry, place);
         CheckAddresses(entry);
-        if (place_->list == EntryList::Plugins)
+        if (place.list == EntryList::Plugins)
             CheckFolder(entry);
     }
 
@@ -172,9 +172,9 @@ private:
             Report(Kind::ValueForm, "the quotes around its " + what + " are lost in the file");
     }
 
-    void CheckArchiveName(const CatalogueEntry& entry) {
+    void CheckArchiveName(const CatalogueEntry& entry, const EntryPlace& place) {
         const std::string extension = LowerCase(ExtensionOf(entry.zip));
-        if (place_->IsPeBuilder() && !EqualNoCase(entry.zip, kFirstArchiveName))
+        if (place.IsPeBuilder() && !EqualNoCase(entry.zip, kFirstArchiveName))
             Report(Kind::FirstArchive, "the first one's archive has to be " +
                                            Quoted(kFirstArchiveName) + ", here it is " +
                                            Quoted(entry.zip));
@@ -193,11 +193,11 @@ private:
                    Quoted(entry.zip) + " is the archive of " + first->second + " as well");
     }
 
-    void CheckArchive(const CatalogueEntry& entry) {
+    void CheckArchive(const CatalogueEntry& entry, const EntryPlace& place) {
         if (!archives_.factsOf || entry.zip.empty())
             return;
         const ArchiveFacts facts = archives_.factsOf(entry.zip);
-        const ArchiveState state = JudgeArchive(entry, *place_, facts);
+        const ArchiveState state = JudgeArchive(entry, place, facts);
         if (state == ArchiveState::Good)
             ++check_.archivesGood;
         if (state == ArchiveState::ToDownload)
@@ -211,7 +211,7 @@ private:
             ReportContent(entry, archives_.contentFaultsOf(entry.zip));
     }
 
-    [[nodiscard]] std::string MissingWords(const CatalogueEntry& entry) const {
+    static std::string MissingWords(const CatalogueEntry& entry) {
         const std::string start = Quoted(entry.zip) + " is not in the program folder, and ";
         return start + (entry.url.empty() ? "there is no address to download it from"
                                           : "of the base components a build downloads only the "
