@@ -26,7 +26,7 @@ std::string KeyFault(const std::string& key) {
     if (EqualNoCase(key, kShowCategoriesKey))
         return "the file has another use for the key " + Quoted(key);
     if (key.front() == '[' || key.front() == ';' || key.find('=') != std::string::npos)
-        return "its key must hold no \"=\" and not begin with \"[\" or \";\"";
+        return R"(its key must hold no "=" and not begin with "[" or ";")";
     if (std::ranges::any_of(key, [](char c) { return static_cast<unsigned char>(c) < ' '; }))
         return "its key contains a control character";
     return key.size() > kLongestIniValue
@@ -46,8 +46,8 @@ std::string FolderFault(const std::string& value) {
 }
 
 std::string FormFault(const CategoryRecord& category) {
-    std::string fault = KeyFault(category.key);
-    return fault.empty() ? FolderFault(category.value) : fault;
+    const std::string keyFault = KeyFault(category.key);
+    return keyFault.empty() ? FolderFault(category.value) : keyFault;
 }
 
 } // namespace

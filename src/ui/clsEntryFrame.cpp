@@ -223,7 +223,7 @@ void clsEntryFrame::Browse() {
 std::string clsEntryFrame::BroughtHere(const std::string& path) const {
     if (EqualNoCase(WithTrailingBackslash(ParentOf(path)), programPath_))
         return path;
-    const std::string here = programPath_ + FileNameOf(path);
+    std::string here = programPath_ + FileNameOf(path);
     const std::string replaced =
         FileExists(here) ? "\r\nThe file of that name that is there now is replaced." : "";
     const int answer =
