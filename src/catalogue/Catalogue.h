@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -40,6 +41,31 @@ struct Catalogue {
     std::string installRoot;  ///< Derived; no trailing backslash.
     std::string pluginFolder; ///< Derived, or set by the front end along with the folder chosen.
 };
+
+/// Which of the catalogue's two lists of entries.
+enum class EntryList { BaseComponents, Plugins };
+
+/// Which entry of a catalogue.
+struct EntryPlace {
+    EntryList list = EntryList::BaseComponents;
+    std::size_t index = 0;
+
+    bool operator==(const EntryPlace&) const = default;
+
+    /// The first base component is PE Builder itself, with which a build does more than with
+    /// others.
+    [[nodiscard]] bool IsPeBuilder() const {
+        return list == EntryList::BaseComponents && index == 0;
+    }
+};
+
+/// One of the two lists.
+inline const std::vector<CatalogueEntry>& EntriesOf(const Catalogue& catalogue, EntryList list) {
+    return list == EntryList::Plugins ? catalogue.plugins : catalogue.baseComponents;
+}
+inline std::vector<CatalogueEntry>& EntriesOf(Catalogue& catalogue, EntryList list) {
+    return list == EntryList::Plugins ? catalogue.plugins : catalogue.baseComponents;
+}
 
 /// The first category with this key; null when there is none.
 inline const CategoryRecord* FindCategory(const Catalogue& catalogue, std::string_view key) {

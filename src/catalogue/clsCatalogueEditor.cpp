@@ -1,5 +1,7 @@
 #include "catalogue/clsCatalogueEditor.h"
 
+#include "catalogue/ArchiveState.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
@@ -15,7 +17,20 @@ std::string CategoryItem::Text() const {
     return caption.empty() ? key : key + " - " + caption;
 }
 
+namespace {
+
+/// The file's sections count by their position: a list without any entry would leave its section
+/// out, and the next one would be taken for it.
+void KeepOne(std::vector<CatalogueEntry>& entries) {
+    if (entries.empty())
+        entries.emplace_back();
+}
+
+} // namespace
+
 clsCatalogueEditor::clsCatalogueEditor(Catalogue catalogue) : applied_(std::move(catalogue)) {
+    KeepOne(applied_.baseComponents);
+    KeepOne(applied_.plugins);
     Revert();
 }
 
@@ -37,7 +52,7 @@ void clsCatalogueEditor::SetInstallPathItem(int item) {
 
 std::vector<CategoryItem> clsCatalogueEditor::CategoryItems() const {
     std::vector<CategoryItem> items;
-    std::ranges::transform(applied_.categories, std::back_inserter(items),
+    std::ranges::transform(categories_, std::back_inserter(items),
                            [](const CategoryRecord& category) {
                                return CategoryItem{category.key, category.caption};
                            });
@@ -60,14 +75,14 @@ int clsCatalogueEditor::CategoryItemIndex() const {
 bool clsCatalogueEditor::IsModified() const {
     return installFolder_ != applied_.installFolder ||
            installPathFlag_ != applied_.installPathFlag ||
-           base_.Entries() != applied_.baseComponents || plugins_.Entries() != applied_.plugins;
+           base_.Entries() != applied_.baseComponents || plugins_.Entries() != applied_.plugins ||
+           categories_ != applied_.categories || showCategories_ != applied_.showCategories;
 }
 
 void clsCatalogueEditor::Apply(const std::function<void(const Catalogue&)>& save) {
     Catalogue edited = Edited();
     save(edited);
     applied_ = std::move(edited);
-    Revert();
 }
 
 void clsCatalogueEditor::Revert() {
@@ -75,6 +90,34 @@ void clsCatalogueEditor::Revert() {
     installPathFlag_ = applied_.installPathFlag;
     base_.Load(applied_.baseComponents);
     plugins_.Load(applied_.plugins);
+    categories_ = applied_.categories;
+    showCategories_ = applied_.showCategories;
+}
+
+void clsCatalogueEditor::TakeCategories(std::vector<CategoryRecord> categories, bool show,
+                                        const std::map<std::string, std::string>& renames) {
+    categories_ = std::move(categories);
+    showCategories_ = show;
+    plugins_.ChangeAll([&](CatalogueEntry& plugin) {
+        const auto renamed = renames.find(plugin.cat);
+        if (renamed != renames.end())
+            plugin.cat = renamed->second;
+    });
+}
+
+std::size_t clsCatalogueEditor::PluginsIn(const std::string& categoryKey) const {
+    return static_cast<std::size_t>(
+        std::ranges::count(plugins_.Entries(), categoryKey, &CatalogueEntry::cat));
+}
+
+void clsCatalogueEditor::Offer(const Catalogue& catalogue) {
+    clsCatalogueEditor offered(catalogue);
+    installFolder_ = std::move(offered.installFolder_);
+    installPathFlag_ = std::move(offered.installPathFlag_);
+    base_ = std::move(offered.base_);
+    plugins_ = std::move(offered.plugins_);
+    categories_ = std::move(offered.categories_);
+    showCategories_ = offered.showCategories_;
 }
 
 Catalogue clsCatalogueEditor::Edited() const {
@@ -83,7 +126,23 @@ Catalogue clsCatalogueEditor::Edited() const {
     edited.installPathFlag = installPathFlag_;
     edited.baseComponents = base_.Entries();
     edited.plugins = plugins_.Entries();
+    edited.categories = categories_;
+    edited.showCategories = showCategories_;
     return edited;
+}
+
+Catalogue BeginnersCatalogue(
+    const std::function<std::string(const std::string& value, const std::string& key)>& captionOf) {
+    Catalogue catalogue;
+    catalogue.installFolder = "VeskLive";
+    catalogue.installPathFlag = '0';
+    catalogue.baseComponents = {{"PE Builder v3.1.10a", kFirstArchiveName, "", true, true, "", ""}};
+    catalogue.showCategories = true;
+    for (const auto& [key, value] :
+         {std::pair("100", "100_system_tools"), std::pair("200", "200_applications"),
+          std::pair("300", "300_drivers_and_network"), std::pair("500", "500_security")})
+        catalogue.categories.push_back({value, key, captionOf(value, key)});
+    return catalogue;
 }
 
 } // namespace vesk

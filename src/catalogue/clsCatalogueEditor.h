@@ -3,7 +3,9 @@
 #include "catalogue/Catalogue.h"
 #include "catalogue/clsEntryEditor.h"
 
+#include <cstddef>
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -39,6 +41,20 @@ public:
     [[nodiscard]] int InstallPathItem() const;
     void SetInstallPathItem(int item);
 
+    [[nodiscard]] const std::vector<CategoryRecord>& Categories() const { return categories_; }
+    [[nodiscard]] bool ShowCategories() const { return showCategories_; }
+
+    /// Takes over edited categories. Plug-ins follow a key that became another.
+    /// @param renames from the old key to the new one
+    void TakeCategories(std::vector<CategoryRecord> categories, bool show,
+                        const std::map<std::string, std::string>& renames);
+
+    /// How many plug-ins carry a category's key.
+    [[nodiscard]] std::size_t PluginsIn(const std::string& categoryKey) const;
+
+    /// Begins anew with another catalogue, as one more edit.
+    void Offer(const Catalogue& catalogue);
+
     /// What the category combo offers: the categories in their order and, when the selected plug-in
     /// carries a key that none of them has, that key as it is, so that showing it cannot lose it.
     [[nodiscard]] std::vector<CategoryItem> CategoryItems() const;
@@ -49,12 +65,12 @@ public:
     /// True when there is something to apply.
     [[nodiscard]] bool IsModified() const;
 
-    /// The catalogue with all edits. Everything but the four edited parts, categories above all, is
-    /// as it came.
+    /// The catalogue with all edits.
     [[nodiscard]] Catalogue Edited() const;
 
-    /// Hands the edited catalogue to `save`. Only when that returns the edits count as applied, and
-    /// the first entries are selected. What it throws passes through.
+    /// Hands the edited catalogue to `save`. Only when that returns the edits count as applied. The
+    /// selections stay: who applies while typing goes on in the same entry. What it throws passes
+    /// through.
     void Apply(const std::function<void(const Catalogue&)>& save);
 
     /// Drops all edits since the last Apply and selects the first entries.
@@ -66,6 +82,14 @@ private:
     std::string installPathFlag_;
     clsEntryEditor base_;
     clsEntryEditor plugins_;
+    std::vector<CategoryRecord> categories_;
+    bool showCategories_ = false;
 };
+
+/// What a catalogue begins with that somebody makes from nothing: PE Builder, and the categories
+/// that its own plug-ins need.
+/// @param captionOf derives a category's title from its folder and key
+Catalogue BeginnersCatalogue(
+    const std::function<std::string(const std::string& value, const std::string& key)>& captionOf);
 
 } // namespace vesk

@@ -41,6 +41,15 @@ std::optional<EditorPrompt> clsEntryEditor::PromptForRemoval() const {
                         "Confirmation", true};
 }
 
+bool clsEntryEditor::CanRemove() const {
+    const CatalogueEntry* entry = Current();
+    return entry != nullptr && (entries_.size() > 1 || *entry != CatalogueEntry());
+}
+
+void clsEntryEditor::ChangeAll(const std::function<void(CatalogueEntry&)>& change) {
+    std::ranges::for_each(entries_, change);
+}
+
 void clsEntryEditor::Remove() {
     const CatalogueEntry* entry = Current();
     if (entry == nullptr || entry->lock)

@@ -3,6 +3,7 @@
 #include "catalogue/Catalogue.h"
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -52,6 +53,14 @@ public:
     /// whether to remove it. Nothing without a selection.
     [[nodiscard]] std::optional<EditorPrompt> PromptForRemoval() const;
 
+    /// What the buttons would do something for. A locked entry can be chosen for removal: the
+    /// refusal says why it stays.
+    [[nodiscard]] bool CanRemove() const;
+    [[nodiscard]] bool CanMoveUp() const { return selected_ > 0; }
+    [[nodiscard]] bool CanMoveDown() const {
+        return selected_ != kNoSelection && Holds(selected_ + 1);
+    }
+
     /// Removes the selected entry, after a Yes, and selects the one before it; none after the
     /// first. A list that becomes empty keeps one empty entry. A locked entry stays.
     void Remove();
@@ -70,6 +79,9 @@ public:
         if (selected_ != kNoSelection)
             entries_[static_cast<std::size_t>(selected_)].*field = std::move(value);
     }
+
+    /// Changes whatever entries `change` is for; the selection stays.
+    void ChangeAll(const std::function<void(CatalogueEntry&)>& change);
 
 private:
     [[nodiscard]] bool Holds(int index) const {

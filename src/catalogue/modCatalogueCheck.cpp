@@ -1,12 +1,16 @@
 #include "catalogue/modCatalogueCheck.h"
 
+#include "archive/modMemberName.h"
 #include "base/modText.h"
+#include "catalogue/modAddress.h"
+#include "catalogue/modCategoryCheck.h"
+#include "catalogue/modIniText.h"
 
 #include <algorithm>
-#include <array>
-#include <cstddef>
 #include <map>
+#include <set>
 #include <string_view>
+#include <utility>
 
 namespace vesk {
 
@@ -14,9 +18,8 @@ namespace {
 
 using Kind = CatalogueProblemKind;
 
-constexpr std::size_t kReaderBuffer = 255;                  // of values and of section names
-constexpr std::size_t kLongestValue = kReaderBuffer - 1;    // and its NUL
-constexpr std::size_t kLongestNameList = kReaderBuffer - 1; // and the list's second NUL
+constexpr std::size_t kMostLines = 256;       // the wizard counts the lines of a list in one byte
+constexpr std::size_t kMostContentFaults = 5; // of one archive
 
 std::string Quoted(const std::string& text) {
     return "\"" + text + "\"";
@@ -34,122 +37,204 @@ std::string CanonicalCrc(const std::string& crc) {
     return upper.substr(first);
 }
 
-/// Why one address cannot be used; empty when it can. The downloader knows "http://" in lower case
-/// only, takes all before the first "/" for the host and always goes to port 80.
-std::string AddressFault(std::string_view address) {
-    constexpr std::string_view kScheme = "http://";
-    const bool hasScheme = address.starts_with(kScheme);
-    if (hasScheme)
-        address.remove_prefix(kScheme.size());
-    const std::string_view host = address.substr(0, address.find('/'));
-    if (!hasScheme && address.find("://") != std::string_view::npos)
-        return "only \"http://\" in lower case is understood";
-    if (host.empty())
-        return "there is no host";
-    if (host.find('@') != std::string_view::npos)
-        return "user names are not understood";
-    if (host.find(':') != std::string_view::npos)
-        return "port 80 is used and no other can be named";
-    const auto isBlank = [](char c) { return static_cast<unsigned char>(c) <= ' '; };
-    return std::ranges::any_of(address, isBlank) ? "it contains a blank" : "";
+/// Why a checksum matches no file as it is written; empty when it can match one.
+std::string CrcFormFault(const std::string& crc) {
+    constexpr std::size_t kLongestCrc = 8;
+    if (crc.empty())
+        return "it has no CRC-32, and without one no build installs it";
+    const bool isNumber = IsHexadecimal(crc);
+    const std::string canonical = isNumber ? CanonicalCrc(crc) : "";
+    if (!isNumber || canonical.size() > kLongestCrc)
+        return Quoted(crc) + " is no CRC-32: up to eight hexadecimal digits are expected";
+    if (canonical != crc)
+        return "the CRC-32 " + Quoted(crc) + " never matches: it has to be written " +
+               Quoted(canonical);
+    return {};
+}
+
+bool IsInQuotes(const std::string& value) {
+    return value.size() > 1 && (value.front() == '"' || value.front() == '\'') &&
+           value.back() == value.front();
+}
+
+/// A list that became empty keeps one entry without anything in it.
+bool IsPlaceholder(const CatalogueEntry& entry) {
+    return entry == CatalogueEntry();
 }
 
 class Checker {
 public:
-    Checker(const Catalogue& catalogue, const CrcOfArchive& crcOfArchive)
-        : catalogue_(catalogue), crcOfArchive_(crcOfArchive) {}
+    Checker(const Catalogue& catalogue, const ArchiveSource& archives)
+        : catalogue_(catalogue), archives_(archives) {
+        for (const CategoryRecord& category : catalogue.categories)
+            folderOfKey_.try_emplace(category.key, category.value);
+    }
 
-    std::vector<CatalogueProblem> Run(const std::vector<std::string>& sectionNames) {
+    CatalogueCheck Run(const std::vector<std::string>& sectionNames) {
         CheckSectionNames(sectionNames);
-        CheckPrefixes();
-        CheckList(catalogue_.baseComponents, "base component ");
-        CheckList(catalogue_.plugins, "plug-in ");
-        return std::move(problems_);
+        CheckInstallFolder();
+        CheckCategories();
+        CheckList(EntryList::BaseComponents);
+        CheckList(EntryList::Plugins);
+        return std::move(check_);
     }
 
 private:
     void Report(Kind kind, const std::string& sentence) {
-        problems_.push_back({kind, entry_, sentence, place_});
+        check_.problems.push_back({kind, about_, sentence, place_});
+    }
+    void ReportIfAny(Kind kind, const std::string& sentence) {
+        if (!sentence.empty())
+            Report(kind, sentence);
     }
 
     void CheckSectionNames(const std::vector<std::string>& names) {
         std::size_t length = 0;
         for (const std::string& name : names)
             length += name.size() + 1;
-        entry_ = "sections";
-        if (length > kLongestNameList)
+        about_ = "sections";
+        if (length > kLongestSectionList)
             Report(Kind::SectionNames, "their names take " + std::to_string(length) +
                                            " characters of which only " +
-                                           std::to_string(kLongestNameList) + " are read");
+                                           std::to_string(kLongestSectionList) + " are read");
     }
 
-    void CheckPrefixes() {
-        entry_ = "categories";
+    void CheckInstallFolder() {
+        about_ = "installation folder";
+        const std::string& folder = catalogue_.installFolder;
+        if (folder.empty())
+            Report(Kind::InstallFolder, "there is none");
+        else if (!PathInside("", folder))
+            Report(Kind::InstallFolder, Quoted(folder) + " cannot be a folder's name");
+        CheckText("name", folder);
+    }
+
+    void CheckCategories() {
+        about_ = "categories";
         for (const char* prefix : {"100", "200", "300", "500"}) {
-            if (!IsCategory(prefix))
+            if (!folderOfKey_.contains(prefix))
                 Report(Kind::MissingPrefix, "PE Builder's own plug-ins need a category " +
                                                 Quoted(prefix) + ", and there is none");
         }
+        const std::vector<std::string> faults = CategoryFaults(catalogue_.categories);
+        for (std::size_t i = 0; i < faults.size(); ++i) {
+            const std::string& key = catalogue_.categories[i].key;
+            about_ = "category " + (key.empty() ? std::to_string(i + 1) : Quoted(key));
+            ReportIfAny(Kind::Category, faults[i]);
+        }
     }
 
-    void CheckList(const std::vector<CatalogueEntry>& entries, const std::string& what) {
-        const bool arePlugins = &entries == &catalogue_.plugins;
+    void CheckList(EntryList list) {
+        const std::vector<CatalogueEntry>& entries = EntriesOf(catalogue_, list);
+        const bool arePlugins = list == EntryList::Plugins;
+        about_ = arePlugins ? "plug-ins" : "base components";
+        place_.reset();
+        if (!arePlugins && (entries.empty() || IsPlaceholder(entries.front())))
+            Report(Kind::NoComponents, "there is none, so there is nothing to build");
+        if (entries.size() > kMostLines)
+            Report(Kind::TooMany, "there are " + std::to_string(entries.size()) +
+                                      ", and the wizard's list ends in an overflow behind " +
+                                      std::to_string(kMostLines));
         for (std::size_t i = 0; i < entries.size(); ++i) {
-            const CatalogueEntry& entry = entries[i];
-            place_ = EntryPlace{arePlugins, i};
-            entry_ = what + (entry.name.empty() ? std::to_string(i + 1) : Quoted(entry.name));
-            if (entry.name.empty())
-                Report(Kind::NoName, "it has no name");
-            CheckLengths(entry);
-            CheckArchive(entry);
-            CheckCrc(entry);
-            CheckAddresses(entry);
-            if (arePlugins && !IsCategory(entry.cat))
-                Report(Kind::UnknownCategory, "there is no category " + Quoted(entry.cat));
+            if (IsPlaceholder(entries[i]))
+                continue;
+            place_ = EntryPlace{list, i};
+            const std::string& name = entries[i].name;
+            about_ = (arePlugins ? "plug-in " : "base component ") +
+                     (name.empty() ? std::to_string(i + 1) : Quoted(name));
+            CheckEntry(entries[i], *place_);
         }
     }
 
-    void CheckLengths(const CatalogueEntry& entry) {
-        struct Value {
-            const char* what;
-            const std::string& text;
-        };
-        for (const Value& value : {Value{"name", entry.name}, Value{"file name", entry.zip},
-                                   Value{"address", entry.url}}) {
-            if (value.text.size() > kLongestValue)
-                Report(Kind::ValueTooLong, std::string("of its ") + value.what + " only " +
-                                               std::to_string(kLongestValue) +
-                                               " characters are read");
-        }
+    void CheckEntry(const CatalogueEntry& entry, const EntryPlace& place) {
+        if (entry.name.empty())
+            Report(Kind::NoName, "it has no name");
+        CheckText("name", entry.name);
+        CheckText("file name", entry.zip);
+        CheckText("category", entry.cat);
+        CheckText("address", entry.url);
+        CheckText("CRC-32", entry.crc);
+        CheckArchiveName(entry, place);
+        ReportIfAny(Kind::CrcForm, CrcFormFault(entry.crc));
+        CheckArchive(entry, place);
+        CheckAddresses(entry);
+        if (place.list == EntryList::Plugins)
+            CheckFolder(entry);
     }
 
-    void CheckArchive(const CatalogueEntry& entry) {
+    /// Whether the file gives a text back as it is.
+    void CheckText(const std::string& what, const std::string& value) {
+        if (value.size() > kLongestIniValue)
+            Report(Kind::ValueTooLong, "its " + what + " has " + std::to_string(value.size()) +
+                                           " characters of which only " +
+                                           std::to_string(kLongestIniValue) + " are read");
+        else if (IsInQuotes(value))
+            Report(Kind::ValueForm, "the quotes around its " + what + " are lost in the file");
+    }
+
+    void CheckArchiveName(const CatalogueEntry& entry, const EntryPlace& place) {
         const std::string extension = LowerCase(ExtensionOf(entry.zip));
+        if (place.IsPeBuilder() && !EqualNoCase(entry.zip, kFirstArchiveName))
+            Report(Kind::FirstArchive, "the first one's archive has to be " +
+                                           Quoted(kFirstArchiveName) + ", here it is " +
+                                           Quoted(entry.zip));
         if (entry.zip.empty())
-            Report(Kind::ArchiveType, "it names no archive");
-        else if (extension != "zip" && extension != "cab")
+            return Report(Kind::ArchiveType, "it names no archive");
+        if (extension != "zip" && extension != "cab")
             Report(Kind::ArchiveType, Quoted(entry.zip) + " is neither .zip nor .cab and would not "
                                                           "be extracted");
-        const auto [first, isNew] = owners_.try_emplace(LowerCase(entry.zip), entry_);
-        if (!isNew && !entry.zip.empty())
+        if (entry.zip.find_first_of("\\/") != std::string::npos || !PathInside("", entry.zip))
+            Report(Kind::ArchiveName, Quoted(entry.zip) +
+                                          " is no plain file name: it is neither downloaded nor "
+                                          "extracted");
+        const auto [first, isNew] = owners_.try_emplace(LowerCase(entry.zip), about_);
+        if (!isNew)
             Report(Kind::DuplicateArchive,
                    Quoted(entry.zip) + " is the archive of " + first->second + " as well");
     }
 
-    void CheckCrc(const CatalogueEntry& entry) {
-        constexpr std::size_t kLongestCrc = 8;
-        const bool isNumber = IsHexadecimal(entry.crc);
-        const std::string canonical = isNumber ? CanonicalCrc(entry.crc) : "";
-        if (!isNumber || canonical.size() > kLongestCrc)
-            Report(Kind::CrcForm, Quoted(entry.crc) + " is no CRC-32");
-        else if (canonical != entry.crc)
-            Report(Kind::CrcForm, "the CRC-32 " + Quoted(entry.crc) + " never matches, write " +
-                                      Quoted(canonical));
-        const std::string present =
-            crcOfArchive_ && !entry.zip.empty() ? crcOfArchive_(entry.zip) : "";
-        if (!present.empty() && present != canonical)
-            Report(Kind::CrcDiffers,
-                   Quoted(entry.zip) + " is present with the CRC-32 " + Quoted(present));
+    void CheckArchive(const CatalogueEntry& entry, const EntryPlace& place) {
+        if (!archives_.factsOf || entry.zip.empty())
+            return;
+        const ArchiveFacts facts = archives_.factsOf(entry.zip);
+        const ArchiveState state = JudgeArchive(entry, place, facts);
+        if (state == ArchiveState::Good)
+            ++check_.archivesGood;
+        if (state == ArchiveState::ToDownload)
+            ++check_.archivesToDownload;
+        if (state == ArchiveState::Missing)
+            Report(Kind::ArchiveMissing, MissingWords(entry));
+        if (!facts.isThere)
+            return;
+        CheckPresent(entry, facts.crc.value_or(""));
+        if (archives_.contentFaultsOf)
+            ReportContent(entry, archives_.contentFaultsOf(entry.zip));
+    }
+
+    static std::string MissingWords(const CatalogueEntry& entry) {
+        const std::string start = Quoted(entry.zip) + " is not in the program folder, and ";
+        return start + (entry.url.empty() ? "there is no address to download it from"
+                                          : "of the base components a build downloads only the "
+                                            "first");
+    }
+
+    void CheckPresent(const CatalogueEntry& entry, const std::string& found) {
+        if (found.empty())
+            Report(Kind::CrcDiffers, Quoted(entry.zip) + " is empty or cannot be read");
+        else if (!IsHexadecimal(entry.crc))
+            Report(Kind::CrcDiffers, Quoted(entry.zip) + " has the CRC-32 " + Quoted(found));
+        else if (CanonicalCrc(entry.crc) != found)
+            Report(Kind::CrcDiffers, Quoted(entry.zip) + ": CRC-32 " + Quoted(entry.crc) +
+                                         " expected, " + Quoted(found) + " found");
+    }
+
+    void ReportContent(const CatalogueEntry& entry, const std::vector<std::string>& faults) {
+        for (std::size_t i = 0; i < std::min(faults.size(), kMostContentFaults); ++i)
+            Report(Kind::ArchiveContent, Quoted(entry.zip) + ": " + faults[i]);
+        if (faults.size() > kMostContentFaults)
+            Report(Kind::ArchiveContent, Quoted(entry.zip) + ": and " +
+                                             std::to_string(faults.size() - kMostContentFaults) +
+                                             " more that would not be extracted");
     }
 
     void CheckAddresses(const CatalogueEntry& entry) {
@@ -166,25 +251,51 @@ private:
             Report(Kind::Address, "the second of only two addresses is never tried");
     }
 
-    [[nodiscard]] bool IsCategory(const std::string& key) const {
-        return std::ranges::find(catalogue_.categories, key, &CategoryRecord::key) !=
-               catalogue_.categories.end();
+    void CheckFolder(const CatalogueEntry& entry) {
+        const auto category = folderOfKey_.find(entry.cat);
+        if (category == folderOfKey_.end())
+            Report(Kind::UnknownCategory, "there is no category " + Quoted(entry.cat));
+        const std::string parent = category == folderOfKey_.end() ? "" : category->second + "\\";
+        const std::string folder = parent + BaseNameOf(entry.zip);
+        const auto [first, isNew] =
+            folders_.try_emplace(LowerCase(folder), std::pair(about_, LowerCase(entry.zip)));
+        // One archive twice is told of already.
+        if (!isNew && !entry.zip.empty() && first->second.second != LowerCase(entry.zip))
+            Report(Kind::SameFolder, "it is extracted into the folder " + Quoted(folder) +
+                                         ", and so is " + first->second.first);
     }
 
     const Catalogue& catalogue_;
-    const CrcOfArchive& crcOfArchive_;
-    std::vector<CatalogueProblem> problems_;
-    std::string entry_;                         ///< What is being looked at.
-    std::optional<EntryPlace> place_;           ///< Where it is, once entries are looked at.
+    const ArchiveSource& archives_;
+    CatalogueCheck check_;
+    std::string about_;               ///< What is being looked at.
+    std::optional<EntryPlace> place_; ///< Where it is, once entries are looked at.
+    std::map<std::string, std::string> folderOfKey_;
     std::map<std::string, std::string> owners_; ///< Archive in lower case to its first entry.
+
+    /// Folder in lower case to the first plug-in in it, and that one's archive.
+    std::map<std::string, std::pair<std::string, std::string>> folders_;
 };
+
+std::string Counted(std::size_t count, const std::string& what) {
+    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
 
 } // namespace
 
-std::vector<CatalogueProblem> CheckCatalogue(const Catalogue& catalogue,
-                                             const CrcOfArchive& crcOfArchive,
-                                             const std::vector<std::string>& sectionNames) {
-    return Checker(catalogue, crcOfArchive).Run(sectionNames);
+std::string CatalogueCheck::Verdict() const {
+    std::string text = "No fault found: the entries are complete, and " +
+                       Counted(archivesGood, "archive") + (archivesGood == 1 ? " is" : " are") +
+                       " present with the right CRC-32 and a sound directory.";
+    if (archivesToDownload > 0)
+        text += " Nothing is known of the " + Counted(archivesToDownload, "archive") +
+                " that a build downloads.";
+    return text;
+}
+
+CatalogueCheck CheckCatalogue(const Catalogue& catalogue, const ArchiveSource& archives,
+                              const std::vector<std::string>& sectionNames) {
+    return Checker(catalogue, archives).Run(sectionNames);
 }
 
 } // namespace vesk

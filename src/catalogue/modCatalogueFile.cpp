@@ -1,15 +1,25 @@
 #include "catalogue/modCatalogueFile.h"
 
-#include "archive/clsCRC.h"
+#include "archive/modArchive.h"
 #include "base/Failure.h"
+#include "base/Problem.h"
+#include "base/UniqueHandle.h"
 #include "base/modDate.h"
 #include "base/modFile.h"
 #include "base/modSpecialFolder.h"
+#include "base/modSystemError.h"
 #include "base/modText.h"
+#include "base/modWide.h"
 #include "catalogue/clsINI.h"
+#include "catalogue/clsProgramArchives.h"
+#include "catalogue/modCatalogueFaults.h"
 #include "catalogue/modCatalogueText.h"
 
 #include <windows.h>
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
 
 namespace vesk {
 
@@ -17,26 +27,26 @@ namespace {
 
 constexpr std::uint32_t kSubscriptOutOfRange = 9;
 constexpr std::uint32_t kTypeMismatch = 13;
+constexpr const char* kWriteAnew = "veskbuilder.exe -setup shows what was read and can write the "
+                                   "file anew.";
 
 /// One section read by position: key 0, 1, 2 ... whatever their names.
 class PositionalSection {
 public:
-    PositionalSection(const clsINI& ini, std::string section)
-        : ini_(ini), section_(std::move(section)), keys_(ini.GetAllKeys(section_)) {}
+    explicit PositionalSection(const IniSection& section) : section_(section) {}
 
-    /// Without the empty element that ends the list.
-    [[nodiscard]] std::size_t KeyCount() const { return keys_.size() - 1; }
+    [[nodiscard]] std::size_t KeyCount() const { return section_.keys.size(); }
 
-    [[nodiscard]] const std::string& Key(std::size_t index) const {
+    [[nodiscard]] std::string Key(std::size_t index) const {
         // One past the last key is the list's empty end element: its value reads as empty.
-        if (index >= keys_.size())
+        if (index > KeyCount())
             throw Failure(kSubscriptOutOfRange, "LoadCatalogue",
-                          "section [" + section_ + "] ends in the middle of an entry");
-        return keys_[index];
+                          "section [" + section_.name + "] ends in the middle of an entry");
+        return index < KeyCount() ? section_.keys[index].name : std::string();
     }
 
     [[nodiscard]] std::string Text(std::size_t index) const {
-        return ini_.GetStringValue(section_, Key(index));
+        return Key(index).empty() ? std::string() : section_.keys[index].value;
     }
 
     [[nodiscard]] bool Boolean(std::size_t index) const {
@@ -44,14 +54,12 @@ public:
         if (const auto value = ToBoolean(text))
             return *value;
         throw Failure(kTypeMismatch, "LoadCatalogue",
-                      "section [" + section_ + "], key " + Key(index) + ": \"" + text +
+                      "section [" + section_.name + "], key " + Key(index) + ": \"" + text +
                           "\" is neither 1 nor 0");
     }
 
 private:
-    const clsINI& ini_;
-    std::string section_;
-    std::vector<std::string> keys_;
+    const IniSection& section_;
 };
 
 /// Entries of six keys, or of seven with a category. Fields go into the list as they are read, so
@@ -94,47 +102,144 @@ std::string ProperCase(std::string text) {
     return text;
 }
 
-} // namespace
+constexpr std::string_view kUtf16("\xFF\xFE");
+constexpr std::string_view kUtf8("\xEF\xBB\xBF");
 
-void LoadCatalogue(const std::string& programPath, Catalogue& catalogue) {
-    const clsINI ini(programPath + kCatalogueFileName);
-    const std::vector<std::string> sections = ini.GetAllSections();
-    if (sections.size() < 2)
+/// Some programs write such files in Unicode; the profile functions take them all the same.
+std::string InCodePage(std::string text) {
+    if (text.starts_with(kUtf16)) {
+        std::wstring wide((text.size() - kUtf16.size()) / sizeof(wchar_t), L'\0');
+        std::memcpy(wide.data(), text.data() + kUtf16.size(), wide.size() * sizeof(wchar_t));
+        return Narrowed(wide);
+    }
+    if (!text.starts_with(kUtf8))
+        return text;
+    text.erase(0, kUtf8.size());
+    std::wstring wide(text.size(), L'\0');
+    wide.resize(static_cast<std::size_t>(
+        MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), wide.data(),
+                            static_cast<int>(wide.size()))));
+    return Narrowed(wide);
+}
+
+/// Names that take two bytes a character may hold what looks like a bracket.
+bool IsOneByteText(std::string_view text) {
+    CPINFO info{};
+    return (GetCPInfo(CP_ACP, &info) != 0 && info.MaxCharSize == 1) ||
+           std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+IniText ReadIniText(const std::string& path) {
+    const std::string bytes = ReadWholeFile(path);
+    const std::string text = InCodePage(bytes);
+    IniText file = ParseIni(text);
+    // Longer paths are another matter to the profile functions.
+    file.isPlain &= text == bytes && IsOneByteText(text) && path.size() < MAX_PATH;
+    return file;
+}
+
+/// The profile functions read the whole file for every key. Where nobody could read the text in
+/// another way, once is enough.
+std::vector<IniSection> SectionsOf(const std::string& path, const IniText& file) {
+    return file.isPlain ? file.sections : ReadSectionsThroughSystem(path);
+}
+
+void FillCatalogue(const std::vector<IniSection>& sections, Catalogue& catalogue) {
+    if (sections.empty())
         return;
     catalogue = Catalogue();
-    const PositionalSection install(ini, sections[0]);
+    const PositionalSection install(sections[0]);
     catalogue.installFolder = install.Text(0);
     catalogue.installPathFlag = install.Text(1);
     DeriveInstallPaths(catalogue, SpecialFolderPath(SpecialFolder::ProgramFiles));
     // By position and not by name: renamed sections are read all the same.
-    for (std::size_t i = 1; i + 1 < sections.size(); ++i) {
-        const PositionalSection section(ini, sections[i]);
-        if (i == 1)
-            ReadEntries(section, false, catalogue.baseComponents);
-        else if (i == 2)
-            ReadEntries(section, true, catalogue.plugins);
-        else if (i == 3)
-            ReadCategories(section, catalogue);
+    if (sections.size() > 1)
+        ReadEntries(PositionalSection(sections[1]), false, catalogue.baseComponents);
+    if (sections.size() > 2)
+        ReadEntries(PositionalSection(sections[2]), true, catalogue.plugins);
+    if (sections.size() > 3)
+        ReadCategories(PositionalSection(sections[3]), catalogue);
+}
+
+/// A folder's name that the code page cannot hold reaches the program as another one, under which
+/// nothing is found.
+bool ProgramFolderIsUnknown() {
+    std::wstring program(32768, L'\0'); // the system's own limit
+    program.resize(GetModuleFileNameW(nullptr, program.data(), static_cast<DWORD>(program.size())));
+    return !NarrowedExactly(program).has_value();
+}
+
+/// Why the catalogue's file cannot be opened; a state of Whole when it can.
+CatalogueLoad OpenOrExplain(const std::string& path) {
+    const auto absent = [&](const std::string& why, bool isThere) {
+        return CatalogueLoad{CatalogueState::Absent, path + ": " + why, isThere};
+    };
+    if (path.size() >= MAX_PATH)
+        return absent("the path is longer than the 259 characters that can be used. Move the "
+                      "program to a folder with a shorter path.",
+                      true);
+    const FileHandle file(CreateFileA(path.c_str(), GENERIC_READ,
+                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                      nullptr, OPEN_EXISTING, 0, nullptr));
+    const DWORD error = file ? 0 : GetLastError();
+    if (error == 0)
+        return {};
+    if (ProgramFolderIsUnknown())
+        return absent("the name of the program's folder has characters that the system's code page "
+                      "lacks. Move the program to a folder with a plain name.",
+                      true);
+    if (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND)
+        return absent("there is no such file. Start veskbuilder.exe -setup to make one.", false);
+    if (FolderExists(path))
+        return absent("it is a folder. Remove it, and start veskbuilder.exe -setup to make a file.",
+                      true);
+    return absent("it cannot be read, " + AsReason(SystemErrorText(error)) +
+                      ". See who may read it, and who has it open.",
+                  true);
+}
+
+} // namespace
+
+void LoadCatalogue(const std::string& programPath, Catalogue& catalogue) {
+    const std::string path = programPath + kCatalogueFileName;
+    FillCatalogue(SectionsOf(path, ReadIniText(path)), catalogue);
+}
+
+std::vector<IniSection> ReadSectionsThroughSystem(const std::string& path) {
+    const clsINI ini(path);
+    std::vector<IniSection> sections;
+    std::vector<std::string> names = ini.GetAllSections();
+    names.pop_back(); // the empty element that ends a list
+    for (const std::string& name : names) {
+        IniSection& section = sections.emplace_back(IniSection{name, {}});
+        std::vector<std::string> keys = ini.GetAllKeys(name);
+        keys.pop_back();
+        for (const std::string& key : keys)
+            section.keys.push_back({key, ini.GetStringValue(name, key)});
     }
+    return sections;
 }
 
 CatalogueLoad LoadCatalogueReporting(const std::string& programPath, Catalogue& catalogue) {
     const std::string path = programPath + kCatalogueFileName;
-    constexpr std::size_t kSections = 4;
+    if (CatalogueLoad load = OpenOrExplain(path); load.state != CatalogueState::Whole)
+        return load;
+    const IniText file = ReadIniText(path);
+    if (file.sections.empty() && file.lost.empty())
+        return {CatalogueState::Absent, path + ": it is empty. " + kWriteAnew};
+    const std::vector<IniSection> sections = SectionsOf(path, file);
+    std::string fault = CatalogueFault(file);
     try {
-        if (!FileExists(path))
-            return {CatalogueState::Absent, path + ": there is no such file"};
-        LoadCatalogue(programPath, catalogue);
-        const std::size_t sections = clsINI(path).GetAllSections().size() - 1;
-        if (sections < kSections)
-            return {CatalogueState::Partial,
-                    path + ": it has " + std::to_string(sections) +
-                        " sections where installation, base components, plug-ins and categories "
-                        "are expected"};
+        FillCatalogue(sections, catalogue);
+        if (fault.empty() && sections != file.sections)
+            fault = "the system does not read it as it is written";
     } catch (const Failure& failure) {
-        return {CatalogueState::Partial, path + ": " + failure.what()};
+        if (fault.empty())
+            fault = failure.what();
     }
-    return {};
+    if (fault.empty())
+        return {};
+    return {CatalogueState::Partial, path + ": " + fault + ". " + kWriteAnew};
 }
 
 void DeriveInstallPaths(Catalogue& catalogue, const std::string& programFilesFolder) {
@@ -149,14 +254,19 @@ std::string CategoryCaption(const std::string& value, const std::string& key) {
     return ProperCase(TrimBlanks(ReplaceAll(ReplaceAll(value, "_", " "), key, " ")));
 }
 
-CrcOfArchive ArchivesIn(const std::string& programPath) {
-    return [programPath](const std::string& archive) {
-        return clsCRC().CalculateFile(programPath + archive);
-    };
+ArchiveSource ArchivesIn(const std::string& programPath) {
+    const auto archives = std::make_shared<clsProgramArchives>(programPath);
+    return {[archives](const std::string& name) { return archives->Facts(name); },
+            [programPath](const std::string& name) {
+                std::vector<std::string> lines;
+                for (const MemberFailure& failure : InspectArchive(programPath + name))
+                    lines.push_back((failure.member.empty() ? "" : failure.member + ": ") +
+                                    failure.what + ", " + failure.reason);
+                return lines;
+            }};
 }
 
-std::vector<CatalogueProblem> CheckCatalogueFile(const std::string& programPath,
-                                                 const Catalogue& catalogue) {
+CatalogueCheck CheckCatalogueFile(const std::string& programPath, const Catalogue& catalogue) {
     return CheckCatalogue(catalogue, ArchivesIn(programPath),
                           SectionNames(ReadWholeFile(programPath + kCatalogueFileName)));
 }

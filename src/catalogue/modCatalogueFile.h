@@ -2,6 +2,7 @@
 
 #include "catalogue/Catalogue.h"
 #include "catalogue/modCatalogueCheck.h"
+#include "catalogue/modIniText.h"
 
 #include <string>
 #include <vector>
@@ -18,16 +19,24 @@ inline constexpr const char* kCatalogueFileName = "veskbuilder.ini";
 ///         was read before it stays in the catalogue. The text names section and entry.
 void LoadCatalogue(const std::string& programPath, Catalogue& catalogue);
 
-/// How much of the catalogue was read.
+/// How much of the catalogue was read: all of it as it was written, some of it, nothing.
 enum class CatalogueState { Whole, Partial, Absent };
 
 struct CatalogueLoad {
     CatalogueState state = CatalogueState::Whole;
-    std::string sentence; ///< What is wrong with the file, which it names; empty for a whole one.
+
+    /// What is wrong with the file, which it names, and what to do; empty for a whole one.
+    std::string sentence;
+
+    /// False only when it is certain that there is no such file, and one can be made.
+    bool isThere = true;
 };
 
 /// Loads the catalogue for a front end, which shows with what was read. Throws nothing.
 CatalogueLoad LoadCatalogueReporting(const std::string& programPath, Catalogue& catalogue);
+
+/// All sections of a file as the system's profile functions read them, with a call for every key.
+std::vector<IniSection> ReadSectionsThroughSystem(const std::string& path);
 
 /// Derives install root and plug-in folder from install folder and path flag.
 void DeriveInstallPaths(Catalogue& catalogue, const std::string& programFilesFolder);
@@ -36,12 +45,11 @@ void DeriveInstallPaths(Catalogue& catalogue, const std::string& programFilesFol
 /// "System Tools".
 std::string CategoryCaption(const std::string& value, const std::string& key);
 
-/// The checksums of the archives in a folder (its path ends in "\"), for CheckCatalogue.
-CrcOfArchive ArchivesIn(const std::string& programPath);
+/// The archives in a folder (its path ends in "\"), for CheckCatalogue.
+ArchiveSource ArchivesIn(const std::string& programPath);
 
 /// What would go wrong in a build of a catalogue that was loaded from the program path.
-std::vector<CatalogueProblem> CheckCatalogueFile(const std::string& programPath,
-                                                 const Catalogue& catalogue);
+CatalogueCheck CheckCatalogueFile(const std::string& programPath, const Catalogue& catalogue);
 
 /// Writes the catalogue file into the program path. The old file stays until the new one is
 /// complete beside it. The text is exact: other tools compare it.

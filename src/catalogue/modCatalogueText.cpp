@@ -2,8 +2,8 @@
 
 #include "base/modText.h"
 
-#include <algorithm>
 #include <cstdlib>
+#include <map>
 #include <utility>
 #include <vector>
 
@@ -11,37 +11,29 @@ namespace vesk {
 
 namespace {
 
-/// Sections and keys as the profile functions would lay them out, one write after the other: a new
-/// key comes last in its section, one that is there already gets the new value in its place.
-class IniText {
+/// One section as the profile functions would lay it out, one write after the other: a new key
+/// comes last, one that is there already gets the new value in its place.
+class SectionText {
 public:
-    void Put(const std::string& section, const std::string& key, const std::string& value) {
-        Keys& keys = FindOrAdd(sections_, section);
-        FindOrAdd(keys, key) = value;
+    void Put(const std::string& key, const std::string& value) {
+        const auto [found, isNew] = places_.try_emplace(LowerCase(key), keys_.size());
+        if (isNew)
+            keys_.emplace_back(key, value);
+        else
+            keys_[found->second].second = value;
     }
 
-    [[nodiscard]] std::string Text() const {
-        std::string text;
-        for (const auto& [section, keys] : sections_) {
-            text.append("[").append(section).append("]\r\n");
-            for (const auto& [key, value] : keys)
-                text.append(key).append("=").append(value).append("\r\n");
-        }
+    /// Nothing for a section without keys: no write has made it.
+    [[nodiscard]] std::string Text(const std::string& name) const {
+        std::string text = keys_.empty() ? "" : "[" + name + "]\r\n";
+        for (const auto& [key, value] : keys_)
+            text.append(key).append("=").append(value).append("\r\n");
         return text;
     }
 
 private:
-    using Keys = std::vector<std::pair<std::string, std::string>>;
-
-    template <class Content>
-    static Content& FindOrAdd(std::vector<std::pair<std::string, Content>>& list,
-                              const std::string& name) {
-        const auto found = std::ranges::find_if(
-            list, [&](const auto& item) { return EqualNoCase(item.first, name); });
-        return found != list.end() ? found->second : list.emplace_back(name, Content()).second;
-    }
-
-    std::vector<std::pair<std::string, Keys>> sections_;
+    std::vector<std::pair<std::string, std::string>> keys_;
+    std::map<std::string, std::size_t> places_; ///< By the key in lower case.
 };
 
 const char* Flag(bool value) {
@@ -53,39 +45,41 @@ std::string Padded(const std::string& value) {
     return value + " ";
 }
 
-void PutEntries(IniText& ini, const std::string& section,
-                const std::vector<CatalogueEntry>& entries, bool withCategory) {
+SectionText EntriesText(const std::vector<CatalogueEntry>& entries, bool withCategory) {
+    SectionText section;
     for (std::size_t i = 0; i < entries.size(); ++i) {
         const CatalogueEntry& entry = entries[i];
         const std::string index = std::to_string(i);
-        ini.Put(section, "Name" + index, Padded(entry.name));
-        ini.Put(section, "Zip" + index, Padded(entry.zip));
+        section.Put("Name" + index, Padded(entry.name));
+        section.Put("Zip" + index, Padded(entry.zip));
         if (withCategory)
-            ini.Put(section, "Cat" + index, Padded(entry.cat));
-        ini.Put(section, "Enabled" + index, Flag(entry.enabled));
-        ini.Put(section, "Lock" + index, Flag(entry.lock));
-        ini.Put(section, "Url" + index, Padded(entry.url));
-        ini.Put(section, "CRC" + index, Padded(entry.crc));
+            section.Put("Cat" + index, Padded(entry.cat));
+        section.Put("Enabled" + index, Flag(entry.enabled));
+        section.Put("Lock" + index, Flag(entry.lock));
+        section.Put("Url" + index, Padded(entry.url));
+        section.Put("CRC" + index, Padded(entry.crc));
     }
+    return section;
 }
 
 } // namespace
 
 std::string CatalogueText(const Catalogue& catalogue, const std::string& date) {
-    IniText ini;
-    ini.Put("Install", "Folder", catalogue.installFolder);
-    ini.Put("Install", "Path", catalogue.installPathFlag);
-    PutEntries(ini, "Base", catalogue.baseComponents, false);
-    PutEntries(ini, "Plugin", catalogue.plugins, true);
-    ini.Put("Categories", "ShowCategories", catalogue.showCategories ? "-1" : "0");
+    SectionText install;
+    install.Put("Folder", catalogue.installFolder);
+    install.Put("Path", catalogue.installPathFlag);
+    SectionText categories;
+    categories.Put("ShowCategories", catalogue.showCategories ? "-1" : "0");
     for (const CategoryRecord& category : catalogue.categories)
-        ini.Put("Categories", category.key, category.value);
+        categories.Put(category.key, category.value);
     return "; !!!! DO NOT EDIT MANUALLY !!!! use veskbuilder.exe -setup\r\n"
            "; Configuration file for Vesk Builder\r\n"
            "; File: veskbuilder.ini\r\n"
            "; Version: 0.07\r\n"
            "; Date: " +
-           date + "\r\n\r\n" + ini.Text();
+           date + "\r\n\r\n" + install.Text("Install") +
+           EntriesText(catalogue.baseComponents, false).Text("Base") +
+           EntriesText(catalogue.plugins, true).Text("Plugin") + categories.Text("Categories");
 }
 
 std::vector<std::string> SectionNames(std::string_view iniText) {

@@ -11,31 +11,22 @@ namespace {
 constexpr std::size_t kColumns = 7;
 using Row = std::array<std::string, kColumns>;
 
-const char* StateText(ArchiveState state) {
-    switch (state) {
-    case ArchiveState::Good:
-        return "good";
-    case ArchiveState::Missing:
-        return "missing";
-    case ArchiveState::CrcDiffers:
-        return "CRC differs";
-    }
-    return "";
-}
-
 } // namespace
 
-std::string CatalogueTable(const Catalogue& catalogue,
-                           const std::function<ArchiveState(const CatalogueEntry&)>& stateOf) {
-    std::vector<Row> rows = {
-        {"Kind", "Ticked", "Locked", "Category", "Name", "Archive", "Present"}};
-    const auto add = [&](const char* kind, const std::vector<CatalogueEntry>& entries) {
-        for (const CatalogueEntry& entry : entries)
-            rows.push_back({kind, entry.enabled ? "yes" : "no", entry.lock ? "yes" : "no",
-                            entry.cat, entry.name, entry.zip, StateText(stateOf(entry))});
-    };
-    add("base", catalogue.baseComponents);
-    add("plug-in", catalogue.plugins);
+std::string CatalogueTable(
+    const Catalogue& catalogue,
+    const std::function<ArchiveState(const CatalogueEntry&, const EntryPlace&)>& stateOf) {
+    std::vector<Row> rows = {{"Kind", "Ticked", "Locked", "Category", "Name", "Archive", "State"}};
+    for (const EntryList list : {EntryList::BaseComponents, EntryList::Plugins}) {
+        EntryPlace place{list, 0};
+        for (const CatalogueEntry& entry : EntriesOf(catalogue, list)) {
+            rows.push_back({list == EntryList::Plugins ? "plug-in" : "base",
+                            entry.enabled ? "yes" : "no", entry.lock ? "yes" : "no", entry.cat,
+                            entry.name, entry.zip,
+                            ArchiveWords(entry, place, stateOf(entry, place))});
+            ++place.index;
+        }
+    }
 
     std::array<std::size_t, kColumns> widths{};
     for (const Row& row : rows) {

@@ -1,4 +1,3 @@
-#include "archive/clsCRC.h"
 #include "base/Failure.h"
 #include "base/Trace.h"
 #include "base/UniqueHandle.h"
@@ -7,6 +6,7 @@
 #include "base/modText.h"
 #include "base/modWide.h"
 #include "build/clsBuildRun.h"
+#include "catalogue/clsProgramArchives.h"
 #include "catalogue/modCatalogueFile.h"
 #include "console/CatalogueTable.h"
 #include "console/ConsoleFrontEnd.h"
@@ -40,37 +40,33 @@ enum ExitCode : int {
     kProgramFailed = 70,
 };
 
-void Tick(std::vector<CatalogueEntry>& entries, const std::string& name, bool enabled,
-          Terminal& terminal, bool& found) {
-    for (CatalogueEntry& entry : entries) {
-        if (!EqualNoCase(entry.name, name))
-            continue;
-        found = true;
-        if (!entry.lock)
-            entry.enabled = enabled;
-        else if (entry.enabled != enabled)
-            terminal.Complain("\"" + entry.name + "\" is locked and stays " +
-                              (entry.enabled ? "ticked" : "unticked"));
-    }
+void Tick(CatalogueEntry& entry, EntryList list, bool enabled, Terminal& terminal) {
+    if (!entry.lock)
+        entry.enabled = enabled;
+    else if (entry.enabled != enabled)
+        terminal.Complain("\"" + entry.name + "\" is locked and stays " +
+                          (entry.enabled ? "ticked" : "unticked"));
+    if (!enabled && list == EntryList::BaseComponents)
+        terminal.Complain("\"" + entry.name +
+                          "\" is a base component: the build installs it whether it is ticked or "
+                          "not");
 }
 
 void TickAll(Catalogue& catalogue, const std::vector<std::string>& names, bool enabled,
              Terminal& terminal) {
     for (const std::string& name : names) {
         bool found = false;
-        Tick(catalogue.baseComponents, name, enabled, terminal, found);
-        Tick(catalogue.plugins, name, enabled, terminal, found);
+        for (const EntryList list : {EntryList::BaseComponents, EntryList::Plugins}) {
+            for (CatalogueEntry& entry : EntriesOf(catalogue, list)) {
+                if (!EqualNoCase(entry.name, name))
+                    continue;
+                found = true;
+                Tick(entry, list, enabled, terminal);
+            }
+        }
         if (!found)
             throw UsageError("the catalogue has no component or plug-in named \"" + name + "\"");
     }
-}
-
-ArchiveState StateOf(const std::string& programPath, const CatalogueEntry& entry) {
-    const std::string archive = programPath + entry.zip;
-    if (!FileExists(archive))
-        return ArchiveState::Missing;
-    return clsCRC().CalculateFile(archive) == entry.crc ? ArchiveState::Good
-                                                        : ArchiveState::CrcDiffers;
 }
 
 /// The Windows source as the options name it, and what it tells.
@@ -122,7 +118,7 @@ int RunBuild(const ConsoleOptions& options, const std::string& programPath, Cata
     if (const std::string refusal = CatalogueRefusal(catalogue, isRead); !refusal.empty())
         throw UsageError(load.sentence.empty() ? refusal : load.sentence);
     if (!isRead && !options.partial)
-        throw UsageError(load.sentence + ": --partial builds with what could be read");
+        throw UsageError(load.sentence + " --partial builds with what could be read.");
     if (!load.sentence.empty())
         terminal.Complain(load.sentence);
     TickAll(catalogue, options.enable, true, terminal);
@@ -140,18 +136,19 @@ int RunBuild(const ConsoleOptions& options, const std::string& programPath, Cata
     return ExitCodeOf(outcome, frontEnd.HasProblems() || !isRead || !Terminal::OutputIsWhole());
 }
 
-/// Prints what would go wrong in a build, a line each.
-/// @param unread what of the file could not be read; empty when all of it was
+/// Prints what would go wrong in a build, a line each, or what the check vouches for.
 int PrintProblems(const std::string& programPath, const Catalogue& catalogue,
-                  const std::string& unread, Terminal& terminal) {
-    if (!unread.empty())
-        terminal.PrintLine(unread);
-    const auto problems = CheckCatalogueFile(programPath, catalogue);
-    for (const CatalogueProblem& problem : problems)
-        terminal.PrintLine(problem.Line());
-    if (!unread.empty() || !problems.empty())
+                  const CatalogueLoad& load, Terminal& terminal) {
+    if (!load.sentence.empty())
+        terminal.PrintLine(load.sentence);
+    if (load.state == CatalogueState::Absent)
         return kDoneWithWarnings;
-    terminal.PrintLine("Nothing to mend.");
+    const CatalogueCheck check = CheckCatalogueFile(programPath, catalogue);
+    for (const CatalogueProblem& problem : check.problems)
+        terminal.PrintLine(problem.Line());
+    if (load.state != CatalogueState::Whole || !check.problems.empty())
+        return kDoneWithWarnings;
+    terminal.PrintLine(check.Verdict());
     return kDone;
 }
 
@@ -173,16 +170,16 @@ int RunAction(const ConsoleOptions& options, Terminal& terminal) {
     Catalogue catalogue;
     const CatalogueLoad load = LoadCatalogueReporting(programPath, catalogue);
     if (options.action == ConsoleOptions::Action::Check)
-        return PrintProblems(programPath, catalogue, load.sentence, terminal);
+        return PrintProblems(programPath, catalogue, load, terminal);
     if (options.action == ConsoleOptions::Action::Build)
         return RunBuild(options, programPath, catalogue, load, terminal);
     if (!load.sentence.empty())
         terminal.Complain(load.sentence);
-    std::fputs(
-        CatalogueTable(catalogue,
-                       [&](const CatalogueEntry& entry) { return StateOf(programPath, entry); })
-            .c_str(),
-        stdout);
+    clsProgramArchives archives(programPath);
+    const auto stateOf = [&](const CatalogueEntry& entry, const EntryPlace& place) {
+        return JudgeArchive(entry, place, archives.Facts(entry.zip));
+    };
+    std::fputs(CatalogueTable(catalogue, stateOf).c_str(), stdout);
     return load.state == CatalogueState::Whole ? kDone : kDoneWithWarnings;
 }
 

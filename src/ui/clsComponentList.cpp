@@ -1,7 +1,6 @@
 #include "ui/clsComponentList.h"
 
 #include "base/Failure.h"
-#include "base/modFile.h"
 #include "ui/ScopeFlag.h"
 #include "ui/frmItems.h"
 #include "ui/modColumns.h"
@@ -17,6 +16,8 @@ namespace vesk {
 namespace {
 
 constexpr DWORD kDoubleBuffer = 0x00010000; // LVS_EX_DOUBLEBUFFER
+constexpr UINT_PTR kCheckTimer = 0x5643;    // none of the list's own
+constexpr UINT kCheckPause = 10;            // milliseconds between two archives, for other events
 constexpr int kTitleMargin = 16; // pixels at 96 DPI on both sides of a column's title together
 constexpr int kTextMargin = 6;   // pixels at 96 DPI between a column's widest text and the next one
 constexpr int kTipWidth = 420;   // pixels at 96 DPI, for long addresses
@@ -49,10 +50,13 @@ int FittingWidth(HWND list, int column) {
 } // namespace
 
 clsComponentList::clsComponentList(Kind kind, Catalogue& catalogue, std::string programPath)
-    : kind_(kind), catalogue_(catalogue), programPath_(std::move(programPath)) {}
+    : kind_(kind),
+      catalogue_(catalogue),
+      programPath_(std::move(programPath)),
+      archives_(programPath_) {}
 
 std::vector<CatalogueEntry>& clsComponentList::Entries() const {
-    return kind_ == Kind::Plugins ? catalogue_.plugins : catalogue_.baseComponents;
+    return EntriesOf(catalogue_, kind_);
 }
 
 int clsComponentList::LineCount() const {
@@ -63,25 +67,27 @@ const CatalogueEntry& clsComponentList::EntryAt(int line) const {
     return Entries().at(static_cast<std::size_t>(line));
 }
 
-ArchivePlace clsComponentList::StateAt(int line) const {
-    const CatalogueEntry& entry = EntryAt(line);
-    return FindArchivePlace(entry, FileExists(programPath_ + entry.zip));
+EntryPlace clsComponentList::PlaceAt(int line) const {
+    return {kind_, static_cast<std::size_t>(line)};
 }
 
-void clsComponentList::OpenSelected() const {
+ArchiveState clsComponentList::StateAt(int line) const {
+    const CatalogueEntry& entry = EntryAt(line);
+    return JudgeArchive(entry, PlaceAt(line), archives_.Known(entry.zip));
+}
+
+void clsComponentList::OpenSelected() {
     const int line = ListView_GetNextItem(list_, -1, LVNI_SELECTED);
     if (line >= 0)
-        frmItems(catalogue_, EntryAt(line), programPath_).Show(list_);
+        frmItems(catalogue_, PlaceAt(line), archives_).Show(list_);
 }
 
 void clsComponentList::Attach(HWND list) {
     list_ = list;
     ListView_SetExtendedListViewStyle(list_,
                                       LVS_EX_CHECKBOXES | LVS_EX_FULLROWSELECT | kDoubleBuffer);
-    mouse_.Attach(list_, [this](UINT message, WPARAM, LPARAM lparam) -> std::optional<LRESULT> {
-        if (message == WM_MOUSEMOVE)
-            FollowMouse({static_cast<short>(LOWORD(lparam)), static_cast<short>(HIWORD(lparam))});
-        return std::nullopt;
+    events_.Attach(list_, [this](UINT message, WPARAM wparam, LPARAM lparam) {
+        return OnListMessage(message, wparam, lparam);
     });
     note_.Attach(list_, kind_ == Kind::Plugins ? "The catalogue holds no plug-ins."
                                                : "The catalogue holds no base components.");
@@ -89,6 +95,15 @@ void clsComponentList::Attach(HWND list) {
     AddColumns();
     Fill();
     FitColumns();
+}
+
+std::optional<LRESULT> clsComponentList::OnListMessage(UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message == WM_MOUSEMOVE)
+        FollowMouse({static_cast<short>(LOWORD(lparam)), static_cast<short>(HIWORD(lparam))});
+    if (message != WM_TIMER || wparam != kCheckTimer)
+        return std::nullopt;
+    CheckNextArchive();
+    return 0;
 }
 
 void clsComponentList::AddColumns() {
@@ -127,10 +142,45 @@ void clsComponentList::Fill() {
 }
 
 void clsComponentList::RefreshStates() {
+    const auto lines = static_cast<std::size_t>(LineCount());
+    states_.resize(lines);
+    stateTexts_.resize(lines);
+    for (int line = 0; line < LineCount(); ++line) {
+        states_[static_cast<std::size_t>(line)] = StateAt(line);
+        ShowState(line);
+    }
+    nextToCheck_ = 0;
+    SetTimer(list_, kCheckTimer, kCheckPause, nullptr);
+}
+
+void clsComponentList::ShowState(int line) {
+    const auto index = static_cast<std::size_t>(line);
+    const std::string text = StateText(EntryAt(line), PlaceAt(line), states_[index]);
+    if (stateTexts_[index] == text)
+        return;
     const ScopeFlag guard(filling_);
-    const int column = kind_ == Kind::Plugins ? 3 : 2;
-    for (int line = 0; line < LineCount(); ++line)
-        SetCell(list_, line, column, StateText(EntryAt(line), StateAt(line)));
+    stateTexts_[index] = text;
+    SetCell(list_, line, kind_ == Kind::Plugins ? 3 : 2, text);
+}
+
+/// Computes one checksum. A list that is hidden, as during a build, waits until it is shown again.
+void clsComponentList::CheckNextArchive() {
+    const auto isUnchecked = [this](int line) {
+        return states_[static_cast<std::size_t>(line)] == ArchiveState::Unchecked;
+    };
+    while (nextToCheck_ < LineCount() && !isUnchecked(nextToCheck_))
+        ++nextToCheck_;
+    const bool done = nextToCheck_ >= LineCount();
+    if (done || !IsWindowVisible(list_)) {
+        KillTimer(list_, kCheckTimer);
+        if (done)
+            FitColumns();
+        return;
+    }
+    const CatalogueEntry& entry = EntryAt(nextToCheck_);
+    states_[static_cast<std::size_t>(nextToCheck_)] =
+        JudgeArchive(entry, PlaceAt(nextToCheck_), archives_.Facts(entry.zip));
+    ShowState(nextToCheck_++);
 }
 
 void clsComponentList::FitColumns() {
@@ -177,7 +227,7 @@ std::optional<LRESULT> clsComponentList::HandleNotify(const NMHDR& header) {
 }
 
 /// A double click on a check box only ticks twice.
-void clsComponentList::OnDoubleClick(POINT position) const {
+void clsComponentList::OnDoubleClick(POINT position) {
     LVHITTESTINFO hit{};
     hit.pt = position;
     ListView_HitTest(list_, &hit);
@@ -199,6 +249,9 @@ void clsComponentList::Walk() {
     } catch (const Failure&) {
         RefuseBehind(static_cast<int>(kMostLines));
     }
+    // A tick may change what a build does about an archive.
+    for (int line = 0; line < LineCount(); ++line)
+        ShowState(line);
 }
 
 /// The lines that the walk does not reach show what the catalogue says, and so what is built.
@@ -256,7 +309,8 @@ void clsComponentList::FollowMouse(POINT position) {
 
 void clsComponentList::AnswerTip(NMTTDISPINFOA& info) {
     const bool onLine = tipLine_ >= 0 && tipLine_ < LineCount();
-    tipText_ = onLine ? EntryTip(EntryAt(tipLine_), StateAt(tipLine_)) : std::string();
+    tipText_ =
+        onLine ? EntryTip(EntryAt(tipLine_), PlaceAt(tipLine_), StateAt(tipLine_)) : std::string();
     if (onLine) // the column may be too narrow for it
         tipText_ = EntryAt(tipLine_).name + "\r\n" + tipText_;
     info.lpszText = tipText_.data();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "catalogue/Catalogue.h"
+#include "catalogue/clsProgramArchives.h"
 #include "ui/clsListNote.h"
 #include "ui/clsSubclass.h"
 #include "ui/modWizardText.h"
@@ -20,7 +21,7 @@ namespace vesk {
 /// double click opens the item view.
 class clsComponentList {
 public:
-    enum class Kind { BaseComponents, Plugins };
+    using Kind = EntryList;
 
     /// @param catalogue outlives the list; its entries take over the ticks
     clsComponentList(Kind kind, Catalogue& catalogue, std::string programPath);
@@ -32,25 +33,30 @@ public:
     std::optional<LRESULT> HandleNotify(const NMHDR& header);
 
     /// Shows the selected entry in the item view.
-    void OpenSelected() const;
+    void OpenSelected();
 
     /// Fits the columns to the list's width.
     void FitColumns();
 
     [[nodiscard]] int LineCount() const;
 
-    /// Reads anew which archives lie in the program folder.
+    /// Reads anew which archives lie in the program folder. Their checksums follow one by one while
+    /// the list is shown, so that the window stays alive.
     void RefreshStates();
 
 private:
     [[nodiscard]] const CatalogueEntry& EntryAt(int line) const;
-    [[nodiscard]] ArchivePlace StateAt(int line) const;
+    [[nodiscard]] EntryPlace PlaceAt(int line) const;
+    [[nodiscard]] ArchiveState StateAt(int line) const;
     [[nodiscard]] std::vector<CatalogueEntry>& Entries() const;
     void AddColumns();
     void Fill();
     void Walk();
+    void ShowState(int line);
+    void CheckNextArchive();
+    std::optional<LRESULT> OnListMessage(UINT message, WPARAM wparam, LPARAM lparam);
     void RefuseBehind(int line);
-    void OnDoubleClick(POINT position) const;
+    void OnDoubleClick(POINT position);
     LRESULT Draw(const NMLVCUSTOMDRAW& draw) const;
     void AttachTip();
     void FollowMouse(POINT position);
@@ -59,8 +65,12 @@ private:
     Kind kind_;
     Catalogue& catalogue_;
     std::string programPath_;
+    clsProgramArchives archives_;
+    std::vector<ArchiveState> states_;    ///< Of each line, as it was last looked at.
+    std::vector<std::string> stateTexts_; ///< What the state column shows.
+    int nextToCheck_ = 0;                 ///< The first line whose checksum may be missing.
     HWND list_ = nullptr;
-    clsSubclass mouse_;
+    clsSubclass events_;
     clsListNote note_;
     HWND tip_ = nullptr; ///< Owned by the list's window, which destroys it.
     int tipLine_ = -1;

@@ -1,8 +1,11 @@
 #include "ui/clsEntryFrame.h"
 
 #include "archive/clsCRC.h"
+#include "base/modFile.h"
+#include "base/modText.h"
 #include "ui/ScopeFlag.h"
 #include "ui/frmBrowse.h"
+#include "ui/modEnable.h"
 #include "ui/modWindow.h"
 #include "ui/resources/ids.h"
 
@@ -14,19 +17,21 @@ namespace vesk {
 
 namespace {
 
-/// First numbers of the frame's control arrays, and its browse button.
+constexpr const char* kTitle = "Browse for File";
+
+/// First numbers of the frame's control arrays, and its buttons.
 struct FrameIds {
     int text;
     int combo;
-    int browse;
+    int add, remove, browse, up, down;
 };
 
 FrameIds IdsOf(clsEntryFrame::Kind kind) {
-    constexpr int kBrowseBase = 2;
-    constexpr int kBrowsePlugin = 5;
-    return kind == clsEntryFrame::Kind::Plugins
-               ? FrameIds{IDC_TXT_BASE_PLUGIN, IDC_CMB_BASE_PLUGIN, IDC_CMD_BUTTONS + kBrowsePlugin}
-               : FrameIds{IDC_TXT_BASE, IDC_CMB_BASE, IDC_CMD_BUTTONS + kBrowseBase};
+    constexpr int kFirst = IDC_CMD_BUTTONS; // of an array that both frames share
+    if (kind == EntryList::Plugins)
+        return {IDC_TXT_BASE_PLUGIN, IDC_CMB_BASE_PLUGIN, kFirst + 3, kFirst + 4,
+                kFirst + 5,          kFirst + 8,          kFirst + 9};
+    return {IDC_TXT_BASE, IDC_CMB_BASE, kFirst, kFirst + 1, kFirst + 2, kFirst + 6, kFirst + 7};
 }
 
 /// A member of the text array and the field it edits.
@@ -88,7 +93,7 @@ void clsEntryFrame::AddTips(const clsToolTips& tips) const {
     tips.Add(ids.text + kChecksum,
              "Checksum of the archive, upper-case hexadecimal without leading zeros");
     tips.Add(ids.text + kAddress,
-             "Where the archive is downloaded from; several addresses are parted by commas");
+             "Where the archive is downloaded from; commas separate several addresses");
     tips.Add(ids.combo + kEnabled, "Whether the wizard offers it ticked");
     tips.Add(ids.combo + kLocked, "Whether the tick cannot be changed in the wizard");
 }
@@ -97,7 +102,21 @@ void clsEntryFrame::Show() {
     const ScopeFlag showing(showing_);
     SetComboItems(Combo(kSelector), Entries().Names());
     SetComboSelection(Combo(kSelector), Entries().Selected());
+    WidenSelector();
     ShowFields();
+}
+
+/// The selector's list shows whole names, also those that the closed box cuts.
+void clsEntryFrame::WidenSelector() const {
+    constexpr std::size_t kManyLetters = 60; // a longer one is not measured: the screen has an end
+    std::string longest;
+    for (const CatalogueEntry& entry : Entries().Entries()) {
+        if (entry.name.size() > longest.size())
+            longest = entry.name;
+    }
+    const int width = TextWidth(Combo(kSelector), longest.substr(0, kManyLetters)) +
+                      2 * GetSystemMetrics(SM_CXVSCROLL);
+    SendMessageA(Combo(kSelector), CB_SETDROPPEDWIDTH, static_cast<WPARAM>(width), 0);
 }
 
 void clsEntryFrame::ShowFields() {
@@ -127,7 +146,15 @@ void clsEntryFrame::EnableFields(bool enabled) const {
         EnableWindow(Text(text.index), enabled);
     for (const int combo : {kEnabled, kLocked, kCategory})
         EnableWindow(Combo(combo), enabled);
-    EnableWindow(GetDlgItem(dialog_, IdsOf(kind_).browse), enabled);
+    EnableControl(GetDlgItem(dialog_, IdsOf(kind_).browse), enabled, Combo(kSelector));
+}
+
+void clsEntryFrame::EnableButtons() const {
+    const FrameIds ids = IdsOf(kind_);
+    const auto button = [this](int id) { return GetDlgItem(dialog_, id); };
+    EnableControl(button(ids.remove), Entries().CanRemove(), button(ids.add));
+    EnablePair(button(ids.up), Entries().CanMoveUp(), button(ids.down), Entries().CanMoveDown(),
+               button(ids.add));
 }
 
 void clsEntryFrame::GoTo(std::size_t index) {
@@ -176,12 +203,43 @@ void clsEntryFrame::Remove() {
 }
 
 void clsEntryFrame::Browse() {
-    const std::string path =
-        frmBrowse(dialog_).ChooseFile("Browse for File", "*.zip;*.cab", programPath_);
+    std::string path = frmBrowse(dialog_).ChooseFile(kTitle, "*.zip;*.cab", programPath_);
+    if (!path.empty())
+        path = BroughtHere(path);
     if (path.empty())
         return;
+    const std::string crc = [&] {
+        const WaitCursor wait;
+        return clsCRC().CalculateFile(path);
+    }();
+    if (crc.empty())
+        ShowMessage(dialog_, path + "\r\nis empty or cannot be read: it has no checksum.", kTitle,
+                    MB_OK | MB_ICONWARNING);
+    Entries().TakeArchive(path, crc);
+}
+
+/// A build finds archives in the program folder only: one from elsewhere can be copied there.
+/// @return the path to take, or an empty text when the user thinks better of it
+std::string clsEntryFrame::BroughtHere(const std::string& path) const {
+    if (EqualNoCase(WithTrailingBackslash(ParentOf(path)), programPath_))
+        return path;
+    std::string here = programPath_ + FileNameOf(path);
+    const std::string replaced =
+        FileExists(here) ? "\r\nThe file of that name that is there now is replaced." : "";
+    const int answer =
+        ShowMessage(dialog_,
+                    path +
+                        "\r\nis not in the program folder, where a build looks for it. Copy it "
+                        "there ?" +
+                        replaced,
+                    kTitle, MB_YESNOCANCEL | MB_ICONQUESTION);
+    if (answer == IDNO)
+        return path;
+    if (answer != IDYES)
+        return {};
     const WaitCursor wait;
-    Entries().TakeArchive(path, clsCRC().CalculateFile(path));
+    CopyFileOver(path, here); // a failure is shown by the dialog
+    return here;
 }
 
 bool clsEntryFrame::HandleField(int id, int notification) {

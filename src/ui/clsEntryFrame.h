@@ -14,7 +14,7 @@ namespace vesk {
 /// takes over at once what the user changes in them.
 class clsEntryFrame {
 public:
-    enum class Kind { BaseComponents, Plugins };
+    using Kind = EntryList;
     enum class Action { Add, Remove, Browse, MoveUp, MoveDown };
 
     /// @param editor outlives the frame
@@ -37,6 +37,9 @@ public:
     /// @return false when the control is none of them
     bool HandleField(int id, int notification);
 
+    /// Enables those of the frame's buttons that would do something.
+    void EnableButtons() const;
+
     /// Place of the selected entry in its list, for people.
     [[nodiscard]] std::string PlaceText() const;
 
@@ -53,6 +56,8 @@ private:
     bool HandleCombo(int index);
     void Remove();
     void Browse();
+    [[nodiscard]] std::string BroughtHere(const std::string& path) const;
+    void WidenSelector() const;
 
     Kind kind_;
     clsCatalogueEditor& editor_;

@@ -12,20 +12,14 @@ namespace {
 
 constexpr int kLineMargin = 8; // pixels at 96 DPI behind the widest line
 
-SIZE ClientSize(HWND window) {
-    RECT client{};
-    GetClientRect(window, &client);
-    return {client.right, client.bottom};
-}
-
 } // namespace
 
-frmCheck::frmCheck(std::vector<CatalogueProblem> problems) : problems_(std::move(problems)) {}
+frmCheck::frmCheck(CatalogueCheck check)
+    : problems_(std::move(check.problems)), verdict_(check.Verdict()) {}
 
 std::optional<EntryPlace> frmCheck::Show(HWND owner) {
     if (problems_.empty())
-        ShowMessage(owner, "Nothing to mend: a build can work with this catalogue as it is.",
-                    "Check", MB_OK | MB_ICONINFORMATION);
+        ShowMessage(owner, verdict_, "Check", MB_OK | MB_ICONINFORMATION);
     else
         RunModal(owner, IDD_CHECK);
     return chosen_;
@@ -33,10 +27,10 @@ std::optional<EntryPlace> frmCheck::Show(HWND owner) {
 
 void frmCheck::OnCreated() {
     SetWindowIcon(Window());
-    RECT whole{};
-    GetWindowRect(Window(), &whole);
-    smallest_ = {whole.right - whole.left, whole.bottom - whole.top};
-    client_ = ClientSize(Window());
+    layout_.Attach(Window());
+    layout_.Add(Control(IDC_LST_PROBLEMS), clsLayout::kGrowX | clsLayout::kGrowY);
+    for (const int id : {IDC_CMD_GO_TO, IDCANCEL})
+        layout_.Add(Control(id), clsLayout::kMoveX | clsLayout::kMoveY);
     const HWND list = Control(IDC_LST_PROBLEMS);
     int widest = 0;
     for (const CatalogueProblem& problem : problems_) {
@@ -47,7 +41,24 @@ void frmCheck::OnCreated() {
     SendMessageA(list, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(widest), 0);
     SendMessageA(list, LB_SETCURSEL, 0, 0);
     ShowWhereToGo();
+    GrowToLines(widest);
     CenterWindow(Window());
+}
+
+/// Makes the window as large as its lines need, as far as the screen goes.
+void frmCheck::GrowToLines(int widest) {
+    const HWND list = Control(IDC_LST_PROBLEMS);
+    const SIZE inside = InnerSize(list);
+    const LONG lineHeight = static_cast<LONG>(SendMessageA(list, LB_GETITEMHEIGHT, 0, 0));
+    const LONG wanted = lineHeight * static_cast<LONG>(problems_.size() + 1);
+    RECT whole{};
+    GetWindowRect(Window(), &whole);
+    const RECT work = WorkAreaOf(Window());
+    const LONG width = whole.right - whole.left + std::max<LONG>(0, widest - inside.cx);
+    const LONG height = whole.bottom - whole.top + std::max<LONG>(0, wanted - inside.cy);
+    SetWindowPos(Window(), nullptr, 0, 0, std::min(width, work.right - work.left),
+                 std::min(height, (work.bottom - work.top) * 3 / 4), SWP_NOMOVE | SWP_NOZORDER);
+    layout_.OnSize();
 }
 
 const CatalogueProblem* frmCheck::Selected() const {
@@ -78,27 +89,6 @@ void frmCheck::OnCommand(int id, int notification) {
         ShowWhereToGo();
 }
 
-/// The list takes the room that the window gains, the buttons stay in its corner.
-void frmCheck::OnSize() {
-    const SIZE now = ClientSize(Window());
-    if (client_.cx == 0 || now.cx == 0)
-        return; // not made yet, or minimised
-    const SIZE gain{now.cx - client_.cx, now.cy - client_.cy};
-    client_ = now;
-    const auto place = [&](int id, bool grows) {
-        RECT area{};
-        GetWindowRect(Control(id), &area);
-        MapWindowPoints(nullptr, Window(), reinterpret_cast<POINT*>(&area), 2);
-        const SIZE moved = grows ? SIZE{} : gain;
-        const SIZE grown = grows ? gain : SIZE{};
-        MoveWindow(Control(id), area.left + moved.cx, area.top + moved.cy,
-                   area.right - area.left + grown.cx, area.bottom - area.top + grown.cy, TRUE);
-    };
-    place(IDC_LST_PROBLEMS, true);
-    place(IDC_CMD_GO_TO, false);
-    place(IDCANCEL, false);
-}
-
 INT_PTR frmCheck::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
     switch (message) {
     case WM_INITDIALOG:
@@ -109,10 +99,10 @@ INT_PTR frmCheck::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
         OnCommand(LOWORD(wparam), HIWORD(wparam));
         return TRUE;
     case WM_SIZE:
-        OnSize();
+        layout_.OnSize();
         return TRUE;
     case WM_GETMINMAXINFO:
-        reinterpret_cast<MINMAXINFO*>(lparam)->ptMinTrackSize = {smallest_.cx, smallest_.cy};
+        layout_.LimitSize(*reinterpret_cast<MINMAXINFO*>(lparam));
         return TRUE;
     default:
         return FALSE;

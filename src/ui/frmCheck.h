@@ -2,8 +2,10 @@
 
 #include "catalogue/modCatalogueCheck.h"
 #include "ui/clsDialog.h"
+#include "ui/clsLayout.h"
 
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace vesk {
@@ -11,7 +13,7 @@ namespace vesk {
 /// Lists what would go wrong in a build, a line each; the user can go from a line to its entry.
 class frmCheck : public clsDialog {
 public:
-    explicit frmCheck(std::vector<CatalogueProblem> problems);
+    explicit frmCheck(CatalogueCheck check);
 
     /// Shows the list, or says that it is empty. @return the entry that the user wants to see
     std::optional<EntryPlace> Show(HWND owner);
@@ -20,15 +22,15 @@ private:
     INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;
     void OnCreated();
     void OnCommand(int id, int notification);
-    void OnSize();
+    void GrowToLines(int widest);
     void ShowWhereToGo() const;
     void GoTo();
     [[nodiscard]] const CatalogueProblem* Selected() const;
 
     std::vector<CatalogueProblem> problems_;
+    std::string verdict_; ///< What is said when there are none.
     std::optional<EntryPlace> chosen_;
-    SIZE smallest_{}; ///< The dialog's size as it was made, frame included.
-    SIZE client_{};   ///< Size of its inside when the controls were last placed.
+    clsLayout layout_;
 };
 
 } // namespace vesk

@@ -1,33 +1,21 @@
 #include "ui/frmItems.h"
 
-#include "archive/clsCRC.h"
-#include "base/modFile.h"
 #include "base/modText.h"
 #include "ui/modReadOnlyText.h"
 #include "ui/modWizardText.h"
 #include "ui/resources/ids.h"
 
-#include <utility>
-
 namespace vesk {
 
-frmItems::frmItems(const Catalogue& catalogue, const CatalogueEntry& entry, std::string programPath)
-    : entry_(entry),
-      category_(CategoryTitle(catalogue, entry)),
-      programPath_(std::move(programPath)) {}
+frmItems::frmItems(const Catalogue& catalogue, const EntryPlace& place,
+                   clsProgramArchives& archives)
+    : place_(place),
+      entry_(EntriesOf(catalogue, place.list).at(place.index)),
+      category_(CategoryTitle(catalogue, entry_)),
+      archives_(archives) {}
 
 void frmItems::Show(HWND owner) {
     RunModal(GetAncestor(owner, GA_ROOT), IDD_ITEMS);
-}
-
-std::string frmItems::ArchiveSentence() const {
-    const std::string archive = programPath_ + entry_.zip;
-    if (!FileExists(archive))
-        return entry_.url.empty() ? "missing, and there is no address to download it from"
-                                  : "not there yet; the build downloads it";
-    return clsCRC().CalculateFile(archive) == entry_.crc
-               ? "there, and its CRC-32 is right"
-               : "there, but its CRC-32 differs: the build will skip it";
 }
 
 void frmItems::OnCreated() {
@@ -44,10 +32,9 @@ void frmItems::OnCreated() {
     show(IDC_TXT_ITEM_ARCHIVE, entry_.zip, "none");
     show(IDC_TXT_ITEM_CATEGORY, category_, "base component");
     show(IDC_TXT_ITEM_CRC, entry_.crc, "not given");
-    show(IDC_TXT_ITEM_STATE, ArchiveSentence(), "");
-    show(IDC_TXT_ITEM_TICK, entry_.enabled ? "yes" : "no", "");
-    if (entry_.lock)
-        show(IDC_TXT_ITEM_TICK, entry_.enabled ? "yes, always (locked)" : "no, never (locked)", "");
+    const ArchiveState state = JudgeArchive(entry_, place_, archives_.Facts(entry_.zip));
+    show(IDC_TXT_ITEM_STATE, ArchiveSentence(entry_, place_, state), "");
+    show(IDC_TXT_ITEM_TICK, InBuildText(entry_, place_.list), "");
     show(IDC_TXT_ITEM_URL, ReplaceAll(entry_.url, ",", "\r\n"), "none");
     ShowWholeName();
     MakePlainText(address_, Control(IDC_TXT_ITEM_URL));

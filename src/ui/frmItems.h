@@ -1,6 +1,7 @@
 #pragma once
 
 #include "catalogue/Catalogue.h"
+#include "catalogue/clsProgramArchives.h"
 #include "ui/clsDialog.h"
 #include "ui/clsSubclass.h"
 #include "ui/modWindow.h"
@@ -12,8 +13,9 @@ namespace vesk {
 /// Shows all that the catalogue says of one entry, and whether its archive is there and good.
 class frmItems : public clsDialog {
 public:
-    /// @param entry may go while the dialog is open: it is copied
-    frmItems(const Catalogue& catalogue, const CatalogueEntry& entry, std::string programPath);
+    /// @param place of the entry, which is copied: it may go while the dialog is open
+    /// @param archives outlives the dialog
+    frmItems(const Catalogue& catalogue, const EntryPlace& place, clsProgramArchives& archives);
 
     void Show(HWND owner);
 
@@ -21,11 +23,11 @@ private:
     INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;
     void OnCreated();
     void ShowWholeName() const;
-    [[nodiscard]] std::string ArchiveSentence() const;
 
+    EntryPlace place_;
     CatalogueEntry entry_;
     std::string category_;
-    std::string programPath_;
+    clsProgramArchives& archives_;
     GdiHandle nameFont_;
     clsSubclass name_;
     clsSubclass address_;

@@ -1,17 +1,21 @@
 #include "ui/frmSetup.h"
 
-#include "base/modFile.h"
+#include "archive/clsCRC.h"
 #include "base/modSpecialFolder.h"
 #include "catalogue/modCatalogueFile.h"
 #include "ui/ScopeFlag.h"
+#include "ui/frmCategories.h"
 #include "ui/frmCheck.h"
 #include "ui/modBand.h"
+#include "ui/modContrast.h"
+#include "ui/modEnable.h"
 #include "ui/resources/ids.h"
 
 #include <commctrl.h>
 
 #include <algorithm>
 #include <array>
+#include <initializer_list>
 
 namespace vesk {
 
@@ -43,12 +47,9 @@ constexpr std::array<EntryButton, 10> kEntryButtons{{{kBase, Action::Add},
 
 constexpr std::array<int, 3> kActionIds{IDC_CMD_APPLY, IDC_CMD_DISCARD, IDCANCEL};
 
-Catalogue Load(const std::string& programPath, std::string& unread) {
+Catalogue Load(clsCatalogueFile& file, CatalogueLoad& load) {
     Catalogue catalogue;
-    unread = LoadCatalogueReporting(programPath, catalogue).sentence;
-    // Without a file the user begins an empty catalogue.
-    if (!FileExists(programPath + kCatalogueFileName))
-        unread.clear();
+    load = file.Load(catalogue);
     return catalogue;
 }
 
@@ -56,7 +57,8 @@ Catalogue Load(const std::string& programPath, std::string& unread) {
 
 frmSetup::frmSetup(const ProgramPaths& paths)
     : paths_(paths),
-      editor_(Load(paths.programPath, unread_)),
+      file_(paths.programPath),
+      editor_(Load(file_, load_)),
       baseFrame_(kBase, editor_, paths.programPath),
       pluginFrame_(kPlugin, editor_, paths.programPath),
       logoSmall_(IDR_LOGO_SMALL) {}
@@ -65,11 +67,31 @@ void frmSetup::Show() {
     Create(nullptr, IDD_SETUP);
     ShowWindow(Window(), SW_SHOW);
     SetForegroundWindow(Window());
-    if (!unread_.empty())
+    if (!load_.isThere)
+        return OfferBeginning();
+    if (!load_.sentence.empty())
         ShowMessage(Window(),
-                    unread_ + ".\r\n\r\nOnly what could be read is shown. Apply would write the "
-                              "file without the rest.",
+                    load_.sentence + "\r\n\r\nOnly what could be read is shown. Apply asks before "
+                                     "it writes over the rest.",
                     kTitle, MB_OK | MB_ICONWARNING);
+}
+
+/// Who has no catalogue yet need not know which categories PE Builder's own plug-ins expect.
+void frmSetup::OfferBeginning() {
+    Catalogue beginning = BeginnersCatalogue(CategoryCaption);
+    const std::string folder = beginning.installFolder;
+    if (ShowMessage(Window(),
+                    "There is no catalogue in the program folder yet.\r\n\r\nBegin with PE Builder "
+                    "as the first base component, the categories of its own plug-ins and the "
+                    "installation folder '" +
+                        folder + "' ? Nothing is written before Apply.",
+                    kTitle, MB_YESNO | MB_ICONQUESTION) != IDYES)
+        return;
+    for (CatalogueEntry& entry : beginning.baseComponents)
+        entry.crc = clsCRC().CalculateFile(paths_.programPath + entry.zip);
+    editor_.Offer(beginning);
+    ShowAll();
+    ShowState("");
 }
 
 void frmSetup::Form_Load() {
@@ -86,9 +108,33 @@ void frmSetup::Form_Load() {
         Control(IDC_CMB_INSTALL_PATH),
         clsCatalogueEditor::InstallPathItems(SpecialFolderPath(SpecialFolder::ProgramFiles)));
     MatchHeight(Control(IDC_CMB_INSTALL_PATH), Control(IDC_TXT_FOLDER));
+    FollowSize();
     ShowAll();
+    ShowState("");
     CenterWindow(Window());
     SetFocus(Control(IDC_CMB_BASE));
+}
+
+/// Long names and addresses get the room that the window gains. Combo boxes keep theirs: with a new
+/// size they forget the height of their lists.
+void frmSetup::FollowSize() {
+    layout_.Attach(Window());
+    const auto follow = [this](unsigned how, std::initializer_list<int> ids) {
+        for (const int id : ids)
+            layout_.Add(Control(id), how);
+    };
+    constexpr int kAddress = 4;
+    constexpr int kChecksum = 5;
+    follow(clsLayout::kGrowX,
+           {IDC_LINE_SETUP_TOP, IDC_LINE_SETUP_BOTTOM, IDC_FRA_BASE, IDC_FRA_PLUGIN,
+            IDC_FRA_INSTALL, IDC_TXT_BASE, IDC_TXT_BASE + kAddress, IDC_TXT_BASE + kChecksum,
+            IDC_TXT_BASE_PLUGIN, IDC_TXT_BASE_PLUGIN + kAddress, IDC_TXT_BASE_PLUGIN + kChecksum,
+            IDC_LBL_STATE});
+    follow(clsLayout::kMoveX, {IDC_IMG_SETUP_LOGO, IDC_CMD_APPLY, IDC_CMD_DISCARD, IDCANCEL});
+    for (std::size_t index = 0; index < kEntryButtons.size(); ++index) {
+        if (kEntryButtons.at(index).action != Action::Browse)
+            follow(clsLayout::kMoveX, {IDC_CMD_BUTTONS + static_cast<int>(index)});
+    }
 }
 
 void frmSetup::AddTips() {
@@ -99,6 +145,7 @@ void frmSetup::AddTips() {
     }
     tips_.Add(IDC_TXT_FOLDER, "Name of the folder that a build makes in the installation path");
     tips_.Add(IDC_CMD_CHECK, "Lists what would go wrong in a build");
+    tips_.Add(IDC_CMD_CATEGORIES, "What the plug-in folder is divided into");
     tips_.Add(IDC_CMD_APPLY, "Writes the catalogue file");
     tips_.Add(IDC_CMD_DISCARD, "Drops all edits since the last Apply");
 }
@@ -114,19 +161,37 @@ void frmSetup::ShowAll() {
 void frmSetup::ShowState(const std::string& whenUnchanged) {
     SetText(Control(IDC_LBL_STATE),
             editor_.IsModified() ? "There are unsaved edits." : whenUnchanged);
+    EnableWhatWorks();
+}
+
+void frmSetup::EnableWhatWorks() {
+    baseFrame_.EnableButtons();
+    pluginFrame_.EnableButtons();
+    const bool modified = editor_.IsModified();
+    // A damaged file can be written anew as it is shown, without an edit.
+    const bool maySave = modified || !file_.IsWhole();
+    const HWND heir = lastField_ && IsWindowEnabled(lastField_) ? lastField_ : Control(IDCANCEL);
+    // The caret is to stay where it was: not through WM_NEXTDLGCTL, which selects the whole text.
+    if ((!maySave && GetFocus() == Control(IDC_CMD_APPLY)) ||
+        (!modified && GetFocus() == Control(IDC_CMD_DISCARD)))
+        SetFocus(heir);
+    EnableControl(Control(IDC_CMD_APPLY), maySave, heir);
+    EnableControl(Control(IDC_CMD_DISCARD), modified, heir);
 }
 
 bool frmSetup::Apply() {
+    const std::string loss = file_.LossBySaving();
+    if (!loss.empty() &&
+        ShowMessage(Window(), loss, kTitle, MB_YESNO | MB_ICONWARNING | MB_DEFBUTTON2) != IDYES)
+        return false;
     try {
         const WaitCursor wait;
-        editor_.Apply(
-            [this](const Catalogue& catalogue) { SaveCatalogue(paths_.programPath, catalogue); });
+        editor_.Apply([this](const Catalogue& catalogue) { file_.Save(catalogue); });
     } catch (const std::exception& failure) {
         ShowMessage(Window(), std::string("The catalogue could not be saved.\r\n") + failure.what(),
                     kTitle, MB_OK | MB_ICONERROR);
         return false;
     }
-    ShowAll();
     ShowState("Saved.");
     return true;
 }
@@ -189,16 +254,30 @@ void frmSetup::cmdActions_Click(int index) {
 }
 
 void frmSetup::cmdCheck_Click() {
-    std::vector<CatalogueProblem> problems;
+    CatalogueCheck check;
     {
         const WaitCursor wait;
-        problems = CheckCatalogue(editor_.Edited(), ArchivesIn(paths_.programPath));
+        check = CheckCatalogue(editor_.Edited(), ArchivesIn(paths_.programPath));
     }
-    if (const auto place = frmCheck(std::move(problems)).Show(Window()))
-        (place->isPlugin ? pluginFrame_ : baseFrame_).GoTo(place->index);
+    if (const auto place = frmCheck(std::move(check)).Show(Window()))
+        (place->list == EntryList::Plugins ? pluginFrame_ : baseFrame_).GoTo(place->index);
+}
+
+void frmSetup::cmdCategories_Click() {
+    if (!frmCategories(editor_).Show(Window()))
+        return;
+    pluginFrame_.Show();
+    ShowState("");
+}
+
+/// No button is the default one: Enter in a field goes on to the next field, and saves nothing.
+void frmSetup::OnEnter() {
+    SendMessageA(Window(), WM_NEXTDLGCTL, 0, FALSE);
 }
 
 bool frmSetup::OnField(int id, int notification) {
+    if (notification == EN_SETFOCUS || notification == CBN_SETFOCUS)
+        lastField_ = Control(id);
     if (showing_)
         return false;
     if (id == IDC_TXT_FOLDER && notification == EN_CHANGE)
@@ -218,6 +297,10 @@ void frmSetup::OnClick(int id) {
         return cmdButtons_Click(entryButton);
     if (id == IDC_CMD_CHECK)
         return cmdCheck_Click();
+    if (id == IDC_CMD_CATEGORIES)
+        return cmdCategories_Click();
+    if (id == IDOK)
+        return OnEnter();
     const auto* action = std::ranges::find(kActionIds, id);
     if (action != kActionIds.end())
         cmdActions_Click(static_cast<int>(action - kActionIds.begin()));
@@ -255,6 +338,16 @@ INT_PTR frmSetup::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
         if (auto& header = *reinterpret_cast<NMHDR*>(lparam); header.code == TTN_GETDISPINFOA)
             AnswerTip(header);
         return FALSE;
+    case WM_SIZE:
+        layout_.OnSize();
+        return TRUE;
+    case WM_GETMINMAXINFO: {
+        auto& info = *reinterpret_cast<MINMAXINFO*>(lparam);
+        layout_.LimitSize(info);
+        if (info.ptMinTrackSize.y > 0) // there is nothing that more height would show
+            info.ptMaxTrackSize.y = info.ptMinTrackSize.y;
+        return TRUE;
+    }
     case WM_CLOSE:
         Form_QueryUnload();
         return TRUE;
@@ -275,7 +368,10 @@ INT_PTR frmSetup::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
         }
     case WM_DRAWITEM: {
         const auto& item = *reinterpret_cast<const DRAWITEMSTRUCT*>(lparam);
-        logoSmall_.Paint(item.hDC, item.rcItem);
+        if (IsDark(GetSysColor(COLOR_WINDOW)))
+            FillRect(item.hDC, &item.rcItem, GetSysColorBrush(COLOR_WINDOW)); // drawn on white
+        else
+            logoSmall_.Paint(item.hDC, item.rcItem);
         return TRUE;
     }
     default:

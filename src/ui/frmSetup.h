@@ -1,9 +1,11 @@
 #pragma once
 
 #include "catalogue/clsCatalogueEditor.h"
+#include "catalogue/clsCatalogueFile.h"
 #include "startup/modMain.h"
 #include "ui/clsDialog.h"
 #include "ui/clsEntryFrame.h"
+#include "ui/clsLayout.h"
 #include "ui/clsToolTips.h"
 #include "ui/modPicture.h"
 #include "ui/modWindow.h"
@@ -34,15 +36,21 @@ private:
     bool OnField(int id, int notification);
     void AnswerTip(NMHDR& header);
 
+    void cmdCategories_Click();
+    void OnEnter();
+    void OfferBeginning();
+    void FollowSize();
     void AddTips();
     void ShowAll();
     void ShowState(const std::string& whenUnchanged);
+    void EnableWhatWorks();
     [[nodiscard]] bool Apply();
     void Discard();
     [[nodiscard]] bool MayLeave();
 
     ProgramPaths paths_;
-    std::string unread_; ///< What of the catalogue file could not be read.
+    clsCatalogueFile file_;
+    CatalogueLoad load_; ///< What was read of it.
     clsCatalogueEditor editor_;
     clsEntryFrame baseFrame_;
     clsEntryFrame pluginFrame_;
@@ -50,8 +58,10 @@ private:
     std::string tipText_;
     clsPictureView logoSmall_;
     GdiHandle headingFont_;
-    HWND movedBy_ = nullptr; ///< The button that moved an entry last.
-    bool showing_ = false;   ///< The settings change because they are shown, not by the user.
+    clsLayout layout_;
+    HWND lastField_ = nullptr; ///< The field that had the keyboard last.
+    HWND movedBy_ = nullptr;   ///< The button that moved an entry last.
+    bool showing_ = false;     ///< The settings change because they are shown, not by the user.
 };
 
 } // namespace vesk

@@ -4,6 +4,9 @@
 #include "net/modDownloadText.h"
 
 #include <algorithm>
+#include <array>
+#include <cctype>
+#include <cstdio>
 #include <vector>
 
 namespace vesk {
@@ -40,38 +43,31 @@ std::string SummaryText(const SummaryInputs& inputs) {
     return text;
 }
 
-ArchivePlace FindArchivePlace(const CatalogueEntry& entry, bool fileExists) {
-    if (fileExists)
-        return ArchivePlace::Present;
-    return entry.url.empty() ? ArchivePlace::Missing : ArchivePlace::ToDownload;
-}
-
-std::string StateText(const CatalogueEntry& entry, ArchivePlace place) {
-    const std::string text = place == ArchivePlace::Present      ? "Present"
-                             : place == ArchivePlace::ToDownload ? "To download"
-                                                                 : "Missing";
+std::string StateText(const CatalogueEntry& entry, const EntryPlace& place, ArchiveState state) {
+    std::string text = ArchiveWords(entry, place, state);
+    text[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(text[0])));
     return entry.lock ? text + ", locked" : text;
 }
 
-std::string EntryTip(const CatalogueEntry& entry, ArchivePlace place) {
+std::string EntryTip(const CatalogueEntry& entry, const EntryPlace& place, ArchiveState state) {
     std::string text = "Archive: " + entry.zip;
     for (const std::string& address : Split(entry.url, ','))
         text += kLineEnd + ("Address: " + TrimBlanks(address));
     text += kLineEnd + ("CRC-32: " + (entry.crc.empty() ? "not given" : entry.crc));
-    switch (place) {
-    case ArchivePlace::Present:
-        text += kLineEnd + std::string("The archive is in the program folder.");
-        break;
-    case ArchivePlace::ToDownload:
-        text += kLineEnd + std::string("The archive is not there yet and will be downloaded.");
-        break;
-    case ArchivePlace::Missing:
-        text += kLineEnd + std::string("The archive is missing from the program folder.");
-        break;
-    }
+    text += kLineEnd + ArchiveSentence(entry, place, state);
+    if (!entry.enabled && place.list == EntryList::BaseComponents)
+        text += kLineEnd + std::string("A build installs every base component, ticked or not.");
     if (entry.lock)
         text += kLineEnd + std::string("This entry is locked: its tick cannot be changed.");
     return text;
+}
+
+std::string InBuildText(const CatalogueEntry& entry, EntryList list) {
+    if (list == EntryList::BaseComponents && !entry.enabled)
+        return "yes: a build installs every base component, ticked or not";
+    if (entry.lock)
+        return entry.enabled ? "yes, always (locked)" : "no, never (locked)";
+    return entry.enabled ? "yes" : "no";
 }
 
 std::string RateText(double bytesPerSecond, std::int64_t secondsLeft) {
@@ -101,8 +97,8 @@ std::string InstallFolderOf(const std::string& fieldText) {
 }
 
 std::string CategoryTitle(const Catalogue& catalogue, const CatalogueEntry& entry) {
-    const auto found = std::ranges::find(catalogue.categories, entry.cat, &CategoryRecord::key);
-    return found == catalogue.categories.end() ? entry.cat : found->caption;
+    const CategoryRecord* const category = FindCategory(catalogue, entry.cat);
+    return category == nullptr ? entry.cat : category->caption;
 }
 
 } // namespace vesk

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "catalogue/Catalogue.h"
+#include "catalogue/ArchiveState.h"
 #include "net/DownloadProgress.h"
 
 #include <cstdint>
@@ -22,19 +22,15 @@ struct SummaryInputs {
 };
 std::string SummaryText(const SummaryInputs& inputs);
 
-/// Whether an entry's archive can be had.
-enum class ArchivePlace {
-    Present,    ///< It lies in the program folder.
-    ToDownload, ///< It does not, but there is an address: the build fetches it.
-    Missing,    ///< It does not, and nobody knows where it is.
-};
-ArchivePlace FindArchivePlace(const CatalogueEntry& entry, bool fileExists);
+/// What a build does about an entry's archive, in a few words for a list's column; a locked entry
+/// says so.
+std::string StateText(const CatalogueEntry& entry, const EntryPlace& place, ArchiveState state);
 
-/// One or two words for a list's column; a locked entry says so.
-std::string StateText(const CatalogueEntry& entry, ArchivePlace place);
+/// The tool tip of a line: archive, address, CRC, and what a build does about the archive.
+std::string EntryTip(const CatalogueEntry& entry, const EntryPlace& place, ArchiveState state);
 
-/// The tool tip of a line: archive, address, CRC and whether the archive is there.
-std::string EntryTip(const CatalogueEntry& entry, ArchivePlace place);
+/// Whether a build includes an entry, and why when its tick alone does not tell.
+std::string InBuildText(const CatalogueEntry& entry, EntryList list);
 
 /// Speed of a download and the time it still takes, each as far as known.
 /// @param secondsLeft negative while unknown

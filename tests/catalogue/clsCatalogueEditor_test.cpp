@@ -1,5 +1,7 @@
 #include "catalogue/clsCatalogueEditor.h"
 
+#include "catalogue/clsCategoryEditor.h"
+
 #include <doctest/doctest.h>
 
 #include <array>
@@ -100,11 +102,15 @@ TEST_CASE("edits wait for Apply, and Revert drops them") {
     clsCatalogueEditor editor(Sample());
     CHECK_FALSE(editor.IsModified());
     using Edit = void (*)(clsCatalogueEditor&);
-    const std::array<Edit, 4> edits = {
+    const std::array<Edit, 6> edits = {
         [](clsCatalogueEditor& e) { e.SetInstallFolder("other"); },
         [](clsCatalogueEditor& e) { e.SetInstallPathItem(1); },
         [](clsCatalogueEditor& e) { e.Base().MoveDown(); },
         [](clsCatalogueEditor& e) { e.Plugins().SetField(&CatalogueEntry::cat, "200"); },
+        [](clsCatalogueEditor& e) {
+            e.TakeCategories({{"x", "9", ""}}, true, {});
+        },
+        [](clsCatalogueEditor& e) { e.TakeCategories(e.Categories(), false, {}); },
     };
     for (const Edit edit : edits) {
         edit(editor);
@@ -114,17 +120,19 @@ TEST_CASE("edits wait for Apply, and Revert drops them") {
     }
     for (const Edit edit : edits)
         edit(editor);
+    editor.Plugins().Select(1);
     CHECK_THROWS(editor.Apply([](const Catalogue&) { throw std::runtime_error("disk full"); }));
     CHECK(editor.IsModified());
     Catalogue saved;
     editor.Apply([&](const Catalogue& catalogue) { saved = catalogue; });
     CHECK_FALSE(editor.IsModified());
-    CHECK(editor.Base().Selected() == 0);
+    CHECK(editor.Base().Selected() == 1); // it was moved, and stays
+    CHECK(editor.Plugins().Selected() == 1);
     CHECK(saved.installFolder == "other");
     CHECK(saved.installPathFlag == "1");
     CHECK(saved.plugins.at(0).cat == "200");
-    CHECK(saved.categories == Sample().categories);
-    CHECK(saved.showCategories);
+    CHECK(saved.categories == std::vector<CategoryRecord>{{"x", "9", ""}});
+    CHECK_FALSE(saved.showCategories);
     editor.SetInstallFolder("third");
     editor.Revert();
     CHECK(editor.InstallFolder() == "other");
@@ -159,4 +167,78 @@ TEST_CASE("the category combo keeps a key that no category has") {
     CHECK(CategoryItem{}.Text() == "(none)");
     editor.Plugins().Select(kNone);
     CHECK(editor.CategoryItemIndex() == -1);
+}
+
+TEST_CASE("a list without entries keeps an empty one: the file counts by position") {
+    const clsCatalogueEditor editor{Catalogue()};
+    CHECK_FALSE(editor.IsModified());
+    CHECK(editor.Edited().baseComponents == std::vector<CatalogueEntry>{CatalogueEntry()});
+    CHECK(editor.Edited().plugins == std::vector<CatalogueEntry>{CatalogueEntry()});
+}
+
+TEST_CASE("what the buttons of a frame would do something for") {
+    clsEntryEditor editor;
+    editor.Load({CatalogueEntry()});
+    CHECK_FALSE(editor.CanRemove());
+    CHECK_FALSE(editor.CanMoveUp());
+    CHECK_FALSE(editor.CanMoveDown());
+    editor.Load(Sample().baseComponents);
+    CHECK(editor.CanRemove());
+    CHECK_FALSE(editor.CanMoveUp());
+    CHECK(editor.CanMoveDown());
+    editor.Select(2);
+    CHECK(editor.CanMoveUp());
+    CHECK_FALSE(editor.CanMoveDown());
+    editor.Select(kNone);
+    CHECK_FALSE(editor.CanRemove());
+    CHECK_FALSE(editor.CanMoveUp());
+    CHECK_FALSE(editor.CanMoveDown());
+}
+
+TEST_CASE("plug-ins follow the keys of their categories, also two that change places") {
+    const auto join = [](const std::string& value, const std::string& key) {
+        return value + "/" + key;
+    };
+    clsCategoryEditor categories(Sample().categories, join);
+    CHECK(categories.OriginalKey() == "100");
+    categories.SetKey("200");
+    CHECK(categories.Current()->caption == "100_system/200");
+    categories.MoveDown();
+    CHECK_FALSE(categories.CanMoveDown());
+    categories.Select(0);
+    categories.SetKey("100");
+    categories.SetValue("v");
+    categories.Add();
+    CHECK(categories.OriginalKey().empty());
+    categories.SetKey("300");
+    CHECK(categories.Renames() ==
+          std::map<std::string, std::string>{{"100", "200"}, {"200", "100"}});
+    CHECK(categories.Categories() ==
+          std::vector<CategoryRecord>{
+              {"v", "100", "v/100"}, {"100_system", "200", "100_system/200"}, {"", "300", "/300"}});
+
+    // Where two came under one key, the one that still has it keeps its plug-ins.
+    clsCategoryEditor twins({{"v", "1", ""}, {"w", "1", ""}}, join);
+    twins.SetKey("2");
+    CHECK(twins.Renames().empty());
+
+    Catalogue catalogue = Sample();
+    catalogue.plugins.push_back(Entry("r", false, "200"));
+    clsCatalogueEditor editor(catalogue);
+    CHECK(editor.PluginsIn("100") == 1);
+    editor.Plugins().Select(2);
+    editor.TakeCategories(categories.Categories(), false, categories.Renames());
+    const Catalogue edited = editor.Edited();
+    CHECK(edited.plugins[0].cat == "200");
+    CHECK(edited.plugins[1].cat == "gone");
+    CHECK(edited.plugins[2].cat == "100");
+    CHECK(editor.Plugins().Selected() == 2);
+    categories.Remove();
+    CHECK(categories.Selected() == 1);
+    categories.Remove();
+    categories.Remove();
+    CHECK(categories.Selected() == kNone);
+    categories.Remove();
+    categories.SetKey("nowhere");
+    CHECK(categories.Categories().empty());
 }

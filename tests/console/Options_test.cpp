@@ -53,10 +53,11 @@ TEST_CASE("the catalogue as a table") {
     catalogue.baseComponents = {{"Base", "b.zip", "", true, true, "", "1"}};
     catalogue.plugins = {{"A longer name", "p.cab", "100", false, false, "", "2"}};
     CHECK(CatalogueTable(catalogue,
-                         [](const CatalogueEntry& entry) {
+                         [](const CatalogueEntry& entry, const EntryPlace& place) {
+                             CHECK(place.index == 0);
                              return entry.lock ? ArchiveState::Good : ArchiveState::CrcDiffers;
                          }) ==
-          "Kind     Ticked  Locked  Category  Name           Archive  Present\n"
+          "Kind     Ticked  Locked  Category  Name           Archive  State\n"
           "base     yes     yes               Base           b.zip    good\n"
           "plug-in  no      no      100       A longer name  p.cab    CRC differs\n");
 }

@@ -99,23 +99,32 @@ class Console(ProgramTest):
         code, lines, errors = self.build("--enable", "Locked")
         self.assertIn('"Locked" is locked and stays unticked', errors)
         self.assertNotIn("   Locked", lines)
+        # A tick that has no effect is not taken in silence.
+        _, lines, errors = self.build("--yes", "--disable", "PE Builder")
+        self.assertIn('"PE Builder" is a base component: the build installs it', errors)
+        _, lines, errors = self.build("--yes", "--disable", "One")
+        self.assertNotIn("base component", errors)
 
     def test_check(self):
         self.write_small_catalogue()
         code, lines, errors = self.run_program("--check")
         self.assertEqual((code, errors), (1, ""))
-        self.assertEqual(
-            [line.split(": ")[0] for line in lines], ["categories"] * 3, lines)
+        self.assertEqual([line.split(": ")[0] for line in lines],
+                         ["categories"] * 3 + ['plug-in "Locked"'], lines)
+        self.assertIn("there is no address to download it from", lines[-1])
         crc = zip_bytes(self.program / "two.zip", {"two.inf": "x"})
         categories = [(key, key + "_x") for key in ("100", "200", "300", "500")]
         entry = ["Two", "two.zip", "100", 1, 0, "", crc]
         self.write_catalogue([("PE Builder", "pebuilder3110a.zip", "", 1, 1, "", zip_bytes(
             self.program / "pebuilder3110a.zip", {"pebuilder.exe": "x"}))], [entry], categories)
-        self.assertEqual(self.run_program("--check"), (0, ["Nothing to mend."], ""))
+        code, lines, errors = self.run_program("--check")
+        self.assertEqual((code, len(lines), errors), (0, 1, ""))
+        self.assertIn("2 archives are present with the right CRC-32", lines[0])
         (self.program / "two.zip").write_bytes(b"damaged")
         code, lines, errors = self.run_program("--check", "--quiet")
         self.assertEqual((code, len(lines), errors), (1, 1, ""))
-        self.assertTrue(lines[0].startswith('plug-in "Two": "two.zip" is present'), lines)
+        self.assertTrue(lines[0].startswith(
+            f'plug-in "Two": "two.zip": CRC-32 "{crc}" expected, '), lines)
         catalogue = self.program / "veskbuilder.ini"
         catalogue.write_text(catalogue.read_text().replace("Lock0=0", "Lock0=maybe"))
         code, lines, errors = self.run_program("--check")
@@ -123,32 +132,40 @@ class Console(ProgramTest):
         self.assertIn('key Lock0: "maybe"', lines[0])
 
     def test_unreadable_catalogues(self):
-        code, lines, errors = self.build("--yes")
-        self.assertEqual((code, lines), (64, []))
-        self.assertIn("veskbuilder.ini: there is no such file", errors)
-        self.write_small_catalogue()
-        catalogue = self.program / "veskbuilder.ini"
-        whole = catalogue.read_text()
-        for damaged, words in ((whole.replace("Enabled1=0", "Enabled1=maybe"), 'key Enabled1: "maybe"'),
-                               (whole.replace("Enabled0=1", "Enabled0=maybe"), 'key Enabled0: "maybe"')):
-            catalogue.write_text(damaged)
-            kept = contents_below(self.program)
-            code, lines, errors = self.build("--yes")
+        self.tree.mkdir()
+        kept = self.tree / "kept.txt"
+        kept.write_text("x")
+
+        def refused(words, *arguments):
+            code, lines, errors = self.build("--yes", "--replace-foreign", *arguments)
             self.assertEqual((code, lines), (64, []))
             self.assertIn(words, errors)
-            self.assertEqual(contents_below(self.program), kept)
-        catalogue.write_text(whole.replace("Enabled1=0", "Enabled1=maybe"))
-        self.assertIn("--partial", self.build("--yes")[2])
-        code, lines, errors = self.build("--yes", "--partial")
+            self.assertIn("-setup", errors)
+            self.assertTrue(kept.exists())
+            code, lines, _ = self.run_program("--check")
+            self.assertEqual(code, 1)
+            self.assertIn(words, lines[0])
+
+        refused("veskbuilder.ini: there is no such file. Start veskbuilder.exe -setup")
+        catalogue = self.program / "veskbuilder.ini"
+        catalogue.write_text("")
+        refused("veskbuilder.ini: it is empty", "--partial")
+        self.write_small_catalogue()
+        text = catalogue.read_text()
+        catalogue.write_text(text.replace("CRC0=", "CRC0", 1))  # PE Builder's would be unknown
+        refused("is no key")
+        catalogue.write_text(text.replace("Enabled1=0", "Enabled1=maybe"))
+        refused('key Enabled1: "maybe"')
+        code, lines, errors = self.build("--yes", "--replace-foreign", "--partial")
         self.assertEqual(code, 1)
         self.assertIn('key Enabled1: "maybe"', errors)
         self.assertIn("   One", lines)
         self.assertTrue((self.tree / "pebuilder.exe").exists())
-        catalogue.write_text(whole.replace("Enabled0=1", "Enabled0=maybe", 1))
-        kept = contents_below(self.program)
+        catalogue.write_text(text.replace("Enabled0=1", "Enabled0=maybe", 1))
+        files = contents_below(self.program)
         self.assertEqual(self.build("--yes", "--partial")[0], 64)
-        self.assertEqual(contents_below(self.program), kept)
-        catalogue.write_text(whole.split("[Base]")[0])
+        self.assertEqual(contents_below(self.program), files)
+        catalogue.write_text(text.split("[Base]")[0])
         self.assertEqual(self.build("--yes", "--partial")[0], 64)
 
     def test_problems_are_kept_beside_the_log(self):
@@ -190,6 +207,15 @@ class Console(ProgramTest):
         self.assertEqual((code, lines), (64, []))
         self.assertRegex(errors, r"Another build is at work in .*: veskbuild.exe, process \d+")
         self.assertEqual(self.build("--yes", "--disable", "Far")[0], 0)
+
+    def test_program_folder_outside_the_code_page(self):
+        self.write_small_catalogue()
+        self.program = self.program.rename(self.folder / "\u03a9\u0416")
+        for action in ("--list", "--check"):
+            code, lines, errors = self.run_program(action)
+            self.assertEqual(code, 1)
+            self.assertIn("the name of the program's folder", "".join(lines) + errors)
+        self.assertEqual(self.run_program("--yes")[0], 64)
 
     def test_help_and_version(self):
         code, lines, _ = self.run_program("--help")

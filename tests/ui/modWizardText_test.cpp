@@ -39,14 +39,22 @@ TEST_CASE("a tool tip tells where the archive is and comes from") {
     entry.url = "http://a/one.zip, http://b/one.zip";
     entry.crc = "12AB";
     entry.lock = true;
-    CHECK(EntryTip(entry, FindArchivePlace(entry, false)) ==
+    const EntryPlace place{EntryList::Plugins, 0};
+    CHECK(EntryTip(entry, place, ArchiveState::ToDownload) ==
           "Archive: one.zip\r\nAddress: http://a/one.zip\r\nAddress: http://b/one.zip\r\n"
-          "CRC-32: 12AB\r\nThe archive is not there yet and will be downloaded.\r\n"
+          "CRC-32: 12AB\r\nThe archive is not there yet: the build downloads it.\r\n"
           "This entry is locked: its tick cannot be changed.");
-    CHECK(StateText(entry, FindArchivePlace(entry, true)) == "Present, locked");
-    entry.url.clear();
+    CHECK(StateText(entry, place, ArchiveState::Good) == "Good, locked");
     entry.lock = false;
-    CHECK(StateText(entry, FindArchivePlace(entry, false)) == "Missing");
+    CHECK(StateText(entry, place, ArchiveState::ToDownload) == "To download");
+    entry.enabled = false;
+    CHECK(StateText(entry, place, ArchiveState::ToDownload) == "Missing, downloaded if ticked");
+    CHECK(InBuildText(entry, EntryList::Plugins) == "no");
+    // A base component comes into the build whatever its tick.
+    const EntryPlace base{EntryList::BaseComponents, 1};
+    CHECK(StateText(entry, base, ArchiveState::Good) == "Good, built though unticked");
+    CHECK(EntryTip(entry, base, ArchiveState::Good).ends_with("ticked or not."));
+    CHECK(InBuildText(entry, base.list).starts_with("yes"));
 }
 
 TEST_CASE("the installation folder has no trailing backslash, a whole drive keeps it") {

@@ -1,0 +1,52 @@
+#include "catalogue/clsCatalogueFile.h"
+
+#include "base/modFile.h"
+
+#include <windows.h>
+
+#include <utility>
+
+namespace vesk {
+
+namespace {
+
+bool IsEmptyFile(const std::string& path) {
+    WIN32_FILE_ATTRIBUTE_DATA data{};
+    return GetFileAttributesExA(path.c_str(), GetFileExInfoStandard, &data) != 0 &&
+           data.nFileSizeHigh == 0 && data.nFileSizeLow == 0;
+}
+
+} // namespace
+
+clsCatalogueFile::clsCatalogueFile(std::string programPath)
+    : programPath_(std::move(programPath)) {}
+
+CatalogueLoad clsCatalogueFile::Load(Catalogue& catalogue) {
+    held_ = ReadWholeFile(Path());
+    CatalogueLoad load = LoadCatalogueReporting(programPath_, catalogue);
+    state_ = load.state;
+    mayLose_ = state_ != CatalogueState::Whole && load.isThere && !IsEmptyFile(Path());
+    return load;
+}
+
+std::string clsCatalogueFile::LossBySaving() const {
+    if (!FileExists(Path()))
+        return {};
+    if (ReadWholeFile(Path()) != held_)
+        return "The catalogue's file was changed by another program since it was read here. Write "
+               "over it ?";
+    if (mayLose_)
+        return "Not all of the catalogue's file could be read. What was not read is lost when it "
+               "is "
+               "written anew. Write it ?";
+    return {};
+}
+
+void clsCatalogueFile::Save(const Catalogue& catalogue) {
+    SaveCatalogue(programPath_, catalogue);
+    held_ = ReadWholeFile(Path());
+    state_ = CatalogueState::Whole;
+    mayLose_ = false;
+}
+
+} // namespace vesk

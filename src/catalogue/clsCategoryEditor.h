@@ -1,0 +1,70 @@
+#pragma once
+
+#include "catalogue/Catalogue.h"
+
+#include <cstddef>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace vesk {
+
+/// A working copy of the catalogue's categories. It remembers under which key each one came, so
+/// that plug-ins can follow a key that became another.
+class clsCategoryEditor {
+public:
+    static constexpr int kNoSelection = -1;
+
+    /// Derives a category's title from its folder and key.
+    using CaptionOf = std::function<std::string(const std::string& value, const std::string& key)>;
+
+    clsCategoryEditor(const std::vector<CategoryRecord>& categories, CaptionOf captionOf);
+
+    [[nodiscard]] std::vector<CategoryRecord> Categories() const;
+
+    /// Index of the selected category, or kNoSelection.
+    [[nodiscard]] int Selected() const { return selected_; }
+    [[nodiscard]] const CategoryRecord* Current() const;
+
+    /// Key under which the selected category came; empty for a new one and without a selection.
+    [[nodiscard]] std::string OriginalKey() const;
+
+    /// Selects a category; an index outside the list selects none.
+    void Select(int index);
+
+    /// Appends an empty category and selects it.
+    void Add();
+
+    /// Removes the selected category and selects its neighbour, as long as there is one.
+    void Remove();
+
+    [[nodiscard]] bool CanMoveUp() const { return selected_ > 0; }
+    [[nodiscard]] bool CanMoveDown() const;
+
+    /// Exchanges the selected category with its neighbour, if there is one; it stays selected.
+    void MoveUp();
+    void MoveDown();
+
+    /// Change the selected category, and with it the title.
+    void SetKey(const std::string& key);
+    void SetValue(const std::string& value);
+
+    /// The keys that became others: from the one that came to the one that it is now.
+    [[nodiscard]] std::map<std::string, std::string> Renames() const;
+
+private:
+    struct Row {
+        CategoryRecord record;
+        std::string original;
+    };
+
+    Row* CurrentRow();
+    void MoveTo(int index);
+
+    CaptionOf captionOf_;
+    std::vector<Row> rows_;
+    int selected_ = kNoSelection;
+};
+
+} // namespace vesk

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "catalogue/ArchiveState.h"
+
+#include <cstdint>
+#include <map>
+#include <string>
+
+namespace vesk {
+
+/// The archives in the program folder. A checksum is computed once for as long as the file stays
+/// the same, by its size and its time.
+class clsProgramArchives {
+public:
+    /// @param programPath ends in "\"
+    explicit clsProgramArchives(std::string programPath);
+
+    /// What is known of an archive at once: without a checksum when that would have to be computed.
+    /// @param name file name as an entry has it
+    [[nodiscard]] ArchiveFacts Known(const std::string& name) const;
+
+    /// All of it. Reads the whole file when nobody has asked before.
+    [[nodiscard]] ArchiveFacts Facts(const std::string& name);
+
+private:
+    /// What tells one content of a file from the next.
+    struct Stamp {
+        std::uint64_t size = 0;
+        std::uint64_t written = 0;
+
+        bool operator==(const Stamp&) const = default;
+    };
+    struct Checksum {
+        Stamp stamp;
+        std::string crc;
+    };
+
+    [[nodiscard]] std::optional<Stamp> StampOf(const std::string& name) const;
+
+    std::string programPath_;
+    std::map<std::string, Checksum> checksums_;
+};
+
+} // namespace vesk

@@ -1,0 +1,41 @@
+#include "catalogue/modAddress.h"
+
+#include <algorithm>
+
+namespace vesk {
+
+namespace {
+
+bool IsControlOrBlank(char c) {
+    constexpr unsigned char kDelete = 0x7F;
+    const auto byte = static_cast<unsigned char>(c);
+    return byte <= ' ' || byte == kDelete;
+}
+
+bool IsHostCharacter(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '.' ||
+           c == '-' || c == '_';
+}
+
+} // namespace
+
+std::string AddressFault(std::string_view address) {
+    constexpr std::string_view kScheme = "http://";
+    if (std::ranges::any_of(address, IsControlOrBlank))
+        return "it contains a blank or a control character";
+    const bool hasScheme = address.starts_with(kScheme);
+    if (hasScheme)
+        address.remove_prefix(kScheme.size());
+    const std::string_view host = address.substr(0, address.find('/'));
+    if (!hasScheme && address.find("://") != std::string_view::npos)
+        return "only \"http://\" in lower case is understood";
+    if (host.empty())
+        return "there is no host";
+    if (host.find('@') != std::string_view::npos)
+        return "user names are not understood";
+    if (host.find(':') != std::string_view::npos)
+        return "port 80 is used and no other can be named";
+    return std::ranges::all_of(host, IsHostCharacter) ? "" : "its host is no name of a computer";
+}
+
+} // namespace vesk

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vesk {
+
+/// One key of an INI text.
+struct IniKey {
+    std::string name;
+    std::string value; ///< Without the blanks, and one pair of quotes, around it.
+
+    bool operator==(const IniKey&) const = default;
+};
+
+/// One section, with its keys in their order.
+struct IniSection {
+    std::string name;
+    std::vector<IniKey> keys;
+
+    bool operator==(const IniSection&) const = default;
+};
+
+/// A text of the INI form, taken apart in one pass.
+struct IniText {
+    std::vector<IniSection> sections;
+
+    /// Nothing in the text could be read in another way: the profile functions of every system
+    /// read it exactly so. When false, only they know how they read it.
+    bool isPlain = true;
+
+    /// The first thing that is lost on a reader: a line that is no section, key or comment, or a
+    /// name that stands twice. A sentence without a full stop; empty when there is nothing.
+    std::string lost;
+};
+
+/// What the profile functions hold: characters of a value, of the list of section names, and of
+/// the list of a section's keys; each list with the NULs that end its names.
+inline constexpr std::size_t kLongestIniValue = 254;
+inline constexpr std::size_t kLongestSectionList = 254;
+inline constexpr std::size_t kLongestKeyList = 131071;
+
+/// Takes an INI text apart.
+IniText ParseIni(std::string_view text);
+
+/// Length of the name list that the profile functions would return.
+std::size_t SectionListLength(const std::vector<IniSection>& sections);
+std::size_t KeyListLength(const IniSection& section);
+
+} // namespace vesk

@@ -1,0 +1,90 @@
+#include "catalogue/modIniText.h"
+
+#include "TestFolder.h"
+#include "catalogue/modCatalogueFile.h"
+
+#include <random>
+
+using namespace vesk;
+using vesk::test::TestFolder;
+
+namespace {
+
+/// Lines that a catalogue has, and lines that readers stumble over.
+const std::vector<std::string> kOrdinary = {
+    "[a]",        "[Bb]",    "k=v", "n=x y ",  "m=",    "o= 1", "; [c]", "",
+    "p=\xE4\xDF", "q=a=b;c", "[d]", "r=t\"u'", "[e e]", "s=]",  "t=[x]"};
+const std::vector<std::string> kOdd = {
+    "[a] ",    "[A]", " k=1",   "k =2",  "K=3",   "u=\"q\"", "u='q",  "junk",  "=v",     "[open",
+    "x\ty=\t", "[]",  "v=\xA0", "[f]]x", "[ g ]", ";=",      " ; no", "a;b=1", "w=\"\"", "[h]i=j"};
+
+std::string RandomText(std::mt19937& random, bool withOdd) {
+    std::string text;
+    const std::size_t lines = random() % 9;
+    for (std::size_t i = 0; i < lines; ++i) {
+        const bool odd = withOdd && random() % 4 == 0;
+        const auto& from = odd ? kOdd : kOrdinary;
+        text += from[random() % from.size()];
+        if (random() % 6 == 0)
+            text += std::string(random() % 300, 'z');
+        text += i + 1 == lines && random() % 2 == 0 ? "" : random() % 3 == 0 ? "\n" : "\r\n";
+    }
+    return text;
+}
+
+} // namespace
+
+TEST_CASE("what is read at once is what the system's own functions read, key by key") {
+    const TestFolder folder;
+    std::mt19937 random(20060504);
+    int plain = 0;
+    for (int round = 0; round < 600; ++round) {
+        const std::string text = RandomText(random, round % 3 == 0);
+        const std::string path = folder.Write("r" + std::to_string(round) + ".ini", text);
+        const IniText ini = ParseIni(text);
+        if (!ini.isPlain)
+            continue;
+        ++plain;
+        CAPTURE(text);
+        REQUIRE(ReadSectionsThroughSystem(path) == ini.sections);
+    }
+    CHECK(plain > 100); // else nothing was compared
+
+    Catalogue catalogue;
+    catalogue.installFolder = "a b";
+    for (int i = 0; i < 40; ++i) {
+        const std::string name = "T\xE4" + std::string(random() % 250, 'n') + ";[=]";
+        catalogue.plugins.push_back({name, "a.zip", "1", random() % 2 == 0, false, "h/x, y", "0"});
+    }
+    catalogue.baseComponents = catalogue.plugins;
+    SaveCatalogue(folder.Path() + "\\", catalogue);
+    const IniText written = ParseIni(ReadWholeFile(folder / kCatalogueFileName));
+    CHECK(written.isPlain); // what the editor writes needs no second reading
+    CHECK(ReadSectionsThroughSystem(folder / kCatalogueFileName) == written.sections);
+}
+
+TEST_CASE("a text is plain only when nobody can read it in another way") {
+    CHECK(ParseIni("[a]\r\nk=v \r\n").isPlain);
+    CHECK(ParseIni("").isPlain);
+    for (const std::string& text : {
+             std::string("[a]\r\nk=v\r\nk=w\r\n"),
+             std::string("[a]\r\n[A]\r\n"),
+             std::string("[a]\r\nk=\"v\"\r\n"),
+             std::string("[a]\r\nk=v\0\r\n", 9),
+             std::string("[a]\rk=v"),
+             "[a]\r\nk=" + std::string(255, 'x'),
+             "[" + std::string(255, 'x') + "]",
+             std::string("k=v"),
+             std::string("[a]\r\nk =v"),
+             std::string(" [a]\r\n"),
+             std::string("\xEF\xBB\xBF[a]"),
+             std::string("[a]\r\n \xE4=1"),
+         }) {
+        CAPTURE(text);
+        CHECK_FALSE(ParseIni(text).isPlain);
+    }
+    std::string many = "[a]\r\n";
+    for (int i = 0; i < 20000; ++i)
+        many += "key" + std::to_string(i) + "=\r\n";
+    CHECK_FALSE(ParseIni(many).isPlain);
+}
