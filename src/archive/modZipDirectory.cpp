@@ -2,8 +2,10 @@
 
 #include "archive/ByteReader.h"
 #include "archive/modZipJudge.h"
+#include "archive/modZipRecovery.h"
 
 #include <algorithm>
+#include <array>
 
 namespace vesk {
 
@@ -111,7 +113,7 @@ struct Directory {
 };
 
 /// The last end record that leads to a directory: a comment may hold bytes that look like one.
-Directory FindDirectory(Bytes archive) {
+std::optional<Directory> FindDirectory(Bytes archive) {
     if (archive.size() >= kEndSize) {
         const std::size_t last = archive.size() - kEndSize;
         const std::size_t first = last > kLongestComment ? last - kLongestComment : 0;
@@ -122,10 +124,30 @@ Directory FindDirectory(Bytes archive) {
             if (!end)
                 continue;
             if (const auto start = DirectoryStart(archive, *end))
-                return {std::move(*end), *start};
+                return Directory{std::move(*end), *start};
         }
     }
-    throw ZipProblem("no central directory: not a ZIP archive, or its end is missing");
+    return std::nullopt;
+}
+
+/// What the members' own headers tell, for an archive that was cut off.
+ZipDirectory WithoutDirectory(Bytes archive) {
+    ZipDirectory directory;
+    directory.members = MembersByLocalHeaders(archive);
+    if (directory.members.empty())
+        throw ZipProblem("no central directory: not a ZIP archive, or its end is missing");
+    directory.problem = "its end is missing or damaged; only what was found without it, " +
+                        std::to_string(directory.members.size()) + " members, is extracted";
+    JudgeMembers(archive, directory.members);
+    return directory;
+}
+
+/// Moves on to what looks like a record. @return false when there is nothing more
+bool FindRecord(Bytes& rest) {
+    constexpr std::array kMark = {std::byte{'P'}, std::byte{'K'}, std::byte{1}, std::byte{2}};
+    const auto found = std::ranges::search(rest, kMark).begin();
+    rest = rest.subspan(static_cast<std::size_t>(found - rest.begin()));
+    return !rest.empty();
 }
 
 /// Reads one record; false when it runs off the directory's end.
@@ -147,12 +169,14 @@ bool ReadMember(ByteReader& reader, ZipMember& member) {
     reader.Skip(2); // internal attributes
     member.externalAttributes = reader.U32();
     member.headerAt = reader.U32();
+    // Asked before anything is copied: there may be many headings of records that are none.
+    if (reader.Left() < std::size_t{nameSize} + extraSize + commentSize)
+        return false;
     member.name = reader.Text(nameSize);
     const auto extra = reader.Bytes(extraSize);
     reader.Skip(commentSize);
-    if (!reader.Ok())
-        return false;
     member.encoding = EncodingOf(member, host);
+    member.folder = IsFolderEntry(member, host);
     ApplyExtraFields(extra, member, disk);
     if (disk != 0)
         member.refusal = "lies on another disk of the archive";
@@ -162,7 +186,10 @@ bool ReadMember(ByteReader& reader, ZipMember& member) {
 } // namespace
 
 ZipDirectory ReadZipDirectory(Bytes archive) {
-    Directory found = FindDirectory(archive);
+    std::optional<Directory> located = FindDirectory(archive);
+    if (!located)
+        return WithoutDirectory(archive);
+    Directory& found = *located;
     if (found.end.spansDisks)
         throw ZipProblem("one part of an archive that spans several disks");
     ZipDirectory directory;
@@ -170,13 +197,15 @@ ZipDirectory ReadZipDirectory(Bytes archive) {
     // Offsets count from the archive's own first byte; unsigned arithmetic may wrap here, what
     // comes out is compared with the file's size before it is used.
     const std::uint64_t shift = found.start - found.end.directoryOffset;
-    ByteReader reader(
-        archive.subspan(static_cast<std::size_t>(found.start),
-                        static_cast<std::size_t>(found.end.directoryEnd - found.start)));
-    while (reader.Left() >= 4 && reader.U32() == kMemberSignature) {
+    Bytes rest = archive.subspan(static_cast<std::size_t>(found.start),
+                                 static_cast<std::size_t>(found.end.directoryEnd - found.start));
+    while (FindRecord(rest)) { // behind a damaged record the next one may be whole
         ZipMember member;
-        if (!ReadMember(reader, member))
-            break;
+        ByteReader reader(rest.subspan(4));
+        const bool whole = ReadMember(reader, member);
+        rest = whole ? rest.last(reader.Left()) : rest.subspan(4);
+        if (!whole)
+            continue;
         member.headerAt += shift;
         directory.members.push_back(std::move(member));
     }
