@@ -1,6 +1,5 @@
 #include "archive/clsMappedArchive.h"
 
-#include "base/modFile.h"
 #include "base/modSystemError.h"
 #include "base/modWide.h"
 
@@ -9,8 +8,8 @@
 namespace vesk {
 
 clsMappedArchive::clsMappedArchive(const std::string& path)
-    : file_(CreateFileW(LongPath(AbsolutePath(path)).c_str(), GENERIC_READ, FILE_SHARE_READ,
-                        nullptr, OPEN_EXISTING, 0, nullptr)) {
+    : file_(CreateFileW(AbsoluteLongPath(path).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                        OPEN_EXISTING, 0, nullptr)) {
     LARGE_INTEGER size{};
     if (!file_ || GetFileSizeEx(file_.Get(), &size) == 0)
         ThrowLastError("cannot open", path);

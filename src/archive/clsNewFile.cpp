@@ -27,6 +27,14 @@ void CheckReplaceable(const std::wstring& path) {
         throw ZipProblem("a folder stands in its place");
 }
 
+/// A file that is in use is refused to a move without saying so.
+DWORD WhyNotReplaced(const std::wstring& path, DWORD error) {
+    const FileHandle file(
+        CreateFileW(path.c_str(), DELETE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                    nullptr, OPEN_EXISTING, FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+    return !file && GetLastError() == ERROR_SHARING_VIOLATION ? ERROR_SHARING_VIOLATION : error;
+}
+
 } // namespace
 
 std::uint32_t SetTimes(HANDLE handle, const FileStamp& stamp) {
@@ -110,7 +118,7 @@ void clsNewFile::MoveIntoPlace() {
         SetFileAttributesW(finalPath_.c_str(), FILE_ATTRIBUTE_NORMAL);
     if (MoveFileExW(path_.c_str(), finalPath_.c_str(), MOVEFILE_REPLACE_EXISTING) != 0)
         return;
-    const DWORD error = GetLastError();
+    const DWORD error = WhyNotReplaced(finalPath_, GetLastError());
     if (readOnly) // it stays as it was
         SetFileAttributesW(finalPath_.c_str(), old);
     ThrowSystemError(error, "cannot replace", Narrowed(WithoutLongPrefix(finalPath_)));

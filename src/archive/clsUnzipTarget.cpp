@@ -1,8 +1,6 @@
 #include "archive/clsUnzipTarget.h"
 
-#include "base/modFile.h"
 #include "base/modSystemError.h"
-#include "base/modText.h"
 #include "base/modWide.h"
 
 #include <algorithm>
@@ -100,8 +98,9 @@ FileStamp StampMaker::Of(const ZipMember& member) const {
     return stamp;
 }
 
-clsUnzipTarget::clsUnzipTarget(const std::string& folder)
-    : folder_(LongPath(WithoutTrailingBackslash(AbsolutePath(folder)))) {
+clsUnzipTarget::clsUnzipTarget(const std::string& folder) : folder_(AbsoluteLongPath(folder)) {
+    while (folder_.ends_with(L'\\'))
+        folder_.pop_back();
     CreateWithParents(folder_);
 }
 

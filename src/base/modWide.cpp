@@ -1,5 +1,7 @@
 #include "base/modWide.h"
 
+#include "base/modSystemError.h"
+
 #include <windows.h>
 
 namespace vesk {
@@ -68,6 +70,19 @@ std::wstring LongPath(std::wstring_view absolute) {
 
 std::wstring LongPath(std::string_view absolute) {
     return LongPath(Widen(absolute));
+}
+
+std::wstring AbsoluteLongPath(std::string_view path) {
+    std::wstring wide = Widen(path);
+    if (wide.size() == 2 && wide[1] == L':')
+        wide += L'\\';
+    std::wstring buffer(32768, L'\0'); // the system's own limit
+    const DWORD length =
+        GetFullPathNameW(wide.c_str(), static_cast<DWORD>(buffer.size()), buffer.data(), nullptr);
+    if (length == 0 || length >= buffer.size())
+        ThrowLastError("not a path:", std::string(path));
+    buffer.resize(length);
+    return LongPath(buffer);
 }
 
 std::wstring WithoutLongPrefix(std::wstring_view longPath) {

@@ -29,6 +29,10 @@ std::wstring AsAnsiSees(std::wstring_view wide);
 std::wstring LongPath(std::wstring_view absolute);
 std::wstring LongPath(std::string_view absolute);
 
+/// LongPath of the absolute form of a path of any length. A bare drive stands for its root.
+/// @throws Failure
+std::wstring AbsoluteLongPath(std::string_view path);
+
 /// The path that LongPath was made of.
 std::wstring WithoutLongPrefix(std::wstring_view longPath);
 
