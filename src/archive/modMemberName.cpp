@@ -110,7 +110,7 @@ Joined<Char> Join(std::basic_string_view<Char> folder, std::basic_string_view<Ch
         folder.remove_suffix(1);
     std::basic_string<Char> path(folder);
     path.reserve(folder.size() + 1 + name.size());
-    while (!name.empty()) {
+    for (std::size_t depth = 0; !name.empty();) {
         const auto end = std::ranges::find_if(name, IsSeparator<Char>);
         const auto size = static_cast<std::size_t>(end - name.begin());
         const std::basic_string_view<Char> part = name.substr(0, size);
@@ -119,6 +119,8 @@ Joined<Char> Join(std::basic_string_view<Char> folder, std::basic_string_view<Ch
             continue;
         if (const std::string_view objection = ObjectionTo(part); !objection.empty())
             return {{}, objection};
+        if (++depth > kDeepestMemberName)
+            return {{}, "its name leads through too many folders"};
         (path += Char{'\\'}).append(part);
     }
     if (path.size() == folder.size())

@@ -7,9 +7,11 @@
 
 namespace vesk {
 
-/// Longest name of a member that becomes a path. File systems take more, but no archive in use has
-/// it, and each two characters may be a folder that has to be made.
+/// Longest name of a member that becomes a path, and how many folders and files it may pass
+/// through: as many as the classic path of 260 characters can. File systems take more, but no
+/// archive in use has more, and making each folder costs as much as it lies deep.
 constexpr std::size_t kLongestMemberName = 4096;
+constexpr std::size_t kDeepestMemberName = 128;
 
 /// The one gate through which a name from an archive becomes a path: the folder joined with the
 /// name, or nothing when the name could lead outside the folder or to something that is no plain

@@ -13,6 +13,7 @@ namespace {
 
 using Bytes = std::span<const std::byte>;
 
+constexpr std::uint32_t kLocalSignature = 0x04034B50;
 constexpr std::uint32_t kMemberSignature = 0x02014B50;
 constexpr std::uint32_t kEndSignature = 0x06054B50;
 constexpr std::uint32_t kEnd64Signature = 0x06064B50;
@@ -145,7 +146,7 @@ ZipDirectory WithoutDirectory(Bytes archive) {
 /// Moves on to what looks like a record. @return false when there is nothing more
 bool FindRecord(Bytes& rest) {
     constexpr std::array kMark = {std::byte{'P'}, std::byte{'K'}, std::byte{1}, std::byte{2}};
-    const auto found = std::ranges::search(rest, kMark).begin();
+    const auto found = std::search(rest.begin(), rest.end(), kMark.begin(), kMark.end());
     rest = rest.subspan(static_cast<std::size_t>(found - rest.begin()));
     return !rest.empty();
 }
@@ -183,6 +184,17 @@ bool ReadMember(ByteReader& reader, ZipMember& member) {
     return true;
 }
 
+/// Positions count from the archive's own first byte, unless what the end record says of that is
+/// wrong itself: then they count from the file's, where the first header shows it. Unsigned
+/// arithmetic may wrap here, what comes out is compared with the file's size before it is used.
+void ShiftPositions(Bytes archive, std::vector<ZipMember>& members, std::uint64_t shift) {
+    if (members.empty() || (!HasSignature(archive, members[0].headerAt + shift, kLocalSignature) &&
+                            HasSignature(archive, members[0].headerAt, kLocalSignature)))
+        return;
+    for (ZipMember& member : members)
+        member.headerAt += shift;
+}
+
 } // namespace
 
 ZipDirectory ReadZipDirectory(Bytes archive) {
@@ -194,8 +206,6 @@ ZipDirectory ReadZipDirectory(Bytes archive) {
         throw ZipProblem("one part of an archive that spans several disks");
     ZipDirectory directory;
     directory.comment = std::move(found.end.comment);
-    // Offsets count from the archive's own first byte; unsigned arithmetic may wrap here, what
-    // comes out is compared with the file's size before it is used.
     const std::uint64_t shift = found.start - found.end.directoryOffset;
     Bytes rest = archive.subspan(static_cast<std::size_t>(found.start),
                                  static_cast<std::size_t>(found.end.directoryEnd - found.start));
@@ -206,9 +216,9 @@ ZipDirectory ReadZipDirectory(Bytes archive) {
         rest = whole ? rest.last(reader.Left()) : rest.subspan(4);
         if (!whole)
             continue;
-        member.headerAt += shift;
         directory.members.push_back(std::move(member));
     }
+    ShiftPositions(archive, directory.members, shift);
     if ((directory.members.size() & found.end.countMask) != found.end.count)
         directory.problem =
             "the central directory holds " + std::to_string(directory.members.size()) +

@@ -13,7 +13,6 @@ namespace {
 using Bytes = std::span<const std::byte>;
 
 constexpr std::uint32_t kLocalSignature = 0x04034B50;
-constexpr std::uint32_t kDescriptorSignature = 0x08074B50;
 constexpr std::uint16_t kFlagStreamed = 1U << 3;
 
 /// CRC and sizes of a streamed member, which stand behind its data.
@@ -51,10 +50,10 @@ std::optional<Descriptor> FindDescriptor(Bytes data) {
     constexpr std::array kMark = {std::byte{'P'}, std::byte{'K'}, std::byte{7}, std::byte{8}};
     for (std::size_t from = 0; from < data.size();) {
         const Bytes rest = data.subspan(from);
-        const auto mark = std::ranges::search(rest, kMark);
-        if (mark.empty())
+        const auto mark = std::search(rest.begin(), rest.end(), kMark.begin(), kMark.end());
+        if (mark == rest.end())
             return std::nullopt;
-        const auto at = from + static_cast<std::size_t>(mark.begin() - rest.begin());
+        const auto at = from + static_cast<std::size_t>(mark - rest.begin());
         if (const auto found = ReadDescriptor(data.subspan(at), at))
             return found;
         from = at + kMark.size();

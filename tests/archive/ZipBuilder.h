@@ -87,6 +87,7 @@ struct TestEnd {
     std::string comment;
     std::uint16_t disk = 0;
     std::optional<std::uint16_t> count;
+    std::optional<std::uint32_t> offset; ///< Of the central directory; right when not set.
     bool wide = false; ///< All values in the zip64 records, the narrow ones saturated.
 };
 
@@ -116,7 +117,8 @@ inline std::string MakeZip(const std::vector<TestMember>& members, const TestEnd
     const std::uint64_t saturated = end.wide ? ~0ULL : 0;
     return archive + U32(0x06054B50) + U16(end.disk) + U16(end.disk) + U16(count | saturated) +
            U16(end.count.value_or(static_cast<std::uint16_t>(count)) | saturated) +
-           U32(central.size() | saturated) + U32(local.size() | saturated) +
+           U32(central.size() | saturated) +
+           U32(end.offset.value_or(static_cast<std::uint32_t>(local.size())) | saturated) +
            U16(end.comment.size()) + end.comment;
 }
 

@@ -71,10 +71,17 @@ TEST_CASE("a name too long for a file or for reason is refused as a whole") {
     CHECK_FALSE(PathInside(L"C:", L"sub\\" + std::wstring(256, 'x'), &objection));
     CHECK(objection == "its name is too long");
     std::wstring deep;
-    while (deep.size() < kLongestMemberName)
+    for (std::size_t depth = 0; depth < kDeepestMemberName; ++depth)
         deep += L"a/";
     CHECK(PathInside(L"C:", deep));
-    CHECK_FALSE(PathInside(L"C:", deep + L"a"));
+    CHECK_FALSE(PathInside(L"C:", deep + L"a", &objection));
+    CHECK(objection == "its name leads through too many folders");
+    std::wstring wide = std::wstring(255, 'x') + L"/";
+    while (wide.size() < kLongestMemberName)
+        wide += wide;
+    CHECK(PathInside(L"C:", wide));
+    CHECK_FALSE(PathInside(L"C:", wide + L"a", &objection));
+    CHECK(objection == "its name is too long");
 }
 
 TEST_CASE("which names mean the folder itself") {

@@ -60,6 +60,13 @@ TEST_CASE("the archive is found whatever stands around it") {
     CHECK(Read(MakeZip({})).members.empty());
 }
 
+TEST_CASE("a wrong position of the directory does not hide the members") {
+    TestEnd wrong;
+    wrong.offset = 5;
+    for (const ZipMember& member : Read(MakeZip({kOne, kTwo}, wrong)).members)
+        CHECK(member.refusal == "");
+}
+
 TEST_CASE("what is no archive, or not all of one, is said to be so") {
     TestEnd secondDisk;
     secondDisk.disk = 1;
