@@ -218,6 +218,8 @@ ZipDirectory ReadZipDirectory(Bytes archive) {
             continue;
         directory.members.push_back(std::move(member));
     }
+    if (directory.members.empty() && found.end.count != 0)
+        return WithoutDirectory(archive);
     ShiftPositions(archive, directory.members, shift);
     if ((directory.members.size() & found.end.countMask) != found.end.count)
         directory.problem =

@@ -88,6 +88,7 @@ struct TestEnd {
     std::uint16_t disk = 0;
     std::optional<std::uint16_t> count;
     std::optional<std::uint32_t> offset; ///< Of the central directory; right when not set.
+    std::optional<std::uint32_t> size;   ///< The same.
     bool wide = false; ///< All values in the zip64 records, the narrow ones saturated.
 };
 
@@ -117,7 +118,7 @@ inline std::string MakeZip(const std::vector<TestMember>& members, const TestEnd
     const std::uint64_t saturated = end.wide ? ~0ULL : 0;
     return archive + U32(0x06054B50) + U16(end.disk) + U16(end.disk) + U16(count | saturated) +
            U16(end.count.value_or(static_cast<std::uint16_t>(count)) | saturated) +
-           U32(central.size() | saturated) +
+           U32(end.size.value_or(static_cast<std::uint32_t>(central.size())) | saturated) +
            U32(end.offset.value_or(static_cast<std::uint32_t>(local.size())) | saturated) +
            U16(end.comment.size()) + end.comment;
 }

@@ -67,6 +67,14 @@ TEST_CASE("a wrong position of the directory does not hide the members") {
         CHECK(member.refusal == "");
 }
 
+TEST_CASE("a directory that holds nothing of what was promised is no directory") {
+    TestEnd none;
+    none.size = 0;
+    const ZipDirectory directory = Read(MakeZip({kOne, kTwo}, none));
+    CHECK(directory.members.size() == 2);
+    CHECK(directory.problem.find("its end is missing or damaged") == 0);
+}
+
 TEST_CASE("what is no archive, or not all of one, is said to be so") {
     TestEnd secondDisk;
     secondDisk.disk = 1;
