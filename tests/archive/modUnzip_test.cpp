@@ -283,6 +283,15 @@ TEST_CASE("a large member is told of while it comes, and stands under its name w
     CHECK(unzip.Names().size() == 2);
 }
 
+TEST_CASE("no part of a large member is ever seen under its name") {
+    const Unzipping unzip({TestMember::Stored("large", std::string(8 << 20, 'x'))});
+    UnzipCallbacks callbacks;
+    callbacks.progress = [&](double fraction) {
+        CHECK(FileExists(unzip / "large") == (fraction == 1));
+    };
+    CHECK(unzip.Extract(callbacks) == "");
+}
+
 TEST_CASE("what an owner throws ends the extraction and is not taken for a member's failure") {
     const Unzipping unzip({TestMember::Stored("large", std::string(5 << 20, 'x'))});
     UnzipCallbacks callbacks;
