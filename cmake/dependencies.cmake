@@ -1,4 +1,5 @@
-# Two dependencies: libdeflate (inflate and CRC-32) and doctest (tests only).
+# Three dependencies: libdeflate (inflate in one piece, CRC-32), zlib (inflate piece by piece) and
+# doctest (tests only).
 # On Debian tools/setup lays them below build/deps; elsewhere a package manager provides them.
 set(VESK_DEPS_DIR ${PROJECT_SOURCE_DIR}/build/deps CACHE PATH "Where tools/setup put the dependencies")
 
@@ -17,6 +18,9 @@ if(EXISTS ${VESK_DEPS_DIR}/libdeflate/libdeflate.h)
 else()
     find_package(libdeflate CONFIG REQUIRED)
 endif()
+
+set(ZLIB_USE_STATIC_LIBS ON)
+find_package(ZLIB REQUIRED)
 
 # Never the system's include folder: the cross compiler must not see the rest of it.
 if(EXISTS ${VESK_DEPS_DIR}/include/doctest/doctest.h)

@@ -1,35 +1,96 @@
 #include "archive/modMemberName.h"
 #include "archive/modZipMember.h"
 #include "archive/modZipTexts.h"
+#include "base/modUtf8.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <memory>
 
 using namespace vesk;
+
+namespace {
+
+using Bytes = std::span<const std::byte>;
+
+void Require(bool holds) {
+    if (!holds)
+        std::abort();
+}
+
+/// The definition, bit by bit: nothing of the code that is tested.
+std::uint32_t PlainCrc(Bytes bytes) {
+    std::uint32_t crc = 0xFFFFFFFF;
+    for (const std::byte byte : bytes) {
+        crc ^= std::to_integer<std::uint32_t>(byte);
+        for (int bit = 0; bit < 8; ++bit)
+            crc = crc >> 1 ^ ((crc & 1) != 0 ? 0xEDB88320 : 0);
+    }
+    return ~crc;
+}
+
+/// What is handed out is what the entry promises, and the same whole and in pieces.
+void CheckContent(ZipMemberReader& reader, const ZipMember& member) {
+    std::string whole = "refused";
+    std::string pieces = "refused";
+    try {
+        const Bytes content = reader.Read(member);
+        Require(content.size() == member.size);
+        Require(PlainCrc(content) == member.crc);
+        whole.assign(reinterpret_cast<const char*>(content.data()), content.size());
+    } catch (const ZipProblem&) { // an ordinary answer
+    }
+    try {
+        std::string content;
+        reader.Stream(member, [&](Bytes piece, std::uint64_t packedDone) {
+            Require(packedDone <= member.packedSize);
+            content.append(reinterpret_cast<const char*>(piece.data()), piece.size());
+        });
+        pieces = content;
+    } catch (const ZipProblem&) {
+    }
+    Require(whole == pieces);
+}
+
+/// A path lies below the folder, part by part.
+void CheckName(const ZipMember& member) {
+    const std::wstring folder = L"\\\\?\\C:\\tree";
+    const auto name = FromUtf8(member.name);
+    const auto path = name ? PathInside(folder, *name) : std::nullopt;
+    if (!path)
+        return;
+    Require(path->starts_with(folder + L"\\"));
+    const std::wstring rest = path->substr(folder.size()) + L"\\";
+    Require(rest.find_first_of(L"/:*?\"<>|") == rest.npos);
+    Require(std::ranges::none_of(rest, [](wchar_t c) { return c < 0x20; }));
+    for (const wchar_t* hostile : {L"\\\\", L".\\", L" \\", L"\\nul\\", L"\\CON."})
+        Require(rest.find(hostile) == rest.npos);
+}
+
+} // namespace
 
 /// A whole extraction without a disk: every member that is not refused is read and listed.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     constexpr std::uint64_t kLargest = 1 << 20; // more would only make the fuzzer slow
-    const auto archive = std::as_bytes(std::span(data, size));
+    // A block of exactly this size, so that reading one byte too far is seen.
+    const auto copy = std::make_unique_for_overwrite<std::byte[]>(size);
+    std::ranges::copy(std::as_bytes(std::span(data, size)), copy.get());
+    const Bytes archive(copy.get(), size);
     try {
         const ZipDirectory directory = ReadZipDirectory(archive);
-        ZipMemberReader reader(archive,
-                               [](const ZipMember&) { return std::optional<std::string>("pass"); });
+        ZipMemberReader reader(archive, directory.members,
+                               [](bool) { return std::optional<std::string>("pass"); });
         ZipTotals totals;
         for (const ZipMember& member : directory.members) {
             totals.Add(member);
-            if (ListingLine(member, member.name).size() < member.name.size())
-                std::abort();
-            if (!member.refusal.empty() || member.IsFolder() || member.size > kLargest)
-                continue;
-            PathInside("C:\\tree", member.name);
-            try {
-                if (reader.Read(member).size() != member.size)
-                    std::abort();
-            } catch (const ZipProblem&) { // an ordinary answer
-            }
+            Require(ListingLine(member, member.name).size() >= member.name.size());
+            CheckName(member);
+            if (member.refusal.empty() && !member.IsFolder() && member.size <= kLargest)
+                CheckContent(reader, member);
         }
+        Require(!directory.members.empty() || directory.problem.empty());
         Summary(ZipVersion(), totals);
-    } catch (const ZipProblem&) { // so is this
+    } catch (const ZipProblem&) { // an ordinary answer
     }
     return 0;
 }

@@ -1,22 +1,17 @@
 #pragma once
 
-#include <windows.h>
-
+#include "archive/clsNameTree.h"
+#include "archive/clsNewFile.h"
 #include "archive/modZipDirectory.h"
 
 #include <functional>
+#include <optional>
+#include <span>
 #include <string>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
 namespace vesk {
-
-/// What is restored of a member besides its content.
-struct FileStamp {
-    DWORD attributes = FILE_ATTRIBUTE_ARCHIVE; ///< Read-only, hidden and system as stored.
-    std::optional<FILETIME> modified, accessed, created;
-};
 
 /// Turns members' stored times and attributes into the file system's.
 class StampMaker {
@@ -29,42 +24,57 @@ private:
     TIME_ZONE_INFORMATION zone_{};
 };
 
-/// The folder that an archive is extracted into. Paths given to it come from PathInside for this
-/// folder. Nothing is written through a junction or link that stands below the folder; what stands
-/// in the way of a file is replaced, not written through.
+/// What became of a file besides being there.
+struct AddedFile {
+    std::optional<std::size_t> writtenOver; ///< The member of the same run whose file this was.
+    std::uint32_t timeError = 0;            ///< Why the times were not set; 0 when they were.
+};
+
+/// The folder that an archive is extracted into. Paths given to it come from MemberPath for this
+/// folder, members are known by numbers. Nothing is written through a junction or link that stands
+/// below the folder; what stands in the way of a file is replaced, not written through.
 class clsUnzipTarget {
 public:
+    /// Gets each piece of a file.
+    using Sink = std::function<void(std::span<const std::byte> piece)>;
+
     /// Creates the folder. @throws Failure
     explicit clsUnzipTarget(const std::string& folder);
 
-    /// The folder's absolute path, without a trailing backslash.
-    [[nodiscard]] const std::string& Folder() const { return folder_; }
+    /// The folder's absolute path as LongPath gives it, without a trailing backslash.
+    [[nodiscard]] const std::wstring& Folder() const { return folder_; }
 
     /// Creates a folder with those above it; its stamp is set by FinishFolders, since everything
     /// written into the folder would change its times again. @throws Failure, ZipProblem
-    void AddFolder(const std::string& path, const FileStamp& stamp);
+    void AddFolder(const std::wstring& path, std::size_t member, const FileStamp& stamp);
 
     /// Writes a complete file. After a failure there is none under this name.
     /// @throws Failure, ZipProblem
-    void AddFile(const std::string& path, std::span<const std::byte> content,
-                 const FileStamp& stamp);
+    AddedFile AddFile(const std::wstring& path, std::size_t member,
+                      std::span<const std::byte> content, const FileStamp& stamp);
 
-    /// The same for content too large for memory: `fill` gets a file of `size` bytes as memory.
-    /// What `fill` throws passes through, and no file stays.
-    void AddLargeFile(const std::string& path, std::uint64_t size,
-                      const std::function<void(std::span<std::byte>)>& fill,
-                      const FileStamp& stamp);
+    /// The same in pieces: `fill` hands them to the sink it is given. What it throws passes
+    /// through, and no file stays.
+    AddedFile AddLargeFile(const std::wstring& path, std::size_t member, std::uint64_t size,
+                           const std::function<void(const Sink& sink)>& fill,
+                           const FileStamp& stamp);
 
     /// Sets the stamps of the folders, the innermost first.
-    void FinishFolders();
+    /// @param notSet told of each member whose times could not be set, and the system's error code
+    void FinishFolders(const std::function<void(std::size_t member, std::uint32_t error)>& notSet);
 
 private:
-    void EnsureFolder(const std::string& path);
+    struct StampedFolder {
+        std::wstring path;
+        std::size_t member;
+        FileStamp stamp;
+    };
 
-    std::string folder_;
-    std::string lastFolder_;                ///< Neighbours in an archive mostly share their folder.
-    std::unordered_set<std::string> known_; ///< Lower case; exist and are plain folders.
-    std::vector<std::pair<std::string, FileStamp>> stampedFolders_;
+    std::size_t EnsureFolder(std::wstring_view path);
+
+    std::wstring folder_;
+    clsNameTree names_; ///< What is in it exists: plain folders, and files of this run.
+    std::vector<StampedFolder> stampedFolders_;
 };
 
 } // namespace vesk

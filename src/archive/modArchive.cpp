@@ -48,14 +48,8 @@ ExtractionOutcome ExtractCab(const std::string& path, const std::string& folder,
 ExtractionOutcome ExtractZip(const std::string& path, const std::string& folder,
                              const ExtractionOwner& owner) {
     UnzipCallbacks callbacks;
-    callbacks.letEventsRun = [&] {
-        if (owner.progress)
-            owner.progress(0);
-    };
-    bool wrongBefore = false;
-    callbacks.password = [&](const std::string&) {
-        return owner.password ? owner.password(std::exchange(wrongBefore, true)) : std::nullopt;
-    };
+    callbacks.password = owner.password;
+    callbacks.progress = owner.progress;
     return UnzipFile(path, folder, callbacks);
 }
 
@@ -80,7 +74,9 @@ ExtractionOutcome ExtractArchive(const std::string& path, const std::string& fol
     return {0, {{"", "not extracted", "it is neither a .zip nor a .cab file"}}};
 }
 
-std::vector<MemberFailure> InspectArchive(const std::string&) {
+std::vector<MemberFailure> InspectArchive(const std::string& path) {
+    if (LowerCase(ExtensionOf(path)) == "zip")
+        return InspectZip(path);
     return {};
 }
 

@@ -5,6 +5,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace vesk {
 
@@ -16,12 +17,13 @@ struct UnzipCallbacks {
     /// Asked about an existing file, only when extraction does not overwrite silently.
     std::function<Replace(const std::string& fileName)> replace;
 
-    /// Asked for the password of an encrypted member, up to three times while it is wrong; nothing
-    /// means there is none to be had, and no further member asks.
-    std::function<std::optional<std::string>(const std::string& memberName)> password;
+    /// Asked for the password of the archive, up to three times while it is wrong; nothing means
+    /// there is none to be had, and no further member asks. @param wrongBefore not the first time
+    std::function<std::optional<std::string>(bool wrongBefore)> password;
 
-    /// Called between members, so that a window stays alive.
-    std::function<void()> letEventsRun;
+    /// Called after each member, and now and then within large ones, so that a window stays alive.
+    /// @param fraction of the archive's bytes that is done, 0 to 1
+    std::function<void(double fraction)> progress;
 };
 
 /// Texts for owners that ask with a window.
@@ -46,9 +48,13 @@ ExtractionOutcome SingleEntryUnzip(const DCL& options, const UnzipCallbacks& cal
 /// Extracts every member of a ZIP archive below the target folder, with its stored folders, times
 /// and attributes, over existing files and without a question. With an empty target folder the
 /// archive is listed instead. What could not be extracted stands in the result, and as a line in
-/// the message buffer; the rest is extracted. Callbacks must not throw.
+/// the message buffer; the rest is extracted. Throws nothing but what a callback throws.
 ExtractionOutcome UnzipFile(const std::string& zipPath, const std::string& targetFolder,
                             const UnzipCallbacks& callbacks = {});
+
+/// What UnzipFile would not do, as far as the directory of the archive tells: structure, names,
+/// methods, names that stand twice. Nothing is inflated or written.
+std::vector<MemberFailure> InspectZip(const std::string& zipPath);
 
 /// What the last run had to say: a line for each member refused or failed, the listing, and a
 /// summary at the end. Lines end in CR LF.

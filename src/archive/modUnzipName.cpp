@@ -1,50 +1,67 @@
 #include "archive/modUnzipName.h"
 
-#include <windows.h>
+#include "archive/modMemberName.h"
+#include "archive/modZipTexts.h"
+#include "base/modUtf8.h"
+#include "base/modWide.h"
+
+#include <algorithm>
 
 namespace vesk {
 
 namespace {
 
-std::optional<std::wstring> Widen(const std::string& text, UINT codePage, DWORD flags) {
-    const int size = static_cast<int>(text.size()); // a stored name has at most 64 KiB
-    const int length = MultiByteToWideChar(codePage, flags, text.data(), size, nullptr, 0);
-    if (length <= 0)
-        return std::nullopt;
-    std::wstring wide(static_cast<std::size_t>(length), L'\0');
-    MultiByteToWideChar(codePage, flags, text.data(), size, wide.data(), length);
-    return wide;
+/// @return nothing when the name's UTF-8 is damaged
+std::optional<std::wstring> WideName(const ZipMember& member) {
+    switch (member.encoding) {
+    case NameEncoding::Ascii:
+        return std::wstring(member.name.begin(), member.name.end());
+    case NameEncoding::Utf8:
+        return FromUtf8(member.name);
+    case NameEncoding::Oem:
+        return WidenFromOem(member.name);
+    case NameEncoding::Ansi:
+        break;
+    }
+    return Widen(member.name);
 }
 
-/// @param exact refuse what the code page cannot hold, rather than take a similar character
-std::optional<std::string> Narrow(const std::wstring& wide, bool exact) {
-    const DWORD flags = exact ? WC_NO_BEST_FIT_CHARS : 0;
-    BOOL replaced = FALSE;
-    const int size = static_cast<int>(wide.size());
-    const int length =
-        WideCharToMultiByte(CP_ACP, flags, wide.data(), size, nullptr, 0, nullptr, nullptr);
-    if (length <= 0)
-        return std::nullopt;
-    std::string text(static_cast<std::size_t>(length), '\0');
-    WideCharToMultiByte(CP_ACP, flags, wide.data(), size, text.data(), length, nullptr,
-                        exact ? &replaced : nullptr);
-    if (replaced != FALSE)
-        return std::nullopt;
-    return text;
+/// Whether the name means the same to the ANSI functions, with which the rest of the program works:
+/// they take "\" for other strokes and ":" for other colons.
+bool MeansTheSameInAnsi(std::wstring_view folder, std::wstring_view name,
+                        const std::wstring& path) {
+    const std::wstring seen = AsAnsiSees(name);
+    if (seen == name)
+        return true;
+    const auto seenPath = PathInside(folder, seen);
+    return seenPath && std::ranges::count(*seenPath, L'\\') == std::ranges::count(path, L'\\');
 }
 
 } // namespace
 
-std::optional<std::string> AnsiName(const ZipMember& member) {
-    const bool utf8 = member.encoding == NameEncoding::Utf8;
-    if (member.name.empty() || (!utf8 && member.encoding != NameEncoding::Oem))
-        return member.name;
-    const auto wide =
-        Widen(member.name, utf8 ? CP_UTF8 : CP_OEMCP, utf8 ? MB_ERR_INVALID_CHARS : 0);
-    if (!wide)
-        return std::nullopt;
-    // A system whose ANSI code page is UTF-8 knows no "exact", and needs none.
-    return Narrow(*wide, utf8 && GetACP() != CP_UTF8);
+std::wstring MemberPath(std::wstring_view folder, const ZipMember& member) {
+    const auto name = WideName(member);
+    if (!name)
+        throw ZipProblem("its name is damaged");
+    if (member.IsFolder() && NamesFolderItself(*name))
+        return std::wstring(folder);
+    std::string objection;
+    auto path = PathInside(folder, *name, &objection);
+    if (!path)
+        throw ZipProblem(objection);
+    if (member.encoding != NameEncoding::Ascii && !MeansTheSameInAnsi(folder, *name, *path))
+        throw ZipProblem("a part of its name has another meaning in the system's code page");
+    return std::move(*path);
+}
+
+std::string ShownName(const ZipMember& member) {
+    constexpr std::size_t kLongest = 300;
+    const auto wide = WideName(member);
+    std::string shown = PrintableName(wide ? Narrowed(*wide) : member.name);
+    std::ranges::replace(shown, '/', '\\');
+    if (shown.size() > kLongest)
+        shown = shown.substr(0, kLongest) + "...";
+    return shown.empty() ? "(no name)" : shown;
 }
 
 } // namespace vesk

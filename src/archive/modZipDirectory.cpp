@@ -2,8 +2,10 @@
 
 #include "archive/ByteReader.h"
 #include "archive/modZipJudge.h"
+#include "archive/modZipRecovery.h"
 
 #include <algorithm>
+#include <array>
 
 namespace vesk {
 
@@ -11,6 +13,7 @@ namespace {
 
 using Bytes = std::span<const std::byte>;
 
+constexpr std::uint32_t kLocalSignature = 0x04034B50;
 constexpr std::uint32_t kMemberSignature = 0x02014B50;
 constexpr std::uint32_t kEndSignature = 0x06054B50;
 constexpr std::uint32_t kEnd64Signature = 0x06064B50;
@@ -111,7 +114,7 @@ struct Directory {
 };
 
 /// The last end record that leads to a directory: a comment may hold bytes that look like one.
-Directory FindDirectory(Bytes archive) {
+std::optional<Directory> FindDirectory(Bytes archive) {
     if (archive.size() >= kEndSize) {
         const std::size_t last = archive.size() - kEndSize;
         const std::size_t first = last > kLongestComment ? last - kLongestComment : 0;
@@ -122,10 +125,30 @@ Directory FindDirectory(Bytes archive) {
             if (!end)
                 continue;
             if (const auto start = DirectoryStart(archive, *end))
-                return {std::move(*end), *start};
+                return Directory{std::move(*end), *start};
         }
     }
-    throw ZipProblem("no central directory: not a ZIP archive, or its end is missing");
+    return std::nullopt;
+}
+
+/// What the members' own headers tell, for an archive that was cut off.
+ZipDirectory WithoutDirectory(Bytes archive) {
+    ZipDirectory directory;
+    directory.members = MembersByLocalHeaders(archive);
+    if (directory.members.empty())
+        throw ZipProblem("no central directory: not a ZIP archive, or its end is missing");
+    directory.problem = "its end is missing or damaged; only what was found without it, " +
+                        std::to_string(directory.members.size()) + " members, is extracted";
+    JudgeMembers(archive, directory.members);
+    return directory;
+}
+
+/// Moves on to what looks like a record. @return false when there is nothing more
+bool FindRecord(Bytes& rest) {
+    constexpr std::array kMark = {std::byte{'P'}, std::byte{'K'}, std::byte{1}, std::byte{2}};
+    const auto found = std::search(rest.begin(), rest.end(), kMark.begin(), kMark.end());
+    rest = rest.subspan(static_cast<std::size_t>(found - rest.begin()));
+    return !rest.empty();
 }
 
 /// Reads one record; false when it runs off the directory's end.
@@ -147,39 +170,57 @@ bool ReadMember(ByteReader& reader, ZipMember& member) {
     reader.Skip(2); // internal attributes
     member.externalAttributes = reader.U32();
     member.headerAt = reader.U32();
+    // Asked before anything is copied: there may be many headings of records that are none.
+    if (reader.Left() < std::size_t{nameSize} + extraSize + commentSize)
+        return false;
     member.name = reader.Text(nameSize);
     const auto extra = reader.Bytes(extraSize);
     reader.Skip(commentSize);
-    if (!reader.Ok())
-        return false;
     member.encoding = EncodingOf(member, host);
+    member.folder = IsFolderEntry(member, host);
     ApplyExtraFields(extra, member, disk);
     if (disk != 0)
         member.refusal = "lies on another disk of the archive";
     return true;
 }
 
+/// Positions count from the archive's own first byte, unless what the end record says of that is
+/// wrong itself: then they count from the file's, where the first header shows it. Unsigned
+/// arithmetic may wrap here, what comes out is compared with the file's size before it is used.
+void ShiftPositions(Bytes archive, std::vector<ZipMember>& members, std::uint64_t shift) {
+    if (members.empty() || (!HasSignature(archive, members[0].headerAt + shift, kLocalSignature) &&
+                            HasSignature(archive, members[0].headerAt, kLocalSignature)))
+        return;
+    for (ZipMember& member : members)
+        member.headerAt += shift;
+}
+
 } // namespace
 
 ZipDirectory ReadZipDirectory(Bytes archive) {
-    Directory found = FindDirectory(archive);
+    std::optional<Directory> located = FindDirectory(archive);
+    if (!located)
+        return WithoutDirectory(archive);
+    Directory& found = *located;
     if (found.end.spansDisks)
         throw ZipProblem("one part of an archive that spans several disks");
     ZipDirectory directory;
     directory.comment = std::move(found.end.comment);
-    // Offsets count from the archive's own first byte; unsigned arithmetic may wrap here, what
-    // comes out is compared with the file's size before it is used.
     const std::uint64_t shift = found.start - found.end.directoryOffset;
-    ByteReader reader(
-        archive.subspan(static_cast<std::size_t>(found.start),
-                        static_cast<std::size_t>(found.end.directoryEnd - found.start)));
-    while (reader.Left() >= 4 && reader.U32() == kMemberSignature) {
+    Bytes rest = archive.subspan(static_cast<std::size_t>(found.start),
+                                 static_cast<std::size_t>(found.end.directoryEnd - found.start));
+    while (FindRecord(rest)) { // behind a damaged record the next one may be whole
         ZipMember member;
-        if (!ReadMember(reader, member))
-            break;
-        member.headerAt += shift;
+        ByteReader reader(rest.subspan(4));
+        const bool whole = ReadMember(reader, member);
+        rest = whole ? rest.last(reader.Left()) : rest.subspan(4);
+        if (!whole)
+            continue;
         directory.members.push_back(std::move(member));
     }
+    if (directory.members.empty() && found.end.count != 0)
+        return WithoutDirectory(archive);
+    ShiftPositions(archive, directory.members, shift);
     if ((directory.members.size() & found.end.countMask) != found.end.count)
         directory.problem =
             "the central directory holds " + std::to_string(directory.members.size()) +

@@ -44,14 +44,13 @@ struct ZipMember {
     std::uint64_t headerAt = 0;
     std::uint64_t dataAt = 0; ///< Behind the local header; the whole packed data lies in the file.
     ZipTimes times;
+    bool folder = false; ///< By its name's end or by its attributes.
     std::string refusal; ///< Why it must not be extracted; empty when nothing speaks against it.
 
     /// The cipher's own bytes in front of an encrypted member's packed data.
     static constexpr std::size_t kCipherHeaderSize = 12;
 
-    [[nodiscard]] bool IsFolder() const {
-        return !name.empty() && (name.back() == '/' || name.back() == '\\');
-    }
+    [[nodiscard]] bool IsFolder() const { return folder; }
     [[nodiscard]] bool IsEncrypted() const { return (flags & 1) != 0; }
     [[nodiscard]] bool IsDeflated() const { return method == 8; }
 };
@@ -65,7 +64,8 @@ struct ZipDirectory {
 
 /// Reads the central directory, finds each member's data and judges each member. What was claimed
 /// by the archive and does not fit the bytes that are there ends as a `refusal` of the member; no
-/// memory is given for a claim.
+/// memory is given for a claim. Where the directory is damaged, what can be read of it is given;
+/// where it is missing, what the members' own headers tell; and `problem` says so.
 /// @throws ZipProblem when the bytes hold no readable archive at all.
 ZipDirectory ReadZipDirectory(std::span<const std::byte> archive);
 

@@ -2,9 +2,11 @@
 
 #include "archive/ByteReader.h"
 #include "archive/clsCRC.h"
+#include "base/modUtf8.h"
 
 #include <algorithm>
-#include <numeric>
+#include <chrono>
+#include <utility>
 
 namespace vesk {
 
@@ -53,12 +55,27 @@ void ApplyNtfsTimes(ByteReader field, ZipTimes& times) {
     }
 }
 
+/// The field has 32 bits with a sign and so ends in 2038; writers go on counting. The date of DOS
+/// tells which time is meant, but for those before 1980, where it stands still.
+std::int64_t Unwrapped(std::int32_t seconds, std::uint16_t dosDate) {
+    using namespace std::chrono;
+    constexpr std::int64_t kWrap = std::int64_t{1} << 32;
+    constexpr std::uint16_t kFirstDay = 1 << 5 | 1;
+    const year_month_day date(year(1980 + (dosDate >> 9)), month(dosDate >> 5 & 15U),
+                              day(dosDate & 31U));
+    if (dosDate <= kFirstDay || !date.ok())
+        return seconds;
+    const std::int64_t told =
+        duration_cast<std::chrono::seconds>(sys_days(date).time_since_epoch()).count();
+    return told - seconds > kWrap / 2 ? seconds + kWrap : seconds;
+}
+
 /// The central directory's copy of the field holds the time of modification only.
-void ApplyUnixTime(ByteReader field, ZipTimes& times) {
-    if ((field.U8() & 1) == 0 || field.Left() < 4 || times.modified)
+void ApplyUnixTime(ByteReader field, ZipMember& member) {
+    if ((field.U8() & 1) == 0 || field.Left() < 4 || member.times.modified)
         return;
-    const auto seconds = static_cast<std::int32_t>(field.U32());
-    times.modified = static_cast<std::uint64_t>(kUnixEpoch + std::int64_t{seconds} * 10'000'000);
+    const std::int64_t seconds = Unwrapped(static_cast<std::int32_t>(field.U32()), member.dosDate);
+    member.times.modified = static_cast<std::uint64_t>(kUnixEpoch + seconds * 10'000'000);
 }
 
 /// The name in UTF-8 counts only while it belongs to the name it stands beside: a program that
@@ -69,7 +86,10 @@ void ApplyUnicodeName(ByteReader field, ZipMember& member) {
     if (version != 1 || !field.Ok() || field.Left() == 0 ||
         clsCRC().CalculateString(member.name) != crc)
         return;
-    member.name = field.Text(field.Left());
+    std::string name = field.Text(field.Left());
+    if (!FromUtf8(name))
+        return;
+    member.name = std::move(name);
     member.encoding = NameEncoding::Utf8;
 }
 
@@ -165,38 +185,36 @@ void RefuseOverlaps(std::vector<ZipMember*>& located) {
     }
 }
 
-/// Whether every byte beyond ASCII belongs to a sequence as UTF-8 builds them.
-bool LooksLikeUtf8(std::string_view text) {
-    int following = 0;
-    for (const char c : text) {
-        const auto byte = static_cast<std::uint8_t>(c);
-        const bool continues = byte >> 6 == 2;
-        if (continues != (following > 0))
-            return false;
-        if (continues)
-            --following;
-        else if (byte >= 0xC2 && byte <= 0xF4)
-            following = byte < 0xE0 ? 1 : byte < 0xF0 ? 2 : 3;
-        else if (byte >= 0x80)
-            return false;
-    }
-    return following == 0;
+/// Systems that keep Unix's modes in the upper half of the attributes, and may leave the lower half
+/// as it happens to be.
+bool IsUnixLike(std::uint8_t host) {
+    constexpr std::uint8_t kUnix = 3;
+    constexpr std::uint8_t kMac = 7;
+    constexpr std::uint8_t kMacOsX = 19;
+    return host == kUnix || host == kMac || host == kMacOsX;
 }
 
 } // namespace
 
 NameEncoding EncodingOf(const ZipMember& member, std::uint8_t host) {
-    constexpr std::uint8_t kUnix = 3;
-    constexpr std::uint8_t kMac = 7;
-    constexpr std::uint8_t kMacOsX = 19;
     if (std::ranges::all_of(member.name, [](char c) { return (c & 0x80) == 0; }))
         return NameEncoding::Ascii;
     if ((member.flags & kFlagUtf8) != 0)
         return NameEncoding::Utf8;
-    if (host != kUnix && host != kMac && host != kMacOsX)
+    if (!IsUnixLike(host))
         return NameEncoding::Oem;
     // Archivers of these systems write their own UTF-8 names without the flag.
-    return LooksLikeUtf8(member.name) ? NameEncoding::Utf8 : NameEncoding::Ansi;
+    return FromUtf8(member.name) ? NameEncoding::Utf8 : NameEncoding::Ansi;
+}
+
+bool IsFolderEntry(const ZipMember& member, std::uint8_t host) {
+    constexpr std::uint32_t kDosFolder = 0x10;
+    constexpr std::uint32_t kUnixFolder = 4;
+    if (member.name.ends_with('/') || member.name.ends_with('\\'))
+        return true;
+    const std::uint32_t unixType = member.externalAttributes >> 28;
+    return unixType == kUnixFolder ||
+           (unixType == 0 && !IsUnixLike(host) && (member.externalAttributes & kDosFolder) != 0);
 }
 
 void ApplyExtraFields(Bytes extra, ZipMember& member, std::uint32_t& disk) {
@@ -218,7 +236,7 @@ void ApplyExtraFields(Bytes extra, ZipMember& member, std::uint32_t& disk) {
             ApplyNtfsTimes(field, member.times);
             break;
         case kUnixTime:
-            ApplyUnixTime(field, member.times);
+            ApplyUnixTime(field, member);
             break;
         case kUnicodeName:
             ApplyUnicodeName(field, member);

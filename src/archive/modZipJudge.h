@@ -8,6 +8,10 @@ namespace vesk {
 /// byte of "version made by").
 NameEncoding EncodingOf(const ZipMember& member, std::uint8_t host);
 
+/// Whether the entry is a folder: by a separator at its name's end, or by its attributes, which
+/// mean something else on each system.
+bool IsFolderEntry(const ZipMember& member, std::uint8_t host);
+
 /// Takes over what the central directory's extra fields say: wide sizes and positions, times, the
 /// name in UTF-8. A field that is cut short or does not fit is passed over.
 /// @param disk the number of the disk the member starts on

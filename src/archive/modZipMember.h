@@ -1,8 +1,8 @@
 #pragma once
 
+#include "archive/clsZipPasswords.h"
 #include "archive/modZipDirectory.h"
 
-#include <array>
 #include <functional>
 #include <memory>
 
@@ -22,43 +22,42 @@ private:
     std::size_t capacity_ = 0;
 };
 
-/// ZIP's traditional encryption: a stream of bytes from three running keys. Weak, but in use.
-class ZipCipher {
-public:
-    explicit ZipCipher(std::string_view password);
-    std::byte Decrypt(std::byte cipher);
-
-private:
-    void Update(std::uint8_t plain);
-    std::array<std::uint32_t, 3> keys_ = {0x12345678, 0x23456789, 0x34567890};
-};
-
 /// Gives the content of an archive's members, checked against their CRC. For members without a
 /// `refusal` only.
 class ZipMemberReader {
 public:
-    /// Asked for a password; nothing means there is none, and it is not asked again.
-    using PasswordSource = std::function<std::optional<std::string>(const ZipMember& member)>;
+    /// Takes the next piece of a member's content. @param packedDone packed bytes used up to here
+    using Sink = std::function<void(std::span<const std::byte> piece, std::uint64_t packedDone)>;
 
-    /// @param archive must outlive the reader
-    ZipMemberReader(std::span<const std::byte> archive, PasswordSource password);
+    /// Members of this size and larger are to be read in pieces: inflated whole they would take
+    /// more than a tenth of a second on old machines, and memory without bound. Smaller ones are
+    /// read faster whole.
+    static constexpr std::uint64_t kLargeMember = std::uint64_t{4} << 20;
+    [[nodiscard]] static bool IsLarge(const ZipMember& member) {
+        return member.size >= kLargeMember || member.packedSize >= kLargeMember;
+    }
+
+    /// @param archive must outlive the reader, as must @param members
+    ZipMemberReader(std::span<const std::byte> archive, std::span<const ZipMember> members,
+                    clsZipPasswords::Source password);
+    ZipMemberReader(const ZipMemberReader&) = delete;
+    ZipMemberReader& operator=(const ZipMemberReader&) = delete;
 
     /// The member's whole content, in the archive itself or in memory of the reader; valid until
     /// the next call. @throws ZipProblem, std::bad_alloc
     std::span<const std::byte> Read(const ZipMember& member);
 
-    /// Inflates a deflated member straight into `target`, which has exactly the member's size.
-    /// After a failure its content is undefined. @throws ZipProblem, std::bad_alloc
-    void InflateInto(const ZipMember& member, std::span<std::byte> target);
+    /// The same in pieces, of which some may be empty. Only when it returns were they right.
+    /// @throws ZipProblem, std::bad_alloc, what the sink throws
+    void Stream(const ZipMember& member, const Sink& sink);
 
 private:
-    std::span<const std::byte> PackedData(const ZipMember& member);
-    ZipCipher Unlock(const ZipMember& member, std::span<const std::byte> header);
+    std::span<const std::byte> PackedData(const ZipMember& member, ZipCipher* cipher);
+    std::span<const std::byte> ReadWith(const ZipMember& member, ZipCipher* cipher);
+    void StreamWith(const ZipMember& member, ZipCipher* cipher, const Sink& sink);
 
     std::span<const std::byte> archive_;
-    PasswordSource askPassword_;
-    std::optional<std::string> knownPassword_;
-    bool askMore_ = true;
+    clsZipPasswords passwords_;
     ReusedBuffer decrypted_, inflated_;
     std::unique_ptr<libdeflate_decompressor, void (*)(libdeflate_decompressor*)> inflater_;
 };

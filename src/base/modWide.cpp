@@ -1,33 +1,44 @@
 #include "base/modWide.h"
 
+#include "base/modSystemError.h"
+
 #include <windows.h>
 
 namespace vesk {
 
 namespace {
 
+/// @param standIn for characters without a similar one; null for the system's own
 /// @param replaced where to tell that a character had to be replaced; may be null
-std::string ToAnsi(std::wstring_view wide, DWORD flags, BOOL* replaced) {
+std::string ToAnsi(std::wstring_view wide, DWORD flags, const char* standIn, BOOL* replaced) {
     const int size = static_cast<int>(wide.size());
     const int length =
         WideCharToMultiByte(CP_ACP, flags, wide.data(), size, nullptr, 0, nullptr, nullptr);
     std::string text(static_cast<std::size_t>(length), '\0');
-    WideCharToMultiByte(CP_ACP, flags, wide.data(), size, text.data(), length, nullptr, replaced);
+    WideCharToMultiByte(CP_ACP, flags, wide.data(), size, text.data(), length, standIn, replaced);
     return text;
+}
+
+std::wstring FromCodePage(std::string_view text, UINT codePage) {
+    const int size = static_cast<int>(text.size());
+    std::wstring wide(text.size(), L'\0'); // no code page needs more units than bytes
+    wide.resize(static_cast<std::size_t>(
+        MultiByteToWideChar(codePage, 0, text.data(), size, wide.data(), size)));
+    return wide;
 }
 
 } // namespace
 
 std::wstring Widen(std::string_view text) {
-    const int size = static_cast<int>(text.size());
-    std::wstring wide(text.size(), L'\0'); // no code page needs more units than bytes
-    wide.resize(static_cast<std::size_t>(
-        MultiByteToWideChar(CP_ACP, 0, text.data(), size, wide.data(), size)));
-    return wide;
+    return FromCodePage(text, CP_ACP);
+}
+
+std::wstring WidenFromOem(std::string_view text) {
+    return FromCodePage(text, CP_OEMCP);
 }
 
 std::string Narrowed(std::wstring_view wide) {
-    return wide.empty() ? std::string() : ToAnsi(wide, 0, nullptr);
+    return wide.empty() ? std::string() : ToAnsi(wide, 0, nullptr, nullptr);
 }
 
 std::optional<std::string> NarrowedExactly(std::wstring_view wide) {
@@ -36,10 +47,17 @@ std::optional<std::string> NarrowedExactly(std::wstring_view wide) {
     // A system whose ANSI code page is UTF-8 knows no "exact", and needs none.
     const bool utf8 = GetACP() == CP_UTF8;
     BOOL replaced = FALSE;
-    std::string text = ToAnsi(wide, utf8 ? 0 : WC_NO_BEST_FIT_CHARS, utf8 ? nullptr : &replaced);
+    std::string text =
+        ToAnsi(wide, utf8 ? 0 : WC_NO_BEST_FIT_CHARS, nullptr, utf8 ? nullptr : &replaced);
     if (replaced != FALSE)
         return std::nullopt;
     return text;
+}
+
+std::wstring AsAnsiSees(std::wstring_view wide) {
+    if (wide.empty() || GetACP() == CP_UTF8) // which has every character
+        return std::wstring(wide);
+    return Widen(ToAnsi(wide, 0, "_", nullptr));
 }
 
 std::wstring LongPath(std::wstring_view absolute) {
@@ -52,6 +70,19 @@ std::wstring LongPath(std::wstring_view absolute) {
 
 std::wstring LongPath(std::string_view absolute) {
     return LongPath(Widen(absolute));
+}
+
+std::wstring AbsoluteLongPath(std::string_view path) {
+    std::wstring wide = Widen(path);
+    if (wide.size() == 2 && wide[1] == L':')
+        wide += L'\\';
+    std::wstring buffer(32768, L'\0'); // the system's own limit
+    const DWORD length =
+        GetFullPathNameW(wide.c_str(), static_cast<DWORD>(buffer.size()), buffer.data(), nullptr);
+    if (length == 0 || length >= buffer.size())
+        ThrowLastError("not a path:", std::string(path));
+    buffer.resize(length);
+    return LongPath(buffer);
 }
 
 std::wstring WithoutLongPrefix(std::wstring_view longPath) {

@@ -10,6 +10,9 @@ namespace vesk {
 
 std::wstring Widen(std::string_view text);
 
+/// The same from the code page of DOS, in which old archives have their names.
+std::wstring WidenFromOem(std::string_view text);
+
 /// The text in the ANSI code page; what that lacks becomes "?" or a similar character. For showing.
 std::string Narrowed(std::wstring_view wide);
 
@@ -17,10 +20,18 @@ std::string Narrowed(std::wstring_view wide);
 /// find their file again.
 std::optional<std::string> NarrowedExactly(std::wstring_view wide);
 
+/// The text as a function of the ANSI code page sees it that is handed it: what the code page lacks
+/// has become a similar character, where it has one, and "_" elsewhere.
+std::wstring AsAnsiSees(std::wstring_view wide);
+
 /// A path for the file system's UTF-16 functions that may be longer than MAX_PATH and is not
 /// changed on its way ("\\?\C:\..."). @param absolute without ".", ".." and "/"
 std::wstring LongPath(std::wstring_view absolute);
 std::wstring LongPath(std::string_view absolute);
+
+/// LongPath of the absolute form of a path of any length. A bare drive stands for its root.
+/// @throws Failure
+std::wstring AbsoluteLongPath(std::string_view path);
 
 /// The path that LongPath was made of.
 std::wstring WithoutLongPrefix(std::wstring_view longPath);

@@ -2,8 +2,10 @@
 
 #include "archive/clsCRC.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <initializer_list>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -62,6 +64,7 @@ struct TestMember {
     std::uint32_t attributes = 0;
     std::string extra;
     std::uint32_t localSignature = 0x04034B50;
+    std::string behind; ///< What follows the data, such as a streamed member's descriptor.
 
     static TestMember Stored(const std::string& name, const std::string& text) {
         TestMember member;
@@ -84,6 +87,8 @@ struct TestEnd {
     std::string comment;
     std::uint16_t disk = 0;
     std::optional<std::uint16_t> count;
+    std::optional<std::uint32_t> offset; ///< Of the central directory; right when not set.
+    std::optional<std::uint32_t> size;   ///< The same.
     bool wide = false; ///< All values in the zip64 records, the narrow ones saturated.
 };
 
@@ -101,7 +106,8 @@ inline std::string MakeZip(const std::vector<TestMember>& members, const TestEnd
                    U32(member.attributes) +
                    U32(member.offset.value_or(static_cast<std::uint32_t>(local.size()))) +
                    member.name + member.extra;
-        local += U32(member.localSignature) + U16(20) + common + U16(0) + member.name + member.data;
+        local += U32(member.localSignature) + U16(20) + common + U16(0) + member.name +
+                 member.data + member.behind;
     }
     const std::size_t count = members.size();
     std::string archive = local + central;
@@ -112,12 +118,25 @@ inline std::string MakeZip(const std::vector<TestMember>& members, const TestEnd
     const std::uint64_t saturated = end.wide ? ~0ULL : 0;
     return archive + U32(0x06054B50) + U16(end.disk) + U16(end.disk) + U16(count | saturated) +
            U16(end.count.value_or(static_cast<std::uint16_t>(count)) | saturated) +
-           U32(central.size() | saturated) + U32(local.size() | saturated) +
+           U32(end.size.value_or(static_cast<std::uint32_t>(central.size())) | saturated) +
+           U32(end.offset.value_or(static_cast<std::uint32_t>(local.size())) | saturated) +
            U16(end.comment.size()) + end.comment;
 }
 
-inline std::span<const std::byte> BytesOf(const std::string& text) {
-    return std::as_bytes(std::span(text));
-}
+/// A text's bytes in memory of exactly their size: reading one too far is seen by the sanitizer,
+/// which it is not in a text with its final NUL.
+class ExactBytes {
+public:
+    explicit ExactBytes(const std::string& text)
+        : bytes_(std::make_unique_for_overwrite<std::byte[]>(text.size())), size_(text.size()) {
+        std::ranges::copy(std::as_bytes(std::span(text)), bytes_.get());
+    }
+    // NOLINTNEXTLINE(google-explicit-constructor)
+    operator std::span<const std::byte>() const { return {bytes_.get(), size_}; }
+
+private:
+    std::unique_ptr<std::byte[]> bytes_;
+    std::size_t size_;
+};
 
 } // namespace vesk::test

@@ -10,7 +10,7 @@ using namespace vesk::test;
 namespace {
 
 ZipDirectory Read(const std::string& archive) {
-    return ReadZipDirectory(BytesOf(archive));
+    return ReadZipDirectory(ExactBytes(archive));
 }
 
 ZipMember ReadOne(const TestMember& member) {
@@ -60,14 +60,29 @@ TEST_CASE("the archive is found whatever stands around it") {
     CHECK(Read(MakeZip({})).members.empty());
 }
 
+TEST_CASE("a wrong position of the directory does not hide the members") {
+    TestEnd wrong;
+    wrong.offset = 5;
+    for (const ZipMember& member : Read(MakeZip({kOne, kTwo}, wrong)).members)
+        CHECK(member.refusal == "");
+}
+
+TEST_CASE("a directory that holds nothing of what was promised is no directory") {
+    TestEnd none;
+    none.size = 0;
+    const ZipDirectory directory = Read(MakeZip({kOne, kTwo}, none));
+    CHECK(directory.members.size() == 2);
+    CHECK(directory.problem.find("its end is missing or damaged") == 0);
+}
+
 TEST_CASE("what is no archive, or not all of one, is said to be so") {
     TestEnd secondDisk;
     secondDisk.disk = 1;
     const std::string good = MakeZip({kOne});
     const std::string endRecord = good.substr(good.size() - 22);
     for (const std::string& bytes :
-         {std::string(), std::string(100'000, 'P'), endRecord, good.substr(0, good.size() - 22),
-          MakeZip({kOne}, secondDisk)}) {
+         {std::string(), std::string(100'000, 'P'), endRecord,
+          "junk" + good.substr(0, good.size() - 22), MakeZip({kOne}, secondDisk)}) {
         CAPTURE(bytes.size());
         CHECK_THROWS_AS(Read(bytes), ZipProblem);
     }
@@ -76,6 +91,84 @@ TEST_CASE("what is no archive, or not all of one, is said to be so") {
     const ZipDirectory directory = Read(MakeZip({kOne, kTwo}, tooMany));
     CHECK(directory.members.size() == 2);
     CHECK(directory.problem.find("2 readable members, its end record says 5") != std::string::npos);
+}
+
+TEST_CASE("an archive cut short gives what its members' own headers tell") {
+    TestMember streamed = TestMember::Packed("streamed\xC3\xA4", "text");
+    streamed.behind = U32(0x08074B50) + U32(streamed.crc) + U32(streamed.data.size()) + U32(4);
+    TestMember wide = streamed;
+    wide.name = "wide";
+    wide.data = "PK\7\x08" + wide.data; // a mark that is none
+    wide.behind = U32(0x08074B50) + U32(wide.crc) + U64(wide.data.size()) + U64(4);
+    const std::string good = MakeZip({kOne, streamed, wide, Changed([](TestMember& m) {
+                                          m.name = "folder/";
+                                          m.data = "";
+                                          m.size = 0;
+                                      }),
+                                      kTwo});
+    // As a streaming archiver writes it: no sizes in front of the data.
+    std::string archive = good;
+    for (const auto* member : {&streamed, &wide}) {
+        const std::size_t at = archive.find("PK\3\4", archive.find(member->name) - 31);
+        archive.replace(at + 6, 2, U16(8));
+        archive.replace(at + 14, 12, std::string(12, '\0'));
+    }
+    const std::size_t central = archive.find("PK\1\2");
+    for (const std::size_t length : {central, central + 100, archive.size() - 23}) {
+        const ZipDirectory directory = Read(archive.substr(0, length));
+        REQUIRE(directory.members.size() == 5);
+        CHECK(directory.problem.find("5 members") != std::string::npos);
+        const std::vector<ZipMember>& members = directory.members;
+        CHECK(members[0].crc == kOne.crc);
+        CHECK(members[1].crc == streamed.crc);
+        CHECK(members[1].packedSize == streamed.data.size());
+        CHECK(members[1].encoding == NameEncoding::Utf8);
+        CHECK(members[2].packedSize == wide.data.size());
+        CHECK(members[3].IsFolder());
+        for (const ZipMember& member : members)
+            CHECK(member.refusal == "");
+    }
+    const ZipDirectory half = Read(archive.substr(0, central - 1)); // in the last member's data
+    REQUIRE(half.members.size() == 5);
+    CHECK(half.members[4].refusal == "its data reaches beyond the archive");
+    const ZipDirectory open = Read(archive.substr(0, archive.find("PK\7\x08") + 15));
+    REQUIRE(open.members.size() == 2);
+    CHECK(open.members[1].refusal.find("its end cannot be found") == 0);
+}
+
+TEST_CASE("behind a damaged record of the directory the others are read") {
+    std::string archive = MakeZip({kOne, kTwo, TestMember::Stored("three", "333")});
+    const std::size_t second = archive.find("PK\1\2", archive.find("PK\1\2") + 1);
+    for (const auto& [at, bytes] : {std::pair<std::size_t, std::string>{0, "XX"},
+                                    {28, "\xFF\xFF"}}) { // its mark; the length of its name
+        std::string damaged = archive;
+        damaged.replace(second + at, 2, bytes);
+        const ZipDirectory directory = Read(damaged);
+        REQUIRE(directory.members.size() == 2);
+        CHECK(directory.members[1].name == "three");
+        CHECK(directory.members[1].refusal == "");
+        CHECK(directory.problem.find("2 readable members, its end record says 3") !=
+              std::string::npos);
+    }
+}
+
+TEST_CASE("what is a folder") {
+    struct Row {
+        const char* name;
+        std::uint8_t host; ///< 0 MS-DOS, 3 Unix
+        std::uint32_t attributes;
+        bool folder;
+    };
+    for (const Row& row :
+         {Row{"a/", 0, 0, true}, Row{"a\\", 0, 0, true}, Row{"a", 0, 0, false},
+          Row{"a", 0, 0x10, true}, Row{"a", 11, 0x30, true}, Row{"a", 3, 0x10, false},
+          Row{"a", 3, 0x41ED0000, true}, Row{"a", 0, 0x81A40010, false}}) {
+        CAPTURE(row.attributes);
+        TestMember member = TestMember::Stored(row.name, "");
+        member.host = row.host;
+        member.attributes = row.attributes;
+        CHECK(ReadOne(member).IsFolder() == row.folder);
+    }
 }
 
 TEST_CASE("members that must not be extracted are refused one by one") {
@@ -177,6 +270,7 @@ TEST_CASE("which code page a name is in") {
     CHECK(nameOf("\x84", "\xC3\xA4") == "\xC3\xA4");
     CHECK(nameOf("other", "\xC3\xA4") == "\x84");
     CHECK(nameOf("\x84", "") == "\x84");
+    CHECK(nameOf("\x84", "\xC3") == "\x84"); // no UTF-8
 }
 
 TEST_CASE("times come from the finest field there is") {
@@ -194,6 +288,26 @@ TEST_CASE("times come from the finest field there is") {
     CHECK(timesOf(ntfs + unixTime).modified == 111);
     CHECK(timesOf(ntfs).accessed == 222);
     CHECK_FALSE(timesOf(ntfs).created);
+    // 32 bits with a sign end in January 2038; the date of DOS tells which time is meant.
+    struct Row {
+        std::uint32_t seconds;
+        std::uint16_t date;
+        std::int64_t meant;
+    };
+    constexpr std::uint16_t k1980 = 0x0021;
+    constexpr std::uint16_t k2040 = 60 << 9 | 0x21;
+    constexpr std::uint16_t k2107 = 127 << 9 | 0x21;
+    for (const Row& row :
+         {Row{2208988800, k2040, 2208988800}, Row{0x80000000, k1980, -2147483648LL},
+          Row{0x7FFFFFFF, k2040, 2147483647}, Row{4323456000 & 0xFFFFFFFF, k2107, 4323456000},
+          Row{0xFFFFFFFF, 0, -1}, Row{0x90000000, 0x7800, 0x90000000 - (1LL << 32)}}) {
+        CAPTURE(row.meant);
+        TestMember member = kOne;
+        member.date = row.date;
+        member.extra = Extra(0x5455, U8(1) + U32(row.seconds));
+        CHECK(ReadOne(member).times.modified ==
+              second1970 + static_cast<std::uint64_t>(row.meant * 10'000'000));
+    }
     CHECK_FALSE(timesOf(Extra(0x5455, "\1")).modified);           // no room for the time
     CHECK_FALSE(timesOf(Extra(0x5455, U8(2) + U32(5))).modified); // no modification time
 }

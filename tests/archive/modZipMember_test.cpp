@@ -13,20 +13,42 @@ std::string TextOf(std::span<const std::byte> bytes) {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
+using Password = clsZipPasswords::Source;
+
+std::string ContentOf(ZipMemberReader& reader, const ZipMember& member, bool inPieces) {
+    if (!inPieces)
+        return TextOf(reader.Read(member));
+    std::string content;
+    reader.Stream(member, [&](std::span<const std::byte> piece, std::uint64_t packedDone) {
+        CHECK(packedDone <= member.packedSize);
+        content += TextOf(piece);
+    });
+    return content;
+}
+
 /// Everything that can be read, one "name=content" or "name!reason" after the other.
-std::string ReadAll(const std::string& archive, ZipMemberReader::PasswordSource password = {}) {
+std::string ReadAll(const std::string& archive, const Password& password, bool inPieces) {
     std::string all;
-    ZipMemberReader reader(BytesOf(archive), std::move(password));
-    for (const ZipMember& member : ReadZipDirectory(BytesOf(archive)).members) {
+    const ExactBytes bytes(archive);
+    const ZipDirectory directory = ReadZipDirectory(bytes);
+    ZipMemberReader reader(bytes, directory.members, password);
+    for (const ZipMember& member : directory.members) {
         try {
             if (!member.refusal.empty())
                 throw ZipProblem(member.refusal);
-            all += member.name + "=" + TextOf(reader.Read(member)) + ";";
+            all += member.name + "=" + ContentOf(reader, member, inPieces) + ";";
         } catch (const ZipProblem& problem) {
             all += member.name + "!" + problem.what() + ";";
         }
     }
     return all;
+}
+
+/// The same whole and in pieces, which must not differ.
+std::string ReadAll(const std::string& archive, const Password& password = {}) {
+    const std::string whole = ReadAll(archive, password, false);
+    CHECK(ReadAll(archive, password, true) == whole);
+    return whole;
 }
 
 /// "secret text" under the password "pass", as an archiver wrote it.
@@ -52,34 +74,116 @@ TEST_CASE("what does not hold what it declares is not handed out") {
     TestMember damaged = TestMember::Packed("damaged", "text");
     damaged.data[0] = 7; // a block type that does not exist
     CHECK(ReadAll(MakeZip({wrongCrc, shorter, longer, damaged, TestMember::Packed("empty", "")})) ==
-          "crc!wrong CRC, not written;"
-          "short!its data does not have the declared size, not written;"
-          "long!its data does not have the declared size, not written;"
-          "damaged!its data is damaged, not written;empty=;");
+          "crc!wrong CRC;short!its data does not have the declared size;"
+          "long!its data does not have the declared size;"
+          "damaged!its data is damaged;empty=;");
+    TestMember stored = TestMember::Stored("stored", "text");
+    stored.crc ^= 1;
+    TestMember endless = TestMember::Packed("endless", "text");
+    endless.data[0] = 0; // not the last block, and none follows
+    CHECK(ReadAll(MakeZip({stored, endless})) == "stored!wrong CRC;endless!its data is damaged;");
+}
+
+TEST_CASE("a large member comes in pieces of bounded size, the progress with it") {
+    std::string text;
+    for (std::uint32_t i = 0; i < 300'000; ++i)
+        text += U32(i * 2654435761);
+    for (const bool packed : {false, true}) {
+        TestMember member = TestMember::Stored("a", text);
+        if (packed) { // blocks without compression
+            member.data.clear();
+            for (std::size_t at = 0; at < text.size(); at += 50'000) {
+                const std::string block = text.substr(at, 50'000);
+                member.data += U8(at + 50'000 >= text.size() ? 1 : 0) + Deflated(block).substr(1);
+            }
+            member.method = 8;
+        }
+        const ExactBytes bytes(MakeZip({member}));
+        const ZipDirectory directory = ReadZipDirectory(bytes);
+        ZipMemberReader reader(bytes, directory.members, {});
+        std::string content;
+        std::uint64_t before = 0;
+        int calls = 0;
+        reader.Stream(directory.members[0],
+                      [&](std::span<const std::byte> piece, std::uint64_t packedDone) {
+                          CHECK(piece.size() <= 256 << 10);
+                          CHECK(packedDone >= before);
+                          before = packedDone;
+                          content += TextOf(piece);
+                          ++calls;
+                      });
+        CHECK(content == text);
+        CHECK(before == member.data.size());
+        CHECK(calls >= 5);
+    }
 }
 
 TEST_CASE("encrypted members: asked until right, once for all members, never after a refusal") {
     const std::string archive =
         MakeZip({Encrypted("a"), Encrypted("b"), TestMember::Stored("c", "open")});
-    int asked = 0;
-    CHECK(ReadAll(archive, [&](const ZipMember&) {
-              return std::string(++asked < 3 ? "wrong" : "pass");
-          }) == "a=secret text;b=secret text;c=open;");
-    CHECK(asked == 3);
-    asked = 0;
-    CHECK(ReadAll(archive, [&](const ZipMember&) {
-              ++asked;
-              return std::nullopt;
-          }) == "a!is encrypted, no password given;b!is encrypted, no password given;c=open;");
-    CHECK(asked == 1);
-    asked = 0;
-    CHECK(ReadAll(archive, [&](const ZipMember&) {
-              ++asked;
-              return std::string("wrong");
-          }) == "a!wrong password;b!wrong password;c=open;");
-    CHECK(asked == 6);
+    struct Row {
+        std::vector<const char*> answers; ///< Then nothing.
+        const char* result;
+        std::size_t asked;
+    };
+    for (const Row& row : {
+             Row{{"wrong", "bad", "pass"}, "a=secret text;b=secret text;c=open;", 3},
+             Row{{"pass"}, "a=secret text;b=secret text;c=open;", 1},
+             Row{{},
+                 "a!is encrypted, no password given;b!is encrypted, no password given;c=open;",
+                 1},
+             Row{{"wrong"},
+                 "a!is encrypted, no password given;b!is encrypted, no password given;c=open;",
+                 2},
+             Row{{"wrong", "wrong", "wrong", "pass"},
+                 "a!wrong password;b!wrong password;c=open;",
+                 3},
+         }) {
+        for (const bool inPieces : {false, true}) {
+            std::size_t asked = 0;
+            const auto answer = [&](bool wrongBefore) {
+                CHECK(wrongBefore == (asked != 0));
+                const std::size_t number = asked++;
+                return number < row.answers.size() ? std::optional<std::string>(row.answers[number])
+                                                   : std::nullopt;
+            };
+            CHECK(ReadAll(archive, answer, inPieces) == row.result);
+            CHECK(asked == row.asked);
+        }
+    }
     CHECK(ReadAll(archive) ==
           "a!is encrypted, no password given;b!is encrypted, no password given;c=open;");
+}
+
+TEST_CASE("a wrong password that passes the early check is still a wrong one") {
+    // Found by trying: its check byte is that of the right one.
+    std::string lucky;
+    const auto opens = [](const std::string& password, const TestMember& member) {
+        ZipCipher cipher(password);
+        std::byte last{};
+        for (const char c : member.data.substr(0, ZipMember::kCipherHeaderSize))
+            last = cipher.Decrypt(static_cast<std::byte>(c));
+        return std::to_integer<int>(last) == member.time >> 8;
+    };
+    for (int number = 0; lucky.empty(); ++number)
+        if (opens(std::to_string(number), Encrypted("a")))
+            lucky = std::to_string(number);
+    TestMember damaged = Encrypted("damaged");
+    damaged.crc ^= 1;
+    const auto answer = [](std::vector<std::string> answers) {
+        return [answers, at = std::size_t{0}](bool) mutable {
+            return at < answers.size() ? std::optional(answers[at++]) : std::nullopt;
+        };
+    };
+    const std::string one = MakeZip({Encrypted("a")});
+    const std::string three = MakeZip({damaged, Encrypted("b"), Encrypted("c")});
+    CHECK(ReadAll(one, answer({lucky, "pass"})) == "a=secret text;");
+    CHECK(ReadAll(one, answer({lucky})) == "a!is encrypted, no password given;");
+    CHECK(ReadAll(one, answer({lucky, lucky})) == "a!wrong password, or its data is damaged;");
+    // Where it opens other members as well it is right, and the data is not.
+    CHECK(ReadAll(three, answer({"pass"})) == "damaged!wrong CRC;b=secret text;c=secret text;");
+    CHECK(ReadAll(MakeZip({damaged, Encrypted("b")}), answer({"pass", "pass"})) ==
+          "damaged!wrong password, or its data is damaged;b=secret text;");
 }
 
 TEST_CASE("no damage to an archive leads astray") {
@@ -92,11 +196,11 @@ TEST_CASE("no damage to an archive leads astray") {
         end.wide = wide;
         const std::string good =
             MakeZip({TestMember::Stored("a", "stored"), timed, Encrypted("c")}, end);
-        CHECK(ReadAll(good, [](const ZipMember&) { return std::string("pass"); }) ==
+        CHECK(ReadAll(good, [](bool) { return std::string("pass"); }) ==
               "a=stored;u=times;c=secret text;");
         const auto tryAll = [](const std::string& archive) {
             try {
-                ReadAll(archive, [](const ZipMember&) { return std::string("pass"); });
+                ReadAll(archive, [](bool) { return std::string("pass"); });
             } catch (const ZipProblem&) {
                 return; // an ordinary answer; anything else is caught by the sanitizers
             }

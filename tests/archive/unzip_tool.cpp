@@ -8,7 +8,7 @@ int main(int argc, char** argv) {
         return 64;
     vesk::UnzipCallbacks callbacks;
     if (argc == 4)
-        callbacks.password = [&](const std::string&) { return std::string(argv[3]); };
+        callbacks.password = [&](bool) { return std::string(argv[3]); };
     vesk::UnzipFile(argv[1], argc > 2 ? argv[2] : "", callbacks);
     std::fputs(vesk::UnzipMessages().c_str(), stdout);
 }

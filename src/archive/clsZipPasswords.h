@@ -1,0 +1,63 @@
+#pragma once
+
+#include "archive/modZipDirectory.h"
+
+#include <array>
+#include <functional>
+#include <string_view>
+
+namespace vesk {
+
+/// The content of a member is not what its entry says. Under a password that has not been proven
+/// this may also mean that the password is wrong.
+struct ZipContentProblem : ZipProblem {
+    using ZipProblem::ZipProblem;
+};
+
+/// ZIP's traditional encryption: a stream of bytes from three running keys. Weak, but in use.
+class ZipCipher {
+public:
+    explicit ZipCipher(std::string_view password);
+    std::byte Decrypt(std::byte cipher);
+
+private:
+    void Update(std::uint8_t plain);
+    std::array<std::uint32_t, 3> keys_ = {0x12345678, 0x23456789, 0x34567890};
+};
+
+/// The passwords of one archive: usually one, asked for once.
+class clsZipPasswords {
+public:
+    /// @param wrongBefore an answer before was wrong @return nothing when there is none to be had
+    using Source = std::function<std::optional<std::string>(bool wrongBefore)>;
+
+    /// Reads or inflates a member under a cipher. @throws ZipContentProblem
+    using Check = std::function<void(ZipCipher cipher)>;
+
+    /// @param archive must outlive the object, as must @param members
+    clsZipPasswords(std::span<const std::byte> archive, std::span<const ZipMember> members,
+                    Source ask);
+
+    /// The cipher that opens a member, its header passed already. One wrong password in 256 seems
+    /// right by the header alone, so `check` has the last word; it has been called for the cipher
+    /// that is returned, unless that is of a proven password and `trustKnown` is set.
+    /// @throws ZipProblem without a password, ZipContentProblem when the password is right and the
+    ///         content is not
+    ZipCipher Find(const ZipMember& member, const Check& check, bool trustKnown);
+
+private:
+    ZipCipher Ask(const ZipMember& member, const Check& check);
+    [[nodiscard]] std::optional<ZipCipher> Try(const ZipMember& member,
+                                               std::string_view password) const;
+    [[nodiscard]] bool OpensOthers(const ZipMember& member, std::string_view password) const;
+
+    std::span<const std::byte> archive_;
+    std::span<const ZipMember> members_;
+    Source ask_;
+    std::vector<std::string> known_;
+    bool asked_ = false;
+    bool askMore_ = true;
+    std::string lockedReason_;
+};
+
+} // namespace vesk
