@@ -1,9 +1,8 @@
 #include "archive/modArchive.h"
 
-#include "archive/clsCab.h"
+#include "archive/modCabArchive.h"
 #include "archive/modMemberName.h"
 #include "archive/modUnzip.h"
-#include "base/Problem.h"
 #include "base/modText.h"
 
 #include <utility>
@@ -11,37 +10,6 @@
 namespace vesk {
 
 namespace {
-
-class CabOwner : public CabEvents {
-public:
-    explicit CabOwner(const ExtractionOwner& owner) : owner_(owner) {}
-    void OnAfterExtract(const std::string&) override {
-        ++extracted;
-        if (owner_.progress)
-            owner_.progress(0);
-    }
-
-    std::size_t extracted = 0;
-
-private:
-    const ExtractionOwner& owner_;
-};
-
-ExtractionOutcome ExtractCab(const std::string& path, const std::string& folder,
-                             const ExtractionOwner& owner) {
-    CabOwner events(owner);
-    clsCab cab(&events);
-    cab.CabName = path;
-    cab.DestinationFolder = folder;
-    ExtractionOutcome outcome;
-    try {
-        cab.Extract();
-    } catch (const std::exception& failure) {
-        outcome.failures.push_back({"", "not extracted whole", ReasonOf(failure)});
-    }
-    outcome.extracted = events.extracted;
-    return outcome;
-}
 
 ExtractionOutcome ExtractZip(const std::string& path, const std::string& folder,
                              const ExtractionOwner& owner) {
@@ -73,7 +41,10 @@ ExtractionOutcome ExtractArchive(const std::string& path, const std::string& fol
     return {0, {{"", "not extracted", "it is neither a .zip nor a .cab file"}}};
 }
 
-std::vector<MemberFailure> InspectArchive(const std::string&) {
+std::vector<MemberFailure> InspectArchive(const std::string& path) {
+    const std::string extension = LowerCase(ExtensionOf(path));
+    if (extension == "cab")
+        return InspectCab(path);
     return {};
 }
 
