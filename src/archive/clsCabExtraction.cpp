@@ -3,6 +3,8 @@
 #include "archive/modCabFailure.h"
 #include "archive/modCabJudge.h"
 #include "archive/modCabName.h"
+#include "archive/modCabReader.h"
+#include "archive/modCabUnpack.h"
 #include "base/Failure.h"
 #include "base/Problem.h"
 #include "base/modFile.h"
@@ -78,7 +80,8 @@ void clsCabExtraction::ExtractGroup() {
     if (!entries.empty()) {
         const CabFolder& folder = directory_.folders[EntryAt(0).folder];
         try {
-            ReadCabFolder(iteration_.Cabinet(), directory_, folder, entries, *this);
+            const auto unpack = IsUnpackedHere(folder) ? UnpackCabFolder : ReadCabFolder;
+            unpack(iteration_.Cabinet(), directory_, folder, entries, *this);
         } catch (const std::exception& failure) {
             unread_ = {CabNumberOf(failure), ReasonOf(failure)};
         }

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "archive/CabSink.h"
 #include "archive/clsCabIteration.h"
 #include "archive/clsCabTarget.h"
 #include "archive/clsDosClock.h"
 #include "archive/clsMemberFile.h"
-#include "archive/modCabReader.h"
 
 #include <cstddef>
 #include <optional>
