@@ -278,15 +278,19 @@ TEST_CASE("a damaged member does not stay under its name, and ends nothing but i
     };
     const Member good{"good.txt", {"1"}};
     const Member after{"after.txt", {"2"}};
-    TestCab packed = TestCab::Of({{"good.txt", ""}, {"bad.txt", "no MSZIP data"}});
+    // So large that a part of it has been written when the damage is met.
+    TestCab packed = TestCab::Of({{"good.txt", ""}, {"bad.txt", ""}});
+    packed.members[1].size = 11 * 32768;
     packed.folders[0].packing = 1;
-    packed.folders[0].blocks[0].checksum = kUnchecked;
+    const std::string block = "CK\x01" + U16(32768) + U16(32767) + full;
+    packed.folders[0].blocks.assign(10, {.data = block, .checksum = 0, .unpacked = 32768});
+    packed.folders[0].blocks.push_back({.data = "damaged", .checksum = 0, .unpacked = 32768});
     packed.folders.push_back({.blocks = {{"2"}}});
     packed.members.push_back({.name = "after.txt", .size = 1, .folder = 1});
     for (const Row& row :
          {Row{"first block", CabBytes({good, {"bad.txt", {"data"}, kWrong}, after})},
           Row{"later block", CabBytes({good, {"bad.txt", {full, "tail"}, kWrong}, after})},
-          Row{"found by the system only", packed.Bytes()}}) {
+          Row{"found in unpacking", packed.Bytes()}}) {
         CAPTURE(row.what);
         Fixture f(row.bytes);
         CHECK_THROWS_WITH(f.cab.Extract(), "Invalid data.");

@@ -90,6 +90,18 @@ TEST_CASE("members are cut out of blocks, which refer to the ones before them") 
     CHECK(same.text == a + b + c);
 }
 
+TEST_CASE("references reach into the last 32,768 bytes, whatever was before") {
+    TestCab cab = Good();
+    const std::string far(32768, 'x');
+    cab.folders[0].blocks.insert(
+        cab.folders[0].blocks.begin(),
+        {.data = "CK\x01" + U16(32768) + U16(32767) + far, .unpacked = 32768});
+    cab.members = {{.name = "all", .size = 32768 + 114}};
+    Text sink;
+    CHECK(Unpack(cab, sink));
+    CHECK(sink.text == "[0]" + far + kFirst + kSecond + ".");
+}
+
 TEST_CASE("data that cannot be unpacked ends the folder, and no member is passed off as whole") {
     const std::string before = "[0]" + kFirst.substr(0, 10) + ".[1]" + kFirst.substr(10);
     struct Row {
