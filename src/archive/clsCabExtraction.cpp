@@ -129,8 +129,6 @@ void clsCabExtraction::CreateFolderOf(const CabEntry& entry) {
 }
 
 bool clsCabExtraction::Begin(std::size_t place) {
-    if (begun_)
-        End();
     if (place >= readable_.size() || readable_[place] < cursor_)
         return false;
     HandleUnreadUpTo(readable_[place]);
