@@ -1,5 +1,6 @@
 #pragma once
 
+#include "archive/ExtractionOutcome.h"
 #include "archive/modCabXml.h"
 
 #include <cstdint>
@@ -23,11 +24,19 @@ public:
 
     /// A member stands complete at its target path.
     virtual void OnAfterExtract(const std::string& /*targetPath*/) {}
+
+    /// A member does not stand at its target path, and why. One of this and OnAfterExtract follows
+    /// each OnBeforeExtract that is not answered with `cancel`.
+    virtual void OnNotExtracted(const MemberFailure& /*failure*/) {}
+
+    /// Now and then while extracting, also within a large member.
+    /// @param fraction of the bytes wanted that is done, 0 to 1
+    virtual void OnProgress(double /*fraction*/) {}
 };
 
-/// One cabinet archive, read through the system's setup library. Each method is one iteration over
-/// the members, and only one iteration may run in the program at a time: a method called from an
-/// event fails with ERROR_BUSY.
+/// One cabinet archive. Its headers are judged here; what is packed in it is unpacked by the
+/// system's cabinet library. Each method is one iteration over the members, and only one iteration
+/// may run in the program at a time: a method called from an event fails with ERROR_BUSY.
 ///
 /// All methods throw a Failure with the source "CabFile": 0x800407A4 when CabName is empty,
 /// otherwise the system's error code. A cabinet that continues in another one ends where it ends.
@@ -44,9 +53,10 @@ public:
     std::int32_t FileCount();
 
     /// Writes the member FileToExtract, or every member, below the destination folder, over
-    /// existing files, and creates the folders it needs. A member whose name leads elsewhere, or
-    /// through a link that is there already, is left out. A member that turns out damaged or cut
-    /// short is removed again, and the method then throws; complete members stay.
+    /// existing files (read-only ones, too), and creates the folders it needs. Members get their
+    /// stored names, times and attributes. A member whose name leads elsewhere or is another one's,
+    /// or that stands behind a link, is left out. One that is damaged or cannot be written ends
+    /// nothing but itself; the method throws what befell the first of those when it is through.
     void Extract();
 
     /// Raises OnFileFound for every member, or for FileToExtract only, and stops there.

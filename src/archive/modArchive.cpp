@@ -1,9 +1,8 @@
 #include "archive/modArchive.h"
 
-#include "archive/clsCab.h"
+#include "archive/modCabArchive.h"
 #include "archive/modMemberName.h"
 #include "archive/modUnzip.h"
-#include "base/Problem.h"
 #include "base/modText.h"
 
 #include <algorithm>
@@ -13,37 +12,6 @@
 namespace vesk {
 
 namespace {
-
-class CabOwner : public CabEvents {
-public:
-    explicit CabOwner(const ExtractionOwner& owner) : owner_(owner) {}
-    void OnAfterExtract(const std::string&) override {
-        ++extracted;
-        if (owner_.progress)
-            owner_.progress(0);
-    }
-
-    std::size_t extracted = 0;
-
-private:
-    const ExtractionOwner& owner_;
-};
-
-ExtractionOutcome ExtractCab(const std::string& path, const std::string& folder,
-                             const ExtractionOwner& owner) {
-    CabOwner events(owner);
-    clsCab cab(&events);
-    cab.CabName = path;
-    cab.DestinationFolder = folder;
-    ExtractionOutcome outcome;
-    try {
-        cab.Extract();
-    } catch (const std::exception& failure) {
-        outcome.failures.push_back({"", "not extracted whole", ReasonOf(failure)});
-    }
-    outcome.extracted = events.extracted;
-    return outcome;
-}
 
 ExtractionOutcome ExtractZip(const std::string& path, const std::string& folder,
                              const ExtractionOwner& owner) {
@@ -75,8 +43,11 @@ ExtractionOutcome ExtractArchive(const std::string& path, const std::string& fol
 }
 
 std::vector<MemberFailure> InspectArchive(const std::string& path) {
-    if (LowerCase(ExtensionOf(path)) == "zip")
+    const std::string extension = LowerCase(ExtensionOf(path));
+    if (extension == "zip")
         return InspectZip(path);
+    if (extension == "cab")
+        return InspectCab(path);
     return {};
 }
 

@@ -1,6 +1,6 @@
 #include "archive/modCabXml.h"
 
-#include <windows.h>
+#include "base/modWide.h"
 
 #include <array>
 #include <cstdio>
@@ -13,18 +13,10 @@ namespace {
 
 constexpr std::string_view kLineEnd = "\r\n";
 
-std::wstring Wide(const std::string& text) {
-    const auto length = static_cast<int>(text.size());
-    std::wstring wide(text.size(), L'\0'); // no code page needs more units than bytes
-    wide.resize(static_cast<std::size_t>(
-        MultiByteToWideChar(CP_ACP, 0, text.data(), length, wide.data(), length)));
-    return wide;
-}
-
-std::string Escaped(const std::string& text) {
+std::string Escaped(std::wstring_view text) {
     constexpr std::wstring_view kMarkup = L"&<>'\"";
     std::string result;
-    for (const wchar_t c : Wide(text)) {
+    for (const wchar_t c : text) {
         if (c < 0x20)
             result += '?'; // XML cannot carry a control character, not even as a reference
         else if (c >= 0x7F || kMarkup.find(c) != std::wstring_view::npos)
@@ -42,7 +34,7 @@ std::string Element(const std::string& name, const std::string& content,
                     const Attributes& attributes = {}) {
     std::string start = name;
     for (const auto& [attribute, value] : attributes)
-        start += " " + attribute + " = '" + Escaped(value) + "'";
+        start += " " + attribute + " = '" + Escaped(Widen(value)) + "'";
     return "<" + start + ">" + content + "</" + name + ">" + std::string(kLineEnd);
 }
 
@@ -54,11 +46,15 @@ std::string DateText(const CalendarTime& time) {
 }
 
 std::string FileElement(const CabMember& member) {
-    return Element("FILE", Element("FULLNAME", Escaped(member.fullName)) +
-                               Element("NAME", Escaped(member.fileName)) +
-                               Element("DATE", DateText(member.time)) +
-                               Element("SIZE", std::to_string(member.size)) +
-                               Element("PATH", Escaped(member.folder)));
+    const std::wstring_view name = member.wideName;
+    const std::size_t parting = name.rfind(L'\\');
+    const bool inFolder = parting != std::wstring_view::npos;
+    return Element("FILE",
+                   Element("FULLNAME", Escaped(name)) +
+                       Element("NAME", Escaped(inFolder ? name.substr(parting + 1) : name)) +
+                       Element("DATE", DateText(member.time)) +
+                       Element("SIZE", std::to_string(member.size)) +
+                       Element("PATH", Escaped(inFolder ? name.substr(0, parting) : L"")));
 }
 
 } // namespace

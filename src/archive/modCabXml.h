@@ -23,6 +23,7 @@ struct CabMember {
     std::string fullName;  ///< As it stands in the cabinet, folder included.
     std::string fileName;  ///< What follows the last backslash of fullName.
     std::string folder;    ///< What precedes it; empty when there is none.
+    std::wstring wideName; ///< fullName without a loss.
     std::int32_t size = 0; ///< Bytes when extracted, as the cabinet claims.
     CalendarTime time;     ///< Local time.
 };

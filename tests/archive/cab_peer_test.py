@@ -2,6 +2,7 @@
 
 Usage: cab_peer_test.py COMMAND...   (how to start cab_tool). Status 77: gcab is missing.
 """
+import os
 import pathlib
 import random
 import shutil
@@ -9,6 +10,7 @@ import subprocess
 import sys
 import tempfile
 import unittest
+import unittest.mock
 import xml.etree.ElementTree as ElementTree
 
 COMMAND = []
@@ -58,6 +60,19 @@ class CabPeerTest(unittest.TestCase):
                 self.run_tool(cab, self.out)
                 self.assertEqual(self.extracted(), self.files)
                 shutil.rmtree(self.out)
+
+    def test_times_follow_the_rules_of_the_stored_day(self):
+        # Even seconds, as cabinets store them. The hour between Berlin and Greenwich is two in July.
+        january, july = 1_704_100_002, 1_720_000_002
+        for name, stamp in [("empty.txt", january), ("plain.txt", july)]:
+            os.utime(self.folder / "in" / name, (stamp, stamp))
+        with unittest.mock.patch.dict(os.environ, TZ="UTC"):
+            cab = self.make_cab()
+        with unittest.mock.patch.dict(os.environ, TZ="Europe/Berlin"):
+            self.run_tool(cab, self.out)
+        self.assertEqual([int((self.out / name).stat().st_mtime) + offset
+                          for name, offset in [("empty.txt", 3600), ("plain.txt", 7200)]],
+                         [january, july])
 
     def test_does_not_write_through_a_link(self):
         elsewhere = self.folder / "elsewhere"

@@ -1,76 +1,63 @@
 #include "archive/clsCab.h"
 
 #include "TestFolder.h"
-#include "archive/ZipBuilder.h"
+#include "archive/CabBuilder.h"
+#include "archive/modArchive.h"
 #include "base/Failure.h"
 #include "base/UniqueHandle.h"
 #include "base/modText.h"
+#include "base/modWide.h"
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <stdexcept>
 #include <vector>
 
 using namespace vesk;
-using vesk::test::TestFolder;
-using vesk::test::U16;
-using vesk::test::U32;
+using namespace vesk::test;
 
 namespace {
 
-constexpr std::size_t kUnchecked = 0;      // a data block with this checksum is not checked
-constexpr std::size_t kWrong = 0x12345678; // the checksum of no block used here
-constexpr std::size_t kDate = (2024 - 1980) << 9 | 2 << 5 | 29;
-constexpr std::size_t kTime = 13 << 11 | 37 << 5 | 42 / 2;
+constexpr std::uint32_t kUnchecked = 0;      // a data block with this checksum is not checked
+constexpr std::uint32_t kWrong = 0x12345678; // the checksum of no block used here
 
 struct Member {
     std::string name;
     std::vector<std::string> blocks; ///< Its content, in data blocks of at most 32,768 bytes.
-    std::size_t lastChecksum = kUnchecked;
-    std::size_t missing = 0; ///< Bytes that a following cabinet would hold.
+    std::uint32_t lastChecksum = kUnchecked;
+    std::uint32_t missing = 0; ///< Bytes that a following cabinet would hold.
 };
 
 /// The bytes of a cabinet that holds its members uncompressed, each in a folder of its own.
 std::string CabBytes(const std::vector<Member>& members, const std::string& nextCabinet = {}) {
-    std::string reserved; // names of the next cabinet and its disk, when there is one
-    if (!nextCabinet.empty())
-        reserved = nextCabinet + std::string("\0disk 2\0", 8);
-    const std::size_t headerSize = 36 + reserved.size();
-    const std::size_t filesAt = headerSize + 8 * members.size();
-    std::size_t dataAt = filesAt;
-    for (const Member& member : members)
-        dataAt += 16 + member.name.size() + 1;
-
-    std::string folders, files, data;
-    for (std::size_t i = 0; i < members.size(); ++i) {
-        const Member& member = members[i];
-        folders += U32(dataAt + data.size()); // where the folder's first data block stands
-        folders += U16(member.blocks.size());
-        folders += U16(0); // not compressed
+    TestCab cab;
+    cab.next = nextCabinet;
+    for (const Member& member : members) {
+        TestFolderData folder;
         std::size_t size = member.missing;
-        for (const std::string& block : member.blocks) {
-            const bool last = &block == &member.blocks.back();
-            data += U32(last ? member.lastChecksum : kUnchecked);
-            data += U16(block.size());                                   // packed
-            data += U16(last && member.missing != 0 ? 0 : block.size()); // 0: goes on elsewhere
-            data += block;
-            size += block.size();
+        for (const std::string& data : member.blocks) {
+            folder.blocks.push_back({.data = data, .checksum = kUnchecked});
+            size += data.size();
         }
-        files += U32(size) + U32(0);                    // size, offset in its folder
-        files += U16(member.missing != 0 ? 0xFFFE : i); // folder; 0xFFFE: continued to next
-        files += U16(kDate) + U16(kTime) + U16(0x20);
-        files += member.name + '\0';
+        if (!folder.blocks.empty())
+            folder.blocks.back().checksum = member.lastChecksum;
+        if (member.missing != 0)
+            folder.blocks.back().unpacked = 0; // goes on elsewhere
+        const std::size_t index = member.missing != 0 ? 0xFFFE : cab.folders.size();
+        cab.members.push_back({.name = member.name,
+                               .size = static_cast<std::uint32_t>(size),
+                               .folder = static_cast<std::uint16_t>(index)});
+        cab.folders.push_back(folder);
     }
-    std::string bytes = "MSCF" + U32(0) + U32(dataAt + data.size()) + U32(0) + U32(filesAt) +
-                        U32(0) + "\x03\x01"; // format 1.3
-    bytes += U16(members.size()) + U16(members.size());
-    bytes += U16(nextCabinet.empty() ? 0 : 2) + U16(0) + U16(0); // flags, set, place in the set
-    return bytes + reserved + folders + files + data;
+    return cab.Bytes();
 }
 
 /// Writes down every event, and does in it what a test asks for.
 struct Recorder : CabEvents {
     std::vector<std::string> events;
+    std::vector<std::string> failures;
+    std::vector<double> progress;
     std::function<void(const std::string& event, bool& cancel)> react;
 
     void Note(const std::string& event, bool&& cancel = false) { Note(event, cancel); }
@@ -88,6 +75,10 @@ struct Recorder : CabEvents {
     void OnAfterExtract(const std::string& targetPath) override {
         Note("after " + FileNameOf(targetPath));
     }
+    void OnNotExtracted(const MemberFailure& failure) override {
+        failures.push_back(failure.member + ": " + failure.what + ", " + failure.reason);
+    }
+    void OnProgress(double fraction) override { progress.push_back(fraction); }
 };
 
 using Events = std::vector<std::string>;
@@ -100,6 +91,14 @@ struct Fixture {
     explicit Fixture(const std::string& bytes) {
         cab.CabName = folder.Write("x.cab", bytes);
         cab.DestinationFolder = folder / "out";
+    }
+    /// What stands in the target folder, and nothing else may.
+    [[nodiscard]] std::string Listing() const {
+        std::string names;
+        ForEachEntry(Widen(folder / "out"), [&](const FolderEntry& entry) {
+            names += (names.empty() ? "" : " ") + Narrowed(entry.name);
+        });
+        return names;
     }
     [[nodiscard]] std::string Out(const std::string& name) const {
         return ReadWholeFile(folder / "out\\" + name);
@@ -235,8 +234,8 @@ TEST_CASE("what cannot be read raises the system's number and a fixed text") {
     cab.CabName = folder.Write("a.cab", CabBytes(kThree));
     cab.DestinationFolder = folder.Write("file", "stands in the way") + "\\below";
     CHECK(FailureNumber([&] { cab.Extract(); }) != 0);
-    cab.DestinationFolder = folder / std::string(240, 'x');
-    CHECK_THROWS_WITH(cab.Extract(), "The file name is too long.");
+    cab.DestinationFolder = folder / std::string(300, 'x'); // more than a file system takes
+    CHECK(FailureNumber([&] { cab.Extract(); }) != 0);
 }
 
 TEST_CASE("a file in the way is written over, or stays as it is when it is in use") {
@@ -259,6 +258,9 @@ TEST_CASE("names that lead elsewhere are left out, the rest is written") {
     members.push_back({"slash/last.txt", {"9"}});
     Fixture f(CabBytes(members));
     f.cab.Extract();
+    const std::string reason = ": not written, its name is not a plain one below the target folder";
+    CHECK(f.owner.failures == Events{"..\\up.txt" + reason, "C:\\vesk-root.txt" + reason,
+                                     "\\vesk-root.txt" + reason, "a:stream" + reason});
     CHECK(f.Out("first.txt") == "1");
     CHECK(f.Out("slash\\last.txt") == "9");
     for (const std::string& outside :
@@ -268,24 +270,162 @@ TEST_CASE("names that lead elsewhere are left out, the rest is written") {
     }
 }
 
-TEST_CASE("a damaged member does not stay under its name") {
+TEST_CASE("a damaged member does not stay under its name, and ends nothing but itself") {
     const std::string full(32768, 'a');
     struct Row {
         const char* what;
         std::string bytes;
     };
-    const std::string good = CabBytes({{"good.txt", {"1"}}, {"bad.txt", {full, "tail"}}});
+    const Member good{"good.txt", {"1"}};
+    const Member after{"after.txt", {"2"}};
+    // So large that a part of it has been written when the damage is met.
+    TestCab packed = TestCab::Of({{"good.txt", ""}, {"bad.txt", ""}});
+    packed.members[1].size = 11 * 32768;
+    packed.folders[0].packing = 1;
+    const std::string block = "CK\x01" + U16(32768) + U16(32767) + full;
+    packed.folders[0].blocks.assign(10, {.data = block, .checksum = 0, .unpacked = 32768});
+    packed.folders[0].blocks.push_back({.data = "damaged", .checksum = 0, .unpacked = 32768});
+    packed.folders.push_back({.blocks = {{"2"}}});
+    packed.members.push_back({.name = "after.txt", .size = 1, .folder = 1});
     for (const Row& row :
-         {Row{"first block", CabBytes({{"good.txt", {"1"}}, {"bad.txt", {"data"}, kWrong}})},
-          Row{"later block", CabBytes({{"good.txt", {"1"}}, {"bad.txt", {full, "tail"}, kWrong}})},
-          Row{"cut short", good.substr(0, good.size() - 2)}}) {
+         {Row{"first block", CabBytes({good, {"bad.txt", {"data"}, kWrong}, after})},
+          Row{"later block", CabBytes({good, {"bad.txt", {full, "tail"}, kWrong}, after})},
+          Row{"found in unpacking", packed.Bytes()}}) {
         CAPTURE(row.what);
         Fixture f(row.bytes);
         CHECK_THROWS_WITH(f.cab.Extract(), "Invalid data.");
-        CHECK(f.owner.events == Events{"before good.txt", "after good.txt", "before bad.txt"});
-        CHECK(f.Out("good.txt") == "1");
-        CHECK_FALSE(FileExists(f.folder / "out\\bad.txt"));
+        CHECK(f.owner.events == Events{"before good.txt", "after good.txt", "before bad.txt",
+                                       "before after.txt", "after after.txt"});
+        CHECK(f.owner.failures == Events{"bad.txt: not written, its data is damaged"});
+        CHECK(f.Out("after.txt") == "2");
+        CHECK(f.Listing() == "after.txt good.txt");
     }
+}
+
+TEST_CASE("members behind damage in the same data are told one by one") {
+    TestCab cab = TestCab::Of({{"a", "12345"}, {"b", "678"}, {"empty", ""}});
+    cab.folders[0].packing = 1;
+    cab.folders[0].blocks[0].checksum = kUnchecked;
+    Fixture f(cab.Bytes());
+    CHECK_THROWS_WITH(f.cab.Extract(), "Invalid data.");
+    CHECK(f.owner.failures ==
+          Events{"a: not written, its data is damaged", "b: not written, its data is damaged"});
+    CHECK(f.Listing() == "empty");
+}
+
+TEST_CASE("a truncated cabinet gives what is there") {
+    const std::string good = CabBytes({{"good.txt", {"1"}}, {"bad.txt", {"data"}}});
+    Fixture f(good.substr(0, good.size() - 2));
+    CHECK_THROWS_WITH(f.cab.Extract(), "Invalid data.");
+    CHECK(f.owner.failures == Events{"bad.txt: not written, its data is cut short"});
+    CHECK(f.Listing() == "good.txt");
+}
+
+TEST_CASE("what stands in a member's way is that member's trouble only") {
+    Fixture f(CabBytes({{"a", {"1"}}, {"b\\c", {"2"}}, {"d", {"3"}}}));
+    f.folder.Write("out\\a\\inside", "kept");
+    f.folder.Write("out\\b", "kept");
+    CHECK_THROWS_WITH(f.cab.Extract(), "The directory or file cannot be created.");
+    CHECK(f.owner.failures ==
+          Events{"a: not written, a folder stands in its place",
+                 "b\\c: not written, a file stands on the way to it: " + f.folder / "out\\b"});
+    CHECK(f.Out("a\\inside") == "kept");
+    CHECK(f.Out("b") == "kept");
+    CHECK(f.Out("d") == "3");
+    CHECK(f.Listing() == "a b d");
+}
+
+TEST_CASE("members get their stored attributes and times, and the next extraction replaces them") {
+    TestCab cab = TestCab::Of({{"plain", "1"}, {"special", "2"}});
+    cab.members[1].attributes = 0x01 | 0x02 | 0x04;
+    cab.members[1].date = 0; // no day
+    Fixture f(cab.Bytes());
+    for (int round = 0; round < 2; ++round) {
+        f.cab.Extract();
+        CHECK(f.Out("special") == "2");
+        const DWORD attributes = GetFileAttributesA((f.folder / "out\\special").c_str());
+        CHECK((attributes & 7) == 7);
+        CHECK((GetFileAttributesA((f.folder / "out\\plain").c_str()) & 7) == 0);
+    }
+    WIN32_FILE_ATTRIBUTE_DATA data{};
+    SYSTEMTIME utc{}, local{};
+    GetFileAttributesExA((f.folder / "out\\plain").c_str(), GetFileExInfoStandard, &data);
+    FileTimeToSystemTime(&data.ftLastWriteTime, &utc);
+    SystemTimeToTzSpecificLocalTime(nullptr, &utc, &local);
+    CHECK(local.wYear == 2024);
+    CHECK(local.wMonth == 2);
+    CHECK(local.wDay == 29);
+    CHECK(local.wHour == 13);
+    CHECK(local.wMinute == 37);
+    CHECK(local.wSecond == 42);
+    CHECK(f.Listing() == "plain special");
+}
+
+TEST_CASE("names in Unicode and long paths are no trouble") {
+    TestCab cab = TestCab::Of({{"\xD0\x96\\\xE4\xB8\xAD.txt", "1"}, {"\xE4", "2"}, {"\xFF", "3"}});
+    cab.members[0].attributes = 0xA0;
+    cab.members[2].attributes = 0xA0; // is no UTF-8
+    Fixture f(cab.Bytes());
+    f.cab.DestinationFolder += "\\" + std::string(200, 'x') + "\\" + std::string(100, 'y');
+    f.cab.Extract();
+    CHECK(f.owner.failures.empty());
+    const std::wstring out = LongPath(f.cab.DestinationFolder) + L"\\";
+    for (const wchar_t* name : {L"\u0416\\\u4E2D.txt", L"\u00E4", L"\u00FF"})
+        CHECK(GetFileAttributesW((out + name).c_str()) != INVALID_FILE_ATTRIBUTES);
+    CHECK(f.cab.GetXML().find("<FULLNAME>&#1046;\\&#20013;.txt</FULLNAME>") != std::string::npos);
+}
+
+TEST_CASE("of two members that fall onto one name the second is told") {
+    Fixture f(CabBytes({{"a\\x", {"1"}}, {"A/X", {"2"}}}));
+    f.cab.Extract();
+    CHECK(f.owner.failures == Events{"A\\X: not written, another member has the same name"});
+    CHECK(f.Out("a\\x") == "1");
+}
+
+TEST_CASE("folders and empty files need no data") {
+    TestCab cab;
+    cab.folders.resize(1);
+    cab.members = {{.name = "one\\"}, {.name = "two", .attributes = 0x10}, {.name = "three"}};
+    Fixture f(cab.Bytes());
+    f.cab.Extract();
+    CHECK(FolderExists(f.folder / "out\\one"));
+    CHECK(FolderExists(f.folder / "out\\two"));
+    CHECK(FileExists(f.folder / "out\\three"));
+}
+
+TEST_CASE("progress counts bytes, within a large member too") {
+    const std::vector<std::string> mebibytes(96, std::string(32768, 'm')); // three of them
+    Fixture f(CabBytes({{"large", mebibytes}, {"bad", {"12"}, kWrong}, {"small", {"3"}}}));
+    CHECK_THROWS_WITH(f.cab.Extract(), "Invalid data.");
+    CHECK(std::ranges::is_sorted(f.owner.progress));
+    CHECK(f.owner.progress.back() == 1.0);
+    CHECK(std::ranges::count_if(f.owner.progress, [](double p) { return p > 0 && p < 0.99; }) >= 2);
+}
+
+TEST_CASE("a cabinet as an archive: what is not extracted, and what would not be") {
+    const TestFolder folder;
+    const auto extract = [&](const std::string& bytes) {
+        return ExtractArchive(folder.Write("x.CAB", bytes), folder / "out", {});
+    };
+    TestCab cab = TestCab::Of({{"good", "1"}, {"..", "2"}});
+    const ExtractionOutcome outcome = extract(cab.Bytes());
+    CHECK(outcome.extracted == 1);
+    const std::vector<MemberFailure> refused{
+        {"..", "not written", "its name is not a plain one below the target folder"}};
+    CHECK(outcome.failures == refused);
+    CHECK(InspectArchive(folder / "x.CAB") == refused);
+
+    cab.folders.clear();
+    const std::vector<MemberFailure> whole{
+        {"", "not extracted", "it lists files but holds no data for them"}};
+    CHECK(extract(cab.Bytes()).failures == whole);
+    CHECK(InspectArchive(folder / "x.CAB") == whole);
+    CHECK(ExtractArchive(folder / "none.cab", folder / "out", {}).failures.size() == 1);
+
+    ExtractionOwner throwing;
+    throwing.progress = [](double) { throw Failure(5, "owner", "from the owner"); };
+    folder.Write("x.CAB", CabBytes(kThree));
+    CHECK_THROWS_WITH(ExtractArchive(folder / "x.CAB", folder / "out", throwing), "from the owner");
 }
 
 TEST_CASE("a cabinet that continues in another one stops at its end") {

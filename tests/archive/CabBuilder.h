@@ -1,0 +1,151 @@
+#pragma once
+
+#include "archive/ByteSource.h"
+#include "archive/ZipBuilder.h"
+
+#include <cstring>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace vesk::test {
+
+/// One data block of a cabinet, right unless told otherwise.
+struct TestBlock {
+    std::string data; ///< As it stands in the file.
+    std::optional<std::uint32_t> checksum = std::nullopt;
+    std::optional<std::uint16_t> packed = std::nullopt;
+    std::optional<std::uint16_t> unpacked = std::nullopt;
+};
+
+struct TestFolderData {
+    std::vector<TestBlock> blocks = {};
+    std::uint16_t packing = 0; ///< Not compressed.
+    std::optional<std::uint32_t> dataAt = std::nullopt;
+    std::optional<std::uint16_t> blockCount = std::nullopt;
+};
+
+struct TestCabMember {
+    std::string name;
+    std::uint32_t size = 0;
+    std::uint32_t offset = 0;
+    std::uint16_t folder = 0;
+    std::uint16_t attributes = 0x20;
+    std::uint16_t date = (2024 - 1980) << 9 | 2 << 5 | 29;
+    std::uint16_t time = 13 << 11 | 37 << 5 | 42 / 2;
+};
+
+inline std::uint32_t CabChecksum(const std::string& bytes, std::uint32_t sum) {
+    std::size_t i = 0;
+    for (; i + 4 <= bytes.size(); i += 4) {
+        std::uint32_t word = 0;
+        std::memcpy(&word, bytes.data() + i, 4);
+        sum ^= word;
+    }
+    std::uint32_t tail = 0;
+    for (; i < bytes.size(); ++i)
+        tail = tail << 8 | static_cast<std::uint8_t>(bytes[i]);
+    return sum ^ tail;
+}
+
+/// A cabinet as the test wants it.
+struct TestCab {
+    std::vector<TestFolderData> folders;
+    std::vector<TestCabMember> members;
+    std::string signature = "MSCF";
+    std::string version = "\x03\x01";
+    std::optional<std::uint16_t> folderCount, memberCount;
+    std::optional<std::uint32_t> membersAt;
+    std::string next; ///< Name of a following cabinet.
+    std::optional<std::string> headerReserve;
+    std::string folderReserve, blockReserve;
+
+    /// One member after the other, all in one folder of one block.
+    static TestCab Of(const std::vector<std::pair<std::string, std::string>>& files) {
+        TestCab cab;
+        cab.folders.resize(1);
+        std::string data;
+        for (const auto& [name, content] : files) {
+            cab.members.push_back({.name = name,
+                                   .size = static_cast<std::uint32_t>(content.size()),
+                                   .offset = static_cast<std::uint32_t>(data.size())});
+            data += content;
+        }
+        cab.folders[0].blocks.push_back({data});
+        return cab;
+    }
+
+    [[nodiscard]] std::string Bytes() const {
+        const std::string variable = VariablePart();
+        const std::string list = MemberList();
+        const std::size_t listAt =
+            36 + variable.size() + folders.size() * (8 + folderReserve.size());
+        std::string heads;
+        std::string data;
+        for (const TestFolderData& folder : folders) {
+            heads += U32(folder.dataAt.value_or(
+                static_cast<std::uint32_t>(listAt + list.size() + data.size())));
+            heads +=
+                U16(folder.blockCount.value_or(static_cast<std::uint16_t>(folder.blocks.size()))) +
+                U16(folder.packing) + folderReserve;
+            for (const TestBlock& block : folder.blocks)
+                data += BlockBytes(block);
+        }
+        const std::size_t size = listAt + list.size() + data.size();
+        return signature + U32(0) + U32(size) + U32(0) +
+               U32(membersAt.value_or(static_cast<std::uint32_t>(listAt))) + U32(0) + version +
+               U16(folderCount.value_or(static_cast<std::uint16_t>(folders.size()))) +
+               U16(memberCount.value_or(static_cast<std::uint16_t>(members.size()))) +
+               U16((next.empty() ? 0U : 2U) | (headerReserve ? 4U : 0U)) + U16(0) + U16(0) +
+               variable + heads + list + data;
+    }
+
+private:
+    [[nodiscard]] std::string VariablePart() const {
+        std::string part;
+        if (headerReserve)
+            part += U16(headerReserve->size()) + U8(folderReserve.size()) +
+                    U8(blockReserve.size()) + *headerReserve;
+        if (!next.empty())
+            part += next + '\0' + "disk 2" + '\0';
+        return part;
+    }
+
+    [[nodiscard]] std::string MemberList() const {
+        std::string list;
+        for (const TestCabMember& member : members)
+            list += U32(member.size) + U32(member.offset) + U16(member.folder) + U16(member.date) +
+                    U16(member.time) + U16(member.attributes) + member.name + '\0';
+        return list;
+    }
+
+    [[nodiscard]] std::string BlockBytes(const TestBlock& block) const {
+        const auto length = static_cast<std::uint16_t>(block.data.size());
+        const std::string sizes =
+            U16(block.packed.value_or(length)) + U16(block.unpacked.value_or(length));
+        const std::uint32_t sum = CabChecksum(sizes, CabChecksum(block.data, 0));
+        return U32(block.checksum.value_or(sum)) + sizes + blockReserve + block.data;
+    }
+};
+
+/// Bytes in memory, of which not one more can be read without the sanitizer's notice.
+class MemorySource : public ByteSource {
+public:
+    explicit MemorySource(const std::string& bytes)
+        : bytes_(std::as_bytes(std::span(bytes)).begin(), std::as_bytes(std::span(bytes)).end()) {}
+
+    [[nodiscard]] std::uint64_t Size() const override { return bytes_.size(); }
+    std::size_t Read(std::uint64_t at, std::span<std::byte> to) override {
+        if (at >= bytes_.size())
+            return 0;
+        const auto rest = std::span(bytes_).subspan(static_cast<std::size_t>(at));
+        const std::size_t count = std::min(rest.size(), to.size());
+        std::ranges::copy(rest.first(count), to.begin());
+        return count;
+    }
+
+private:
+    std::vector<std::byte> bytes_;
+};
+
+} // namespace vesk::test
