@@ -19,8 +19,8 @@ bool IsSamePath(const std::wstring& left, const std::wstring& right) {
 }
 
 /// @param name as the system's functions take it
-FolderLevel LevelOf(const std::wstring& name) {
-    FolderLevel level{name, GetFileAttributesW(name.c_str()), {}};
+FolderLevel Read(const std::wstring& name) {
+    FolderLevel level{name, GetFileAttributesW(name.c_str()), {}, false};
     const FileHandle folder(
         CreateFileW(name.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                     nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
@@ -45,19 +45,20 @@ std::size_t RootLength(const std::wstring& path) {
 
 /// Where drives are folders of another system (Wine), a drive's root lies in something that no path
 /// of ours reaches. The other system's own names do.
-std::vector<FolderLevel> ClimbOutside(const std::wstring& existing) {
+std::vector<FolderLevel> ClimbOutside(const std::wstring& root) {
     using Function = char*(CDECL*)(LPCWSTR);
     static const auto function = reinterpret_cast<Function>(reinterpret_cast<void*>(
         GetProcAddress(GetModuleHandleA("kernel32.dll"), "wine_get_unix_file_name")));
     std::vector<FolderLevel> levels;
     const UniqueHandle<[](char* text) { HeapFree(GetProcessHeap(), 0, text); }, char*> outside(
-        function == nullptr ? nullptr : function(existing.c_str()));
+        function == nullptr ? nullptr : function(root.c_str()));
     if (!outside)
         return levels;
     constexpr int kMostLevels = 256;
     std::wstring name = L"\\\\?\\unix" + Widen(outside.Get());
     for (int i = 0; i < kMostLevels; ++i, name += L"/..") {
-        FolderLevel level = LevelOf(name);
+        FolderLevel level = Read(name);
+        level.isBeyondRoot = true;
         if (!level.identity || (!levels.empty() && level.identity == levels.back().identity))
             break; // above the top lies the top itself
         levels.push_back(std::move(level));
@@ -67,34 +68,45 @@ std::vector<FolderLevel> ClimbOutside(const std::wstring& existing) {
 
 } // namespace
 
-std::vector<FolderLevel> WayUp(const std::wstring& folder) {
+const FolderLevel& FolderReader::LevelOf(const std::wstring& path) {
+    const auto known = levels_.find(path);
+    if (known != levels_.end())
+        return known->second;
+    FolderLevel level = Read(LongPath(path));
+    level.path = path;
+    return levels_.emplace(path, std::move(level)).first->second;
+}
+
+const std::vector<FolderLevel>& FolderReader::AboveRoot(const std::wstring& root) {
+    const auto known = aboveRoots_.find(root);
+    return known != aboveRoots_.end() ? known->second
+                                      : aboveRoots_.emplace(root, ClimbOutside(root)).first->second;
+}
+
+std::vector<FolderLevel> FolderReader::WayUp(const std::wstring& folder) {
     std::wstring path = folder;
     const std::size_t root = RootLength(path);
     while (path.size() > root && path.back() == L'\\')
         path.pop_back();
     std::vector<FolderLevel> levels;
     for (;;) {
-        levels.push_back(LevelOf(LongPath(path)));
-        levels.back().path = path;
+        levels.push_back(LevelOf(path));
         if (path.size() <= root)
             return levels;
         path.resize(std::max(path.rfind(L'\\'), root));
     }
 }
 
-std::vector<std::vector<FolderLevel>> WaysUp(const std::string& folder) {
+std::vector<std::vector<FolderLevel>> FolderReader::WaysUp(const std::string& folder) {
     std::vector<std::vector<FolderLevel>> ways{WayUp(Widen(folder))};
     const std::wstring real = RealPath(ways[0].front().path);
     if (!IsSamePath(real, ways[0].front().path))
         ways.push_back(WayUp(real));
-    const auto existing = std::ranges::find(ways[0], false, &FolderLevel::IsMissing);
-    if (existing == ways[0].end())
-        return ways;
-    std::vector<FolderLevel> outside = ClimbOutside(existing->path);
-    if (!outside.empty()) {
-        outside.insert(outside.begin(), ways[0].begin(), existing); // the missing levels
-        ways.push_back(std::move(outside));
-    }
+    std::vector<FolderLevel> beyond = ways.back();
+    const std::vector<FolderLevel>& above = AboveRoot(beyond.back().path);
+    beyond.insert(beyond.end(), above.begin(), above.end());
+    if (!above.empty())
+        ways.push_back(std::move(beyond));
     return ways;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -29,18 +30,31 @@ struct FolderLevel {
     std::uint32_t attributes = 0xFFFFFFFF;  ///< Of a link: the link's own. All ones: missing.
     std::optional<FolderIdentity> identity; ///< Of a link: of what it leads to.
 
+    bool isBeyondRoot = false; ///< Above a drive's root, where no path of ours leads.
+
     [[nodiscard]] bool IsMissing() const { return attributes == 0xFFFFFFFF; }
     [[nodiscard]] bool Has(std::uint32_t wanted) const {
         return !IsMissing() && (attributes & wanted) == wanted;
     }
 };
 
-/// A folder and those that it lies in, the folder first. @param path absolute
-std::vector<FolderLevel> WayUp(const std::wstring& path);
+/// Reads levels. One reader looks at each folder once, so it answers for one moment only.
+class FolderReader {
+public:
+    /// A folder and those that it lies in, the folder first. @param path absolute
+    std::vector<FolderLevel> WayUp(const std::wstring& path);
 
-/// The ways up from a folder: by its name first; then, where the system leads elsewhere under that
-/// name, by its real path; and where the system can climb above a drive's root, as it really lies.
-std::vector<std::vector<FolderLevel>> WaysUp(const std::string& folder);
+    /// The ways up from a folder: by its name first; then, where the system leads elsewhere under
+    /// that name, by its real path; and where the system can climb above a drive's root, beyond it.
+    std::vector<std::vector<FolderLevel>> WaysUp(const std::string& folder);
+
+private:
+    const FolderLevel& LevelOf(const std::wstring& path);
+    const std::vector<FolderLevel>& AboveRoot(const std::wstring& root);
+
+    std::map<std::wstring, FolderLevel> levels_;
+    std::map<std::wstring, std::vector<FolderLevel>> aboveRoots_;
+};
 
 /// Whether two levels are one folder, or have one name.
 bool IsSameFolder(const FolderLevel& left, const FolderLevel& right);

@@ -67,7 +67,7 @@ MappingHandle MakeNote(const std::string& name) {
 } // namespace
 
 clsBuildLock::clsBuildLock(const clsInstallFolder& folder) : path_(folder.Path()) {
-    const std::vector<FolderLevel> way = WayUp(Widen(path_));
+    const std::vector<FolderLevel> way = FolderReader().WayUp(Widen(path_));
     // First everything is taken and then looked for, so that of two that start at once one at least
     // sees the other.
     for (std::size_t i = 1; i < way.size(); ++i) {

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <array>
+#include <set>
 #include <utility>
 
 namespace vesk {
@@ -54,6 +55,27 @@ std::vector<std::string> RegisteredShellFolders() {
     return folders;
 }
 
+/// How a folder is to a guarded place, where that forbids it to be emptied: the words in front of
+/// the place's name. Null when nothing speaks against it.
+const char* Relation(const std::vector<std::vector<FolderLevel>>& ways,
+                     const std::vector<std::vector<FolderLevel>>& placeWays,
+                     GuardedPlace::Reach reach) {
+    const std::vector<FolderLevel>& place = placeWays.front();
+    if (std::ranges::any_of(ways, [&](const auto& way) { return Leads(placeWays, way.front()); }))
+        return "holds ";
+    if (place.front().IsMissing() || place.size() < 2)
+        return nullptr; // nothing can lie in it; or it is a drive, and everything on it would
+    if (reach == GuardedPlace::Reach::Within && Leads(ways, place.front()))
+        return "lies in ";
+    const auto liesBeside = [&](const auto& way) {
+        return way.size() > 1 && IsSameFolder(way[1], place[1]);
+    };
+    if (reach == GuardedPlace::Reach::Siblings && place.size() > 2 &&
+        std::ranges::any_of(ways, liesBeside))
+        return "is a user's profile";
+    return nullptr;
+}
+
 constexpr const char* kEmptied = "The installation folder is emptied before a build, ";
 
 /// What the folder itself says, whatever is guarded.
@@ -78,8 +100,29 @@ std::string OwnObjection(const std::vector<FolderLevel>& way) {
 
 } // namespace
 
-clsFolderGuard::clsFolderGuard(std::vector<GuardedPlace> places, std::vector<std::string> programs)
-    : places_(std::move(places)), programs_(std::move(programs)) {}
+struct clsFolderGuard::Known {
+    struct Place {
+        GuardedPlace place;
+        std::vector<std::vector<FolderLevel>> ways;
+    };
+    std::vector<Place> places;
+    std::vector<FolderLevel> programs;
+};
+
+clsFolderGuard::clsFolderGuard(const std::vector<GuardedPlace>& places,
+                               const std::vector<std::string>& programs)
+    : known_(std::make_shared<Known>()) {
+    FolderReader reader;
+    std::set<std::string> seen; // the shell names many folders more than once
+    for (const GuardedPlace& place : places) {
+        if (!place.path.empty() && seen.insert(LowerCase(place.path) + place.name).second)
+            known_->places.push_back({place, reader.WaysUp(AbsolutePath(place.path))});
+    }
+    for (const std::string& program : programs) {
+        if (!program.empty())
+            known_->programs.push_back(reader.WayUp(Widen(program)).front());
+    }
+}
 
 clsFolderGuard clsFolderGuard::OfSystem(const std::string& programPath,
                                         const std::string& sourceFolder) {
@@ -135,43 +178,27 @@ clsFolderGuard clsFolderGuard::OfSystem(const std::string& programPath,
     // Nor is what programs keep for the user replaced.
     for (const SpecialFolder data : {SpecialFolder::AppData, SpecialFolder::LocalAppData})
         programs.push_back(ParentOf(SpecialFolderPath(data)));
-    return clsFolderGuard(std::move(places), std::move(programs));
+    return clsFolderGuard(places, programs);
 }
 
 std::string clsFolderGuard::Objection(const std::string& folder) const {
-    const auto ways = WaysUp(folder);
+    const auto ways = FolderReader().WaysUp(folder);
     for (const auto& way : ways) {
-        // The last way may go on above a drive's root, where nothing is this system's to judge.
-        if (std::string own = OwnObjection(way); !own.empty() && !way.back().path.ends_with(L"/.."))
+        if (std::string own = OwnObjection(way); !own.empty() && !way.back().isBeyondRoot)
             return own;
     }
-    for (const GuardedPlace& place : places_) {
-        if (place.path.empty())
-            continue;
-        const auto placeWays = WaysUp(AbsolutePath(place.path));
-        const FolderLevel& itself = placeWays.front().front();
-        if (std::ranges::any_of(ways,
-                                [&](const auto& way) { return Leads(placeWays, way.front()); }))
-            return std::string(kEmptied) + "and this one holds " + place.name;
-        if (itself.IsMissing() || placeWays.front().size() < 2)
-            continue; // nothing can lie in it; or it is a drive, and everything on it would
-        if (place.reach == GuardedPlace::Reach::Within && Leads(ways, itself))
-            return std::string(kEmptied) + "and this one lies in " + place.name;
-        const bool isProfile = place.reach == GuardedPlace::Reach::Siblings;
-        const auto lies = [&](const auto& way) {
-            return way.size() > 1 && IsSameFolder(way[1], placeWays.front()[1]);
-        };
-        if (isProfile && placeWays.front().size() > 2 && std::ranges::any_of(ways, lies))
-            return std::string(kEmptied) + "and this one is a user's profile";
+    for (const Known::Place& known : known_->places) {
+        if (const char* relation = Relation(ways, known.ways, known.place.reach))
+            return std::string(kEmptied) + "and this one " + relation +
+                   (std::string_view(relation).ends_with(' ') ? known.place.name : "");
     }
     return {};
 }
 
 bool clsFolderGuard::KeepsForeign(const std::string& folder) const {
-    const auto ways = WaysUp(folder);
-    return std::ranges::any_of(programs_, [&](const std::string& programs) {
-        return !programs.empty() && Leads(ways, WayUp(Widen(programs)).front());
-    });
+    const auto ways = FolderReader().WaysUp(folder);
+    return std::ranges::any_of(known_->programs,
+                               [&](const FolderLevel& program) { return Leads(ways, program); });
 }
 
 } // namespace vesk

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -24,8 +25,8 @@ class clsFolderGuard {
 public:
     /// @param programs folders that programs are installed into: a folder below one is refused when
     /// it holds anything that no build made
-    explicit clsFolderGuard(std::vector<GuardedPlace> places,
-                            std::vector<std::string> programs = {});
+    explicit clsFolderGuard(const std::vector<GuardedPlace>& places,
+                            const std::vector<std::string>& programs = {});
 
     /// The guard of this system and user. @param programPath, sourceFolder may end in "\";
     /// sourceFolder may be empty
@@ -39,8 +40,9 @@ public:
     [[nodiscard]] bool KeepsForeign(const std::string& folder) const;
 
 private:
-    std::vector<GuardedPlace> places_;
-    std::vector<std::string> programs_;
+    struct Known;
+
+    std::shared_ptr<Known> known_; ///< The places as they were found once: there are many.
 };
 
 } // namespace vesk

@@ -157,7 +157,7 @@ std::string clsInstallFolder::Objection() const {
 }
 
 std::optional<FolderIdentity> clsInstallFolder::Identity() const {
-    return WayUp(Widen(path_)).front().identity;
+    return FolderReader().WayUp(Widen(path_)).front().identity;
 }
 
 FolderContent clsInstallFolder::Content() const {

@@ -133,10 +133,10 @@ clsRemovableTree clsRemovableTree::Below(const clsInstallFolder& folder,
         PathInside(folder.Path(), relative.substr(relative.starts_with('\\') ? 1 : 0));
     if (!path)
         ThrowSystemError(ERROR_INVALID_NAME, "cannot delete", folder.Path() + relative);
-    const std::string top = folder.Path();
-    return {*path, [folder, top, path = *path] {
-                return HasLinkBelow(top, path) ? "a link stands on the way to it"
-                                               : folder.Objection();
+    // Whether the tree itself may be emptied was asked before it was made.
+    return {*path, [top = ParentOf(folder.Path()), path = *path] {
+                return HasLinkBelow(top, path) ? std::string("a link stands on the way to it")
+                                               : std::string();
             }};
 }
 

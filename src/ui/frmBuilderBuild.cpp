@@ -64,7 +64,9 @@ void frmBuilder::ShowSummary() {
 
 /// A foreign folder is emptied only after the user was told what is in it.
 BuildInputs frmBuilder::CollectInputs() {
-    if (const std::string refusal = CatalogueRefusal(catalogue_); !refusal.empty())
+    if (const std::string refusal =
+            CatalogueRefusal(catalogue_, load_.state == CatalogueState::Whole);
+        !refusal.empty())
         throw FolderRefused(refusal);
     const ChosenFolder chosen = LookAtChosenFolder();
     if (chosen.Warning() != summaryPage_->Warning()) {

@@ -122,7 +122,7 @@ class Console(ProgramTest):
         self.assertIn("2 archives are present with the right CRC-32", lines[0])
         (self.program / "two.zip").write_bytes(b"damaged")
         code, lines, errors = self.run_program("--check", "--quiet")
-        self.assertEqual((code, len(lines), errors), (1, 1, ""))
+        self.assertEqual((code, len(lines), errors), (1, 2, ""), lines)
         self.assertTrue(lines[0].startswith(
             f'plug-in "Two": "two.zip": CRC-32 "{crc}" expected, '), lines)
         catalogue = self.program / "veskbuilder.ini"

@@ -12,8 +12,8 @@ using namespace vesk::test;
 namespace {
 
 /// "secret text" under the password "pass", as an archiver wrote it.
-TestMember Encrypted() {
-    TestMember member = TestMember::Stored("secret.txt", "secret text");
+TestMember Encrypted(const std::string& name) {
+    TestMember member = TestMember::Stored(name, "secret text");
     member.data = std::string("\x40\x9D\x13\x30\x49\x22\x68\x1C\x7B\x0D\x3E\xA7\x2A\xF1\xFA"
                               "\x58\x2C\x95\xD5\x3F\x6E\xC7\xAE",
                               23);
@@ -123,7 +123,7 @@ TEST_CASE("the password of an archive is asked for, again while it is wrong, and
          {Row{{"pass"}, true}, Row{{"nope", "pass"}, true}, Row{{"nope", ""}, false}}) {
         CAPTURE(row.answers.size());
         ProgramFolder program;
-        program.AddBase("Locked", "locked.zip", {Encrypted(), Encrypted()});
+        program.AddBase("Locked", "locked.zip", {Encrypted("secret.txt"), Encrypted("other.txt")});
         program.Save();
         const WizardDriver wizard(program.Wizard());
         GoToSummary(wizard, program);
