@@ -16,14 +16,21 @@ inline constexpr const char* kTestKey = "Software\\VeskBuilderTest";
 class RegistryTestKey {
 public:
     RegistryTestKey() {
-        SHDeleteKeyA(HKEY_CURRENT_USER, kTestKey);
+        Remove();
         HKEY key = nullptr;
         RegCreateKeyA(HKEY_CURRENT_USER, kTestKey, &key);
         RegCloseKey(key);
     }
     RegistryTestKey(const RegistryTestKey&) = delete;
     RegistryTestKey& operator=(const RegistryTestKey&) = delete;
-    ~RegistryTestKey() { SHDeleteKeyA(HKEY_CURRENT_USER, kTestKey); }
+    ~RegistryTestKey() { Remove(); }
+
+private:
+    static void Remove() {
+        SHDeleteKeyA(HKEY_CURRENT_USER, kTestKey);
+        // Some systems make what is asked for here, and keep it as long as they run.
+        SHDeleteKeyA(HKEY_DYN_DATA, kTestKey);
+    }
 };
 
 /// What the platform's own reg program says about the test key and all below it, with the runs of
