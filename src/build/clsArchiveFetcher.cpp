@@ -2,19 +2,24 @@
 
 #include "archive/modArchive.h"
 #include "base/modFile.h"
+#include "base/modText.h"
 
 namespace vesk {
 
 DownloadOutcome clsArchiveFetcher::Fetch(const CatalogueEntry& component) {
     context_.Log("Downloading: " + component.zip);
     const std::string archive = context_.ArchivePath(component);
-    DownloadOutcome outcome{DownloadResult::Failed, "the front end failed"};
-    if (!IsPlainArchiveName(component.zip))
-        outcome.reason = "the catalogue's name for it cannot be an archive's";
+    DownloadOutcome outcome;
+    if (IsPlainArchiveName(component.zip))
+        ResumeNext(
+            [&](const Problem& problem) { outcome.reason = problem.reason; }, {},
+            [&] {
+                outcome = context_.frontEnd.DownloadFile({component.url, archive, component.crc});
+            });
     else
-        context_.ResumeNext({component.zip, "not downloaded"}, [&] {
-            outcome = context_.frontEnd.DownloadFile({component.url, archive, component.crc});
-        });
+        outcome.reason = "the catalogue's name for it cannot be an archive's";
+    if (TrimBlanks(component.url).empty())
+        outcome.reason = "the catalogue has no address for it";
     if (outcome.result == DownloadResult::Done)
         return outcome;
     context_.report({component.zip, "not downloaded", outcome.reason});

@@ -9,6 +9,7 @@
 #include "build/clsComponentInstaller.h"
 #include "build/modBuildTree.h"
 #include "build/modFileOperations.h"
+#include "catalogue/ArchiveState.h"
 #include "startup/Version.h"
 
 #include <windows.h>
@@ -18,8 +19,6 @@
 namespace vesk {
 
 namespace {
-
-constexpr const char* kPeBuilderArchive = "pebuilder3110a.zip";
 
 bool SystemIsConnected() {
     DWORD flags = 0;
@@ -194,17 +193,17 @@ void clsBuildRun::Steps::LogHeader() {
 
 clsBuildRun::Steps::PeBuilder clsBuildRun::Steps::FetchPeBuilder() {
     const CatalogueEntry& component = catalogue_.baseComponents.front();
-    if (CrcMatches(context_.FileCrc(inputs_.programPath + kPeBuilderArchive), component.crc)) {
+    if (CrcMatches(context_.FileCrc(inputs_.programPath + kFirstArchiveName), component.crc)) {
         context_.Log("Skipping download of: PEBuilder v3.1.1.0a");
         return PeBuilder::GoOn;
     }
     if (!networkIsConnected()) {
         context_.Log("ERROR: no network connection, download failed");
-        Give(kPeBuilderArchive, "not downloaded",
+        Give(kFirstArchiveName, "not downloaded",
              "there is no network connection, and nothing was changed");
         return PeBuilder::NoNetwork;
     }
-    context_.Announce(std::string("Downloading: ") + kPeBuilderArchive);
+    context_.Announce(std::string("Downloading: ") + kFirstArchiveName);
     const DownloadOutcome outcome = fetcher_.Fetch(component);
     if (outcome.result != DownloadResult::Done)
         outcome_.reason = component.zip + " was not downloaded, " + outcome.reason;
