@@ -9,6 +9,7 @@
 
 #include <windows.h>
 
+#include <ranges>
 #include <vector>
 
 namespace vesk {
@@ -164,8 +165,8 @@ void CreateFolderPath(const std::string& path) {
             ThrowSystemError(error, "cannot create", level);
         missing.push_back(level);
     }
-    for (auto level = missing.rbegin(); level != missing.rend(); ++level)
-        CreateFolder(*level);
+    for (const std::string& level : std::views::reverse(missing))
+        CreateFolder(level);
 }
 
 void CopyFileOver(const std::string& source, const std::string& target) {
