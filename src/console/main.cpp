@@ -22,6 +22,7 @@
 #include <shellapi.h>
 
 #include <cstdio>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -40,20 +41,20 @@ enum ExitCode : int {
     kProgramFailed = 70,
 };
 
-void Tick(CatalogueEntry& entry, EntryList list, bool enabled, Terminal& terminal) {
-    if (!entry.lock)
-        entry.enabled = enabled;
-    else if (entry.enabled != enabled)
-        terminal.Complain("\"" + entry.name + "\" is locked and stays " +
-                          (entry.enabled ? "ticked" : "unticked"));
-    if (!enabled && list == EntryList::BaseComponents)
-        terminal.Complain("\"" + entry.name +
-                          "\" is a base component: the build installs it whether it is ticked or "
-                          "not");
+/// @return what the option asks for and the entry does not take; nothing when it takes it
+std::optional<Problem> Tick(CatalogueEntry& entry, bool enabled) {
+    if (entry.lock && entry.enabled != enabled)
+        return Problem{entry.name, enabled ? "not ticked" : "not unticked",
+                       "\"" + entry.name + "\" is locked and stays " +
+                           (entry.enabled ? "ticked" : "unticked")};
+    entry.enabled = enabled;
+    return std::nullopt;
 }
 
-void TickAll(Catalogue& catalogue, const std::vector<std::string>& names, bool enabled,
-             Terminal& terminal) {
+/// Ticks or unticks what the options name. @return what had no effect
+std::vector<Problem> TickAll(Catalogue& catalogue, const std::vector<std::string>& names,
+                             bool enabled, Terminal& terminal) {
+    std::vector<Problem> problems;
     for (const std::string& name : names) {
         bool found = false;
         for (const EntryList list : {EntryList::BaseComponents, EntryList::Plugins}) {
@@ -61,12 +62,18 @@ void TickAll(Catalogue& catalogue, const std::vector<std::string>& names, bool e
                 if (!EqualNoCase(entry.name, name))
                     continue;
                 found = true;
-                Tick(entry, list, enabled, terminal);
+                if (const auto problem = Tick(entry, enabled))
+                    problems.push_back(*problem);
+                if (!enabled && list == EntryList::BaseComponents)
+                    terminal.Complain("\"" + entry.name +
+                                      "\" is a base component: the build installs it whether it "
+                                      "is ticked or not");
             }
         }
         if (!found)
             throw UsageError("the catalogue has no component or plug-in named \"" + name + "\"");
     }
+    return problems;
 }
 
 /// The Windows source as the options name it, and what it tells.
@@ -121,14 +128,18 @@ int RunBuild(const ConsoleOptions& options, const std::string& programPath, Cata
         throw UsageError(load.sentence + " --partial builds with what could be read.");
     if (!load.sentence.empty())
         terminal.Complain(load.sentence);
-    TickAll(catalogue, options.enable, true, terminal);
-    TickAll(catalogue, options.disable, false, terminal);
+    const std::vector<Problem> locked = TickAll(catalogue, options.enable, true, terminal);
+    const std::vector<Problem> alsoLocked = TickAll(catalogue, options.disable, false, terminal);
     SourceState source;
     const SourceCheck check = TakeSource(options, source);
     const BuildInputs inputs = MakeInputs(options, programPath, catalogue, check.path, source);
     RequireConsent(inputs.installFolder, options);
     WatchForInterrupt();
     ConsoleFrontEnd frontEnd(options, programPath, terminal);
+    for (const auto* problems : {&locked, &alsoLocked}) {
+        for (const Problem& problem : *problems)
+            frontEnd.ReportProblem(problem);
+    }
     if (!check.usable)
         frontEnd.ReportProblem(
             {check.path, "not usable as Windows source", "it has no I386 folder of a Windows CD"});
