@@ -26,7 +26,7 @@ std::uint32_t ForEachEntry(const std::wstring& folder,
         return GetLastError() == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : GetLastError();
     do {
         const FolderEntry entry{found.cFileName, found.dwFileAttributes,
-                          std::uint64_t{found.nFileSizeHigh} << 32 | found.nFileSizeLow};
+                                std::uint64_t{found.nFileSizeHigh} << 32 | found.nFileSizeLow};
         if (entry.name != L"." && entry.name != L"..")
             visit(entry);
     } while (FindNextFileW(find.Get(), &found) != FALSE);

@@ -43,6 +43,10 @@ std::size_t RootLength(const std::wstring& path) {
                                        : std::min(path.find(L'\\', share + 1), path.size());
 }
 
+void FreeOutsideName(char* name) {
+    HeapFree(GetProcessHeap(), 0, name);
+}
+
 /// Where drives are folders of another system (Wine), a drive's root lies in something that no path
 /// of ours reaches. The other system's own names do.
 std::vector<FolderLevel> ClimbOutside(const std::wstring& root) {
@@ -50,7 +54,7 @@ std::vector<FolderLevel> ClimbOutside(const std::wstring& root) {
     static const auto function = reinterpret_cast<Function>(reinterpret_cast<void*>(
         GetProcAddress(GetModuleHandleA("kernel32.dll"), "wine_get_unix_file_name")));
     std::vector<FolderLevel> levels;
-    const UniqueHandle<[](char* text) { HeapFree(GetProcessHeap(), 0, text); }, char*> outside(
+    const UniqueHandle<FreeOutsideName, char*> outside(
         function == nullptr ? nullptr : function(root.c_str()));
     if (!outside)
         return levels;

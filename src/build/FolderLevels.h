@@ -41,8 +41,8 @@ struct FolderLevel {
 /// Reads levels. One reader looks at each folder once, so it answers for one moment only.
 class FolderReader {
 public:
-    /// A folder and those that it lies in, the folder first. @param path absolute
-    std::vector<FolderLevel> WayUp(const std::wstring& path);
+    /// A folder and those that it lies in, the folder first. @param folder absolute path
+    std::vector<FolderLevel> WayUp(const std::wstring& folder);
 
     /// The ways up from a folder: by its name first; then, where the system leads elsewhere under
     /// that name, by its real path; and where the system can climb above a drive's root, beyond it.

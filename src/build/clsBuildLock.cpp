@@ -23,18 +23,18 @@ std::string NumberOf(std::wstring name) {
 }
 
 /// Only the number that is the same through every drive and at any time.
-std::string NumberOf(const FolderIdentity& identity) {
-    return std::to_string(identity.index);
+std::string NumberOf(const std::optional<FolderIdentity>& identity) {
+    return std::to_string(identity ? identity->index : 0);
 }
 
 /// A folder by the one that it lies in and its name there: a build makes the folder itself anew.
 std::string AtName(const FolderLevel& above, const std::wstring& path) {
     const std::size_t start = above.path.size() + (above.path.ends_with(L'\\') ? 0 : 1);
-    return "VeskBuilder-at-" + NumberOf(*above.identity) + "-" + NumberOf(path.substr(start));
+    return "VeskBuilder-at-" + NumberOf(above.identity) + "-" + NumberOf(path.substr(start));
 }
 
 std::string BelowName(const FolderLevel& level) {
-    return "VeskBuilder-below-" + NumberOf(*level.identity);
+    return "VeskBuilder-below-" + NumberOf(level.identity);
 }
 
 std::string ProgramName() {

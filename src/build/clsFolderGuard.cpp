@@ -29,7 +29,7 @@ bool Leads(const std::vector<std::vector<FolderLevel>>& ways, const FolderLevel&
 /// them than there are numbers for.
 std::vector<std::string> RegisteredShellFolders() {
     constexpr const char* kKey =
-        "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders";
+        R"(Software\Microsoft\Windows\CurrentVersion\Explorer\User Shell Folders)";
     std::vector<std::string> folders;
     for (const HKEY root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) {
         UniqueHandle<::RegCloseKey, HKEY> key;

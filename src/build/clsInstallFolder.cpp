@@ -46,7 +46,7 @@ void RefuseSpelling(const std::string& text) {
         throw FolderRefused("No installation folder is named.");
     if (HasControlCharacter(path))
         throw FolderRefused("The installation folder's name holds a control character.");
-    if (path.starts_with("\\\\?\\") || path.starts_with("\\\\.\\") || path.starts_with("\\??\\"))
+    if (path.starts_with(R"(\\?\)") || path.starts_with(R"(\\.\)") || path.starts_with(R"(\??\)"))
         throw FolderRefused("The installation folder must be named by a drive or a share, not as a "
                             "device: " +
                             text);
@@ -104,7 +104,7 @@ std::string CheckedPath(const std::string& typed) {
         throw FolderRefused("The installation folder's name is not a path: " + text);
     }
     RefuseLength(path.size());
-    if (path.starts_with("\\\\.\\"))
+    if (path.starts_with(R"(\\.\)"))
         throw FolderRefused("The installation folder's name is a device's: " + text);
     RefuseRoot(path, text);
     const std::size_t root = RootLength(path);
