@@ -83,7 +83,8 @@ ZipCipher clsZipPasswords::Ask(const ZipMember& member, const Check& check) {
             ask_ ? ask_(std::exchange(asked_, true)) : std::nullopt;
         if (!password) {
             askMore_ = false;
-            lockedReason_ = "is encrypted, no password given";
+            lockedReason_ = tries == 0 ? "is encrypted, no password given"
+                                       : "is encrypted, no right password given";
             break;
         }
         const auto cipher = Try(member, *password);

@@ -25,7 +25,7 @@ std::uint32_t ForEachEntry(const std::wstring& folder,
     if (!find)
         return GetLastError() == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : GetLastError();
     do {
-        const FolderEntry entry{found.cFileName, found.dwFileAttributes,
+        const FolderEntry entry{found.cFileName, found.cAlternateFileName, found.dwFileAttributes,
                                 std::uint64_t{found.nFileSizeHigh} << 32 | found.nFileSizeLow};
         if (entry.name != L"." && entry.name != L"..")
             visit(entry);

@@ -9,6 +9,7 @@ namespace vesk {
 /// One entry of a folder, under the name that the file system has for it.
 struct FolderEntry {
     std::wstring name;
+    std::wstring shortName;       ///< Another name of plain characters; empty when there is none.
     std::uint32_t attributes = 0; ///< FILE_ATTRIBUTE_ bits.
     std::uint64_t size = 0;       ///< Bytes; 0 for a folder.
 

@@ -8,12 +8,6 @@ namespace vesk {
 
 namespace {
 
-bool SystemHidesFileLinks() {
-    static const bool hides =
-        GetProcAddress(GetModuleHandleA("ntdll.dll"), "wine_get_version") != nullptr;
-    return hides;
-}
-
 bool IsSameName(const std::wstring& left, const std::wstring& right) {
     return CompareStringW(LOCALE_INVARIANT, NORM_IGNORECASE, left.data(),
                           static_cast<int>(left.size()), right.data(),
@@ -22,11 +16,17 @@ bool IsSameName(const std::wstring& left, const std::wstring& right) {
 
 } // namespace
 
+bool clsLinkDetector::SystemHidesLinks() {
+    static const bool hides =
+        GetProcAddress(GetModuleHandleA("ntdll.dll"), "wine_get_version") != nullptr;
+    return hides;
+}
+
 bool clsLinkDetector::IsFileLink(const std::wstring& folder, const std::wstring& name,
                                  std::uint32_t attributes) {
     if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0)
         return true;
-    if (!SystemHidesFileLinks())
+    if (!SystemHidesLinks())
         return false;
     if (folder != folder_) {
         folder_ = folder;

@@ -105,6 +105,16 @@ bool HasLinkBelow(const std::string& folder, const std::string& path) {
     return false;
 }
 
+namespace {
+
+/// Wine does not even list a link that leads to nothing. What it is in cannot be removed, though
+/// nothing seems to be in it.
+bool HidesSomething(const std::wstring& folder) {
+    return RemoveDirectoryW(LongPath(folder).c_str()) == 0 && GetLastError() == ERROR_DIR_NOT_EMPTY;
+}
+
+} // namespace
+
 bool HoldsLink(const std::string& folder) {
     if (HasAttribute(GetFileAttributesA(folder.c_str()), FILE_ATTRIBUTE_REPARSE_POINT))
         return true;
@@ -114,13 +124,16 @@ bool HoldsLink(const std::string& folder) {
     while (!found && !folders.empty()) {
         const std::wstring current = std::move(folders.back());
         folders.pop_back();
+        bool empty = true;
         ForEachEntry(current, [&](const FolderEntry& entry) {
+            empty = false;
             found = found ||
                     (entry.IsFolder() ? entry.IsLink()
                                       : links.IsFileLink(current, entry.name, entry.attributes));
             if (entry.IsPlainFolder())
                 folders.push_back(current + L"\\" + entry.name);
         });
+        found = found || (empty && clsLinkDetector::SystemHidesLinks() && HidesSomething(current));
     }
     return found;
 }
@@ -137,13 +150,19 @@ void RemoveFile(const std::string& path) {
         ThrowLastError("cannot delete", path);
 }
 
+bool PlainFileExists(const std::string& path) {
+    if (!FileExists(path))
+        return false;
+    const std::wstring wide = Widen(AbsolutePath(path));
+    const std::size_t slash = wide.rfind(L'\\');
+    return !clsLinkDetector().IsFileLink(wide.substr(0, slash), wide.substr(slash + 1),
+                                         GetFileAttributesA(path.c_str()));
+}
+
 void RemoveOwnFile(const std::string& path) {
     if (!FileExists(path))
         return;
-    const std::wstring wide = Widen(AbsolutePath(path));
-    const std::size_t slash = wide.rfind(L'\\');
-    if (clsLinkDetector().IsFileLink(wide.substr(0, slash), wide.substr(slash + 1),
-                                     GetFileAttributesA(path.c_str())))
+    if (!PlainFileExists(path))
         ThrowSystemError(ERROR_CANT_RESOLVE_FILENAME, "cannot replace", path);
     RemoveFile(path);
 }
@@ -182,15 +201,19 @@ void MovePath(const std::string& source, const std::string& target) {
 }
 
 std::string AbsolutePath(const std::string& path) {
-    std::string buffer(32768, '\0'); // the system's own limit
-    const DWORD length =
-        GetFullPathNameA(path.c_str(), static_cast<DWORD>(buffer.size()), buffer.data(), nullptr);
+    std::wstring buffer(32768, L'\0'); // the system's own limit
+    const DWORD length = GetFullPathNameW(Widen(path).c_str(), static_cast<DWORD>(buffer.size()),
+                                          buffer.data(), nullptr);
     if (length == 0 || length >= buffer.size())
         ThrowLastError("not a path:", path);
     buffer.resize(length);
+    // The current folder's name may have characters that only look like the code page's.
+    const auto exact = NarrowedExactly(buffer);
+    if (!exact)
+        ThrowSystemError(ERROR_NO_UNICODE_TRANSLATION, "cannot use", path);
     // A bare drive means its current folder to the system, but its root to people.
     const bool bareDrive = path.size() == 2 && path[1] == ':';
-    return bareDrive ? path + "\\" : buffer;
+    return bareDrive ? path + "\\" : *exact;
 }
 
 } // namespace vesk

@@ -30,7 +30,8 @@ bool FolderExists(const std::string& path);
 /// other way. The path must begin with the folder.
 bool HasLinkBelow(const std::string& folder, const std::string& path);
 
-/// True when the folder, or anything at any depth in it, is a junction or symbolic link.
+/// True when the folder, or anything at any depth in it, is a junction or symbolic link. For what
+/// is left of a tree that was removed: an empty folder in it may be removed by asking.
 bool HoldsLink(const std::string& folder);
 
 /// Takes the read-only attribute from a file, if there is one; everything else stays.
@@ -38,6 +39,9 @@ void MakeWritable(const std::string& path);
 
 /// Deletes one file, a read-only one too. Throws.
 void RemoveFile(const std::string& path);
+
+/// True when the path is a file and no link to one.
+bool PlainFileExists(const std::string& path);
 
 /// Deletes a file that is about to be made anew, if there is one. Should it be a second name of a
 /// file elsewhere, that one stays as it is; a link stays too, and is a failure. Throws.

@@ -9,6 +9,7 @@ namespace vesk {
 DownloadOutcome clsArchiveFetcher::Fetch(const CatalogueEntry& component) {
     context_.Log("Downloading: " + component.zip);
     const std::string archive = context_.ArchivePath(component);
+    const bool wasThere = IsPlainArchiveName(component.zip) && FileExists(archive);
     DownloadOutcome outcome;
     if (IsPlainArchiveName(component.zip))
         ResumeNext(
@@ -22,6 +23,10 @@ DownloadOutcome clsArchiveFetcher::Fetch(const CatalogueEntry& component) {
         outcome.reason = "the catalogue has no address for it";
     if (outcome.result == DownloadResult::Done)
         return outcome;
+    // A file that is there is downloaded again only because it is not the right one.
+    if (wasThere)
+        outcome.reason += "; the file that was there has another CRC-32 than the catalogue says, "
+                          "and is removed";
     context_.report({component.zip, "not downloaded", outcome.reason});
     notFetched_.insert(component.zip);
     RemoveLeftovers(component);

@@ -37,6 +37,11 @@ std::string BelowName(const FolderLevel& level) {
     return "VeskBuilder-below-" + NumberOf(level.identity);
 }
 
+std::string TreeName(const FolderLevel& level) {
+    return "VeskBuilder-tree-" + NumberOf(level.identity) + "-" +
+           std::to_string(level.identity ? level.identity->volume : 0);
+}
+
 std::string ProgramName() {
     std::array<char, MAX_PATH> path{};
     GetModuleFileNameA(nullptr, path.data(), static_cast<DWORD>(path.size() - 1));
@@ -67,19 +72,13 @@ MappingHandle MakeNote(const std::string& name) {
 } // namespace
 
 clsBuildLock::clsBuildLock(const clsInstallFolder& folder) : path_(folder.Path()) {
-    const std::vector<FolderLevel> way = FolderReader().WayUp(Widen(path_));
-    // First everything is taken and then looked for, so that of two that start at once one at least
-    // sees the other.
+    FolderReader reader;
+    const std::vector<FolderLevel> way = reader.WayUp(Widen(path_));
+    // First the folder is taken and then others are looked for, so that of two that start at once
+    // one at least sees the other.
     for (std::size_t i = 1; i < way.size(); ++i) {
         if (way[i].identity)
             Take(AtName(way[i], way[0].path));
-    }
-    for (std::size_t i = 1; i < way.size(); ++i) {
-        if (way[i].identity)
-            notes_.push_back(MakeNote("Local\\" + BelowName(way[i])));
-        if (notes_.empty() || !notes_.back())
-            continue;
-        SignNote(notes_.back());
     }
     for (std::size_t i = 1; i < way.size(); ++i) {
         for (std::size_t above = i + 1; above < way.size(); ++above) {
@@ -87,8 +86,28 @@ clsBuildLock::clsBuildLock(const clsInstallFolder& folder) : path_(folder.Path()
                 RefuseIfTaken(AtName(way[above], way[i].path));
         }
     }
+    for (const auto& anyWay : reader.WaysUp(path_)) {
+        for (const FolderLevel& level : anyWay)
+            RefuseIfTaken(TreeName(level));
+    }
     if (way[0].identity)
         RefuseIfTaken(BelowName(way[0]));
+    for (std::size_t i = 1; i < way.size(); ++i) {
+        if (way[i].identity)
+            Sign(BelowName(way[i]));
+    }
+}
+
+void clsBuildLock::NoteFolder() {
+    const FolderLevel folder = FolderReader().WayUp(Widen(path_)).front();
+    if (folder.identity)
+        Sign(TreeName(folder));
+}
+
+void clsBuildLock::Sign(const std::string& name) {
+    notes_.push_back(MakeNote("Local\\" + name));
+    if (notes_.back())
+        SignNote(notes_.back());
 }
 
 void clsBuildLock::Take(const std::string& name) {

@@ -15,8 +15,13 @@ public:
     /// @throws FolderRefused, naming who builds there now
     explicit clsBuildLock(const clsInstallFolder& folder);
 
+    /// The folder stands now: keeps others out of it under any other name as well, such as a drive
+    /// that is made for what is in it.
+    void NoteFolder();
+
 private:
     void Take(const std::string& name);
+    void Sign(const std::string& name);
     void RefuseIfTaken(const std::string& name) const;
 
     std::string path_;

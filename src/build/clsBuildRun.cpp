@@ -40,6 +40,7 @@ public:
                    }} {}
 
     std::function<bool()> networkIsConnected = SystemIsConnected;
+    std::function<void()> noteFolder; ///< Called whenever the tree may have been made.
 
     BuildOutcome Run() {
         try {
@@ -261,6 +262,7 @@ void clsBuildRun::Steps::InstallBaseComponents() {
         if (frontEnd_.StopRequested())
             return;
         const std::string missing = installer_.InstallBaseComponent(i);
+        noteFolder();
         if (i == 0)
             NotePeBuilder(missing);
         ComponentDone();
@@ -304,7 +306,9 @@ std::string CatalogueRefusal(const Catalogue& catalogue, bool isWhole) {
 }
 
 clsBuildRun::clsBuildRun(const BuildInputs& inputs, Catalogue& catalogue, BuildFrontEnd& frontEnd)
-    : lock_(inputs.installFolder), steps_(std::make_unique<Steps>(inputs, catalogue, frontEnd)) {}
+    : lock_(inputs.installFolder), steps_(std::make_unique<Steps>(inputs, catalogue, frontEnd)) {
+    steps_->noteFolder = [this] { lock_.NoteFolder(); };
+}
 
 clsBuildRun::~clsBuildRun() = default;
 

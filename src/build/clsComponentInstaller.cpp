@@ -187,6 +187,9 @@ void clsComponentInstaller::InstallPlugin(const CatalogueEntry& plugin) {
         return;
     context_.Announce("Processing: " + plugin.zip);
     const std::string folder = PluginOwnFolder(plugin);
+    if (FindCategory(context_.catalogue, plugin.cat) == nullptr)
+        context_.report({plugin.zip, "not put into a category",
+                         "the catalogue has no category \"" + plugin.cat + "\""});
     Extract(plugin, folder);
     if (IsInTree(context_, folder))
         EditInfs(plugin, folder);

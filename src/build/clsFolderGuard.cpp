@@ -178,6 +178,7 @@ clsFolderGuard clsFolderGuard::OfSystem(const std::string& programPath,
     // Nor is what programs keep for the user replaced.
     for (const SpecialFolder data : {SpecialFolder::AppData, SpecialFolder::LocalAppData})
         programs.push_back(ParentOf(SpecialFolderPath(data)));
+    programs.push_back(ParentOf(SpecialFolderPath(SpecialFolder::CommonDocuments)));
     return clsFolderGuard(places, programs);
 }
 

@@ -164,7 +164,7 @@ FolderContent clsInstallFolder::Content() const {
     using Kind = FolderContent::Kind;
     if (!FolderExists(path_))
         return {};
-    if (FileExists(path_ + "\\" + kMarkName) || HasTrace(path_))
+    if (PlainFileExists(path_ + "\\" + kMarkName) || HasTrace(path_))
         return {Kind::EarlierBuild, 0};
     bool empty = true;
     if (ForEachEntry(Widen(path_), [&](const FolderEntry&) { empty = false; }) != ERROR_SUCCESS)
@@ -175,16 +175,18 @@ FolderContent clsInstallFolder::Content() const {
 }
 
 void clsInstallFolder::Mark() const {
-    if (FileExists(path_ + "\\" + kMarkName))
+    if (PlainFileExists(path_ + "\\" + kMarkName))
         return;
     CreateFolderPath(path_);
+    if (HasLinkBelow(ParentOf(path_), path_) || FileExists(path_ + "\\" + kMarkName))
+        throw Failure(ERROR_CANT_RESOLVE_FILENAME, "Mark", "a link stands in its place");
     WriteCompleteFile(path_ + "\\" + kMarkName, "This tree is being built.\r\n");
 }
 
 void clsInstallFolder::Unmark() const {
     const std::string mark = path_ + "\\" + kMarkName;
-    if (FileExists(mark) && HasTrace(path_))
-        RemoveFile(mark);
+    if (HasTrace(path_))
+        RemoveOwnFile(mark);
 }
 
 } // namespace vesk

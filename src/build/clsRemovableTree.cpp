@@ -56,9 +56,9 @@ public:
 private:
     /// The file that goes last goes only when nothing but it is left.
     void RemoveLast() {
-        if (failures_.empty() && !last_.empty() && !Delete(last_, DeleteFileW) &&
-            GetLastError() != ERROR_FILE_NOT_FOUND)
-            Remember(last_, GetLastError());
+        const DWORD attributes = GetFileAttributesW(LongPath(last_).c_str());
+        if (failures_.empty() && !last_.empty() && attributes != INVALID_FILE_ATTRIBUTES)
+            RemoveEntry(top_, {last_.substr(top_.size() + 1), L"", attributes, 0});
         RemoveEmptyFolder(top_);
     }
 

@@ -15,14 +15,13 @@ namespace vesk {
 
 namespace {
 
-/// A path that the ANSI functions find the file by: its own, or one by short names.
-std::optional<std::string> UsablePath(const std::wstring& path) {
-    if (auto exact = NarrowedExactly(path))
-        return exact;
-    std::wstring shortPath(32768, L'\0'); // the system's own limit
-    shortPath.resize(GetShortPathNameW(LongPath(path).c_str(), shortPath.data(),
-                                       static_cast<DWORD>(shortPath.size())));
-    return shortPath.empty() ? std::nullopt : NarrowedExactly(WithoutLongPrefix(shortPath));
+/// A name by which the ANSI functions find an entry: its own, or its short one.
+std::optional<std::wstring> UsableName(const FolderEntry& entry) {
+    if (NarrowedExactly(entry.name))
+        return entry.name;
+    if (!entry.shortName.empty() && NarrowedExactly(entry.shortName))
+        return entry.shortName;
+    return std::nullopt;
 }
 
 /// One folder: its own matches into `found`, its subfolders, the last first, onto `folders`.
@@ -33,19 +32,18 @@ void SearchFolder(const std::wstring& folder, const std::wstring& pattern, const
         [&](const FolderEntry& entry) {
             if (entry.size == 0)
                 return;
-            const std::wstring path = folder + entry.name;
-            if (auto usable = UsablePath(path))
-                found.paths.push_back(std::move(*usable));
+            if (const auto name = UsableName(entry))
+                found.paths.push_back(Narrowed(folder + *name));
             else
-                found.problems.push_back(
-                    {Narrowed(path), what, "the system's code page cannot hold its name"});
+                found.problems.push_back({Narrowed(folder + entry.name), what,
+                                          "the system's code page cannot hold its name"});
         },
         pattern);
     const std::size_t first = folders.size();
     // A link is not entered: what lies behind it is not part of the build tree.
     const std::uint32_t unread = ForEachEntry(folder, [&](const FolderEntry& entry) {
         if (entry.IsPlainFolder())
-            folders.push_back(folder + entry.name + L"\\");
+            folders.push_back(folder + UsableName(entry).value_or(entry.name) + L"\\");
     });
     if (unread != ERROR_SUCCESS && unread != ERROR_PATH_NOT_FOUND)
         found.problems.push_back({Narrowed(folder), what, AsReason(SystemErrorText(unread))});
@@ -68,6 +66,8 @@ void RequireInTree(const BuildContext& context, const std::string& path) {
     if (HasLinkBelow(ParentOf(context.InstallFolder()), path))
         throw Failure(ERROR_CANT_RESOLVE_FILENAME, "RequireInTree",
                       "a link stands on the way to it");
+    if (FileExists(path) && !PlainFileExists(path))
+        throw Failure(ERROR_CANT_RESOLVE_FILENAME, "RequireInTree", "a link stands in its place");
 }
 
 void DeleteFileLogged(const BuildContext& context, const std::string& path) {
@@ -81,7 +81,9 @@ bool DeleteFolderLogged(const BuildContext& context, const clsRemovableTree& tre
     context.Log("Deleting Folder: " + tree.Path());
     bool removed = true;
     for (const Failure& failure : tree.Remove([&] { context.frontEnd.LetEventsRun(); })) {
-        if (failure.number == ERROR_PATH_NOT_FOUND && failure.source == tree.Path())
+        const bool isMissing =
+            failure.number == ERROR_PATH_NOT_FOUND && failure.source == tree.Path();
+        if (isMissing && !FileExists(tree.Path()))
             continue; // it was not there: then it is as it should be
         removed = false;
         context.report({failure.source, "not removed", ReasonOf(failure)});

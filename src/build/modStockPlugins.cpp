@@ -51,7 +51,7 @@ constexpr std::array<StockPlugin, 17> kRelocatedPlugins = {{
 /// What PE Builder's archive did not bring is nothing that was left undone: its lines are logged as
 /// ever, and there is nothing to report.
 void RemoveStockFile(const BuildContext& context, const std::string& path) {
-    if (FileExists(path))
+    if (FileExists(path) || FolderExists(path))
         context.ResumeNext({path, "not removed"}, [&] { DeleteFileLogged(context, path); });
     else
         ResumeNext([](const Problem&) {}, {}, [&] { DeleteFileLogged(context, path); });

@@ -162,7 +162,7 @@ void FillCatalogue(const std::vector<IniSection>& sections, Catalogue& catalogue
 }
 
 /// A folder's name that the code page cannot hold reaches the program as another one, under which
-/// nothing is found.
+/// nothing is found, or somebody else's catalogue.
 bool ProgramFolderIsUnknown() {
     std::wstring program(32768, L'\0'); // the system's own limit
     program.resize(GetModuleFileNameW(nullptr, program.data(), static_cast<DWORD>(program.size())));
@@ -178,16 +178,16 @@ CatalogueLoad OpenOrExplain(const std::string& path) {
         return absent("the path is longer than the 259 characters that can be used. Move the "
                       "program to a folder with a shorter path.",
                       true);
+    if (ProgramFolderIsUnknown())
+        return absent("the name of the program's folder has characters that the system's code page "
+                      "lacks. Move the program to a folder with a plain name.",
+                      true);
     const FileHandle file(CreateFileA(path.c_str(), GENERIC_READ,
                                       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                                       nullptr, OPEN_EXISTING, 0, nullptr));
     const DWORD error = file ? 0 : GetLastError();
     if (error == 0)
         return {};
-    if (ProgramFolderIsUnknown())
-        return absent("the name of the program's folder has characters that the system's code page "
-                      "lacks. Move the program to a folder with a plain name.",
-                      true);
     if (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND)
         return absent("there is no such file. Start veskbuilder.exe -setup to make one.", false);
     if (FolderExists(path))

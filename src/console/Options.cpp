@@ -142,10 +142,10 @@ veskbuild --help | --version
   --check            print what in the catalogue would go wrong in a build, a line each
 
 Exit codes:
-   0  done, and everything is in the tree (--check: nothing would go wrong)
+   0  done, and everything is in the tree (--check: nothing was found that would go wrong)
    1  done, with warnings or problems, a line each on the error output
    2  install failed: PE Builder's archive arrived damaged
-   3  aborted: the answer No, or Ctrl+C
+   3  aborted: the answer No, Ctrl+C, or an old tree that could not be replaced safely
    4  refused at start-up: no Windows NT, or no administrator
    5  PE Builder's archive is not in the tree
   64  wrong usage, or a folder or catalogue that cannot be built with

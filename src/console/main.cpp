@@ -144,7 +144,10 @@ int RunBuild(const ConsoleOptions& options, const std::string& programPath, Cata
         frontEnd.ReportProblem(
             {check.path, "not usable as Windows source", "it has no I386 folder of a Windows CD"});
     const BuildOutcome outcome = clsBuildRun(inputs, catalogue, frontEnd).Run();
-    return ExitCodeOf(outcome, frontEnd.HasProblems() || !isRead || !Terminal::OutputIsWhole());
+    const bool isPrinted = Terminal::OutputIsWhole();
+    if (!isPrinted)
+        terminal.Complain("the log could not be printed whole; the saved one is");
+    return ExitCodeOf(outcome, frontEnd.HasProblems() || !isRead || !isPrinted);
 }
 
 /// Prints what would go wrong in a build, a line each, or what the check vouches for.

@@ -1,6 +1,7 @@
 #include "script/modScript.h"
 
 #include "base/Problem.h"
+#include "base/UniqueHandle.h"
 #include "base/modFile.h"
 #include "base/modSystemError.h"
 #include "script/clsRegistry.h"
@@ -51,6 +52,12 @@ std::vector<std::string> LinesOfExistingFile(const std::string& path) {
     std::vector<std::string> lines = ReadFileLines(path);
     if (lines.empty())
         ThrowSystemError(ERROR_FILE_NOT_FOUND, "cannot read", path);
+    // One that another program holds reads as empty: the true reason is the system's.
+    const FileHandle file(CreateFileA(path.c_str(), GENERIC_READ,
+                                      FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0,
+                                      nullptr));
+    if (!file)
+        ThrowLastError("cannot read", path);
     return lines;
 }
 

@@ -19,6 +19,8 @@ public:
 
     [[nodiscard]] const std::string& operator[](std::size_t index) const {
         constexpr std::uint32_t kSubscriptOutOfRange = 9;
+        if (fields_.empty())
+            throw Failure(kSubscriptOutOfRange, "ProcessScript", "the line is empty");
         if (index >= fields_.size())
             throw Failure(kSubscriptOutOfRange, "ProcessScript",
                           "a line of " + std::to_string(fields_.size()) + " fields needs field " +

@@ -1,6 +1,7 @@
 #include "ui/clsEntryFrame.h"
 
 #include "archive/clsCRC.h"
+#include "archive/modArchive.h"
 #include "base/modFile.h"
 #include "base/modText.h"
 #include "ui/ScopeFlag.h"
@@ -224,6 +225,11 @@ std::string clsEntryFrame::BroughtHere(const std::string& path) const {
     if (EqualNoCase(WithTrailingBackslash(ParentOf(path)), programPath_))
         return path;
     std::string here = programPath_ + FileNameOf(path);
+    if (!IsPlainArchiveName(FileNameOf(path))) {
+        ShowMessage(dialog_, path + "\r\ncannot be an archive: the program itself uses its name.",
+                    kTitle, MB_OK | MB_ICONWARNING);
+        return {};
+    }
     const std::string replaced =
         FileExists(here) ? "\r\nThe file of that name that is there now is replaced." : "";
     const int answer =

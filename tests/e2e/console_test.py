@@ -2,6 +2,7 @@
 """veskbuild's contract: streams, questions, exit codes, and care for what is the user's."""
 
 import os
+import shutil
 import socket
 import subprocess
 import sys
@@ -241,6 +242,26 @@ class Console(ProgramTest):
             self.assertIn("ERROR: a link in the old folder could not be removed: {TREE}", lines)
         self.assertEqual(os.listdir(outside), ["kept.txt"])
         self.assertFalse((self.tree / "sub/old.txt").exists())
+
+    def test_links_to_files_in_the_old_tree(self):
+        """What they lead to is neither deleted nor written, whatever the system makes of them."""
+        self.write_small_catalogue()
+        outside = self.folder / "outside"
+        outside.mkdir()
+        (outside / "kept.txt").write_text("x")
+        for name, target in (("old.txt", "kept.txt"), ("veskbuild.unfinished", "kept.txt"),
+                             ("input.inf", "kept.txt"), ("readme.txt", "new.txt"),
+                             ("Plugin/100_tools/100_tools.inf", "new.txt")):
+            for marker in ("pebuilder.exe", None):
+                (self.tree / name).parent.mkdir(parents=True, exist_ok=True)
+                os.symlink(outside / target, self.tree / name)
+                if marker:
+                    (self.tree / marker).write_text("of an earlier build")
+                code, _, errors = self.build("--yes")
+                with self.subTest(name, marker=marker):
+                    self.assertEqual(contents_below(outside), {"kept.txt": b"x"})
+                    self.assertIn(code, (3, 64), errors)
+                shutil.rmtree(self.tree)
 
     def test_hostile_members_stay_inside(self):
         crc = zip_bytes(self.program / "pebuilder3110a.zip", {

@@ -195,20 +195,39 @@ class Truth(ProgramTest):
             process.kill()
         return shown, process.wait()
 
-    def test_a_full_disk(self):
+    def mount_disk(self, size):
+        """A disk of some kilobytes as the folder that the tree is made in."""
         disk = self.folder / "disk"
-        disk.mkdir()
-        if subprocess.run(["mount", "-t", "tmpfs", "-o", "size=64k", "tmpfs", disk],
+        disk.mkdir(exist_ok=True)
+        if subprocess.run(["mount", "-t", "tmpfs", "-o", f"size={size}k", "tmpfs", disk],
                           capture_output=True, check=False).returncode != 0:
             self.skipTest("no small disk can be mounted")
-        self.addCleanup(subprocess.run, ["umount", disk], check=True)
+        self.addCleanup(subprocess.run, ["umount", disk], check=False, capture_output=True)
         self.tree = disk / "tree"
+        return disk
+
+    def test_a_full_disk(self):
+        self.mount_disk(64)
         self.add("one.zip", members={"small.txt": "x", "files/big.bin": os.urandom(70000)})
         code, problems, _ = self.build_plugins()
         self.assertEqual(code, 1)
         self.assertEqual(problems[0], "one.zip: files\\big.bin: not written, disk full")
         self.assertFalse((self.tree / "Plugin/100_tools/one/files/big.bin").exists())
         self.assertTrue((self.tree / "Plugin/100_tools/one/small.txt").exists())
+
+    def test_disks_that_fill_at_any_moment(self):
+        self.add("one.zip", members={"one.inf": INF, "b.txt": "x" * 5000})
+        self.mount_disk(1024)
+        self.assertEqual(self.build_plugins()[0], 0)
+        whole = contents_below(self.tree)
+        for size in range(4, 64, 4):
+            subprocess.run(["umount", self.folder / "disk"], check=True)
+            self.mount_disk(size)
+            code, problems, _ = self.build_plugins()
+            with self.subTest(size):
+                self.assertEqual(code == 0, not problems)
+                if code == 0:
+                    self.assertEqual(contents_below(self.tree), whole)
 
     def test_a_long_installation_path(self):
         self.base = zip_bytes(self.program / "pebuilder3110a.zip", {
