@@ -83,8 +83,7 @@ ZipCipher clsZipPasswords::Ask(const ZipMember& member, const Check& check) {
             ask_ ? ask_(std::exchange(asked_, true)) : std::nullopt;
         if (!password) {
             askMore_ = false;
-            lockedReason_ = tries == 0 ? "is encrypted, no password given"
-                                       : "is encrypted, no right password given";
+            lockedReason_ = "is encrypted, no right password given";
             break;
         }
         const auto cipher = Try(member, *password);

@@ -354,7 +354,7 @@ TEST_CASE("the password of an archive is asked of its owner") {
     CHECK(unzip.Read("secret") == "secret text");
     const ExtractionOutcome locked = ExtractArchive(unzip.Zip(), unzip / "locked", {});
     CHECK(Unzipping::Lines(locked.failures) ==
-          "secret: not extracted, is encrypted, no password given\n");
+          "secret: not extracted, is encrypted, no right password given\n");
     CHECK(locked.extracted == 1);
 }
 
