@@ -35,7 +35,7 @@ REFUSED = r"""
 {D}\work\..
 {D}\work\..\
 {d}\WORK\..
-{D}/work/..
+{D}/cd/..
 {D}\nothing\..\..
 {D}\work\sub\..\..
 \
