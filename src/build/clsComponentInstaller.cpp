@@ -187,7 +187,8 @@ void clsComponentInstaller::InstallPlugin(const CatalogueEntry& plugin) {
         return;
     context_.Announce("Processing: " + plugin.zip);
     const std::string folder = PluginOwnFolder(plugin);
-    if (const auto [first, isNew] = folders_.try_emplace(LowerCase(folder), plugin.zip); !isNew)
+    const auto [first, isNew] = folders_.try_emplace(LowerCase(folder), plugin.zip);
+    if (!isNew && LowerCase(first->second) != LowerCase(plugin.zip))
         context_.report({plugin.zip, "not kept apart from " + first->second,
                          "both are extracted into " + folder});
     if (FindCategory(context_.catalogue, plugin.cat) == nullptr)
