@@ -37,12 +37,4 @@ private:
 /// True for a line that tells of something that went wrong: a warning, an error, a missing archive.
 bool IsWarningLine(const std::string& line);
 
-/// Makes the log file in the program path (which ends in "\") hold the text; an older file goes in
-/// any case, an empty text writes none. @throws Failure
-void SaveBuildLog(const std::string& programPath, const std::string& text);
-
-/// The same for the file of the problems: a line each, and no file when there are none.
-/// @throws Failure
-void SaveProblems(const std::string& programPath, const std::vector<Problem>& problems);
-
 } // namespace vesk

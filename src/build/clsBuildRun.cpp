@@ -2,15 +2,15 @@
 
 #include "archive/modArchive.h"
 #include "base/Failure.h"
+#include "base/Version.h"
 #include "base/modDate.h"
 #include "base/modFile.h"
 #include "build/BuildContext.h"
 #include "build/clsArchiveFetcher.h"
 #include "build/clsComponentInstaller.h"
-#include "build/modBuildTree.h"
 #include "build/modFileOperations.h"
+#include "build/modFinishing.h"
 #include "catalogue/ArchiveState.h"
-#include "startup/Version.h"
 
 #include <windows.h>
 

@@ -6,9 +6,10 @@
 #include "base/modFile.h"
 #include "base/modSystemError.h"
 #include "base/modText.h"
-#include "build/modBuildTree.h"
 #include "build/modFileOperations.h"
 #include "build/modPluginInf.h"
+#include "build/modSettingsFile.h"
+#include "build/modStockPlugins.h"
 #include "script/modScript.h"
 
 #include <windows.h>

@@ -1,9 +1,10 @@
+#include "build/modFinishing.h"
+
 #include "base/modFile.h"
 #include "base/modSpecialFolder.h"
 #include "base/modText.h"
 #include "build/clsReportedIni.h"
 #include "build/clsShellLink.h"
-#include "build/modBuildTree.h"
 #include "build/modFileOperations.h"
 
 #include <windows.h>

@@ -1,3 +1,5 @@
+#include "build/modSaveLog.h"
+
 #include "base/modFile.h"
 #include "build/BuildLog.h"
 

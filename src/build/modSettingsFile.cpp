@@ -1,5 +1,6 @@
+#include "build/modSettingsFile.h"
+
 #include "build/clsReportedIni.h"
-#include "build/modBuildTree.h"
 
 #include <array>
 #include <string>

@@ -1,6 +1,7 @@
+#include "build/modStockPlugins.h"
+
 #include "base/modFile.h"
 #include "base/modText.h"
-#include "build/modBuildTree.h"
 #include "build/modFileOperations.h"
 #include "build/modPluginInf.h"
 

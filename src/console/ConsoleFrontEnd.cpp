@@ -1,6 +1,7 @@
 #include "console/ConsoleFrontEnd.h"
 
 #include "base/ResumeNext.h"
+#include "build/modSaveLog.h"
 #include "console/ConsoleDownload.h"
 #include "console/Interrupt.h"
 #include "net/modHttpText.h"

@@ -1,6 +1,7 @@
 #include "base/Failure.h"
 #include "base/Trace.h"
 #include "base/UniqueHandle.h"
+#include "base/Version.h"
 #include "base/modFile.h"
 #include "base/modSystemError.h"
 #include "base/modText.h"
@@ -14,7 +15,6 @@
 #include "console/Options.h"
 #include "console/Terminal.h"
 #include "source/modSourceFolder.h"
-#include "startup/Version.h"
 #include "startup/modMain.h"
 
 #include <windows.h>

@@ -1,5 +1,6 @@
 #include "ui/clsLogList.h"
 
+#include "build/modSaveLog.h"
 #include "ui/modWindow.h"
 #include "ui/resources/ids.h"
 

@@ -1,8 +1,8 @@
 #include "ui/frmBuilder.h"
 
+#include "base/Version.h"
 #include "base/modFile.h"
 #include "base/modSystemError.h"
-#include "startup/Version.h"
 #include "ui/frmProblems.h"
 #include "ui/modBand.h"
 #include "ui/modContrast.h"

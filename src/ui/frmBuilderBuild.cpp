@@ -2,7 +2,8 @@
 #include "ui/frmBuilder.h"
 
 #include "base/Failure.h"
-#include "startup/Version.h"
+#include "base/Version.h"
+#include "build/modSaveLog.h"
 #include "ui/frmPassword.h"
 #include "ui/frmProgress.h"
 #include "ui/modWizardText.h"

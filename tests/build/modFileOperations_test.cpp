@@ -4,6 +4,7 @@
 #include "TestFolder.h"
 #include "base/Failure.h"
 #include "build/BuildLog.h"
+#include "build/modSaveLog.h"
 
 using namespace vesk;
 using vesk::test::RecordingFrontEnd;

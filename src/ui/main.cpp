@@ -1,8 +1,8 @@
 // The wizard's entry: checks the system, then opens the form that the command line asks for.
 #include "base/Com.h"
+#include "base/Version.h"
 #include "base/modText.h"
 #include "base/modWide.h"
-#include "startup/Version.h"
 #include "startup/modMain.h"
 #include "ui/frmBuilder.h"
 #include "ui/frmSetup.h"
