@@ -4,10 +4,10 @@
 #include "base/modText.h"
 #include "base/modWide.h"
 #include "startup/modMain.h"
-#include "ui/frmBuilder.h"
-#include "ui/frmSetup.h"
-#include "ui/modProgramVersion.h"
-#include "ui/modWindow.h"
+#include "ui/editor/frmSetup.h"
+#include "ui/kit/modProgramVersion.h"
+#include "ui/kit/modWindow.h"
+#include "ui/wizard/frmBuilder.h"
 
 #include <windows.h>
 

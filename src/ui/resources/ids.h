@@ -2,7 +2,7 @@
 // Every control has a number of its own, so that it can be found from outside as well.
 #pragma once
 
-#define IDI_PROGRAM 1
+#define IDI_PROGRAM 1 // the windows take theirs by this number too (ui/kit/modWindow)
 
 #define IDR_WELCOME_TEXT 101 // type "TXT"
 #define IDR_LOGO 101         // type "JPG"

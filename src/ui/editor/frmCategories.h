@@ -1,0 +1,47 @@
+#pragma once
+
+#include "catalogue/clsCatalogueEditor.h"
+#include "catalogue/clsCategoryEditor.h"
+#include "ui/kit/clsDialog.h"
+#include "ui/kit/clsLayout.h"
+#include "ui/kit/clsListNote.h"
+
+#include <string>
+
+namespace vesk {
+
+/// Edits the catalogue's categories: what the plug-in folder is divided into, and whether PE
+/// Builder shows it.
+class frmCategories : public clsDialog {
+public:
+    /// @param editor outlives the dialog; takes over the categories when OK is pressed
+    explicit frmCategories(clsCatalogueEditor& editor);
+
+    /// @return whether the user pressed OK
+    bool Show(HWND owner);
+
+private:
+    INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;
+    void OnCreated();
+    void FollowSize();
+    void FitColumns() const;
+    void OnCommand(int id, int notification);
+    void OnField(int id);
+    void OnSelected();
+    void Do(int button);
+    void Remove();
+    void Accept();
+    void ShowList();
+    void ShowLine(int line, const CategoryRecord& category) const;
+    void ShowCurrent();
+    void EnableWhatWorks() const;
+    [[nodiscard]] HWND List() const;
+
+    clsCatalogueEditor& editor_;
+    clsCategoryEditor categories_;
+    clsLayout layout_;
+    clsListNote note_;
+    bool showing_ = false; ///< Controls change because something is shown, not by the user.
+};
+
+} // namespace vesk

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "catalogue/modCatalogueCheck.h"
+#include "ui/kit/clsDialog.h"
+#include "ui/kit/clsLayout.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vesk {
+
+/// Lists what would go wrong in a build, a line each; the user can go from a line to its entry.
+class frmCheck : public clsDialog {
+public:
+    explicit frmCheck(CatalogueCheck check);
+
+    /// Shows the list, or says that it is empty. @return the entry that the user wants to see
+    std::optional<EntryPlace> Show(HWND owner);
+
+private:
+    INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;
+    void OnCreated();
+    void OnCommand(int id, int notification);
+    void GrowToLines(int widest);
+    void ShowWhereToGo() const;
+    void GoTo();
+    [[nodiscard]] const CatalogueProblem* Selected() const;
+
+    std::vector<CatalogueProblem> problems_;
+    std::string verdict_; ///< What is said when there are none.
+    std::optional<EntryPlace> chosen_;
+    clsLayout layout_;
+};
+
+} // namespace vesk

@@ -1,0 +1,382 @@
+#include "ui/editor/frmSetup.h"
+
+#include "archive/clsCRC.h"
+#include "base/modSpecialFolder.h"
+#include "catalogue/modCatalogueFile.h"
+#include "ui/editor/frmCategories.h"
+#include "ui/editor/frmCheck.h"
+#include "ui/kit/ScopeFlag.h"
+#include "ui/kit/modBand.h"
+#include "ui/kit/modContrast.h"
+#include "ui/kit/modEnable.h"
+#include "ui/resources/ids.h"
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <array>
+#include <initializer_list>
+
+namespace vesk {
+
+namespace {
+
+constexpr const char* kTitle = "Plugin Setup";
+constexpr UINT_PTR kTimer1 = 1;
+constexpr UINT kTipDelay = 250; // milliseconds: the system hides a tip while a button is clicked
+
+using Action = clsEntryFrame::Action;
+
+/// What the buttons of the entries do, by their index in the control array.
+struct EntryButton {
+    clsEntryFrame::Kind frame;
+    Action action;
+};
+constexpr auto kBase = clsEntryFrame::Kind::BaseComponents;
+constexpr auto kPlugin = clsEntryFrame::Kind::Plugins;
+constexpr std::array<EntryButton, 10> kEntryButtons{{{kBase, Action::Add},
+                                                     {kBase, Action::Remove},
+                                                     {kBase, Action::Browse},
+                                                     {kPlugin, Action::Add},
+                                                     {kPlugin, Action::Remove},
+                                                     {kPlugin, Action::Browse},
+                                                     {kBase, Action::MoveUp},
+                                                     {kBase, Action::MoveDown},
+                                                     {kPlugin, Action::MoveUp},
+                                                     {kPlugin, Action::MoveDown}}};
+
+constexpr std::array<int, 3> kActionIds{IDC_CMD_APPLY, IDC_CMD_DISCARD, IDCANCEL};
+
+Catalogue Load(clsCatalogueFile& file, CatalogueLoad& load) {
+    Catalogue catalogue;
+    load = file.Load(catalogue);
+    return catalogue;
+}
+
+} // namespace
+
+frmSetup::frmSetup(const ProgramPaths& paths)
+    : paths_(paths),
+      file_(paths.programPath),
+      editor_(Load(file_, load_)),
+      baseFrame_(kBase, editor_, paths.programPath),
+      pluginFrame_(kPlugin, editor_, paths.programPath),
+      logoSmall_(IDR_LOGO_SMALL) {}
+
+void frmSetup::Show() {
+    Create(nullptr, IDD_SETUP);
+    ShowWindow(Window(), SW_SHOW);
+    SetForegroundWindow(Window());
+    if (!load_.isThere)
+        return OfferBeginning();
+    if (!load_.sentence.empty())
+        ShowMessage(Window(),
+                    load_.sentence + "\r\n\r\nOnly what could be read is shown. Apply asks before "
+                                     "it writes over the rest.",
+                    kTitle, MB_OK | MB_ICONWARNING);
+}
+
+/// Who has no catalogue yet need not know which categories PE Builder's own plug-ins expect.
+void frmSetup::OfferBeginning() {
+    Catalogue beginning = BeginnersCatalogue(CategoryCaption);
+    const std::string folder = beginning.installFolder;
+    if (ShowMessage(Window(),
+                    "There is no catalogue in the program folder yet.\r\n\r\nBegin with PE Builder "
+                    "as the first base component, the categories of its own plug-ins and the "
+                    "installation folder '" +
+                        folder + "' ? Nothing is written before Apply.",
+                    kTitle, MB_YESNO | MB_ICONQUESTION) != IDYES)
+        return;
+    for (CatalogueEntry& entry : beginning.baseComponents)
+        entry.crc = clsCRC().CalculateFile(paths_.programPath + entry.zip);
+    editor_.Offer(beginning);
+    ShowAll();
+    ShowState("");
+}
+
+void frmSetup::Form_Load() {
+    SetWindowIcon(Window());
+    auto* const font = reinterpret_cast<HFONT>(SendMessageA(Window(), WM_GETFONT, 0, 0));
+    headingFont_ = DerivedFont(font, FW_BOLD, 100);
+    SendMessageA(Control(IDC_LBL_SETUP_HEADING), WM_SETFONT,
+                 reinterpret_cast<WPARAM>(headingFont_.Get()), FALSE);
+    tips_.Attach(Window());
+    baseFrame_.Attach(Window(), tips_);
+    pluginFrame_.Attach(Window(), tips_);
+    AddTips();
+    SetComboItems(
+        Control(IDC_CMB_INSTALL_PATH),
+        clsCatalogueEditor::InstallPathItems(SpecialFolderPath(SpecialFolder::ProgramFiles)));
+    MatchHeight(Control(IDC_CMB_INSTALL_PATH), Control(IDC_TXT_FOLDER));
+    FollowSize();
+    ShowAll();
+    ShowState("");
+    CenterWindow(Window());
+    SetFocus(Control(IDC_CMB_BASE));
+}
+
+/// Long names and addresses get the room that the window gains. Combo boxes keep theirs: with a new
+/// size they forget the height of their lists.
+void frmSetup::FollowSize() {
+    layout_.Attach(Window());
+    const auto follow = [this](unsigned how, std::initializer_list<int> ids) {
+        for (const int id : ids)
+            layout_.Add(Control(id), how);
+    };
+    constexpr int kAddress = 4;
+    constexpr int kChecksum = 5;
+    follow(clsLayout::kGrowX,
+           {IDC_LINE_SETUP_TOP, IDC_LINE_SETUP_BOTTOM, IDC_FRA_BASE, IDC_FRA_PLUGIN,
+            IDC_FRA_INSTALL, IDC_TXT_BASE, IDC_TXT_BASE + kAddress, IDC_TXT_BASE + kChecksum,
+            IDC_TXT_BASE_PLUGIN, IDC_TXT_BASE_PLUGIN + kAddress, IDC_TXT_BASE_PLUGIN + kChecksum,
+            IDC_LBL_STATE});
+    follow(clsLayout::kMoveX, {IDC_IMG_SETUP_LOGO, IDC_CMD_APPLY, IDC_CMD_DISCARD, IDCANCEL});
+    for (std::size_t index = 0; index < kEntryButtons.size(); ++index) {
+        if (kEntryButtons.at(index).action != Action::Browse)
+            follow(clsLayout::kMoveX, {IDC_CMD_BUTTONS + static_cast<int>(index)});
+    }
+}
+
+void frmSetup::AddTips() {
+    for (std::size_t index = 0; index < kEntryButtons.size(); ++index) {
+        const Action action = kEntryButtons.at(index).action;
+        if (action == Action::MoveUp || action == Action::MoveDown)
+            tips_.Add(IDC_CMD_BUTTONS + static_cast<int>(index), LPSTR_TEXTCALLBACKA);
+    }
+    tips_.Add(IDC_TXT_FOLDER, "Name of the folder that a build makes in the installation path");
+    tips_.Add(IDC_CMD_CHECK, "Lists what would go wrong in a build");
+    tips_.Add(IDC_CMD_CATEGORIES, "What the plug-in folder is divided into");
+    tips_.Add(IDC_CMD_APPLY, "Writes the catalogue file");
+    tips_.Add(IDC_CMD_DISCARD, "Drops all edits since the last Apply");
+}
+
+void frmSetup::ShowAll() {
+    const ScopeFlag showing(showing_);
+    baseFrame_.Show();
+    pluginFrame_.Show();
+    SetText(Control(IDC_TXT_FOLDER), editor_.InstallFolder());
+    SetComboSelection(Control(IDC_CMB_INSTALL_PATH), editor_.InstallPathItem());
+}
+
+void frmSetup::ShowState(const std::string& whenUnchanged) {
+    SetText(Control(IDC_LBL_STATE),
+            editor_.IsModified() ? "There are unsaved edits." : whenUnchanged);
+    EnableWhatWorks();
+}
+
+void frmSetup::EnableWhatWorks() {
+    baseFrame_.EnableButtons();
+    pluginFrame_.EnableButtons();
+    const bool modified = editor_.IsModified();
+    // A damaged file can be written anew as it is shown, without an edit.
+    const bool maySave = modified || !file_.IsWhole();
+    const HWND heir = lastField_ && IsWindowEnabled(lastField_) ? lastField_ : Control(IDCANCEL);
+    // The caret is to stay where it was: not through WM_NEXTDLGCTL, which selects the whole text.
+    if ((!maySave && GetFocus() == Control(IDC_CMD_APPLY)) ||
+        (!modified && GetFocus() == Control(IDC_CMD_DISCARD)))
+        SetFocus(heir);
+    EnableControl(Control(IDC_CMD_APPLY), maySave, heir);
+    EnableControl(Control(IDC_CMD_DISCARD), modified, heir);
+}
+
+bool frmSetup::Apply() {
+    const std::string loss = file_.LossBySaving();
+    if (!loss.empty() &&
+        ShowMessage(Window(), loss, kTitle, MB_YESNO | MB_ICONWARNING | MB_DEFBUTTON2) != IDYES)
+        return false;
+    try {
+        const WaitCursor wait;
+        editor_.Apply([this](const Catalogue& catalogue) { file_.Save(catalogue); });
+    } catch (const std::exception& failure) {
+        ShowMessage(Window(), std::string("The catalogue could not be saved.\r\n") + failure.what(),
+                    kTitle, MB_OK | MB_ICONERROR);
+        return false;
+    }
+    ShowState("Saved.");
+    return true;
+}
+
+void frmSetup::Discard() {
+    editor_.Revert();
+    ShowAll();
+    ShowState("Edits dropped.");
+}
+
+bool frmSetup::MayLeave() {
+    if (!editor_.IsModified())
+        return true;
+    switch (ShowMessage(Window(), "Save the edits to the catalogue before leaving ?", kTitle,
+                        MB_YESNOCANCEL | MB_ICONQUESTION)) {
+    case IDYES:
+        return Apply();
+    case IDNO:
+        return true;
+    default:
+        return false;
+    }
+}
+
+void frmSetup::Form_QueryUnload() {
+    // Closed from outside while a message or dialog of its own is open: that one comes first.
+    if (IsWindowEnabled(Window()) && MayLeave())
+        DestroyWindow(Window());
+}
+
+void frmSetup::cmdButtons_Click(int index) {
+    const EntryButton& button = kEntryButtons.at(static_cast<std::size_t>(index));
+    clsEntryFrame& frame = button.frame == kPlugin ? pluginFrame_ : baseFrame_;
+    if (frame.Do(button.action)) {
+        movedBy_ = Control(IDC_CMD_BUTTONS + index);
+        SetTimer(Window(), kTimer1, kTipDelay, nullptr);
+    }
+    ShowState("");
+}
+
+/// Who moves entries with the mouse is told where they are by now.
+void frmSetup::ShowPlaceTip() {
+    KillTimer(Window(), kTimer1);
+    POINT cursor{};
+    GetCursorPos(&cursor);
+    if (WindowFromPoint(cursor) == movedBy_)
+        tips_.ShowNow();
+}
+
+void frmSetup::cmdActions_Click(int index) {
+    switch (index) {
+    case 0:
+        (void)Apply(); // a failure was told
+        return;
+    case 1:
+        return Discard();
+    default:
+        return Form_QueryUnload();
+    }
+}
+
+void frmSetup::cmdCheck_Click() {
+    CatalogueCheck check;
+    {
+        const WaitCursor wait;
+        check = CheckCatalogue(editor_.Edited(), ArchivesIn(paths_.programPath));
+    }
+    if (const auto place = frmCheck(std::move(check)).Show(Window()))
+        (place->list == EntryList::Plugins ? pluginFrame_ : baseFrame_).GoTo(place->index);
+}
+
+void frmSetup::cmdCategories_Click() {
+    if (!frmCategories(editor_).Show(Window()))
+        return;
+    pluginFrame_.Show();
+    ShowState("");
+}
+
+/// No button is the default one: Enter in a field goes on to the next field, and saves nothing.
+void frmSetup::OnEnter() {
+    SendMessageA(Window(), WM_NEXTDLGCTL, 0, FALSE);
+}
+
+bool frmSetup::OnField(int id, int notification) {
+    if (notification == EN_SETFOCUS || notification == CBN_SETFOCUS)
+        lastField_ = Control(id);
+    if (showing_)
+        return false;
+    if (id == IDC_TXT_FOLDER && notification == EN_CHANGE)
+        editor_.SetInstallFolder(TextOf(Control(id)));
+    else if (id == IDC_CMB_INSTALL_PATH &&
+             (notification == CBN_SELCHANGE || notification == CBN_CLOSEUP))
+        editor_.SetInstallPathItem(ComboSelection(Control(id)));
+    else
+        return baseFrame_.HandleField(id, notification) ||
+               pluginFrame_.HandleField(id, notification);
+    return true;
+}
+
+void frmSetup::OnClick(int id) {
+    const int entryButton = id - IDC_CMD_BUTTONS;
+    if (entryButton >= 0 && entryButton < static_cast<int>(kEntryButtons.size()))
+        return cmdButtons_Click(entryButton);
+    if (id == IDC_CMD_CHECK)
+        return cmdCheck_Click();
+    if (id == IDC_CMD_CATEGORIES)
+        return cmdCategories_Click();
+    if (id == IDOK)
+        return OnEnter();
+    const auto* action = std::ranges::find(kActionIds, id);
+    if (action != kActionIds.end())
+        cmdActions_Click(static_cast<int>(action - kActionIds.begin()));
+}
+
+void frmSetup::OnCommand(int id, int notification) {
+    if (OnField(id, notification))
+        ShowState("");
+    else if (notification == BN_CLICKED)
+        OnClick(id);
+}
+
+void frmSetup::AnswerTip(NMHDR& header) {
+    const int id = GetDlgCtrlID(reinterpret_cast<HWND>(header.idFrom));
+    const auto index = static_cast<std::size_t>(id - IDC_CMD_BUTTONS);
+    if (index >= kEntryButtons.size())
+        return;
+    const bool plugins = kEntryButtons.at(index).frame == kPlugin;
+    tipText_ = (plugins ? pluginFrame_ : baseFrame_).PlaceText();
+    reinterpret_cast<NMTTDISPINFOA&>(header).lpszText = tipText_.data();
+}
+
+INT_PTR frmSetup::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
+    switch (message) {
+    case WM_INITDIALOG:
+        Form_Load();
+        return FALSE; // the keyboard is where Form_Load put it
+    case WM_COMMAND:
+        OnCommand(LOWORD(wparam), HIWORD(wparam));
+        return TRUE;
+    case WM_TIMER:
+        ShowPlaceTip();
+        return TRUE;
+    case WM_NOTIFY:
+        if (auto& header = *reinterpret_cast<NMHDR*>(lparam); header.code == TTN_GETDISPINFOA)
+            AnswerTip(header);
+        return FALSE;
+    case WM_SIZE:
+        layout_.OnSize();
+        return TRUE;
+    case WM_GETMINMAXINFO: {
+        auto& info = *reinterpret_cast<MINMAXINFO*>(lparam);
+        layout_.LimitSize(info);
+        if (info.ptMinTrackSize.y > 0) // there is nothing that more height would show
+            info.ptMaxTrackSize.y = info.ptMinTrackSize.y;
+        return TRUE;
+    }
+    case WM_CLOSE:
+        Form_QueryUnload();
+        return TRUE;
+    case WM_QUERYENDSESSION:
+        return Answer(IsWindowEnabled(Window()) && MayLeave());
+    case WM_DESTROY:
+        PostQuitMessage(0);
+        return TRUE;
+    case WM_ERASEBKGND:
+        return Answer(PaintBand(Window(), reinterpret_cast<HDC>(wparam), kBandHeight));
+    case WM_CTLCOLORSTATIC:
+        switch (GetDlgCtrlID(reinterpret_cast<HWND>(lparam))) {
+        case IDC_LBL_SETUP_HEADING:
+        case IDC_LBL_SETUP_SUBHEADING:
+            return OnWhite(reinterpret_cast<HDC>(wparam));
+        default:
+            return FALSE;
+        }
+    case WM_DRAWITEM: {
+        const auto& item = *reinterpret_cast<const DRAWITEMSTRUCT*>(lparam);
+        if (IsDark(GetSysColor(COLOR_WINDOW)))
+            FillRect(item.hDC, &item.rcItem, GetSysColorBrush(COLOR_WINDOW)); // drawn on white
+        else
+            logoSmall_.Paint(item.hDC, item.rcItem);
+        return TRUE;
+    }
+    default:
+        return FALSE;
+    }
+}
+
+} // namespace vesk

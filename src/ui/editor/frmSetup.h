@@ -1,0 +1,67 @@
+#pragma once
+
+#include "catalogue/clsCatalogueEditor.h"
+#include "catalogue/clsCatalogueFile.h"
+#include "startup/modMain.h"
+#include "ui/editor/clsEntryFrame.h"
+#include "ui/kit/clsDialog.h"
+#include "ui/kit/clsLayout.h"
+#include "ui/kit/clsToolTips.h"
+#include "ui/kit/modPicture.h"
+#include "ui/kit/modWindow.h"
+
+#include <string>
+
+namespace vesk {
+
+/// The catalogue editor's window. It edits a working copy of the catalogue, which Apply writes to
+/// the catalogue file.
+class frmSetup : public clsDialog {
+public:
+    explicit frmSetup(const ProgramPaths& paths);
+
+    /// Shows the window; it ends the thread's message loop when it closes.
+    void Show();
+
+private:
+    INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;
+    void Form_Load();
+    void Form_QueryUnload();
+    void ShowPlaceTip();
+    void cmdButtons_Click(int index);
+    void cmdActions_Click(int index);
+    void cmdCheck_Click();
+    void OnCommand(int id, int notification);
+    void OnClick(int id);
+    bool OnField(int id, int notification);
+    void AnswerTip(NMHDR& header);
+
+    void cmdCategories_Click();
+    void OnEnter();
+    void OfferBeginning();
+    void FollowSize();
+    void AddTips();
+    void ShowAll();
+    void ShowState(const std::string& whenUnchanged);
+    void EnableWhatWorks();
+    [[nodiscard]] bool Apply();
+    void Discard();
+    [[nodiscard]] bool MayLeave();
+
+    ProgramPaths paths_;
+    clsCatalogueFile file_;
+    CatalogueLoad load_; ///< What was read of it.
+    clsCatalogueEditor editor_;
+    clsEntryFrame baseFrame_;
+    clsEntryFrame pluginFrame_;
+    clsToolTips tips_;
+    std::string tipText_;
+    clsPictureView logoSmall_;
+    GdiHandle headingFont_;
+    clsLayout layout_;
+    HWND lastField_ = nullptr; ///< The field that had the keyboard last.
+    HWND movedBy_ = nullptr;   ///< The button that moved an entry last.
+    bool showing_ = false;     ///< The settings change because they are shown, not by the user.
+};
+
+} // namespace vesk

@@ -1,0 +1,73 @@
+#include "ui/kit/clsDialog.h"
+
+#include "base/modSystemError.h"
+#include "ui/kit/modDialogTemplate.h"
+#include "ui/kit/modWindow.h"
+
+#include <exception>
+#include <string>
+
+namespace vesk {
+
+clsDialog::~clsDialog() {
+    if (!window_)
+        return;
+    // The derived part is gone: the window must not call back into it while it is destroyed.
+    SetWindowLongPtrA(window_, DWLP_USER, 0);
+    DestroyWindow(window_);
+}
+
+void clsDialog::Create(HWND owner, int resourceId) {
+    const DialogTemplate dialog(resourceId, owner);
+    if (!CreateDialogIndirectParamA(ProgramInstance(), dialog.Get(), owner, Procedure,
+                                    reinterpret_cast<LPARAM>(this)))
+        ThrowLastError("create dialog", std::to_string(resourceId));
+}
+
+INT_PTR clsDialog::RunModal(HWND owner, int resourceId) {
+    const DialogTemplate dialog(resourceId, owner);
+    const INT_PTR result = DialogBoxIndirectParamA(ProgramInstance(), dialog.Get(), owner,
+                                                   Procedure, reinterpret_cast<LPARAM>(this));
+    if (result == -1)
+        ThrowLastError("show dialog", std::to_string(resourceId));
+    return result;
+}
+
+INT_PTR clsDialog::Answer(LRESULT result) const {
+    SetWindowLongPtrA(window_, DWLP_MSGRESULT, result);
+    return TRUE;
+}
+
+INT_PTR clsDialog::Answer(std::optional<LRESULT> result) const {
+    return result ? Answer(*result) : FALSE;
+}
+
+INT_PTR CALLBACK clsDialog::Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message == WM_INITDIALOG) {
+        SetWindowLongPtrA(window, DWLP_USER, lparam);
+        reinterpret_cast<clsDialog*>(lparam)->window_ = window;
+    }
+    auto* self = reinterpret_cast<clsDialog*>(GetWindowLongPtrA(window, DWLP_USER));
+    if (!self)
+        return FALSE; // before WM_INITDIALOG, or the object is gone
+    if (message == WM_NCDESTROY) {
+        SetWindowLongPtrA(window, DWLP_USER, 0);
+        self->window_ = nullptr;
+        return FALSE;
+    }
+    return self->HandleSafely(message, wparam, lparam);
+}
+
+INT_PTR clsDialog::HandleSafely(UINT message, WPARAM wparam, LPARAM lparam) {
+    const HWND window = window_;
+    try {
+        return Handle(message, wparam, lparam);
+    } catch (const std::exception& failure) {
+        // `this` may be gone by now; the window's own title serves.
+        ShowMessage(window, failure.what(), TextOf(GetAncestor(window, GA_ROOT)),
+                    MB_OK | MB_ICONERROR);
+        return FALSE;
+    }
+}
+
+} // namespace vesk

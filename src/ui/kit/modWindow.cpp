@@ -1,0 +1,220 @@
+#include "ui/kit/modWindow.h"
+
+#include "base/modSystemError.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace vesk {
+
+namespace {
+
+constexpr int kProgramIcon = 1; // the lowest number: the one that the system shows for the file
+constexpr ULONG_PTR kDialogClassAtom = 0x8002; // the system's own class of dialogs, "#32770"
+
+bool IsDialogWindow(HWND window) {
+    return GetClassLongPtrA(window, GCW_ATOM) == kDialogClassAtom;
+}
+
+using GlobalMemory = UniqueHandle<::GlobalFree, HGLOBAL>;
+
+LOGFONTA DescribeFont(HFONT font) {
+    LOGFONTA description{};
+    GetObjectA(font, sizeof description, &description);
+    return description;
+}
+
+} // namespace
+
+HINSTANCE ProgramInstance() {
+    return GetModuleHandleA(nullptr);
+}
+
+std::string TextOf(HWND window) {
+    std::string text(static_cast<std::size_t>(GetWindowTextLengthA(window)) + 1, '\0');
+    const int length = GetWindowTextA(window, text.data(), static_cast<int>(text.size()));
+    text.resize(static_cast<std::size_t>(length));
+    return text;
+}
+
+void SetText(HWND window, const std::string& text) {
+    if (TextOf(window) != text)
+        SetWindowTextA(window, text.c_str());
+}
+
+int ScalePixels(int pixels) {
+    static const int dpi = [] {
+        const HDC screen = GetDC(nullptr);
+        const int found = GetDeviceCaps(screen, LOGPIXELSX);
+        ReleaseDC(nullptr, screen);
+        return found;
+    }();
+    return MulDiv(pixels, dpi, 96);
+}
+
+void SetTopMost(HWND window, bool onTop) {
+    SetWindowPos(window, onTop ? HWND_TOPMOST : HWND_NOTOPMOST, 0, 0, 0, 0,
+                 SWP_NOSIZE | SWP_NOMOVE);
+}
+
+void SetWindowIcon(HWND window) {
+    const auto setIcon = [&](WPARAM kind, int widthMetric, int heightMetric) {
+        // Shared: the system keeps one copy for all windows and frees it itself.
+        const HANDLE icon =
+            LoadImageA(ProgramInstance(), MAKEINTRESOURCEA(kProgramIcon), IMAGE_ICON,
+                       GetSystemMetrics(widthMetric), GetSystemMetrics(heightMetric), LR_SHARED);
+        SendMessageA(window, WM_SETICON, kind, reinterpret_cast<LPARAM>(icon));
+    };
+    setIcon(ICON_BIG, SM_CXICON, SM_CYICON);
+    setIcon(ICON_SMALL, SM_CXSMICON, SM_CYSMICON);
+}
+
+SIZE InnerSize(HWND window) {
+    RECT client{};
+    GetClientRect(window, &client);
+    return {client.right, client.bottom};
+}
+
+RECT AreaOf(HWND control) {
+    RECT area{};
+    GetWindowRect(control, &area);
+    MapWindowPoints(nullptr, GetParent(control), reinterpret_cast<POINT*>(&area), 2);
+    return area;
+}
+
+RECT WorkAreaOf(HWND window) {
+    constexpr POINT kOnTheMainMonitor{};
+    MONITORINFO monitor{};
+    monitor.cbSize = sizeof monitor;
+    GetMonitorInfoA(window ? MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST)
+                           : MonitorFromPoint(kOnTheMainMonitor, MONITOR_DEFAULTTOPRIMARY),
+                    &monitor);
+    return monitor.rcWork;
+}
+
+void PutOnClipboard(HWND owner, const std::string& text) {
+    // Programs that watch the clipboard hold it for moments.
+    constexpr int kAttempts = 40;
+    int attempt = 0;
+    while (!OpenClipboard(owner)) {
+        if (++attempt == kAttempts)
+            ThrowLastError("copy to", "the clipboard");
+        Sleep(10);
+    }
+    EmptyClipboard();
+    GlobalMemory memory(GlobalAlloc(GMEM_MOVEABLE, text.size() + 1));
+    if (memory) {
+        std::memcpy(GlobalLock(memory.Get()), text.c_str(), text.size() + 1);
+        GlobalUnlock(memory.Get());
+        if (SetClipboardData(CF_TEXT, memory.Get()))
+            (void)memory.Release(); // the clipboard frees it
+    }
+    CloseClipboard();
+}
+
+void CenterWindow(HWND window) {
+    const HWND owner = GetWindow(window, GW_OWNER);
+    RECT own{};
+    GetWindowRect(window, &own);
+    const RECT work = WorkAreaOf(owner ? owner : window);
+    RECT around = work;
+    if (owner && IsWindowVisible(owner) && !IsIconic(owner))
+        GetWindowRect(owner, &around);
+    const LONG width = own.right - own.left;
+    const LONG height = own.bottom - own.top;
+    const LONG left = (around.left + around.right - width) / 2;
+    const LONG top = (around.top + around.bottom - height) / 2;
+    SetWindowPos(window, nullptr, std::max(work.left, std::min(left, work.right - width)),
+                 std::max(work.top, std::min(top, work.bottom - height)), 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void DispatchForDialogs(MSG& message) {
+    const HWND root = message.hwnd ? GetAncestor(message.hwnd, GA_ROOT) : nullptr;
+    if (root && IsDialogWindow(root) && IsDialogMessageA(root, &message))
+        return;
+    TranslateMessage(&message);
+    DispatchMessageA(&message);
+}
+
+void RunPendingEvents() {
+    MSG message{};
+    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
+        if (message.message == WM_QUIT) {
+            PostQuitMessage(static_cast<int>(message.wParam));
+            return;
+        }
+        DispatchForDialogs(message);
+    }
+}
+
+void FollowFocus(HWND button, int notification, int defaultId) {
+    const HWND dialog = GetAncestor(button, GA_ROOT);
+    if (notification == BN_SETFOCUS) {
+        SendMessageA(GetDlgItem(dialog, defaultId), BM_SETSTYLE, BS_PUSHBUTTON, TRUE);
+        SendMessageA(button, BM_SETSTYLE, BS_DEFPUSHBUTTON, TRUE);
+    } else if (notification == BN_KILLFOCUS) {
+        SendMessageA(button, BM_SETSTYLE, BS_PUSHBUTTON, TRUE);
+        SendMessageA(dialog, DM_SETDEFID, static_cast<WPARAM>(defaultId), 0);
+    }
+}
+
+int ShowMessage(HWND owner, const std::string& text, const std::string& title, UINT style) {
+    return MessageBoxA(owner, text.c_str(), title.c_str(), style);
+}
+
+SIZE TextSize(HWND control, const std::string& text) {
+    const HDC dc = GetDC(control);
+    const HGDIOBJ before =
+        SelectObject(dc, reinterpret_cast<HGDIOBJ>(SendMessageA(control, WM_GETFONT, 0, 0)));
+    SIZE size{};
+    GetTextExtentPoint32A(dc, text.c_str(), static_cast<int>(text.size()), &size);
+    SelectObject(dc, before);
+    ReleaseDC(control, dc);
+    return size;
+}
+
+void SetComboItems(HWND combo, const std::vector<std::string>& items) {
+    SendMessageA(combo, CB_RESETCONTENT, 0, 0);
+    for (const std::string& item : items)
+        SendMessageA(combo, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(item.c_str()));
+}
+
+int ComboSelection(HWND combo) {
+    return static_cast<int>(SendMessageA(combo, CB_GETCURSEL, 0, 0));
+}
+
+void SetComboSelection(HWND combo, int item) {
+    SendMessageA(combo, CB_SETCURSEL, static_cast<WPARAM>(item), 0);
+}
+
+void MatchHeight(HWND combo, HWND textField) {
+    const auto heightOf = [](HWND window) {
+        RECT area{};
+        GetWindowRect(window, &area);
+        return area.bottom - area.top;
+    };
+    constexpr auto kSelectionField = static_cast<WPARAM>(-1);
+    // Twice: with its first own height a box may also get another border around it.
+    for (int pass = 0; pass < 2; ++pass) {
+        const LRESULT inner = SendMessageA(combo, CB_GETITEMHEIGHT, kSelectionField, 0);
+        SendMessageA(combo, CB_SETITEMHEIGHT, kSelectionField,
+                     inner + heightOf(textField) - heightOf(combo));
+    }
+}
+
+GdiHandle DerivedFont(HFONT font, LONG weight, int percent) {
+    LOGFONTA description = DescribeFont(font);
+    description.lfWeight = weight;
+    description.lfHeight = MulDiv(description.lfHeight, percent, 100);
+    description.lfWidth = 0;
+    return GdiHandle(CreateFontIndirectA(&description));
+}
+
+GdiHandle FontInFace(HFONT font, const std::string& face) {
+    LOGFONTA description = DescribeFont(font);
+    lstrcpynA(description.lfFaceName, face.c_str(), LF_FACESIZE);
+    return GdiHandle(CreateFontIndirectA(&description));
+}
+
+} // namespace vesk

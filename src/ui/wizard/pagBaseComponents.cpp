@@ -1,0 +1,194 @@
+#include "ui/wizard/pagBaseComponents.h"
+
+#include "base/modFile.h"
+#include "base/modSpecialFolder.h"
+#include "base/modText.h"
+#include "source/modSourceFolder.h"
+#include "ui/kit/frmBrowse.h"
+#include "ui/kit/modBand.h"
+#include "ui/kit/modContrast.h"
+#include "ui/kit/modWindow.h"
+#include "ui/resources/ids.h"
+#include "ui/wizard/frmSelOS.h"
+#include "ui/wizard/modWizardText.h"
+
+#include <initializer_list>
+
+namespace vesk {
+
+namespace {
+
+constexpr COLORREF kGreen = RGB(0, 130, 0);
+constexpr COLORREF kDarkRed = RGB(140, 0, 0);
+
+/// The folder itself or the nearest one above it that exists: where a browse dialog can start.
+std::string NearestFolder(std::string folder) {
+    while (!folder.empty() && !FolderExists(folder))
+        folder = ParentOf(folder);
+    return folder;
+}
+
+} // namespace
+
+pagBaseComponents::pagBaseComponents(HWND wizard, Catalogue& catalogue, SourceState& source,
+                                     const std::string& programPath)
+    : catalogue_(catalogue),
+      source_(source),
+      list_(clsComponentList::Kind::BaseComponents, catalogue, programPath) {
+    Create(wizard, IDD_PAGE_BASE);
+}
+
+void pagBaseComponents::OnCreated() {
+    list_.Attach(Control(IDC_LST_BASE));
+    if (!catalogue_.installRoot.empty())
+        SetText(Control(IDC_TXT_PROG_PATH),
+                InstallFolderOf(catalogue_.installRoot + "\\" + catalogue_.installFolder));
+    EnableWindow(Control(IDC_CMD_BASE_DETAILS), list_.LineCount() > 0);
+    layout_.Attach(Window());
+    const auto follow = [this](unsigned how, std::initializer_list<int> ids) {
+        for (const int id : ids)
+            layout_.Add(Control(id), how);
+    };
+    follow(clsLayout::kGrowX | clsLayout::kGrowY, {IDC_PIC_FRAME1, IDC_LST_BASE});
+    follow(clsLayout::kMoveX, {IDC_CMD_BASE_DETAILS});
+    follow(clsLayout::kMoveY, {IDC_LBL_PROG_PATH, IDC_LBL_WIN_PATH});
+    follow(clsLayout::kGrowX | clsLayout::kMoveY,
+           {IDC_PIC_FRAME2, IDC_TXT_PROG_PATH, IDC_TXT_WIN_PATH, IDC_LBL_WIN_PRODUCT});
+    follow(clsLayout::kMoveX | clsLayout::kMoveY,
+           {IDC_CMD_PROG_PATH, IDC_CMD_WIN_PATH, IDC_CMD_SCAN});
+}
+
+std::string pagBaseComponents::InstallFolder() const {
+    return InstallFolderOf(TextOf(Control(IDC_TXT_PROG_PATH)));
+}
+
+std::string pagBaseComponents::SourceFolder() const {
+    return TextOf(Control(IDC_TXT_WIN_PATH));
+}
+
+void pagBaseComponents::CommitSource() {
+    const std::string typed = TrimBlanks(SourceFolder());
+    if (typed == checkedSource_)
+        return;
+    if (typed.empty())
+        ShowSource(typed, "", SourceColour::Plain);
+    else
+        CheckSource(typed);
+}
+
+void pagBaseComponents::ShowInstallFolder(const std::string& folder) {
+    SetText(Control(IDC_TXT_PROG_PATH), folder);
+}
+
+void pagBaseComponents::FocusInstallFolder() const {
+    SendMessageA(GetAncestor(Window(), GA_ROOT), WM_NEXTDLGCTL,
+                 reinterpret_cast<WPARAM>(Control(IDC_TXT_PROG_PATH)), TRUE);
+}
+
+void pagBaseComponents::CheckSource(const std::string& chosen) {
+    const SourceCheck check = CheckSourceFolder(chosen, source_);
+    ShowSource(check.path, check.productLabel,
+               check.usable ? SourceColour::Usable : SourceColour::Unusable);
+}
+
+void pagBaseComponents::ShowSource(const std::string& folder, const std::string& product,
+                                   SourceColour colour) {
+    checkedSource_ = folder;
+    sourceColour_ = colour;
+    SetText(Control(IDC_TXT_WIN_PATH), folder);
+    SetText(Control(IDC_LBL_WIN_PRODUCT), product);
+    InvalidateRect(Control(IDC_TXT_WIN_PATH), nullptr, TRUE);
+}
+
+void pagBaseComponents::cmdProgPath_Click() {
+    const std::string folder =
+        frmBrowse(GetAncestor(Window(), GA_ROOT))
+            .ChooseFolder("Choose the folder to build into", NearestFolder(InstallFolder()));
+    if (!folder.empty())
+        ShowInstallFolder(InstallFolderOf(folder));
+}
+
+void pagBaseComponents::cmdWinPath_Click() {
+    const std::string shown = SourceFolder();
+    const std::string start =
+        shown.empty() ? SpecialFolderPath(SpecialFolder::ProgramFiles) : shown;
+    const std::string chosen =
+        frmBrowse(GetAncestor(Window(), GA_ROOT))
+            .ChooseFolder("Choose the folder of the Windows CD that holds I386",
+                          NearestFolder(start));
+    if (!chosen.empty())
+        CheckSource(chosen);
+}
+
+void pagBaseComponents::cmdScan_Click() {
+    const HWND wizard = GetAncestor(Window(), GA_ROOT);
+    if (ShowMessage(wizard, "Search for Windows installation files ?\r\n(can take some time)",
+                    "File Search", MB_YESNO | MB_ICONINFORMATION) == IDNO)
+        return;
+    const auto found = frmSelOS(source_).Choose(wizard);
+    if (!found)
+        return;
+    ApplySourceProduct({found->productName, found->servicePackTag}, source_);
+    ShowSource(found->rootFolder, found->productName + " " + found->servicePackTag,
+               SourceColour::Usable);
+}
+
+INT_PTR pagBaseComponents::OnCommand(int id, int notification) {
+    if (notification == EN_KILLFOCUS && id == IDC_TXT_WIN_PATH)
+        CommitSource();
+    if (notification != BN_CLICKED)
+        return TRUE;
+    switch (id) {
+    case IDC_CMD_BASE_DETAILS:
+        list_.OpenSelected();
+        return TRUE;
+    case IDC_CMD_PROG_PATH:
+        cmdProgPath_Click();
+        return TRUE;
+    case IDC_CMD_WIN_PATH:
+        cmdWinPath_Click();
+        return TRUE;
+    case IDC_CMD_SCAN:
+        cmdScan_Click();
+        return TRUE;
+    default:
+        return FALSE;
+    }
+}
+
+INT_PTR pagBaseComponents::OnColour(HDC dc, HWND control) const {
+    if (control != Control(IDC_TXT_WIN_PATH) || sourceColour_ == SourceColour::Plain)
+        return FALSE;
+    const INT_PTR brush = OnWhite(dc);
+    SetTextColor(dc, ReadableColour(sourceColour_ == SourceColour::Usable ? kGreen : kDarkRed,
+                                    GetSysColor(COLOR_WINDOWTEXT), GetSysColor(COLOR_WINDOW)));
+    return brush;
+}
+
+INT_PTR pagBaseComponents::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
+    switch (message) {
+    case WM_INITDIALOG:
+        OnCreated();
+        return FALSE;
+    case WM_COMMAND:
+        if (LOWORD(wparam) != IDC_TXT_PROG_PATH && LOWORD(wparam) != IDC_TXT_WIN_PATH)
+            FollowFocus(reinterpret_cast<HWND>(lparam), HIWORD(wparam), IDC_CMD_NEXT);
+        return OnCommand(LOWORD(wparam), HIWORD(wparam));
+    case WM_CTLCOLOREDIT:
+        return OnColour(reinterpret_cast<HDC>(wparam), reinterpret_cast<HWND>(lparam));
+    case WM_SIZE:
+        layout_.OnSize();
+        list_.FitColumns();
+        return TRUE;
+    case WM_SHOWWINDOW:
+        if (wparam != FALSE)
+            list_.RefreshStates();
+        return FALSE;
+    case WM_NOTIFY:
+        return Answer(list_.HandleNotify(*reinterpret_cast<const NMHDR*>(lparam)));
+    default:
+        return FALSE;
+    }
+}
+
+} // namespace vesk

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "catalogue/Catalogue.h"
+#include "source/SourceState.h"
+#include "ui/kit/clsDialog.h"
+#include "ui/kit/clsLayout.h"
+#include "ui/wizard/clsComponentList.h"
+
+#include <string>
+
+namespace vesk {
+
+/// The page with the base components and the two folders of a build.
+class pagBaseComponents : public clsDialog {
+public:
+    /// Catalogue and source state outlive the page, which keeps the catalogue's ticks and the
+    /// source's codes up to date.
+    pagBaseComponents(HWND wizard, Catalogue& catalogue, SourceState& source,
+                      const std::string& programPath);
+
+    /// Text of txtProgPath without a trailing backslash.
+    [[nodiscard]] std::string InstallFolder() const;
+
+    /// Text of txtWinPath.
+    [[nodiscard]] std::string SourceFolder() const;
+
+    /// Takes over what was typed as source folder.
+    void CommitSource();
+
+    /// Shows the installation folder as it is meant.
+    void ShowInstallFolder(const std::string& folder);
+
+    /// Gives the keyboard to the installation folder, to be typed anew.
+    void FocusInstallFolder() const;
+
+private:
+    /// What the colour of the source folder's text tells.
+    enum class SourceColour { Plain, Usable, Unusable };
+
+    INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;
+    INT_PTR OnCommand(int id, int notification);
+    INT_PTR OnColour(HDC dc, HWND control) const;
+    void OnCreated();
+    void cmdProgPath_Click();
+    void cmdWinPath_Click();
+    void cmdScan_Click();
+    void CheckSource(const std::string& chosen);
+    void ShowSource(const std::string& folder, const std::string& product, SourceColour colour);
+
+    Catalogue& catalogue_;
+    SourceState& source_;
+    clsComponentList list_;
+    clsLayout layout_;
+    std::string checkedSource_; ///< The text that the colour and the product label belong to.
+    SourceColour sourceColour_ = SourceColour::Plain;
+};
+
+} // namespace vesk

@@ -1,0 +1,56 @@
+#include "ui/wizard/pagBuild.h"
+
+#include "ui/kit/modWindow.h"
+#include "ui/resources/ids.h"
+
+#include <commctrl.h>
+
+namespace vesk {
+
+pagBuild::pagBuild(HWND wizard, const BuildLog& log, const std::string& programPath)
+    : list_(log, programPath) {
+    Create(wizard, IDD_PAGE_BUILD);
+}
+
+void pagBuild::SetStatus(const std::string& caption) {
+    SetText(Control(IDC_LBL_FILE), caption);
+    UpdateWindow(Control(IDC_LBL_FILE));
+}
+
+void pagBuild::SetProgress(std::size_t done, std::size_t total) {
+    const HWND bar = Control(IDC_BAR_OVERALL);
+    SendMessageA(bar, PBM_SETRANGE32, 0, static_cast<LPARAM>(total));
+    SendMessageA(bar, PBM_SETPOS, done, 0);
+}
+
+void pagBuild::FocusLog() {
+    SetFocus(Control(IDC_LST_PROGRESS));
+}
+
+void pagBuild::OnCreated() {
+    list_.Attach(Control(IDC_LST_PROGRESS));
+    layout_.Attach(Window());
+    layout_.Add(Control(IDC_LBL_FILE), clsLayout::kGrowX);
+    layout_.Add(Control(IDC_BAR_OVERALL), clsLayout::kGrowX);
+    layout_.Add(Control(IDC_LST_PROGRESS), clsLayout::kGrowX | clsLayout::kGrowY);
+}
+
+INT_PTR pagBuild::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
+    switch (message) {
+    case WM_INITDIALOG:
+        OnCreated();
+        return FALSE;
+    case WM_SIZE:
+        layout_.OnSize();
+        return TRUE;
+    case WM_CONTEXTMENU:
+        if (reinterpret_cast<HWND>(wparam) != Control(IDC_LST_PROGRESS))
+            return FALSE;
+        list_.OpenMenu({static_cast<short>(LOWORD(lparam)), static_cast<short>(HIWORD(lparam))});
+        return TRUE;
+    default:
+        return FALSE;
+    }
+}
+
+} // namespace vesk

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "build/BuildLog.h"
+#include "ui/kit/clsDialog.h"
+#include "ui/kit/clsLayout.h"
+#include "ui/wizard/clsLogList.h"
+
+#include <cstddef>
+#include <string>
+
+namespace vesk {
+
+/// The page on which a build run shows what it does.
+class pagBuild : public clsDialog {
+public:
+    /// @param log outlives the page
+    pagBuild(HWND wizard, const BuildLog& log, const std::string& programPath);
+
+    clsLogList& LogList() { return list_; }
+    void SetStatus(const std::string& caption);
+    void SetProgress(std::size_t done, std::size_t total);
+
+    /// Gives the keyboard to the log.
+    void FocusLog();
+
+private:
+    void OnCreated();
+    INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;
+
+    clsLogList list_;
+    clsLayout layout_;
+};
+
+} // namespace vesk

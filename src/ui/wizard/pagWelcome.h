@@ -1,0 +1,31 @@
+#pragma once
+
+#include "ui/kit/clsDialog.h"
+#include "ui/kit/clsLayout.h"
+#include "ui/kit/clsSubclass.h"
+
+#include <optional>
+#include <string>
+
+namespace vesk {
+
+/// The first page: what the program is, with links that open when they are clicked.
+class pagWelcome : public clsDialog {
+public:
+    explicit pagWelcome(HWND wizard);
+
+    void SetWelcomeText(const std::string& text);
+
+private:
+    INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;
+    void OnCreated();
+    std::optional<LRESULT> OnTextMessage(UINT message, WPARAM wparam, LPARAM lparam);
+
+    clsLayout layout_;
+    clsSubclass text_;
+};
+
+/// Opens the link under the caret of a text box, if there is one and nothing is selected.
+void OpenLinkAtCaret(HWND textBox);
+
+} // namespace vesk
