@@ -1,0 +1,58 @@
+"""The map of ARCHITECTURE.md against the sources: arrows between rooms, names, units."""
+import pathlib
+import re
+import unittest
+
+TOP = pathlib.Path(__file__).resolve().parent.parent
+SRC = TOP / "src"
+MAP = (TOP / "ARCHITECTURE.md").read_text(encoding="utf-8")
+UNITS = [path for path in sorted(SRC.rglob("*")) if path.suffix in (".h", ".cpp", ".in")]
+
+
+def room(path):
+    return path.parent.relative_to(SRC).as_posix()
+
+
+def drawn_arrows():
+    """The picture: a line for each room, the rooms that it stands on after the arrow."""
+    picture = re.search(r"```\n((?:\S+ +->.*\n)+)```", MAP).group(1)
+    rows = (line.split("->") for line in picture.splitlines())
+    return {name.strip(): targets.split() for name, targets in rows}
+
+
+def included_arrows():
+    arrows = {}
+    for path in UNITS:
+        targets = arrows.setdefault(room(path), set())
+        for include in re.findall(r'#include "([^"]+)/[^/"]+"', path.read_text(encoding="utf-8")):
+            if include != room(path):
+                targets.add(include)
+    return arrows
+
+
+class Arrows(unittest.TestCase):
+    def test_the_picture_shows_what_the_includes_say(self):
+        drawn, included = drawn_arrows(), included_arrows()
+        for name, targets in included.items():
+            self.assertEqual(sorted(drawn.get(name, [])), sorted(targets), f"arrows of {name}")
+        self.assertEqual([name for name in drawn if name not in included], [])
+
+    def test_every_arrow_points_down(self):
+        order = list(drawn_arrows())
+        for name, targets in drawn_arrows().items():
+            for target in targets:
+                self.assertGreater(order.index(target), order.index(name), f"{name} -> {target}")
+
+    def test_rows_of_the_map_name_what_is_there(self):
+        rows = [line for line in MAP.splitlines() if line.startswith("| ") and "`" in line]
+        for line in rows:
+            folder = ""
+            for name in re.findall(r"`([A-Za-z/]+/)?([A-Za-z]+)(?:\.h|\.cpp)?\*?`", line):
+                folder = name[0] or folder
+                if folder:
+                    found = list((SRC / folder).glob(name[1] + "*"))
+                    self.assertTrue(found, f"{folder}{name[1]} in: {line}")
+
+
+if __name__ == "__main__":
+    unittest.main()
