@@ -2,45 +2,45 @@
 
 #include "base/Failure.h"
 #include "base/Trace.h"
+#include "net/clsUnclaimedConnection.h"
 #include "net/modSocketAddress.h"
 #include "net/modSocketErrors.h"
+#include "net/modSocketNames.h"
 
 #include <algorithm>
-#include <array>
-#include <cstring>
+#include <limits>
+#include <new>
+#include <utility>
+#include <vector>
 
 namespace vesk {
 
 namespace {
 
-/// Asked of the system for a connection's receive buffer, and the most that one read takes. The
-/// other side goes on sending while a notification is on its way here, and each one brings more:
-/// with a quarter of this a download takes half as long again.
-constexpr std::size_t kReceiveBuffer = std::size_t{4} * 1024 * 1024;
-
-/// What the first read takes: most files are small, and memory for a full read would have to be
-/// made for each.
-constexpr std::size_t kFirstOffer = std::size_t{16} * 1024;
-
 /// No host name is longer.
 constexpr std::size_t kLongestHost = 255;
 
-std::string StateName(SocketState state) {
-    constexpr std::array kNames{
-        "sckClosed",        "sckOpen",         "sckListening",  "sckConnectionPending",
-        "sckResolvingHost", "sckHostResolved", "sckConnecting", "sckConnected",
-        "sckClosing",       "sckError"};
-    return kNames.at(static_cast<std::size_t>(state));
+constexpr const char* kNotificationSource = "clsSocketMaster.PostSocket";
+constexpr const char* kSendSource = "clsSocketMaster.SendBufferedData";
+
+std::int32_t Count(std::size_t size) {
+    constexpr std::size_t kLargest = std::numeric_limits<std::int32_t>::max();
+    return static_cast<std::int32_t>(std::min(size, kLargest));
 }
 
-std::size_t OptionOf(SOCKET socket, int option, std::size_t otherwise) {
-    int value = 0;
-    int size = sizeof value;
-    if (getsockopt(socket, SOL_SOCKET, option, reinterpret_cast<char*>(&value), &size) != 0 ||
-        value <= 0)
-        return otherwise;
-    return static_cast<std::size_t>(value);
-}
+/// Marks a connection as the one being sent on, until the end of a scope.
+class SendingMark {
+public:
+    SendingMark(unsigned& current, unsigned connection)
+        : current_(current), previous_(std::exchange(current, connection)) {}
+    SendingMark(const SendingMark&) = delete;
+    SendingMark& operator=(const SendingMark&) = delete;
+    ~SendingMark() { current_ = previous_; }
+
+private:
+    unsigned& current_;
+    unsigned previous_;
+};
 
 } // namespace
 
@@ -90,7 +90,6 @@ void SocketCore::Close() {
     }
     received_.Clear();
     sending_.Clear();
-    datagrams_.clear();
     datagramAnnounced_ = false;
     localPort_ = 0;
     peerAddress_ = INADDR_NONE;
@@ -116,34 +115,21 @@ void SocketCore::CreateSocket(const char* source) {
         SetState(SocketState::sckError);
         throw;
     }
-    ReadSystemSizes();
+    FitSizes();
 }
 
-void SocketCore::ReadSystemSizes() {
-    constexpr auto kWished = static_cast<int>(kReceiveBuffer);
-    setsockopt(socket_.Get(), SOL_SOCKET, SO_RCVBUF, reinterpret_cast<const char*>(&kWished),
-               sizeof kWished);
-    constexpr std::size_t kUsualSize = 8192;
-    receiveSize_ = std::min(OptionOf(socket_.Get(), SO_RCVBUF, kUsualSize), kReceiveBuffer);
-    offeredSize_ = std::min(receiveSize_, kFirstOffer);
-    sendSize_ = OptionOf(socket_.Get(), SO_SNDBUF, kUsualSize);
-    if (protocol == SocketProtocol::UDP)
-        largestDatagram_ = OptionOf(socket_.Get(), SO_MAX_MSG_SIZE, kUsualSize);
+void SocketCore::FitSizes() {
+    const SocketSizes sizes = FitSocket(socket_.Get(), protocol == SocketProtocol::TCP);
+    receiveSize_ = sizes.receive;
+    offeredSize_ = sizes.firstReceive;
+    sending_.SetSizes(sizes);
 }
 
 int SocketCore::BindTo(std::uint16_t port, std::uint32_t address) {
-    const sockaddr_in local = EndPoint(address, port);
-    if (bind(socket_.Get(), reinterpret_cast<const sockaddr*>(&local), sizeof local) != 0)
-        return WSAGetLastError();
-    ReadLocalPort();
-    return 0;
-}
-
-void SocketCore::ReadLocalPort() {
-    sockaddr_in local{};
-    int size = sizeof local;
-    if (getsockname(socket_.Get(), reinterpret_cast<sockaddr*>(&local), &size) == 0)
-        localPort_ = ntohs(local.sin_port);
+    const int error = BindSocket(socket_.Get(), port, address);
+    if (error == 0)
+        localPort_ = LocalPortOf(socket_.Get());
+    return error;
 }
 
 void SocketCore::Connect(const SocketValue& host, const SocketValue& port) {
@@ -257,8 +243,8 @@ void SocketCore::Accept(SOCKET request) {
         SetState(SocketState::sckError);
         throw;
     }
-    ReadSystemSizes();
-    ReadLocalPort();
+    FitSizes();
+    localPort_ = LocalPortOf(request);
     sockaddr_in remote{};
     int size = sizeof remote;
     if (getpeername(request, reinterpret_cast<sockaddr*>(&remote), &size) == 0) {
@@ -267,6 +253,208 @@ void SocketCore::Accept(SOCKET request) {
         remotePort = ntohs(remote.sin_port);
     }
     SetState(SocketState::sckConnected);
+}
+
+void SocketCore::OnNotification(int event, int error) {
+    if (error != 0)
+        return Fail(error, kNotificationSource);
+    const bool connected = state_ == SocketState::sckConnected;
+    const bool open = protocol == SocketProtocol::UDP && state_ == SocketState::sckOpen;
+    if (event == FD_READ && connected)
+        ReceiveOnce();
+    else if (event == FD_READ && open)
+        OnReadableDatagram();
+    else if (event == FD_WRITE && CanSend() && sending_.Bytes() > 0)
+        SendBuffered();
+    else if (event == FD_ACCEPT && state_ == SocketState::sckListening)
+        OnAcceptable();
+    else if (event == FD_CONNECT && state_ == SocketState::sckConnecting)
+        OnConnected();
+    else if (event == FD_CLOSE && connected)
+        OnClosed();
+    else
+        Trace("WARNING: Omitting " + EventName(event));
+}
+
+void SocketCore::OnConnected() {
+    localPort_ = LocalPortOf(socket_.Get());
+    peerAddress_ = remoteAddress_;
+    SetState(SocketState::sckConnected);
+    Raise([](SocketEvents& owner) { owner.OnConnect(); });
+}
+
+void SocketCore::OnAcceptable() {
+    const SOCKET accepted = accept(socket_.Get(), nullptr, nullptr);
+    if (accepted == INVALID_SOCKET) {
+        const int error = WSAGetLastError();
+        if (error != WSAEWOULDBLOCK) // who called has hung up again
+            Fail(error, kNotificationSource);
+        return;
+    }
+    const clsUnclaimedConnection connection(accepted, weak_from_this());
+    Raise([&](SocketEvents& owner) { owner.OnConnectionRequest(accepted); });
+}
+
+// Receiving
+
+/// Reads once into the receive buffer and reports what came.
+/// @return true when something came and the connection is still there to go on with
+bool SocketCore::ReceiveOnce() {
+    int count = 0;
+    try {
+        count = ReceiveBytes(socket_.Get(), received_.Room(offeredSize_).first(offeredSize_));
+    } catch (const std::bad_alloc&) {
+        FailWith(kOutOfMemory, kOutOfMemoryText, kNotificationSource);
+        return false;
+    }
+    if (count == SOCKET_ERROR) {
+        const int error = WSAGetLastError();
+        if (error != WSAEWOULDBLOCK)
+            Fail(error, kNotificationSource);
+        return false;
+    }
+    if (count == 0)
+        return false;
+    received_.Commit(static_cast<std::size_t>(count));
+    constexpr std::size_t kGrowth = 8;
+    if (static_cast<std::size_t>(count) == offeredSize_)
+        offeredSize_ = std::min(offeredSize_ * kGrowth, receiveSize_);
+    const unsigned connection = connection_;
+    Raise([&](SocketEvents& owner) { owner.OnDataArrival(count); });
+    return StillOn(connection) && state_ == SocketState::sckConnected;
+}
+
+void SocketCore::OnClosed() {
+    // The notice can overtake the last bytes: they are still in the system's buffer.
+    const unsigned connection = connection_;
+    while (ReceiveOnce()) {
+    }
+    if (!StillOn(connection) || state_ != SocketState::sckConnected)
+        return;
+    SetState(SocketState::sckClosing);
+    Raise([](SocketEvents& owner) { owner.OnCloseSck(); });
+}
+
+void SocketCore::OnReadableDatagram() {
+    // Looking at a datagram makes the system notify again as long as it waits.
+    if (datagramAnnounced_)
+        return;
+    const int size = NextDatagramSize();
+    if (size >= 0) {
+        datagramAnnounced_ = true;
+        Raise([&](SocketEvents& owner) { owner.OnDataArrival(size); });
+        return;
+    }
+    const int error = WSAGetLastError();
+    if (error != WSAEWOULDBLOCK)
+        Fail(error, kNotificationSource);
+}
+
+/// Size of the datagram that waits; -1 with the code in WSAGetLastError when there is none.
+int SocketCore::NextDatagramSize() const {
+    std::vector<char> room(kDatagramRoom);
+    sockaddr_in from{};
+    return ReceiveDatagram(socket_.Get(), room, false, from);
+}
+
+std::size_t SocketCore::BytesReceived() const {
+    if (protocol == SocketProtocol::TCP)
+        return received_.Size();
+    const int size = state_ == SocketState::sckOpen ? NextDatagramSize() : 0;
+    return static_cast<std::size_t>(std::max(size, 0));
+}
+
+SocketValue SocketCore::TakeData(VarType type, const SocketValue& maxLen, bool remove,
+                                 const char* method) {
+    const bool stream = protocol == SocketProtocol::TCP;
+    if (state_ != (stream ? SocketState::sckConnected : SocketState::sckOpen))
+        ThrowSocketMisuse(SocketMisuse::WrongState, method);
+    const std::size_t limit = LengthLimitOf(maxLen, method);
+    if (!stream)
+        return TakeDatagram(type, limit, remove, method);
+    const std::string_view bytes = received_.Bytes().substr(0, limit);
+    const std::size_t taken = BytesTaken(bytes.size(), type, method);
+    SocketValue value = ValueOfBytes(bytes.substr(0, taken), type);
+    if (remove)
+        received_.Drop(taken);
+    return value;
+}
+
+SocketValue SocketCore::TakeDatagram(VarType type, std::size_t limit, bool remove,
+                                     const char* method) {
+    std::vector<char> room(kDatagramRoom);
+    sockaddr_in from{};
+    const int count = ReceiveDatagram(socket_.Get(), room, false, from);
+    if (count < 0 && WSAGetLastError() != WSAEWOULDBLOCK)
+        ThrowSocketError(WSAGetLastError(), std::string("clsSocketMaster.") + method);
+    const std::string_view bytes(room.data(), static_cast<std::size_t>(std::max(count, 0)));
+    const std::size_t taken = BytesTaken(std::min(bytes.size(), limit), type, method);
+    SocketValue value = ValueOfBytes(bytes.substr(0, taken), type);
+    if (count >= 0 && remove) {
+        // A datagram is taken whole: what the caller did not ask for is gone.
+        ReceiveDatagram(socket_.Get(), room, true, from);
+        datagramAnnounced_ = false;
+        peerAddress_ = from.sin_addr.s_addr;
+        remotePort = ntohs(from.sin_port);
+    }
+    return value;
+}
+
+// Sending
+
+bool SocketCore::CanSend() const {
+    return state_ ==
+           (protocol == SocketProtocol::TCP ? SocketState::sckConnected : SocketState::sckOpen);
+}
+
+void SocketCore::SendData(const SocketValue& data) {
+    const bool stream = protocol == SocketProtocol::TCP;
+    const bool openNow = !stream && state_ == SocketState::sckClosed;
+    if (!CanSend() && !openNow)
+        ThrowSocketMisuse(SocketMisuse::WrongState, "SendData");
+    const std::string_view bytes = BytesOf(data, "SendData");
+    if (openNow)
+        Bind({}, {});
+    if (stream)
+        sending_.Append(bytes);
+    else
+        sending_.AppendDatagram(DatagramTarget(), remotePort, bytes);
+    SendBuffered();
+}
+
+/// Address of the remote host, looked up here unless that was done before.
+std::uint32_t SocketCore::DatagramTarget() const {
+    const std::uint32_t address = DottedAddress(remoteHost);
+    if (address != INADDR_NONE)
+        return address;
+    if (remoteHost == resolvedHost_ && remoteAddress_ != INADDR_NONE)
+        return remoteAddress_;
+    const std::uint32_t found =
+        remoteHost.empty() ? INADDR_NONE : FirstAddressOf(gethostbyname(remoteHost.c_str()));
+    if (found == INADDR_NONE)
+        ThrowSocketError(WSAHOST_NOT_FOUND, "clsSocketMaster.SendData");
+    return found;
+}
+
+void SocketCore::SendBuffered() {
+    if (sendingConnection_ == connection_)
+        return; // called from an event of the loop below, which goes on with the new bytes
+    const unsigned connection = connection_;
+    const SendingMark mark(sendingConnection_, connection);
+    while (!sending_.Empty()) {
+        const int sent = sending_.SendPiece(socket_.Get());
+        if (sent == SOCKET_ERROR) {
+            const int error = WSAGetLastError();
+            if (error != WSAEWOULDBLOCK)
+                return Fail(error, kSendSource);
+            Trace("WARNING: Send buffer full, waiting...");
+            return;
+        }
+        Raise([&](SocketEvents& owner) { owner.OnSendProgress(sent, Count(sending_.Bytes())); });
+        if (!StillOn(connection) || !CanSend())
+            return;
+    }
+    Raise([](SocketEvents& owner) { owner.OnSendComplete(); });
 }
 
 } // namespace vesk

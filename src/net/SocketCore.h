@@ -2,15 +2,16 @@
 
 #include "net/modSocketMaster.h"
 
-#include "base/UniqueHandle.h"
 #include "net/ByteQueue.h"
+#include "net/clsSendQueue.h"
 #include "net/clsSocketMaster.h"
+#include "net/modSocketHandle.h"
 
-#include <deque>
+#include <cstdint>
+#include <memory>
+#include <string>
 
 namespace vesk {
-
-using SocketOwner = UniqueHandle<::closesocket, SOCKET, -1>;
 
 /// The inside of a clsSocketMaster, see there for what the methods do. It is held by shared
 /// pointers so that it outlives every event it raises; after an event it goes on only when
@@ -49,12 +50,6 @@ public:
     void OnLookupDone(std::uint32_t address, int error) override;
 
 private:
-    struct Datagram {
-        std::uint32_t address;
-        std::uint16_t port;
-        std::string bytes;
-    };
-
     template <class Event>
     void Raise(Event&& event) {
         if (owner_ != nullptr)
@@ -69,9 +64,8 @@ private:
     void FailWith(int code, const std::string& text, const char* source);
 
     void CreateSocket(const char* source);
-    void ReadSystemSizes();
+    void FitSizes();
     [[nodiscard]] int BindTo(std::uint16_t port, std::uint32_t address);
-    void ReadLocalPort();
     void StartResolving();
     void GoOnWithAddress(std::uint32_t address);
 
@@ -84,8 +78,6 @@ private:
 
     [[nodiscard]] std::uint32_t DatagramTarget() const;
     [[nodiscard]] bool CanSend() const;
-    [[nodiscard]] std::size_t Unsent() const;
-    int SendPiece();
     void SendBuffered();
     SocketValue TakeDatagram(VarType type, std::size_t limit, bool remove, const char* method);
 
@@ -99,14 +91,11 @@ private:
     std::uintptr_t lookup_ = 0;
     unsigned connection_ = 0;          ///< Number of the current connection; closing ends it.
     unsigned sendingConnection_ = ~0U; ///< The connection whose buffer is being sent just now.
-    std::size_t sendSize_ = 0;
-    std::size_t receiveSize_ = 0;    ///< The most that one read takes.
-    std::size_t offeredSize_ = 0;    ///< What the next one takes.
-    bool datagramAnnounced_ = false; ///< Its event was raised and it was not taken yet.
-    std::size_t largestDatagram_ = 0;
+    std::size_t receiveSize_ = 0;      ///< The most that one read takes.
+    std::size_t offeredSize_ = 0;      ///< What the next one takes.
+    bool datagramAnnounced_ = false;   ///< Its event was raised and it was not taken yet.
     ByteQueue received_;
-    ByteQueue sending_;
-    std::deque<Datagram> datagrams_;
+    clsSendQueue sending_;
 };
 
 } // namespace vesk

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "net/ByteQueue.h"
+#include "net/modSocketHandle.h"
+
+#include <deque>
+#include <string>
+#include <string_view>
+
+namespace vesk {
+
+/// What waits to be sent on one socket: the bytes of a stream, or whole datagrams.
+class clsSendQueue {
+public:
+    /// For the socket that is sent on from now on.
+    void SetSizes(const SocketSizes& sizes) { sizes_ = sizes; }
+
+    void Append(std::string_view bytes) { stream_.Append(bytes); }
+    void AppendDatagram(std::uint32_t address, std::uint16_t port, std::string_view bytes);
+
+    /// Forgets all that waits.
+    void Clear();
+
+    /// False also while an empty datagram waits.
+    [[nodiscard]] bool Empty() const { return stream_.Empty() && datagrams_.empty(); }
+    [[nodiscard]] std::size_t Bytes() const;
+
+    /// Hands the system the next piece, a datagram whole. A datagram that it refuses is dropped.
+    /// @return bytes taken, or SOCKET_ERROR with the code in WSAGetLastError
+    int SendPiece(SOCKET socket);
+
+private:
+    struct Datagram {
+        std::uint32_t address;
+        std::uint16_t port;
+        std::string bytes;
+    };
+
+    int SendDatagram(SOCKET socket);
+
+    SocketSizes sizes_;
+    ByteQueue stream_;
+    std::deque<Datagram> datagrams_;
+};
+
+} // namespace vesk

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "net/modSocketHandle.h"
+#include "net/modSocketMaster.h"
+
+#include <memory>
+
+namespace vesk {
+
+/// An accepted connection until it is claimed. What nobody claims is closed.
+class clsUnclaimedConnection {
+public:
+    clsUnclaimedConnection(SOCKET socket, const std::weak_ptr<SocketTarget>& listener);
+    clsUnclaimedConnection(const clsUnclaimedConnection&) = delete;
+    clsUnclaimedConnection& operator=(const clsUnclaimedConnection&) = delete;
+    ~clsUnclaimedConnection();
+
+private:
+    SocketOwner socket_;
+};
+
+} // namespace vesk

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "base/UniqueHandle.h"
+
+#include <winsock2.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+/// What a socket object asks of the system's socket, and how much of it at once.
+namespace vesk {
+
+using SocketOwner = UniqueHandle<::closesocket, SOCKET, -1>;
+
+/// No datagram is larger, in bytes.
+inline constexpr std::size_t kDatagramRoom = 65536;
+
+/// How much a socket takes at once, in bytes.
+struct SocketSizes {
+    std::size_t receive = 0;      ///< The most that one read takes.
+    std::size_t firstReceive = 0; ///< What the first one takes.
+    std::size_t send = 0;
+    std::size_t datagram = 0; ///< The largest that can be sent; 0 for a stream.
+};
+
+/// Asks for a large receive buffer and reads what the system gives.
+SocketSizes FitSocket(SOCKET socket, bool isStream);
+
+/// Binds to a port (0: any) of an address. @return 0, or the system's error code
+int BindSocket(SOCKET socket, std::uint16_t port, std::uint32_t address);
+
+/// 0 while the socket has none.
+std::uint16_t LocalPortOf(SOCKET socket);
+
+/// Takes bytes of a stream. @return their number, 0 at its end, or SOCKET_ERROR
+int ReceiveBytes(SOCKET socket, std::span<char> room);
+
+/// Takes the next datagram (or with remove false, looks at it).
+/// @return its size, or -1 with the code in WSAGetLastError
+int ReceiveDatagram(SOCKET socket, std::span<char> room, bool remove, sockaddr_in& from);
+
+} // namespace vesk
