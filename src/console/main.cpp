@@ -9,11 +9,11 @@
 #include "build/clsBuildRun.h"
 #include "catalogue/clsProgramArchives.h"
 #include "catalogue/modCatalogueFile.h"
-#include "console/CatalogueTable.h"
-#include "console/ConsoleFrontEnd.h"
-#include "console/Interrupt.h"
-#include "console/Options.h"
-#include "console/Terminal.h"
+#include "console/clsConsoleFrontEnd.h"
+#include "console/clsTerminal.h"
+#include "console/modCatalogueTable.h"
+#include "console/modInterrupt.h"
+#include "console/modOptions.h"
 #include "source/modSourceFolder.h"
 #include "startup/modMain.h"
 
@@ -53,7 +53,7 @@ std::optional<Problem> Tick(CatalogueEntry& entry, bool enabled) {
 
 /// Ticks or unticks what the options name. @return what had no effect
 std::vector<Problem> TickAll(Catalogue& catalogue, const std::vector<std::string>& names,
-                             bool enabled, Terminal& terminal) {
+                             bool enabled, clsTerminal& terminal) {
     std::vector<Problem> problems;
     for (const std::string& name : names) {
         bool found = false;
@@ -120,7 +120,7 @@ int ExitCodeOf(const BuildOutcome& outcome, bool hasProblems) {
 }
 
 int RunBuild(const ConsoleOptions& options, const std::string& programPath, Catalogue& catalogue,
-             const CatalogueLoad& load, Terminal& terminal) {
+             const CatalogueLoad& load, clsTerminal& terminal) {
     const bool isRead = load.state == CatalogueState::Whole;
     if (const std::string refusal = CatalogueRefusal(catalogue, isRead); !refusal.empty())
         throw UsageError(load.sentence.empty() ? refusal : load.sentence);
@@ -135,7 +135,7 @@ int RunBuild(const ConsoleOptions& options, const std::string& programPath, Cata
     const BuildInputs inputs = MakeInputs(options, programPath, catalogue, check.path, source);
     RequireConsent(inputs.installFolder, options);
     WatchForInterrupt();
-    ConsoleFrontEnd frontEnd(options, programPath, terminal);
+    clsConsoleFrontEnd frontEnd(options, programPath, terminal);
     for (const auto* problems : {&locked, &alsoLocked}) {
         for (const Problem& problem : *problems)
             frontEnd.ReportProblem(problem);
@@ -144,7 +144,7 @@ int RunBuild(const ConsoleOptions& options, const std::string& programPath, Cata
         frontEnd.ReportProblem(
             {check.path, "not usable as Windows source", "it has no I386 folder of a Windows CD"});
     const BuildOutcome outcome = clsBuildRun(inputs, catalogue, frontEnd).Run();
-    const bool isPrinted = Terminal::OutputIsWhole();
+    const bool isPrinted = clsTerminal::OutputIsWhole();
     if (!isPrinted)
         terminal.Complain("the log could not be printed whole; the saved one is");
     return ExitCodeOf(outcome, frontEnd.HasProblems() || !isRead || !isPrinted);
@@ -152,7 +152,7 @@ int RunBuild(const ConsoleOptions& options, const std::string& programPath, Cata
 
 /// Prints what would go wrong in a build, a line each, or what the check vouches for.
 int PrintProblems(const std::string& programPath, const Catalogue& catalogue,
-                  const CatalogueLoad& load, Terminal& terminal) {
+                  const CatalogueLoad& load, clsTerminal& terminal) {
     if (!load.sentence.empty())
         terminal.PrintLine(load.sentence);
     if (load.state == CatalogueState::Absent)
@@ -166,7 +166,7 @@ int PrintProblems(const std::string& programPath, const Catalogue& catalogue,
     return kDone;
 }
 
-int RunAction(const ConsoleOptions& options, Terminal& terminal) {
+int RunAction(const ConsoleOptions& options, clsTerminal& terminal) {
     if (options.action == ConsoleOptions::Action::Help) {
         std::fputs(HelpText().c_str(), stdout);
         return kDone;
@@ -219,16 +219,16 @@ int Main() {
     SetTraceSink([](const std::string& line) { OutputDebugStringA(("vesk: " + line).c_str()); });
     try {
         const ConsoleOptions options = ParseOptions(Arguments());
-        Terminal terminal(options.quiet);
+        clsTerminal terminal(options.quiet);
         return RunAction(options, terminal);
     } catch (const UsageError& error) {
-        Terminal(true).Complain(std::string(error.what()) + " (veskbuild --help tells more)");
+        clsTerminal(true).Complain(std::string(error.what()) + " (veskbuild --help tells more)");
         return kUsage;
     } catch (const FolderRefused& error) {
-        Terminal(true).Complain(error.what());
+        clsTerminal(true).Complain(error.what());
         return kUsage;
     } catch (const std::exception& error) {
-        Terminal(true).Complain(std::string("the program itself failed: ") + error.what());
+        clsTerminal(true).Complain(std::string("the program itself failed: ") + error.what());
         return kProgramFailed;
     }
 }

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "net/DownloadDecisions.h"
 #include "net/DownloadProgress.h"
 #include "net/DownloadRequest.h"
-#include "net/TransferRate.h"
 #include "net/clsDownload.h"
+#include "net/clsDownloadDecisions.h"
+#include "net/clsTransferRate.h"
 #include "net/modDownloadReason.h"
 
 #include <functional>
@@ -76,11 +76,11 @@ private:
     DownloadRequest request_;
     std::string partial_; ///< Where the file is written.
     ProxySettings proxy_;
-    DownloadDecisions decisions_;
+    clsDownloadDecisions decisions_;
     DownloadFacts facts_;               ///< Of the present address.
     std::vector<std::string> failures_; ///< Why each address before it was given up.
     double received_ = 0;
-    TransferRate rate_;
+    clsTransferRate rate_;
     std::uint32_t timeout_ = 0;
     std::uint32_t lastByteAt_ = 0; ///< Milliseconds of the system's clock.
     bool cancelled_ = false;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "net/ByteQueue.h"
+#include "net/clsByteQueue.h"
 #include "net/modSocketHandle.h"
 
 #include <deque>
@@ -39,7 +39,7 @@ private:
     int SendDatagram(SOCKET socket);
 
     SocketSizes sizes_;
-    ByteQueue stream_;
+    clsByteQueue stream_;
     std::deque<Datagram> datagrams_;
 };
 

@@ -1,4 +1,4 @@
-#include "net/SocketCore.h"
+#include "net/clsSocketCore.h"
 
 #include "net/modSocketAddress.h"
 #include "net/modSocketErrors.h"
@@ -23,7 +23,8 @@ void SocketEvents::OnDataArrival(std::int32_t) {}
 void SocketEvents::OnError(const SocketErrorInfo&, bool&) {}
 void SocketEvents::OnSendProgress(std::int32_t, std::int32_t) {}
 
-clsSocketMaster::clsSocketMaster(SocketEvents& owner) : core_(std::make_shared<SocketCore>(owner)) {
+clsSocketMaster::clsSocketMaster(SocketEvents& owner)
+    : core_(std::make_shared<clsSocketCore>(owner)) {
     InitiateProcesses();
 }
 

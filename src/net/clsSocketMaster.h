@@ -1,6 +1,6 @@
 #pragma once
 
-#include "net/SocketValue.h"
+#include "net/modSocketValue.h"
 
 #include <cstdint>
 #include <memory>
@@ -57,7 +57,7 @@ public:
     virtual void OnSendProgress(std::int32_t bytesSent, std::int32_t bytesRemaining);
 };
 
-class SocketCore;
+class clsSocketCore;
 
 /// A TCP or UDP socket that works by events: every method returns at once, the outcome arrives
 /// through the message loop of the thread. Not copyable; the owner must outlive it.
@@ -142,7 +142,7 @@ public:
 private:
     /// Does the work and stays alive until its last notification is handled, whatever an event
     /// handler does to this object.
-    std::shared_ptr<SocketCore> core_;
+    std::shared_ptr<clsSocketCore> core_;
 };
 
 } // namespace vesk

@@ -1,6 +1,6 @@
 #include "net/modDownloadText.h"
 
-#include "net/TransferRate.h"
+#include "net/clsTransferRate.h"
 
 #include <doctest/doctest.h>
 
@@ -33,7 +33,7 @@ TEST_CASE("caption, percentage and bar for a count") {
 }
 
 TEST_CASE("the rate is that of the last seconds, across a wrap of the clock") {
-    TransferRate rate;
+    clsTransferRate rate;
     CHECK(rate.BytesPerSecond() == 0);
     CHECK_FALSE(rate.SecondsLeft(100));
     const std::uint32_t start = 0xFFFFFF00;

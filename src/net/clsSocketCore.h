@@ -2,7 +2,7 @@
 
 #include "net/modSocketMaster.h"
 
-#include "net/ByteQueue.h"
+#include "net/clsByteQueue.h"
 #include "net/clsSendQueue.h"
 #include "net/clsSocketMaster.h"
 #include "net/modSocketHandle.h"
@@ -16,9 +16,10 @@ namespace vesk {
 /// The inside of a clsSocketMaster, see there for what the methods do. It is held by shared
 /// pointers so that it outlives every event it raises; after an event it goes on only when
 /// the connection is still the same (StillOn).
-class SocketCore final : public SocketTarget, public std::enable_shared_from_this<SocketCore> {
+class clsSocketCore final : public SocketTarget,
+                            public std::enable_shared_from_this<clsSocketCore> {
 public:
-    explicit SocketCore(SocketEvents& owner) : owner_(&owner) {}
+    explicit clsSocketCore(SocketEvents& owner) : owner_(&owner) {}
 
     /// Closes and falls silent.
     void Detach();
@@ -33,7 +34,7 @@ public:
     [[nodiscard]] std::string RemoteHostIP() const;
     [[nodiscard]] std::uint16_t LocalPort() const { return socket_ ? localPort_ : wishedLocalPort; }
     [[nodiscard]] std::size_t BytesReceived() const;
-    [[nodiscard]] ByteQueue& ReceivedQueue() { return received_; }
+    [[nodiscard]] clsByteQueue& ReceivedQueue() { return received_; }
 
     /// @throws Failure 40020 unless closed
     void RequireClosed(const char* method) const;
@@ -94,7 +95,7 @@ private:
     std::size_t receiveSize_ = 0;      ///< The most that one read takes.
     std::size_t offeredSize_ = 0;      ///< What the next one takes.
     bool datagramAnnounced_ = false;   ///< Its event was raised and it was not taken yet.
-    ByteQueue received_;
+    clsByteQueue received_;
     clsSendQueue sending_;
 };
 

@@ -1,4 +1,4 @@
-#include "console/Terminal.h"
+#include "console/clsTerminal.h"
 
 #include <windows.h>
 
@@ -47,20 +47,20 @@ void PutError(const std::string& text) {
 
 } // namespace
 
-Terminal::Terminal(bool quiet) : draws_(!quiet && IsConsole(STD_ERROR_HANDLE)) {}
+clsTerminal::clsTerminal(bool quiet) : draws_(!quiet && IsConsole(STD_ERROR_HANDLE)) {}
 
-Terminal::~Terminal() {
+clsTerminal::~clsTerminal() {
     Erase();
 }
 
-void Terminal::PrintLine(const std::string& line) {
+void clsTerminal::PrintLine(const std::string& line) {
     const std::string drawn = drawn_;
     Erase();
     Put(STD_OUTPUT_HANDLE, stdout, IsConsole(STD_OUTPUT_HANDLE) ? line + "\r\n" : line + "\n");
     Draw(drawn);
 }
 
-void Terminal::Draw(const std::string& text) {
+void clsTerminal::Draw(const std::string& text) {
     if (!draws_ || text == drawn_)
         return;
     Erase();
@@ -68,19 +68,19 @@ void Terminal::Draw(const std::string& text) {
     PutError(drawn_);
 }
 
-void Terminal::Erase() {
+void clsTerminal::Erase() {
     if (drawn_.empty())
         return;
     PutError("\r" + std::string(drawn_.size(), ' ') + "\r");
     drawn_.clear();
 }
 
-void Terminal::Complain(const std::string& sentence) {
+void clsTerminal::Complain(const std::string& sentence) {
     Erase();
     PutError("veskbuild: " + sentence + "\n");
 }
 
-bool Terminal::Ask(const std::string& question) {
+bool clsTerminal::Ask(const std::string& question) {
     if (!IsConsole(STD_INPUT_HANDLE))
         return false;
     Erase();
@@ -90,7 +90,7 @@ bool Terminal::Ask(const std::string& question) {
     return !answer.empty() && (answer[0] == 'y' || answer[0] == 'Y');
 }
 
-std::optional<std::string> Terminal::AskSecret(const std::string& question) {
+std::optional<std::string> clsTerminal::AskSecret(const std::string& question) {
     const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
     DWORD mode = 0;
     if (GetConsoleMode(input, &mode) == FALSE)
@@ -107,7 +107,7 @@ std::optional<std::string> Terminal::AskSecret(const std::string& question) {
     return answer.empty() ? std::nullopt : std::optional(answer);
 }
 
-bool Terminal::OutputIsWhole() {
+bool clsTerminal::OutputIsWhole() {
     return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
 }
 

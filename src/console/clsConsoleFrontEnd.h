@@ -2,8 +2,8 @@
 
 #include "build/BuildFrontEnd.h"
 #include "build/BuildLog.h"
-#include "console/Options.h"
-#include "console/Terminal.h"
+#include "console/clsTerminal.h"
+#include "console/modOptions.h"
 
 #include <string>
 #include <vector>
@@ -11,11 +11,11 @@
 namespace vesk {
 
 /// Runs a build on the console: the log on the standard output, the rest on the error output.
-class ConsoleFrontEnd : public BuildFrontEnd {
+class clsConsoleFrontEnd : public BuildFrontEnd {
 public:
     /// Everything given must outlive the front end.
-    ConsoleFrontEnd(const ConsoleOptions& options, const std::string& programPath,
-                    Terminal& terminal);
+    clsConsoleFrontEnd(const ConsoleOptions& options, const std::string& programPath,
+                       clsTerminal& terminal);
 
     void AddLogLine(const std::string& text, LogMode mode) override;
     void ReportProblem(const Problem& problem) override;
@@ -38,7 +38,7 @@ private:
 
     const ConsoleOptions& options_;
     const std::string& programPath_;
-    Terminal& terminal_;
+    clsTerminal& terminal_;
     BuildLog log_;
     std::vector<Problem> problems_;
     std::string status_;

@@ -1,4 +1,4 @@
-#include "console/CatalogueTable.h"
+#include "console/modCatalogueTable.h"
 
 #include <algorithm>
 #include <array>

@@ -7,13 +7,13 @@ namespace vesk {
 
 /// The program's three streams. Lines of the log go to the standard output and nothing else does;
 /// what is drawn while something lasts goes to the error output, and only when that is a terminal.
-class Terminal {
+class clsTerminal {
 public:
     /// @param quiet leaves the error output to errors
-    explicit Terminal(bool quiet);
-    Terminal(const Terminal&) = delete;
-    Terminal& operator=(const Terminal&) = delete;
-    ~Terminal();
+    explicit clsTerminal(bool quiet);
+    clsTerminal(const clsTerminal&) = delete;
+    clsTerminal& operator=(const clsTerminal&) = delete;
+    ~clsTerminal();
 
     /// Prints a line on the standard output, at once.
     void PrintLine(const std::string& line);

@@ -7,7 +7,7 @@
 namespace vesk {
 
 /// Speed of a transfer over its last few seconds.
-class TransferRate {
+class clsTransferRate {
 public:
     /// Takes in how many bytes have come in all, at a time in milliseconds of a clock that may
     /// wrap.

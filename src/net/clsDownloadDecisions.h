@@ -13,11 +13,11 @@ namespace vesk {
 
 /// What the download of one archive decides on its way: whether the answer counts as a success,
 /// which address is tried after an error, what became of it all.
-class DownloadDecisions {
+class clsDownloadDecisions {
 public:
     /// @param urls one address, or several parted by ","; blanks around each do not matter, an
     /// empty one keeps its place
-    explicit DownloadDecisions(std::string_view urls);
+    explicit clsDownloadDecisions(std::string_view urls);
 
     /// The address to download from now.
     [[nodiscard]] const std::string& Url() const { return urls_[current_]; }

@@ -10,7 +10,7 @@ namespace vesk {
 /// Bytes that go in at one end and out at the other, in one piece of memory: a reader sees all that
 /// waits without a copy, a writer fills free room in place. Memory once taken is kept for reuse, so
 /// a queue that is emptied as fast as it is filled stays as large as one filling.
-class ByteQueue {
+class clsByteQueue {
 public:
     [[nodiscard]] std::size_t Size() const { return end_ - begin_; }
     [[nodiscard]] bool Empty() const { return begin_ == end_; }

@@ -1,4 +1,4 @@
-#include "net/DownloadDecisions.h"
+#include "net/clsDownloadDecisions.h"
 
 #include "base/modText.h"
 #include "net/modHttpText.h"
@@ -24,14 +24,14 @@ bool IsOneOf(const Numbers& numbers, std::int32_t number) {
 
 } // namespace
 
-DownloadDecisions::DownloadDecisions(std::string_view urls) : urls_(Split(urls, ',')) {
+clsDownloadDecisions::clsDownloadDecisions(std::string_view urls) : urls_(Split(urls, ',')) {
     if (urls_.empty())
         urls_.emplace_back();
     for (std::string& url : urls_)
         url = TrimBlanks(url);
 }
 
-void DownloadDecisions::OnStarting(std::int32_t fileSize, std::string_view header) {
+void clsDownloadDecisions::OnStarting(std::int32_t fileSize, std::string_view header) {
     // Only this wording counts, and only with a length: a server that answers as HTTP/1.0, or
     // without telling the size, fails although its file is written. The catalogue's servers are
     // chosen for it.
@@ -42,7 +42,7 @@ void DownloadDecisions::OnStarting(std::int32_t fileSize, std::string_view heade
     received_ = 0;
 }
 
-bool DownloadDecisions::OnError(std::int32_t number) {
+bool clsDownloadDecisions::OnError(std::int32_t number) {
     const std::size_t last = urls_.size() - 1;
     // Of exactly two addresses the second is never tried. Catalogues in use rely on it.
     const bool another = current_ < last && last > 1 && IsOneOf(kMirrorErrors, number);
@@ -56,14 +56,14 @@ bool DownloadDecisions::OnError(std::int32_t number) {
     return another;
 }
 
-bool DownloadDecisions::OnSilence() {
+bool clsDownloadDecisions::OnSilence() {
     const bool another = OnError(kNoAnswer);
     succeeded_ = false;
     return another;
 }
 
-DownloadResult DownloadDecisions::Result(const std::string& expectedCrc,
-                                         const std::function<std::string()>& fileCrc) const {
+DownloadResult clsDownloadDecisions::Result(const std::string& expectedCrc,
+                                            const std::function<std::string()>& fileCrc) const {
     if (cancelled_)
         return DownloadResult::Cancelled;
     if (!succeeded_)

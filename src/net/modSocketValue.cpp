@@ -1,4 +1,4 @@
-#include "net/SocketValue.h"
+#include "net/modSocketValue.h"
 
 #include "base/modText.h"
 #include "net/modSocketErrors.h"

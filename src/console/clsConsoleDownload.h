@@ -1,6 +1,6 @@
 #pragma once
 
-#include "console/Terminal.h"
+#include "console/clsTerminal.h"
 #include "net/clsDownloadSession.h"
 
 #include <string>
@@ -8,9 +8,9 @@
 namespace vesk {
 
 /// One download with its progress drawn on the terminal. Ctrl+C cancels it.
-class ConsoleDownload : private DownloadSessionEvents {
+class clsConsoleDownload : private DownloadSessionEvents {
 public:
-    explicit ConsoleDownload(Terminal& terminal) : terminal_(terminal) {}
+    explicit clsConsoleDownload(clsTerminal& terminal) : terminal_(terminal) {}
 
     /// Returns when the download is over. Arguments as for clsDownloadSession.
     /// @param timeout seconds without a byte after which an address is given up; 0: never
@@ -20,7 +20,7 @@ private:
     void OnProgress(const DownloadProgress& progress) override;
     void OnFinished() override {}
 
-    Terminal& terminal_;
+    clsTerminal& terminal_;
     std::string fileName_;
     std::uint32_t drawnAt_ = 0;
 };

@@ -1,8 +1,8 @@
-#include "console/ConsoleDownload.h"
+#include "console/clsConsoleDownload.h"
 
 #include "base/modText.h"
-#include "console/DownloadLine.h"
-#include "console/Interrupt.h"
+#include "console/modDownloadLine.h"
+#include "console/modInterrupt.h"
 
 #include <windows.h>
 
@@ -27,8 +27,8 @@ void RunMessages() {
 
 } // namespace
 
-DownloadOutcome ConsoleDownload::Run(const DownloadRequest& request, const ProxySettings& proxy,
-                                     int timeout) {
+DownloadOutcome clsConsoleDownload::Run(const DownloadRequest& request, const ProxySettings& proxy,
+                                        int timeout) {
     fileName_ = FileNameOf(request.destination);
     drawnAt_ = 0;
     clsDownloadSession session(*this, request, proxy);
@@ -49,7 +49,7 @@ DownloadOutcome ConsoleDownload::Run(const DownloadRequest& request, const Proxy
     return session.Outcome();
 }
 
-void ConsoleDownload::OnProgress(const DownloadProgress& progress) {
+void clsConsoleDownload::OnProgress(const DownloadProgress& progress) {
     constexpr std::uint32_t kDistance = 100; // milliseconds: a terminal is slower than a network
     const std::uint32_t now = GetTickCount();
     if (drawnAt_ != 0 && now - drawnAt_ < kDistance)

@@ -1,4 +1,4 @@
-#include "console/Options.h"
+#include "console/modOptions.h"
 
 #include "base/modText.h"
 

@@ -1,5 +1,5 @@
-#include "console/CatalogueTable.h"
-#include "console/Options.h"
+#include "console/modCatalogueTable.h"
+#include "console/modOptions.h"
 
 #include <doctest/doctest.h>
 

@@ -1,4 +1,4 @@
-#include "console/DownloadLine.h"
+#include "console/modDownloadLine.h"
 
 #include "net/modDownloadText.h"
 

@@ -1,4 +1,4 @@
-#include "net/DownloadDecisions.h"
+#include "net/clsDownloadDecisions.h"
 
 #include <doctest/doctest.h>
 
@@ -8,7 +8,7 @@ namespace {
 
 const std::string kGood = "HTTP/1.1 200 OK\r\n\r\n";
 
-DownloadResult ResultOf(const DownloadDecisions& decisions, const std::string& crc) {
+DownloadResult ResultOf(const clsDownloadDecisions& decisions, const std::string& crc) {
     return decisions.Result(crc, [] { return std::string("12AB"); });
 }
 
@@ -30,7 +30,7 @@ TEST_CASE("only an HTTP/1.1 200 OK with a length counts, and the checksum text d
           Row{"X: HTTP/1.1 200 OK\r\n", 1, "", Done}, Row{"", 7, "12AB", Failed}}) {
         CAPTURE(row.header);
         CAPTURE(row.crc);
-        DownloadDecisions decisions("a");
+        clsDownloadDecisions decisions("a");
         decisions.OnStarting(row.size, row.header);
         CHECK(ResultOf(decisions, row.crc) == row.result);
         decisions.OnCancelled();
@@ -50,13 +50,13 @@ TEST_CASE("the next address is tried after three kinds of error, and never the s
           Row{"a,b,c", 10061, nullptr}, Row{"a,b,c", 11001, nullptr}, Row{"", 404, nullptr}}) {
         CAPTURE(row.urls);
         CAPTURE(row.number);
-        DownloadDecisions decisions(row.urls);
+        clsDownloadDecisions decisions(row.urls);
         const std::string first = decisions.Url();
         CHECK(first == (*row.urls == '\0' ? "" : "a"));
         CHECK(decisions.OnError(row.number) == (row.next != nullptr));
         CHECK(decisions.Url() == (row.next != nullptr ? row.next : first));
     }
-    DownloadDecisions walk("a,b,c");
+    clsDownloadDecisions walk("a,b,c");
     CHECK(walk.OnError(404));
     CHECK(walk.OnError(10060));
     CHECK(walk.Url() == "c");
@@ -74,7 +74,7 @@ TEST_CASE("without a checksum a file that is shorter than announced failed") {
                            Row{"5", 6, Done, Done}, Row{"4294967297", 2147483647, Failed, Done}}) {
         CAPTURE(row.length);
         CAPTURE(row.received);
-        DownloadDecisions decisions("a,b,c");
+        clsDownloadDecisions decisions("a,b,c");
         decisions.OnStarting(9, "HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\n");
         decisions.OnDataArrival(9); // from an address that another one replaces
         CHECK(decisions.OnError(10060));
@@ -89,7 +89,7 @@ TEST_CASE("without a checksum a file that is shorter than announced failed") {
 
 TEST_CASE("a silent server is one that does not answer, whatever it sent before") {
     for (const auto& [urls, another] : {std::pair{"a", false}, {"a,b", false}, {"a,b,c", true}}) {
-        DownloadDecisions decisions(urls);
+        clsDownloadDecisions decisions(urls);
         decisions.OnStarting(5, kGood);
         CHECK(decisions.OnSilence() == another);
         CHECK(ResultOf(decisions, "12AB") == DownloadResult::Failed);
@@ -101,12 +101,12 @@ TEST_CASE("an answer that counted stands after errors that are no answer") {
     for (const auto& [number, result] :
          {std::pair{10054, Done}, {10060, Done}, {404, Failed}, {401, Failed}, {403, Failed}}) {
         CAPTURE(number);
-        DownloadDecisions decisions("a");
+        clsDownloadDecisions decisions("a");
         decisions.OnStarting(5, kGood);
         CHECK_FALSE(decisions.OnError(number));
         CHECK(ResultOf(decisions, "12AB") == result);
     }
-    DownloadDecisions mirrors("a,b,c");
+    clsDownloadDecisions mirrors("a,b,c");
     mirrors.OnStarting(5, kGood);
     CHECK(mirrors.OnError(10060));
     CHECK(ResultOf(mirrors, "") == Failed);

@@ -1,7 +1,7 @@
-#include "net/SocketValue.h"
+#include "net/modSocketValue.h"
 
 #include "base/Failure.h"
-#include "net/ByteQueue.h"
+#include "net/clsByteQueue.h"
 #include "net/modSocketErrors.h"
 
 #include <doctest/doctest.h>
@@ -67,7 +67,7 @@ TEST_CASE("bytes become values, low byte first") {
 }
 
 TEST_CASE("a byte queue gives back what went in, in place and in any pieces") {
-    ByteQueue queue;
+    clsByteQueue queue;
     std::string taken, sent;
     for (std::size_t i = 0; i < 500; ++i) {
         const std::string piece(i % 37, static_cast<char>('a' + i % 26));

@@ -1,4 +1,4 @@
-#include "net/SocketCore.h"
+#include "net/clsSocketCore.h"
 
 #include "base/Failure.h"
 #include "base/Trace.h"
@@ -44,30 +44,30 @@ private:
 
 } // namespace
 
-void SocketCore::Detach() {
+void clsSocketCore::Detach() {
     owner_ = nullptr;
     Close();
 }
 
-std::string SocketCore::RemoteHostIP() const {
+std::string clsSocketCore::RemoteHostIP() const {
     return AddressText(peerAddress_);
 }
 
-void SocketCore::RequireClosed(const char* method) const {
+void clsSocketCore::RequireClosed(const char* method) const {
     if (state_ != SocketState::sckClosed)
         ThrowSocketMisuse(SocketMisuse::InvalidState, method);
 }
 
-void SocketCore::SetState(SocketState state) {
+void clsSocketCore::SetState(SocketState state) {
     state_ = state;
     Trace("STATE: " + StateName(state));
 }
 
-void SocketCore::Fail(int code, const char* source) {
+void clsSocketCore::Fail(int code, const char* source) {
     FailWith(code, GetErrorDescription(code), source);
 }
 
-void SocketCore::FailWith(int code, const std::string& text, const char* source) {
+void clsSocketCore::FailWith(int code, const std::string& text, const char* source) {
     SetState(SocketState::sckError);
     SocketErrorInfo error;
     error.number = code;
@@ -79,7 +79,7 @@ void SocketCore::FailWith(int code, const std::string& text, const char* source)
         MessageBoxA(nullptr, text.c_str(), source, MB_OK | MB_ICONEXCLAMATION);
 }
 
-void SocketCore::Close() {
+void clsSocketCore::Close() {
     ++connection_;
     if (lookup_ != 0)
         CancelLookup(std::exchange(lookup_, 0));
@@ -99,7 +99,7 @@ void SocketCore::Close() {
 
 // Opening
 
-void SocketCore::CreateSocket(const char* source) {
+void clsSocketCore::CreateSocket(const char* source) {
     const bool stream = protocol == SocketProtocol::TCP;
     socket_.Reset(::socket(AF_INET, stream ? SOCK_STREAM : SOCK_DGRAM, 0));
     if (!socket_) {
@@ -118,21 +118,21 @@ void SocketCore::CreateSocket(const char* source) {
     FitSizes();
 }
 
-void SocketCore::FitSizes() {
+void clsSocketCore::FitSizes() {
     const SocketSizes sizes = FitSocket(socket_.Get(), protocol == SocketProtocol::TCP);
     receiveSize_ = sizes.receive;
     offeredSize_ = sizes.firstReceive;
     sending_.SetSizes(sizes);
 }
 
-int SocketCore::BindTo(std::uint16_t port, std::uint32_t address) {
+int clsSocketCore::BindTo(std::uint16_t port, std::uint32_t address) {
     const int error = BindSocket(socket_.Get(), port, address);
     if (error == 0)
         localPort_ = LocalPortOf(socket_.Get());
     return error;
 }
 
-void SocketCore::Connect(const SocketValue& host, const SocketValue& port) {
+void clsSocketCore::Connect(const SocketValue& host, const SocketValue& port) {
     RequireClosed("Connect");
     const std::string newHost = IsGiven(host) ? HostOf(host, "Connect") : remoteHost;
     const std::uint16_t newPort = IsGiven(port) ? PortOf(port, "Connect") : remotePort;
@@ -151,7 +151,7 @@ void SocketCore::Connect(const SocketValue& host, const SocketValue& port) {
         GoOnWithAddress(address);
 }
 
-void SocketCore::StartResolving() {
+void clsSocketCore::StartResolving() {
     SetState(SocketState::sckResolvingHost);
     // The system takes an empty name for this machine, and a cut-off name is another one.
     if (remoteHost.empty() || remoteHost.size() > kLongestHost ||
@@ -162,7 +162,7 @@ void SocketCore::StartResolving() {
         Fail(WSAGetLastError(), "clsSocketMaster.Connect");
 }
 
-void SocketCore::OnLookupDone(std::uint32_t address, int error) {
+void clsSocketCore::OnLookupDone(std::uint32_t address, int error) {
     lookup_ = 0;
     if (state_ != SocketState::sckResolvingHost)
         return;
@@ -172,7 +172,7 @@ void SocketCore::OnLookupDone(std::uint32_t address, int error) {
     GoOnWithAddress(address);
 }
 
-void SocketCore::GoOnWithAddress(std::uint32_t address) {
+void clsSocketCore::GoOnWithAddress(std::uint32_t address) {
     remoteAddress_ = address;
     resolvedHost_ = remoteHost;
     if (protocol == SocketProtocol::UDP) {
@@ -188,7 +188,7 @@ void SocketCore::GoOnWithAddress(std::uint32_t address) {
         Fail(error, "clsSocketMaster.Connect");
 }
 
-void SocketCore::Bind(const SocketValue& port, const SocketValue& address) {
+void clsSocketCore::Bind(const SocketValue& port, const SocketValue& address) {
     RequireClosed("Bind");
     const std::uint16_t wished = IsGiven(port) ? PortOf(port, "Bind") : wishedLocalPort;
     std::uint32_t local = INADDR_ANY;
@@ -211,7 +211,7 @@ void SocketCore::Bind(const SocketValue& port, const SocketValue& address) {
         SetState(SocketState::sckOpen);
 }
 
-void SocketCore::Listen() {
+void clsSocketCore::Listen() {
     RequireClosed("Listen");
     if (protocol != SocketProtocol::TCP)
         ThrowSocketMisuse(SocketMisuse::InvalidState, "Listen");
@@ -229,7 +229,7 @@ void SocketCore::Listen() {
     SetState(SocketState::sckListening);
 }
 
-void SocketCore::Accept(SOCKET request) {
+void clsSocketCore::Accept(SOCKET request) {
     RequireClosed("Accept");
     if (protocol != SocketProtocol::TCP || !TakeAccepted(request))
         ThrowSocketMisuse(SocketMisuse::WrongState, "Accept");
@@ -255,7 +255,7 @@ void SocketCore::Accept(SOCKET request) {
     SetState(SocketState::sckConnected);
 }
 
-void SocketCore::OnNotification(int event, int error) {
+void clsSocketCore::OnNotification(int event, int error) {
     if (error != 0)
         return Fail(error, kNotificationSource);
     const bool connected = state_ == SocketState::sckConnected;
@@ -276,14 +276,14 @@ void SocketCore::OnNotification(int event, int error) {
         Trace("WARNING: Omitting " + EventName(event));
 }
 
-void SocketCore::OnConnected() {
+void clsSocketCore::OnConnected() {
     localPort_ = LocalPortOf(socket_.Get());
     peerAddress_ = remoteAddress_;
     SetState(SocketState::sckConnected);
     Raise([](SocketEvents& owner) { owner.OnConnect(); });
 }
 
-void SocketCore::OnAcceptable() {
+void clsSocketCore::OnAcceptable() {
     const SOCKET accepted = accept(socket_.Get(), nullptr, nullptr);
     if (accepted == INVALID_SOCKET) {
         const int error = WSAGetLastError();
@@ -299,7 +299,7 @@ void SocketCore::OnAcceptable() {
 
 /// Reads once into the receive buffer and reports what came.
 /// @return true when something came and the connection is still there to go on with
-bool SocketCore::ReceiveOnce() {
+bool clsSocketCore::ReceiveOnce() {
     int count = 0;
     try {
         count = ReceiveBytes(socket_.Get(), received_.Room(offeredSize_).first(offeredSize_));
@@ -324,7 +324,7 @@ bool SocketCore::ReceiveOnce() {
     return StillOn(connection) && state_ == SocketState::sckConnected;
 }
 
-void SocketCore::OnClosed() {
+void clsSocketCore::OnClosed() {
     // The notice can overtake the last bytes: they are still in the system's buffer.
     const unsigned connection = connection_;
     while (ReceiveOnce()) {
@@ -335,7 +335,7 @@ void SocketCore::OnClosed() {
     Raise([](SocketEvents& owner) { owner.OnCloseSck(); });
 }
 
-void SocketCore::OnReadableDatagram() {
+void clsSocketCore::OnReadableDatagram() {
     // Looking at a datagram makes the system notify again as long as it waits.
     if (datagramAnnounced_)
         return;
@@ -351,21 +351,21 @@ void SocketCore::OnReadableDatagram() {
 }
 
 /// Size of the datagram that waits; -1 with the code in WSAGetLastError when there is none.
-int SocketCore::NextDatagramSize() const {
+int clsSocketCore::NextDatagramSize() const {
     std::vector<char> room(kDatagramRoom);
     sockaddr_in from{};
     return ReceiveDatagram(socket_.Get(), room, false, from);
 }
 
-std::size_t SocketCore::BytesReceived() const {
+std::size_t clsSocketCore::BytesReceived() const {
     if (protocol == SocketProtocol::TCP)
         return received_.Size();
     const int size = state_ == SocketState::sckOpen ? NextDatagramSize() : 0;
     return static_cast<std::size_t>(std::max(size, 0));
 }
 
-SocketValue SocketCore::TakeData(VarType type, const SocketValue& maxLen, bool remove,
-                                 const char* method) {
+SocketValue clsSocketCore::TakeData(VarType type, const SocketValue& maxLen, bool remove,
+                                    const char* method) {
     const bool stream = protocol == SocketProtocol::TCP;
     if (state_ != (stream ? SocketState::sckConnected : SocketState::sckOpen))
         ThrowSocketMisuse(SocketMisuse::WrongState, method);
@@ -380,8 +380,8 @@ SocketValue SocketCore::TakeData(VarType type, const SocketValue& maxLen, bool r
     return value;
 }
 
-SocketValue SocketCore::TakeDatagram(VarType type, std::size_t limit, bool remove,
-                                     const char* method) {
+SocketValue clsSocketCore::TakeDatagram(VarType type, std::size_t limit, bool remove,
+                                        const char* method) {
     std::vector<char> room(kDatagramRoom);
     sockaddr_in from{};
     const int count = ReceiveDatagram(socket_.Get(), room, false, from);
@@ -402,12 +402,12 @@ SocketValue SocketCore::TakeDatagram(VarType type, std::size_t limit, bool remov
 
 // Sending
 
-bool SocketCore::CanSend() const {
+bool clsSocketCore::CanSend() const {
     return state_ ==
            (protocol == SocketProtocol::TCP ? SocketState::sckConnected : SocketState::sckOpen);
 }
 
-void SocketCore::SendData(const SocketValue& data) {
+void clsSocketCore::SendData(const SocketValue& data) {
     const bool stream = protocol == SocketProtocol::TCP;
     const bool openNow = !stream && state_ == SocketState::sckClosed;
     if (!CanSend() && !openNow)
@@ -423,7 +423,7 @@ void SocketCore::SendData(const SocketValue& data) {
 }
 
 /// Address of the remote host, looked up here unless that was done before.
-std::uint32_t SocketCore::DatagramTarget() const {
+std::uint32_t clsSocketCore::DatagramTarget() const {
     const std::uint32_t address = DottedAddress(remoteHost);
     if (address != INADDR_NONE)
         return address;
@@ -436,7 +436,7 @@ std::uint32_t SocketCore::DatagramTarget() const {
     return found;
 }
 
-void SocketCore::SendBuffered() {
+void clsSocketCore::SendBuffered() {
     if (sendingConnection_ == connection_)
         return; // called from an event of the loop below, which goes on with the new bytes
     const unsigned connection = connection_;

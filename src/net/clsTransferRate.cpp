@@ -1,4 +1,4 @@
-#include "net/TransferRate.h"
+#include "net/clsTransferRate.h"
 
 #include <cmath>
 
@@ -9,7 +9,7 @@ constexpr std::uint32_t kWindow = 5000;
 constexpr std::uint32_t kSampleDistance = 200;
 } // namespace
 
-void TransferRate::Add(double received, std::uint32_t milliseconds) {
+void clsTransferRate::Add(double received, std::uint32_t milliseconds) {
     const std::size_t count = samples_.size();
     if (count >= 2 &&
         samples_[count - 1].milliseconds - samples_[count - 2].milliseconds < kSampleDistance)
@@ -19,7 +19,7 @@ void TransferRate::Add(double received, std::uint32_t milliseconds) {
         samples_.pop_front();
 }
 
-double TransferRate::BytesPerSecond() const {
+double clsTransferRate::BytesPerSecond() const {
     if (samples_.size() < 2)
         return 0;
     const std::uint32_t elapsed = samples_.back().milliseconds - samples_.front().milliseconds;
@@ -28,7 +28,7 @@ double TransferRate::BytesPerSecond() const {
     return (samples_.back().received - samples_.front().received) * 1000 / elapsed;
 }
 
-std::optional<std::int64_t> TransferRate::SecondsLeft(double total) const {
+std::optional<std::int64_t> clsTransferRate::SecondsLeft(double total) const {
     const double rate = BytesPerSecond();
     if (rate <= 0 || samples_.back().received > total)
         return std::nullopt;

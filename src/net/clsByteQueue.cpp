@@ -1,10 +1,10 @@
-#include "net/ByteQueue.h"
+#include "net/clsByteQueue.h"
 
 #include <algorithm>
 
 namespace vesk {
 
-std::span<char> ByteQueue::Room(std::size_t size) {
+std::span<char> clsByteQueue::Room(std::size_t size) {
     if (storage_.size() - end_ < size && begin_ > 0) {
         std::copy(storage_.begin() + static_cast<std::ptrdiff_t>(begin_),
                   storage_.begin() + static_cast<std::ptrdiff_t>(end_), storage_.begin());
@@ -16,18 +16,18 @@ std::span<char> ByteQueue::Room(std::size_t size) {
     return std::span(storage_).subspan(end_);
 }
 
-void ByteQueue::Append(std::string_view bytes) {
+void clsByteQueue::Append(std::string_view bytes) {
     std::ranges::copy(bytes, Room(bytes.size()).begin());
     Commit(bytes.size());
 }
 
-void ByteQueue::Drop(std::size_t size) {
+void clsByteQueue::Drop(std::size_t size) {
     begin_ += std::min(size, Size());
     if (Empty())
         begin_ = end_ = 0;
 }
 
-void ByteQueue::Clear() {
+void clsByteQueue::Clear() {
     storage_ = {};
     begin_ = end_ = 0;
 }

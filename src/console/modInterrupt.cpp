@@ -1,4 +1,4 @@
-#include "console/Interrupt.h"
+#include "console/modInterrupt.h"
 
 #include "base/UniqueHandle.h"
 #include "base/modSystemError.h"
