@@ -15,7 +15,7 @@
 #include "console/modInterrupt.h"
 #include "console/modOptions.h"
 #include "source/modSourceFolder.h"
-#include "startup/modMain.h"
+#include "startup/modStartUp.h"
 
 #include <windows.h>
 

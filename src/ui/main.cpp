@@ -3,7 +3,7 @@
 #include "base/Version.h"
 #include "base/modText.h"
 #include "base/modWide.h"
-#include "startup/modMain.h"
+#include "startup/modStartUp.h"
 #include "ui/editor/frmSetup.h"
 #include "ui/kit/modProgramVersion.h"
 #include "ui/kit/modWindow.h"

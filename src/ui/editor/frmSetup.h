@@ -2,7 +2,7 @@
 
 #include "catalogue/clsCatalogueEditor.h"
 #include "catalogue/clsCatalogueFile.h"
-#include "startup/modMain.h"
+#include "startup/modStartUp.h"
 #include "ui/editor/clsEntryFrame.h"
 #include "ui/kit/clsDialog.h"
 #include "ui/kit/clsLayout.h"

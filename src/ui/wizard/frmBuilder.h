@@ -5,7 +5,7 @@
 #include "build/clsBuildRun.h"
 #include "catalogue/Catalogue.h"
 #include "catalogue/modCatalogueFile.h"
-#include "startup/modMain.h"
+#include "startup/modStartUp.h"
 #include "ui/kit/clsDialog.h"
 #include "ui/kit/clsLayout.h"
 #include "ui/kit/clsTaskbar.h"

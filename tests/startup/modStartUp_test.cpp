@@ -1,4 +1,4 @@
-#include "startup/modMain.h"
+#include "startup/modStartUp.h"
 
 #include <windows.h>
 
