@@ -127,6 +127,32 @@ std::string WithTrailingBackslash(std::string_view path) {
     return result;
 }
 
+bool IsUtf16(std::string_view text) {
+    if (text.starts_with(kUtf16Mark) || text.starts_with("\xFE\xFF"))
+        return true;
+    constexpr std::size_t kLooked = 4096;
+    const std::size_t units = std::min(text.size(), kLooked) / 2;
+    std::size_t littleEnd = 0;
+    std::size_t bigEnd = 0;
+    for (std::size_t i = 0; i < units; ++i) {
+        const bool first = text[2 * i] != '\0';
+        const bool second = text[2 * i + 1] != '\0';
+        littleEnd += first && !second ? 1 : 0;
+        bigEnd += second && !first ? 1 : 0;
+    }
+    // Every line of an INF or script has ASCII in it, whatever its language; ANSI text has no NULs.
+    return std::max(littleEnd, bigEnd) > units / 4;
+}
+
+std::string AsciiOfUtf16(std::string_view text) {
+    std::string ascii(text.size() / 2, '?');
+    for (std::size_t i = 0; i < ascii.size(); ++i) {
+        if (text[2 * i + 1] == '\0' && static_cast<unsigned char>(text[2 * i]) < 0x80)
+            ascii[i] = text[2 * i];
+    }
+    return ascii;
+}
+
 std::string FirstWord(std::string_view commandLine, int maxWords) {
     constexpr std::string_view kSeparators = " \t";
     const std::size_t first = commandLine.find_first_not_of(kSeparators);

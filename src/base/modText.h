@@ -49,4 +49,17 @@ std::string WithTrailingBackslash(std::string_view path);
 /// none. At most `maxWords` words are looked at, so 0 gives an empty text.
 std::string FirstWord(std::string_view commandLine, int maxWords);
 
+/// What a text in UTF-16, little end first, begins with where it says so.
+inline constexpr std::string_view kUtf16Mark("\xFF\xFE");
+
+/// True for text in UTF-16, in either order of bytes, with its mark or without: what works on the
+/// ANSI code page finds nothing in it, and damages what it writes to.
+bool IsUtf16(std::string_view text);
+
+/// Why such a text was left alone, as Problem::reason has it.
+inline constexpr const char* kIsUtf16 = "it is UTF-16 text";
+
+/// Text in UTF-16, little end first, with "?" for each character that is no ASCII.
+std::string AsciiOfUtf16(std::string_view text);
+
 } // namespace vesk

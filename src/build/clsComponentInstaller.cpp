@@ -155,10 +155,17 @@ void clsComponentInstaller::RunBaseScript(std::size_t index) {
         if (toldPlaces_.insert(problem.place).second)
             context_.report(problem);
     }
-    if (found.paths.empty())
+    const auto first = std::ranges::find_if(
+        found.paths, [this](const std::string& path) { return !unreadScripts_.contains(path); });
+    if (first == found.paths.end())
         return;
-    const std::string& script = found.paths.front();
+    const std::string& script = *first;
     RunScriptSection(script);
+    if (IsUtf16(ReadWholeFile(script))) {
+        // Told above. It stays where it is, and out of the way of the next component's.
+        unreadScripts_.insert(script);
+        return;
+    }
     bool hasPluginPart = false;
     context_.ResumeNext({script, "not read"},
                         [&] { hasPluginPart = IsLineInFile(script, "[plugins]"); });
@@ -206,8 +213,7 @@ void clsComponentInstaller::EditInfs(const CatalogueEntry& plugin, const std::st
     std::ranges::for_each(found.problems, context_.report);
     for (const std::string& inf : found.paths) {
         const Attempt attempt{inf, "not edited"};
-        const bool readable = context_.ResumeNext(attempt, [&] { RequireReadable(inf); });
-        const BuildContext& context = readable ? context_ : context_.Silent();
+        const BuildContext context = EditingContext(context_, inf);
         context.ResumeNext(attempt, [&] { PrefixPluginName(context, inf, plugin.cat); });
         context.ResumeNext(attempt, [&] { CommentOutAppendMenu(context, inf); });
         context.ResumeNext(attempt, [&] { SetPluginEnable(context, inf); });

@@ -45,6 +45,7 @@ private:
     /// Scripts that hold a part for the plug-ins, by the index of their base component. Collected
     /// for that stage; the run itself does nothing with them.
     std::map<std::size_t, std::string> pendingScripts_;
+    std::set<std::string> unreadScripts_;        ///< Of a kind that is not carried out.
     std::map<std::string, std::string> folders_; ///< Of plug-ins, in lower case, to their archives.
     std::set<std::string> toldPlaces_;           ///< Where the search for scripts could not look.
 };

@@ -1,28 +1,44 @@
 #include "build/clsReportedIni.h"
 
+#include "base/Failure.h"
 #include "base/modFile.h"
 #include "base/modSystemError.h"
 #include "base/modText.h"
 #include "build/modFileOperations.h"
 
+#include <windows.h>
+
 namespace vesk {
 
 namespace {
 
-/// A text in UTF-16 is not looked into.
 bool HoldsKey(const std::string& text, const std::string& key) {
-    return text.find('\0') != std::string::npos || FindNoCase(text, key) != std::string::npos;
+    return FindNoCase(text.starts_with(kUtf16Mark) ? AsciiOfUtf16(text) : text, key) !=
+           std::string::npos;
 }
 
 } // namespace
 
+void RequireAnsi(const std::string& path) {
+    const std::string text = ReadWholeFile(path);
+    if (IsUtf16(text) && !text.starts_with(kUtf16Mark))
+        throw Failure(ERROR_NO_UNICODE_TRANSLATION, "RequireAnsi", kIsUtf16);
+}
+
 clsReportedIni::clsReportedIni(const BuildContext& context, const std::string& path)
     : context_(context), ini_(path) {}
+
+void clsReportedIni::TellCut(const std::string& section, const std::string& key) const {
+    if (ini_.IsCut(section, key))
+        context_.report({Path(), "not taken over whole, [" + section + "] " + key,
+                         "it is longer than 254 characters"});
+}
 
 void clsReportedIni::SetValue(const std::string& section, const std::string& key,
                               const std::string& value) {
     const auto write = [&] {
         RequireInTree(context_, Path());
+        RequireAnsi(Path());
         MakeWritable(Path());
         if (!ini_.SetValue(section, key, value))
             ThrowLastError("cannot write", Path());

@@ -7,6 +7,11 @@
 
 namespace vesk {
 
+/// The profile functions know UTF-16 by its mark only; anything else they take for ANSI text, and
+/// mix both when they write. @throws Failure for a file that they would damage; a missing one is
+/// fine
+void RequireAnsi(const std::string& path);
+
 /// Writes one INI file of the build tree and reports, once, when a value could not be written.
 class clsReportedIni {
 public:
@@ -20,6 +25,9 @@ public:
                                              const std::string& key) const {
         return ini_.GetStringValue(section, key);
     }
+
+    /// To be called when a value is used: reports when it is longer than GetStringValue gives it.
+    void TellCut(const std::string& section, const std::string& key) const;
 
     /// Writes a value, into a read-only file too: archives bring such files.
     void SetValue(const std::string& section, const std::string& key, const std::string& value);

@@ -33,10 +33,19 @@ void RequireReadable(const std::string& inf) {
     const DWORD error = GetLastError();
     if (!file && FileExists(inf))
         ThrowSystemError(error, "cannot read", inf);
+    RequireAnsi(inf);
+}
+
+BuildContext EditingContext(const BuildContext& context, const std::string& inf) {
+    const bool readable = context.ResumeNext({inf, "not edited"}, [&] { RequireReadable(inf); });
+    return readable ? context : context.Silent();
 }
 
 void CommentOutAppendMenu(const BuildContext& context, const std::string& inf) {
-    const auto edited = CommentedOutAppendMenu(ReadWholeFile(inf));
+    const std::string text = ReadWholeFile(inf);
+    if (text.starts_with(kUtf16Mark) && CommentedOutAppendMenu(AsciiOfUtf16(text)))
+        context.report({inf, "[Append] not commented out", kIsUtf16});
+    const auto edited = CommentedOutAppendMenu(text);
     if (!edited)
         return;
     context.Status("Modifying INF - Append");
@@ -63,6 +72,7 @@ void PrefixPluginName(const BuildContext& context, const std::string& inf,
         return;
     context.Status("Modifying INF - Name");
     context.Log(ModifyingLine(inf, "\"Name\""));
+    ini.TellCut(kPluginSection, "Name");
     ini.SetValue(kPluginSection, "Name", *name);
 }
 
@@ -72,6 +82,8 @@ void SetPluginEnable(const BuildContext& context, const std::string& inf) {
     const std::string servicePacks = ini.GetStringValue(kOwnSection, "SP");
     if (TrimBlanks(osTypes).empty() || TrimBlanks(servicePacks).empty())
         return;
+    for (const char* list : {"OSType", "SP"})
+        ini.TellCut(kOwnSection, list);
     const SourceState& source = context.inputs.source;
     const bool enable =
         ListHolds(osTypes, source.productCode) && ListHolds(servicePacks, source.servicePackCode);
@@ -98,8 +110,9 @@ void RelocatePluginToCategory(BuildContext& context, const std::string& relative
     const std::string menuFile = GetAppendMenuFile(inf);
     if (!menuFile.empty())
         OnPluginMenuFile(pluginFolder + relativeFolder + "\\" + menuFile);
-    PrefixPluginName(context, inf, prefix);
-    CommentOutAppendMenu(context, inf);
+    const BuildContext editing = EditingContext(context, inf);
+    PrefixPluginName(editing, inf, prefix);
+    CommentOutAppendMenu(editing, inf);
 
     // Only now: the edits above are made even when the prefix has no category.
     if (category == nullptr)
@@ -116,8 +129,10 @@ void RelocatePluginToCategory(BuildContext& context, const std::string& relative
 
     const std::string movedInf = categoryFolder + relativeInf;
     context.ResumeNext({movedInf, "not read for the menu"}, [&] { RequireReadable(movedInf); });
+    const clsReportedIni moved(context, movedInf);
     CatalogueEntry entry;
-    entry.name = clsINI(movedInf).GetStringValue(kPluginSection, "Name");
+    entry.name = moved.GetStringValue(kPluginSection, "Name");
+    moved.TellCut(kPluginSection, "Name");
     entry.cat = prefix;
     context.menuRecords.push_back({entry.name, prefix, {movedInf}});
     context.catalogue.plugins.push_back(std::move(entry));

@@ -9,8 +9,12 @@
 namespace vesk {
 
 /// The edits take an INF that cannot be read for an empty one: asks before them whether it can.
-/// A missing one is fine. @throws Failure
+/// A missing one is fine. @throws Failure, also for UTF-16 text that the edits would damage
 void RequireReadable(const std::string& inf);
+
+/// Where the edits of an INF report to. One that cannot be read is reported here, once: then the
+/// edits, which only log their lines, report nothing more.
+BuildContext EditingContext(const BuildContext& context, const std::string& inf);
 
 /// Comments out the "[Append]" section's nu2menu entry: the menu is built by this program.
 /// @throws Failure when the file cannot be written

@@ -71,7 +71,6 @@ void RelocateStockPlugin(BuildContext& context, const StockPlugin& plugin) {
             context.report({folder, "not moved into its category", "it is a file"});
         return;
     }
-    context.ResumeNext({inf, "not edited"}, [&] { RequireReadable(inf); });
     context.ResumeNext({folder, "not moved into its category"}, [&] { relocate(context); });
 }
 

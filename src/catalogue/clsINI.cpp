@@ -39,6 +39,13 @@ std::string clsINI::GetStringValue(const std::string& section, const std::string
     return ReadProfile(section.c_str(), key.c_str(), kValueSize, iniFileName);
 }
 
+bool clsINI::IsCut(const std::string& section, const std::string& key) const {
+    constexpr DWORD kRoomForMore = kValueSize + 2;
+    return GetStringValue(section, key).size() == kValueSize - 1 &&
+           ReadProfile(section.c_str(), key.c_str(), kRoomForMore, iniFileName).size() >=
+               kValueSize;
+}
+
 int clsINI::GetIntValue(const std::string& section, const std::string& key) const {
     if (!Holds(iniFileName))
         return 0;

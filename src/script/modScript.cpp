@@ -1,9 +1,11 @@
 #include "script/modScript.h"
 
+#include "base/Failure.h"
 #include "base/Problem.h"
 #include "base/UniqueHandle.h"
 #include "base/modFile.h"
 #include "base/modSystemError.h"
+#include "base/modText.h"
 #include "script/clsRegistry.h"
 #include "script/modScriptText.h"
 
@@ -58,6 +60,8 @@ std::vector<std::string> LinesOfExistingFile(const std::string& path) {
                                       nullptr));
     if (!file)
         ThrowLastError("cannot read", path);
+    if (IsUtf16(ReadWholeFile(path)))
+        throw Failure(ERROR_NO_UNICODE_TRANSLATION, "ProcessScript", kIsUtf16);
     return lines;
 }
 

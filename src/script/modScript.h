@@ -18,7 +18,7 @@ struct ScriptContext {
 
 /// Runs the named section (lower case, brackets included) of a script file, line by line.
 /// @throws Failure (or another std::exception) at the first line that fails, and when there is no
-///         such file; what was done before stays done.
+///         such file or it is UTF-16 text; what was done before stays done.
 void ProcessScript(const std::string& scriptPath, const std::string& sectionName,
                    const ScriptContext& context);
 

@@ -134,6 +134,50 @@ class Truth(ProgramTest):
         self.assertTrue(problems[1].startswith(
             script + "not carried out to its end, line 4: "), problems)
 
+    def test_utf_16(self):
+        menu = "[Append]\r\nnu2menu.xml, t.xml\r\n"
+        texts = {"marked.inf": ("\ufeff" + INF + menu).encode("utf-16-le"),
+                 "plain.inf": (INF + "[VeskBuilder]\r\nOSType=0\r\nSP=1\r\n").encode("utf-16-le"),
+                 "big.inf": ("\ufeff" + INF).encode("utf-16-be")}
+        scripts = {f"{i}.script": f"[base]\r\ndirmake,%ProgramPath%\\{i}\r\n" for i in "ab"}
+        utf16 = scripts["a.script"].encode("utf-16-le")
+        self.base = zip_bytes(self.program / "pebuilder3110a.zip", {
+            "pebuilder.exe": "x", "a.script": utf16, "Plugin/bootfix/bootfix.inf": texts["plain.inf"]})
+        more = zip_bytes(self.program / "more.zip", {"b.script": scripts["b.script"]})
+        self.add("one.zip", members=texts)
+        self.write_catalogue([("PE Builder", "pebuilder3110a.zip", "", 1, 1, "", self.base),
+                              ("More", "more.zip", "", 1, 1, "", more)], self.plugins)
+        code, lines, errors = self.build()
+        self.assertEqual(code, 1)
+        tree, why = windows_path(self.tree) + "\\", ", it is UTF-16 text"
+        one, boot = tree + "Plugin\\100_tools\\one\\", "Plugin\\bootfix\\bootfix.inf"
+        self.assertEqual(sorted(line.removeprefix("veskbuild: ") for line in errors.splitlines()), sorted([
+            f"{tree}a.script: not carried out to its end{why}",
+            f"{one}marked.inf: [Append] not commented out{why}", f"{one}plain.inf: not edited{why}",
+            f"{one}big.inf: not edited{why}", f"{tree}{boot}: not edited{why}",
+            f"{tree}{boot.replace('Plugin', 'Plugin/100_tools', 1).replace('/', chr(92))}: "
+            f"not read for the menu{why}"]))
+        below = contents_below(self.tree / "Plugin/100_tools")
+        for name in ("plain.inf", "big.inf"):
+            self.assertEqual(below["one/" + name], texts[name])
+        self.assertEqual(below["bootfix/bootfix.inf"], texts["plain.inf"])
+        self.assertIn("Name=100 Tool", below["one/marked.inf"].decode("utf-16"))
+        self.assertEqual((self.tree / "a.script").read_bytes(), utf16)
+        self.assertFalse((self.tree / "b.script").exists())
+        self.assertEqual([(self.tree / name).exists() for name in "ab"], [False, True])
+        self.assertEqual(lines.count("Processing script: {TREE}\\a.script"), 1)
+
+    def test_values_that_are_cut(self):
+        self.add("one.zip", members={"a.inf": f"[PEBuilder]\r\nName={'n' * 300}\r\n",
+                                     "b.inf": f"[PEBuilder]\r\nName={'n' * 254}\r\n[VeskBuilder]\r\n"
+                                              f"OSType=1{',2' * 150}\r\nSP={'1,' * 127}\r\n"})
+        code, problems, _ = self.build_plugins()
+        one = windows_path(self.tree) + "\\Plugin\\100_tools\\one\\"
+        words = "not taken over whole, [{}] {}, it is longer than 254 characters"
+        self.assertEqual((code, problems), (1, [
+            f"{one}a.inf: {words.format('PEBuilder', 'Name')}",
+            f"{one}b.inf: {words.format('VeskBuilder', 'OSType')}"]))
+
     def add_locked(self):
         """Adds a plug-in whose archive holds one locked member behind a plain one."""
         files = self.folder / "files"
