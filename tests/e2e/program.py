@@ -59,9 +59,10 @@ class ProgramTest(unittest.TestCase):
         (self.program / "readme.txt").write_text("read me")
         self.tree = self.folder / "tree"
 
-    def run_program(self, *arguments, stdin=subprocess.DEVNULL, cwd=None):
+    def run_program(self, *arguments, stdin=subprocess.DEVNULL, cwd=None, zone=None):
+        environment = dict(os.environ, TZ=zone) if zone else None
         result = subprocess.run(
-            [*WINE, str(self.program / "veskbuild.exe"), *arguments],
+            [*WINE, str(self.program / "veskbuild.exe"), *arguments], env=environment,
             stdin=stdin, capture_output=True, timeout=60, encoding="cp1252", cwd=cwd)
         # Wine itself complains that Z: has no volume label.
         errors = [line for line in result.stderr.splitlines(True) if not line.startswith("wine: ")]
@@ -80,9 +81,10 @@ class ProgramTest(unittest.TestCase):
         line = re.sub(r"^(Vesk Builder v)[\d.]+ ----", r"\1{VERSION} ----", line)
         return DATE.sub("[{DATE}]", line)
 
-    def write_catalogue(self, base, plugins=(), categories=(("100", "100_tools"),)):
+    def write_catalogue(self, base, plugins=(), categories=(("100", "100_tools"),),
+                        install=("VeskLive", 0), show_categories=-1):
         """Entries are (name, archive, category, enabled, lock, url, crc)."""
-        lines = ["[Install]", "Folder=VeskLive", "Path=0", "[Base]"]
+        lines = ["[Install]", f"Folder={install[0]}", f"Path={install[1]}", "[Base]"]
         for section, entries in (("Base", base), ("Plugin", plugins)):
             if section == "Plugin":
                 lines.append("[Plugin]")
@@ -91,7 +93,7 @@ class ProgramTest(unittest.TestCase):
                 lines += [f"Cat{i}={cat} "] if section == "Plugin" else []
                 lines += [f"Enabled{i}={enabled}", f"Lock{i}={lock}", f"Url{i}={url} ",
                           f"CRC{i}={crc} "]
-        lines += ["[Categories]", "ShowCategories=-1"] + [f"{k}={v}" for k, v in categories]
+        lines += ["[Categories]", f"ShowCategories={show_categories}"] + [f"{k}={v}" for k, v in categories]
         (self.program / "veskbuilder.ini").write_text("\r\n".join(lines) + "\r\n", "cp1252",
                                                        newline="")
 

@@ -121,19 +121,6 @@ class Truth(ProgramTest):
         self.assertEqual((self.tree / "Plugin/bootfix").read_text(), "a file")
         self.assertNotIn("[0]", (self.tree / "vesklive.ini").read_text())
 
-    def test_scripts(self):
-        self.base = zip_bytes(self.program / "pebuilder3110a.zip", {
-            "pebuilder.exe": "x", "x.script": "[base]\r\ndirmake,%ProgramPath%\\a\r\n"
-            "regwrite,HKCU,0x1,Software\\No such key,Name,data\r\ndirmake\r\n[end]\r\n"})
-        code, problems, lines = self.build_plugins()
-        self.assertEqual(code, 1)
-        script = windows_path(self.tree) + "\\x.script: "
-        self.assertEqual(len(problems), 2)
-        self.assertTrue(problems[0].startswith(
-            script + "registry value Software\\No such key\\Name not written, "), problems)
-        self.assertTrue(problems[1].startswith(
-            script + "not carried out to its end, line 4: "), problems)
-
     def test_utf_16(self):
         menu = "[Append]\r\nnu2menu.xml, t.xml\r\n"
         texts = {"marked.inf": ("\ufeff" + INF + menu).encode("utf-16-le"),

@@ -1,0 +1,254 @@
+#!/usr/bin/env python3
+"""Whole builds, each compared in everything that it leaves behind with a manifest that says what is
+to be. The manifests follow from the recipes below; they are not what the program once made."""
+
+import difflib
+import os
+import re
+import shutil
+import subprocess
+import sys
+import time
+import unittest
+
+from archives import Member, write_cab, write_zip
+from manifest import (forget_registry, registry_lines, remove_folder, shortcut_lines, tree_lines)
+from program import TOP, ProgramTest, contents_below, windows_path
+
+EXPECTED = TOP / "tests/data/builds"
+DRIVE = TOP / "build/wine" / os.environ.get("VESK_PREFIX", "test") / "drive_c"
+START_MENU = DRIVE / "ProgramData/Microsoft/Windows/Start Menu/Programs/Vesk Builder"
+LINKS = [START_MENU / "Vesk Builder.lnk", START_MENU / "ReadMe.lnk"]
+KEY = r"HKCU\Software\Vesk Builder Test"
+SAMPLE_KEY = r"HKCU\Software\Vesk Builder Sample"
+SUMMER, WINTER = (2006, 7, 4, 12, 0, 2), (2006, 1, 4, 12, 0, 2)
+
+
+def inf(name, *more):
+    return "\r\n".join(["[Version]", 'Signature="$Windows NT$"', "[PEBuilder]", f"Name={name}",
+                        "Enable=1", *more, ""])
+
+
+def menu(file):
+    return ("[Append]", f"nu2menu.xml, {file}")
+
+
+def wants(systems, packs):
+    return ("[VeskBuilder]", f"OSType={systems}", f"SP={packs}")
+
+
+def script(*lines):
+    return "\r\n".join(lines) + "\r\n"
+
+
+class Builds(ProgramTest):
+    maxDiff = None
+
+    def setUp(self):
+        super().setUp()
+        self.windows_tree = windows_path(self.tree)
+        # Shared by all builds of this system, and named in the log when it is there.
+        remove_folder(START_MENU)
+        for key in (KEY, SAMPLE_KEY):
+            forget_registry(key)
+            self.addCleanup(forget_registry, key)
+
+    def build_and_compare(self, name, *arguments, zone="UTC"):
+        """Builds, and compares exit code, log, error output and all that it left with a manifest."""
+        began = time.time()
+        code, lines, errors = self.run_program(*arguments, zone=zone)
+        lines = [self.normalised(line) for line in lines]
+        saved = (self.program / "veskbuider.log").read_bytes().decode("cp1252")
+        self.assertEqual([self.normalised(line) for line in saved.split("\r\n")], lines + [""])
+        desktop = next(DRIVE.glob("users/*/Desktop"))
+        problems = [line.removeprefix("veskbuild: ") for line in errors.splitlines()]
+        found = [f"== exit code {code}", "== log", *lines, "== problems", *problems,
+                 "== shortcuts", *shortcut_lines([*LINKS, desktop / "Vesk Builder.lnk"]),
+                 "== registry", *registry_lines(KEY), *registry_lines(SAMPLE_KEY),
+                 "== tree", *tree_lines(self.tree, self.windows_tree, began)]
+        found = [self.normalised(line) for line in found]
+        path = EXPECTED / (name + ".txt")
+        wanted = path.read_text("utf-8").splitlines() if path.exists() else []
+        if found != wanted:
+            differences = difflib.unified_diff(wanted, found, str(path), "this build", "", "", 2, "")
+            self.fail("\n".join(differences))
+
+    def install_into(self, folder, *parts):
+        """Lets the tree be one on the system's own drive. Returns the name for the catalogue."""
+        name = "vesk-" + self.folder.name
+        self.tree = DRIVE.joinpath(*parts, name)
+        self.windows_tree = folder + name
+        self.addCleanup(shutil.rmtree, self.tree, ignore_errors=True)
+        return name
+
+    def normalised(self, line):
+        return super().normalised(line.replace(self.windows_tree, "{TREE}"))
+
+    def write_source(self, product, tag):
+        folder = self.folder / "source/I386"
+        folder.mkdir(parents=True)
+        (folder / "LAYOUT.INF").write_text(
+            f'[Strings]\nproductname = "{product}"\nspcdtagfilei = "{tag}"\n')
+        for name in ("NTDLL.DLL", "SETUPLDR.BIN"):
+            (folder / name).write_text("x")
+        return windows_path(folder.parent)
+
+    def archive(self, name, *members):
+        """Makes an archive in the program folder. Returns its name and checksum."""
+        write = write_cab if name.endswith(".cab") else write_zip
+        return name, write(self.program / name, members)
+
+    def write_entries(self, base, plugins, *options, **more):
+        """Entries are (name, ticked, locked, archive, checksum), of plug-ins with the category first."""
+        self.write_catalogue(
+            [(name, file, "", on, lock, "", crc) for name, on, lock, file, crc in base],
+            [(name, file, cat, on, lock, "", crc) for cat, name, on, lock, file, crc in plugins],
+            *options, **more)
+
+    def test_everything_on(self):
+        """With categories, a Windows source, scripts, and archives that carry all they can, in a
+        zone with summer time."""
+        name = self.install_into("C:\\")
+        base = [
+            ("PE Builder", 1, 1, *self.pe_builder()),
+            ("Cabinet", 1, 0, *self.archive(
+                "cabinet.cab", Member("a.script", FIRST_SCRIPT), Member("b.script", SECOND_SCRIPT),
+                Member("vesk.ico", "icon", SUMMER, 0x01), Member("sub\\w.dat", "w", WINTER, 0x26))),
+            ("Unticked", 0, 0, *self.archive("unticked.zip", Member("unticked.dat", "u"))),
+            ("Scripted", 1, 0, *self.archive("scripted.zip", Member("deep/er/c.script", LAST_SCRIPT))),
+            ("Absent", 1, 0, "absent.zip", "1"),
+            ("Other sum", 1, 0, self.archive("sum.zip", Member("sum.dat", "s"))[0], "ABCDEF")]
+        plugins = [
+            ("100", "Network Tools", 1, 0, *self.archive("one.zip", *STAMPED, Member("One.inf", inf(
+                "01 - Network Tools", *menu("one_nu2menu.xml"), *wants("0,1", "1,2"))))),
+            ("7", "Cabinet", 1, 1, *self.archive(
+                "two.cab", Member("two.inf", inf("Two", *wants("1", "1")), WINTER, 0x20),
+                Member("r.dat", "rr", SUMMER, 0x01), Member("sub\\h.dat", "hhh", WINTER, 0x02))),
+            ("100", "Locked", 0, 1, *self.archive("locked.zip", Member("l.inf", inf("L")))),
+            ("100", "Unticked", 0, 0, *self.archive("off.zip", Member("o.inf", inf("O")))),
+            ("100", "Other sum", 1, 0, self.archive("sum2.zip", Member("s.inf", inf("S")))[0], "1"),
+            ("100", "Absent", 1, 0, "gone.zip", "1"),
+            ("999", "Nowhere", 1, 0, *self.archive("seven.zip", Member(
+                "seven.inf", inf("Tool999 Seven", *wants("1, 0", "1"))))),
+            ("500", "Names", 1, 0, *self.archive("names.zip", *REFUSED, Member(
+                "names.inf", inf("Names", ";[Append]", "nu2menu.xml, x.xml", *wants("0", "2,1"))))),
+            ("200", "Sums", 1, 0, *self.archive(
+                "data.zip", Member("bad.dat", "stored and damaged", stored=True, damaged=True),
+                Member("good.dat", "stored", stored=True)))]
+        self.write_entries(base, plugins, [("100", "100_system_tools"), ("7", "7_extra_TOOLS"),
+                                           ("200", "200_a"), ("500", "500_b")], (name, 0))
+        source = self.write_source("Microsoft Windows XP Home Edition", "\\win51ic.SP1")
+        self.build_and_compare("everything_on", "--source", source, zone="Europe/Berlin")
+
+    def pe_builder(self):
+        """PE Builder's archive, with some of the stock plug-ins that are removed or moved."""
+        return self.archive(
+            "pebuilder3110a.zip", Member("pebuilder.exe", "program"), Member("mkisofs.exe", "writer"),
+            Member("input.inf", "[input]\r\nburncd=1\r\nmine=kept\r\n[other]\r\nsource=kept\r\n"),
+            Member("plugin/!custom/x.inf", inf("x")), Member("plugin/zz5/sub/x.dat", "x"),
+            Member("plugin/chkdsk2/kept.inf", inf("kept")),
+            Member("plugin/penetcfg/penetcfg.inf", inf("PENetCfg", "[append]", "NU2MENU.XML, x.xml")),
+            Member("plugin/penetcfg/autorun-penetcfg.inf", inf("x")),
+            Member("plugin/penetcfg/autorun0penetcfg.cmd", "x"),
+            Member("plugin/bginfo/autorun_bginfo.cmd", "x"), Member("plugin/bginfo/kept.cmd", "x"),
+            Member("plugin/aspi/aspi.inf", inf("30. ASPI Layer", ";[Append]", "nu2menu.xml, x.xml")),
+            Member("plugin/nero burning rom/penero.inf", inf("2: Nero", *menu("nero.xml"))),
+            Member("plugin/stinger/stinger.inf", inf("5001 McAfee500 Stinger", "[Append]", "x, y")))
+
+    def test_everything_off(self):
+        """Without categories, source and read-me, over the tree of an earlier build, among the
+        installed programs."""
+        name = self.install_into("C:\\Program Files\\", "Program Files")
+        (self.program / "readme.txt").unlink()
+        (self.tree / "Plugin/old").mkdir(parents=True)
+        for old in ("pebuilder.exe", "input.inf", "old.dat", "Plugin/old/old.inf"):
+            (self.tree / old).write_text("of an earlier build")
+        START_MENU.mkdir(parents=True)
+        (START_MENU / "other.lnk").write_text("goes")
+        base = [
+            ("PE Builder", 1, 1, *self.archive(
+                "pebuilder3110a.zip", Member("PEBUILDER.EXE", "program"), Member(
+                    "plugin/stinger/stinger.inf", inf("5. Stinger", *menu("stinger.xml"))))),
+            ("Other kind", 1, 0, *self.archive("other.rar", Member("other.dat", "x")))]
+        plugins = [
+            ("100", "One", 1, 0, *self.archive(
+                "one.zip", Member("one.inf", inf("01 One", *menu("one.xml"), *wants("0,1", "1"))),
+                Member("empty.inf", ""),
+                Member("sub/ONE.INF", inf("Two", "[VeskBuilder]", "OSType=1")))),
+            ("100", "Off", 0, 1, *self.archive("off.zip", Member("off.inf", inf("Off")))),
+            ("500", "Named on", 0, 0, *self.archive("on.cab", Member("on.inf", inf("On")))),
+            ("500", "Named off", 1, 0, *self.archive("named.zip", Member("named.inf", inf("Off"))))]
+        self.write_entries(base, plugins, [("100", "100_tools"), ("500", "500_security")], (name, 1),
+                           show_categories=0)
+        self.build_and_compare("everything_off", "--yes", "--enable", "named ON", "--disable",
+                               "Named off")
+
+    def prepare_sample(self):
+        sample = self.folder / "sample"
+        subprocess.run([sys.executable, TOP / "sample/make_sample.py", sample], check=True)
+        for file in [*(sample / "program").iterdir(), sample / "server/hexview.zip"]:
+            shutil.copy(file, self.program)
+        return windows_path(sample / "source")
+
+    def test_sample(self):
+        """The sample has every stock plug-in."""
+        self.build_and_compare("sample", "--install", self.windows_tree, "--source",
+                               self.prepare_sample())
+
+    def test_a_build_from_a_server_is_the_same(self):
+        self.prepare_sample()
+        self.build()
+        local = contents_below(self.tree)
+        served = self.folder / "served"
+        served.mkdir()
+        for archive in [*self.program.glob("*.zip"), *self.program.glob("*.cab")]:
+            if archive.name != "livebase.zip":  # of the base components only the first is fetched
+                archive.rename(served / archive.name)
+        catalogue = self.program / "veskbuilder.ini"
+        text = re.sub(r"^(Zip(\d+)=(\S+) \r\n(?:.*\r\n)*?Url\2=).*", r"\1http://sample.invalid/\3 \r",
+                      catalogue.read_bytes().decode("cp1252"), flags=re.MULTILINE)
+        catalogue.write_bytes(text.encode("cp1252"))
+        server = subprocess.Popen([sys.executable, TOP / "sample/serve.py", served],
+                                  stdout=subprocess.PIPE, text=True)
+        self.addCleanup(server.wait)
+        self.addCleanup(server.stdout.close)
+        self.addCleanup(server.kill)
+        code, lines, errors = self.build(
+            "--yes", "--proxy", f"127.0.0.1:{int(server.stdout.readline())}")
+        self.assertEqual(code, 1)
+        self.assertRegex(errors, r"\Aveskbuild: diskcheck.zip: not downloaded, .*\n\Z")
+        self.assertIn("Warning: diskcheck.zip CRC failed. !!!", lines)
+        self.assertEqual(contents_below(self.tree), local)
+
+
+# Which is told apart from the second by what it writes; "[ab]" is too short to end a section.
+FIRST_SCRIPT = script(
+    "[Other]", "dirmake,%ProgramPath%\\never", "[BASE]",
+    "regwrite,HKCU,0x0,Software\\Vesk Builder Test",
+    'regwrite,HKCU,0x1,"Software\\Vesk Builder Test", "Tree" ,%ProgramPath%\\plugin',
+    "regwrite, HKCU,0x1,Software\\Vesk Builder Test,Source,%SourcePath%\\i386",
+    "regwrite,HKCU,0x2,Software\\Vesk Builder Test,Expandable,%TEMP%",
+    "regwrite,HKCU,0x3,Software\\Vesk Builder Test,Binary,1",
+    "regwrite,HKCU,0x4,Software\\Vesk Builder Test,Decimal,16",
+    "REGWRITE,HKCU,0x4,Software\\Vesk Builder Test,Cut,0x15",
+    "regwrite,HKCU,0x1,Software\\Vesk Builder Test,Pair,a, b ",
+    "regwrite,HKCU,0x1,Software\\Vesk Builder Test,Three,a,b,c",
+    "dirmove,a,b", "dircopy,a,b", "dirdelete,a", "no command", "[ab]",
+    "dirmake,%ProgramPath%\\made", "[end]", "dirmake,%ProgramPath%\\never")
+SECOND_SCRIPT = script(
+    "[base]", "dirmake, \"%ProgramPath%\\second\" ,x", "regwrite,HKLM,0x1,No such key,Name,refused",
+    "regwrite,HKCU,0x7,Software\\Vesk Builder Test,List,a", "dirmake,%ProgramPath%\\never")
+LAST_SCRIPT = script("[base]", "dirmake,%ProgramPath%\\third", "[end]", "[plugins]", "x")
+
+STAMPED = [
+    Member("times/summer.dat", "s", SUMMER), Member("times/winter.dat", "w", WINTER),
+    Member("times/exact.dat", "x", SUMMER, unix_time=1138000001),
+    Member("kept/", "", WINTER, 0x12), Member("kept/system.dat", "sys", attributes=0x26),
+    Member("kept/readonly.dat", "ro", attributes=0x21), Member("kept/hidden.dat", "h", attributes=0x22)]
+REFUSED = [Member(name, "x") for name in (
+    "CON", "sub/aux.h", "lpt1.txt", "control\x01.dat", "dot.", "blank ", "../up.dat", "C:/drive.dat",
+    "a:stream", "question?.dat", "/root.dat")] + [Member("./plain//good.dat", "good")]
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])
