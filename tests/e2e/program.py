@@ -35,7 +35,8 @@ def zip_bytes(path, members):
 
 def link_drive(test, folder):
     """Gives a test a drive that is the folder. Another test may take a letter at the same time."""
-    prefix = TOP / "build/wine" / os.environ.get("VESK_PREFIX", "test")
+    default = "test32" if WINE[0].endswith("wine32") else "test"
+    prefix = TOP / "build/wine" / os.environ.get("VESK_PREFIX", default)
     for letter in "tuvwxyrsqponmlkji":
         link = prefix / "dosdevices" / f"{letter}:"
         try:
