@@ -106,6 +106,19 @@ class ProgramTest(unittest.TestCase):
              ("Locked", "locked.zip", "100", 0, 1, "", "1")])
 
 
+class SampleTest(ProgramTest):
+    """Program folders that hold the sample with every archive."""
+
+    def setUp(self):
+        super().setUp()
+        self.sample = self.folder / "sample"
+        subprocess.run([sys.executable, TOP / "sample/make_sample.py", self.sample], check=True)
+        for file in (self.sample / "program").iterdir():
+            shutil.copy(file, self.program)
+        shutil.copy(self.sample / "server/hexview.zip", self.program)
+        shutil.copy(TOP / "packaging/readme.txt", self.program)
+
+
 def contents_below(folder):
     """Relative path to bytes, of all files in a folder."""
     return {str(path.relative_to(folder)): path.read_bytes()

@@ -2,27 +2,17 @@
 """The sample, built by the delivered program: the whole log, and what stands in the tree."""
 
 import re
-import shutil
 import subprocess
 import sys
 import unittest
 
-from program import TOP, WINE, ProgramTest, contents_below, windows_path
+from program import TOP, WINE, SampleTest, contents_below, windows_path
 
 START_MENU = r"C:\ProgramData\Microsoft\Windows\Start Menu\Programs\Vesk Builder"
 EXPECTED_LOG = TOP / "tests/data/sample_build.log"
 
 
-class Sample(ProgramTest):
-    def setUp(self):
-        super().setUp()
-        self.sample = self.folder / "sample"
-        subprocess.run([sys.executable, TOP / "sample/make_sample.py", self.sample], check=True)
-        for file in (self.sample / "program").iterdir():
-            shutil.copy(file, self.program)
-        shutil.copy(self.sample / "server/hexview.zip", self.program)
-        shutil.copy(TOP / "packaging/readme.txt", self.program)
-
+class Sample(SampleTest):
     def test_log_and_tree(self):
         # A start menu folder of an earlier build would be deleted with a log line of its own.
         subprocess.run([*WINE, "cmd", "/c", "rmdir", "/s", "/q", START_MENU], check=False,
