@@ -35,7 +35,8 @@ def zip_bytes(path, members):
 
 def link_drive(test, folder):
     """Gives a test a drive that is the folder. Another test may take a letter at the same time."""
-    prefix = TOP / "build/wine" / os.environ.get("VESK_PREFIX", "test")
+    default = "test32" if WINE[0].endswith("wine32") else "test"
+    prefix = TOP / "build/wine" / os.environ.get("VESK_PREFIX", default)
     for letter in "tuvwxyrsqponmlkji":
         link = prefix / "dosdevices" / f"{letter}:"
         try:
@@ -105,6 +106,19 @@ class ProgramTest(unittest.TestCase):
             [("PE Builder", "pebuilder3110a.zip", "", 1, 1, "", crc)],
             [("One", "one.zip", "100", 1, 0, "", one),
              ("Locked", "locked.zip", "100", 0, 1, "", "1")])
+
+
+class SampleTest(ProgramTest):
+    """Program folders that hold the sample with every archive."""
+
+    def setUp(self):
+        super().setUp()
+        self.sample = self.folder / "sample"
+        subprocess.run([sys.executable, TOP / "sample/make_sample.py", self.sample], check=True)
+        for file in (self.sample / "program").iterdir():
+            shutil.copy(file, self.program)
+        shutil.copy(self.sample / "server/hexview.zip", self.program)
+        shutil.copy(TOP / "packaging/readme.txt", self.program)
 
 
 def contents_below(folder):

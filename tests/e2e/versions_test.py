@@ -1,0 +1,56 @@
+#!/usr/bin/env python3
+"""The delivered 32-bit programs on each Windows that Wine can be told to be.
+
+    versions_test.py FOLDER UI_TESTS WINE...
+"""
+
+import os
+import subprocess
+import sys
+import unittest
+
+UI_TESTS = sys.argv.pop(2)
+# A prefix of its own: the other tests' Windows must not change under them.
+PREFIX = "versions32"
+os.environ["VESK_PREFIX"] = PREFIX
+
+# pylint: disable=wrong-import-position
+from program import PROGRAMS, TOP, WINE, SampleTest, windows_path
+
+
+class Versions(SampleTest):
+    def become(self, version):
+        subprocess.run([TOP / "tools/wine-prefix", f"{PREFIX}:{version}"], check=True,
+                       capture_output=True, timeout=120)
+
+    def test_a_whole_build(self):
+        source = windows_path(self.sample / "source")
+        # Windows XP is the one of the other tests; Wine 8 cannot be told to be Windows 11.
+        for version in ("win2k", "vista", "win7", "win10"):
+            with self.subTest(version):
+                self.become(version)
+                code, lines, errors = self.build("--yes", "--source", source)
+                self.assertEqual(code, 1, errors)  # one archive of the sample is damaged
+                self.assertRegex(errors, r"\Aveskbuild: diskcheck.zip: not installed, .*\n\Z")
+                self.assertRegex(lines[-2], r"^Done\.\.\. \[")
+                self.wizard("a whole build*")  # a comma would end the pattern
+
+    def wizard(self, case):
+        programs = {"VESK_WIZARD": PROGRAMS.parent / "ui/veskbuilder.exe",
+                    "VESK_CONSOLE": PROGRAMS / "veskbuild.exe"}
+        result = subprocess.run([*WINE, UI_TESTS, f"--test-case={case}"], capture_output=True,
+                                text=True, timeout=120, check=False,
+                                env=os.environ | {k: str(v) for k, v in programs.items()})
+        self.assertEqual(result.returncode, 0, result.stdout)
+        self.assertIn("test cases:  1 |  1 passed", result.stdout)
+
+    def test_what_is_no_nt_is_refused(self):
+        self.become("win98")
+        code, lines, errors = self.build("--yes")
+        self.assertEqual((code, lines), (4, []))
+        self.assertIn("Sorry only NT systems supported, setup cannot continue...", errors)
+        self.assertFalse(self.tree.exists())
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])
