@@ -149,6 +149,17 @@ TEST_CASE_FIXTURE(Fixture, "a stop asked for is obeyed at the next step") {
     CHECK_FALSE(FileExists(InTree("vesklive.ini")));
 }
 
+TEST_CASE_FIXTURE(Fixture, "a stop asked for before the old tree goes leaves it as it is") {
+    const std::string old = folder.Write("tree\\old.txt", "kept");
+    folder.Write("tree\\vesklive.ini", "of an earlier build");
+    frontEnd.onLine = [this](const std::string& line) {
+        frontEnd.stop = frontEnd.stop || line.starts_with("Skipping download");
+    };
+    CHECK(Run() == BuildEnding::Aborted);
+    CHECK(FileExists(old));
+    CHECK_FALSE(frontEnd.Logged("Removing directory"));
+}
+
 TEST_CASE_FIXTURE(Fixture, "PE Builder's archive decides how a run goes on") {
     const std::string archive = inputs.programPath + "pebuilder3110a.zip";
     catalogue.baseComponents[0].crc = "BAD";

@@ -59,6 +59,7 @@ class ProgramTest(unittest.TestCase):
         shutil.copy(PROGRAMS / "veskbuild.exe", self.program)
         (self.program / "readme.txt").write_text("read me")
         self.tree = self.folder / "tree"
+        self.said = "none"
 
     def run_program(self, *arguments, stdin=subprocess.DEVNULL, cwd=None, zone=None):
         environment = dict(os.environ, TZ=zone) if zone else None
@@ -67,7 +68,13 @@ class ProgramTest(unittest.TestCase):
             stdin=stdin, capture_output=True, timeout=60, encoding="cp1252", cwd=cwd)
         # Wine itself complains that Z: has no volume label.
         errors = [line for line in result.stderr.splitlines(True) if not line.startswith("wine: ")]
+        self.said = (f"arguments {arguments}\nexit code {result.returncode}\n{result.stderr}"
+                     f"--- log\n{result.stdout}")
         return result.returncode, result.stdout.splitlines(), "".join(errors)
+
+    def _formatMessage(self, msg, standard):
+        """Every failed assertion shows what the last run said."""
+        return super()._formatMessage(msg, standard) + "\n--- the last run: " + self.said
 
     def build(self, *arguments):
         """A run into the tree; returns exit code, normalised log lines and the error output."""
