@@ -4,6 +4,7 @@
 #include "build/BuildFrontEnd.h"
 #include "build/clsBuildRun.h"
 #include "catalogue/Catalogue.h"
+#include "catalogue/clsSha256List.h"
 
 #include <string>
 #include <utility>
@@ -25,13 +26,14 @@ struct BuildContext {
     BuildFrontEnd& frontEnd;
     std::vector<MenuRecord> menuRecords;
     ProblemReport report; ///< Tells the front end.
+    const clsSha256List& sha256;
 
     void Log(const std::string& line) const { frontEnd.AddLogLine(line, LogMode::Line); }
     void Status(const std::string& caption) const { frontEnd.SetStatus(caption); }
 
     /// The same, for what is done for its log lines only: nothing of it is reported.
     [[nodiscard]] BuildContext Silent() const {
-        return {inputs, catalogue, frontEnd, {}, [](const Problem&) {}};
+        return {inputs, catalogue, frontEnd, {}, [](const Problem&) {}, sha256};
     }
 
     /// Shows a status and lets it be seen before what it announces begins.
@@ -49,8 +51,10 @@ struct BuildContext {
         return inputs.programPath + component.zip;
     }
 
-    /// Checksum of a file; empty when there is nothing to read, and then it matches nothing.
-    [[nodiscard]] std::string FileCrc(const std::string& path) const;
+    /// Why a file is not the component's archive: its CRC-32, or its SHA-256 where one is asked
+    /// for, is another one, or it cannot be read. Empty when it is.
+    [[nodiscard]] std::string ArchiveFault(const std::string& path,
+                                           const CatalogueEntry& component) const;
 
     /// Marks the build tree as unfinished. The mark is no part of what the user asked for: where it
     /// cannot be made, what follows fails and is told.
@@ -66,10 +70,5 @@ struct BuildContext {
     [[nodiscard]] const std::string& InstallFolder() const { return inputs.installFolder.Path(); }
     [[nodiscard]] std::string PluginFolder() const { return inputs.installFolder.PluginFolder(); }
 };
-
-/// Whether a file's checksum is the one that the catalogue says.
-inline bool CrcMatches(const std::string& found, const std::string& expected) {
-    return !found.empty() && found == expected;
-}
 
 } // namespace vesk

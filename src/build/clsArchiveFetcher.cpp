@@ -12,11 +12,12 @@ DownloadOutcome clsArchiveFetcher::Fetch(const CatalogueEntry& component) {
     const bool wasThere = IsPlainArchiveName(component.zip) && FileExists(archive);
     DownloadOutcome outcome;
     if (IsPlainArchiveName(component.zip))
-        ResumeNext(
-            [&](const Problem& problem) { outcome.reason = problem.reason; }, {},
-            [&] {
-                outcome = context_.frontEnd.DownloadFile({component.url, archive, component.crc});
-            });
+        ResumeNext([&](const Problem& problem) { outcome.reason = problem.reason; }, {},
+                   [&] {
+                       outcome = context_.frontEnd.DownloadFile(
+                           {component.url, archive, component.crc,
+                            context_.sha256.Expected(component.zip)});
+                   });
     else
         outcome.reason = "the catalogue's name for it cannot be an archive's";
     if (TrimBlanks(component.url).empty())
@@ -24,9 +25,11 @@ DownloadOutcome clsArchiveFetcher::Fetch(const CatalogueEntry& component) {
     if (outcome.result == DownloadResult::Done)
         return outcome;
     // A file that is there is downloaded again only because it is not the right one.
-    if (wasThere)
-        outcome.reason += "; the file that was there has another CRC-32 than the catalogue says, "
-                          "and is removed";
+    if (wasThere) {
+        const std::string fault = context_.ArchiveFault(archive, component);
+        outcome.reason +=
+            "; the file that was there is removed" + (fault.empty() ? "" : ", " + fault);
+    }
     context_.report({component.zip, "not downloaded", outcome.reason});
     notFetched_.insert(component.zip);
     RemoveLeftovers(component);

@@ -16,6 +16,8 @@
 
 #include <wininet.h>
 
+#include <algorithm>
+
 namespace vesk {
 
 namespace {
@@ -34,10 +36,16 @@ public:
         : inputs_(inputs),
           catalogue_(catalogue),
           frontEnd_(frontEnd),
-          context_{inputs, catalogue, frontEnd, {}, [this](const Problem& problem) {
+          sha256_(inputs.programPath),
+          context_{inputs,
+                   catalogue,
+                   frontEnd,
+                   {},
+                   [this](const Problem& problem) {
                        ++outcome_.problems;
                        frontEnd_.ReportProblem(problem);
-                   }} {}
+                   },
+                   sha256_} {}
 
     std::function<bool()> networkIsConnected = SystemIsConnected;
     std::function<void()> noteFolder; ///< Called whenever the tree may have been made.
@@ -108,6 +116,7 @@ private:
     BuildFrontEnd& frontEnd_;
     BuildOutcome outcome_;
     std::optional<FolderIdentity> asked_; ///< The folder that the user was asked about.
+    clsSha256List sha256_;
     BuildContext context_;
     clsArchiveFetcher fetcher_{context_};
     clsComponentInstaller installer_{context_, fetcher_,
@@ -126,6 +135,7 @@ BuildEnding clsBuildRun::Steps::RunToEnding() {
     };
     if (!MayReplaceFolder())
         return abort();
+    std::ranges::for_each(sha256_.Problems(), context_.report);
     LogHeader();
     switch (FetchPeBuilder()) {
     case PeBuilder::NoNetwork:
@@ -194,7 +204,7 @@ void clsBuildRun::Steps::LogHeader() {
 
 clsBuildRun::Steps::PeBuilder clsBuildRun::Steps::FetchPeBuilder() {
     const CatalogueEntry& component = catalogue_.baseComponents.front();
-    if (CrcMatches(context_.FileCrc(inputs_.programPath + kFirstArchiveName), component.crc)) {
+    if (context_.ArchiveFault(inputs_.programPath + kFirstArchiveName, component).empty()) {
         context_.Log("Skipping download of: PEBuilder v3.1.1.0a");
         return PeBuilder::GoOn;
     }

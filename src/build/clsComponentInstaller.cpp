@@ -1,10 +1,7 @@
 #include "build/clsComponentInstaller.h"
 
-#include "archive/clsCRC.h"
 #include "archive/modArchive.h"
-#include "base/UniqueHandle.h"
 #include "base/modFile.h"
-#include "base/modSystemError.h"
 #include "base/modText.h"
 #include "build/modFileOperations.h"
 #include "build/modPluginInf.h"
@@ -12,23 +9,10 @@
 #include "build/modStockPlugins.h"
 #include "script/modScript.h"
 
-#include <windows.h>
-
 #include <algorithm>
 #include <utility>
 
 namespace vesk {
-
-namespace {
-
-/// Why a file has no checksum.
-std::string WhyUnreadable(const std::string& path) {
-    const FileHandle file(CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
-                                      OPEN_EXISTING, 0, nullptr));
-    return file ? "it is empty" : AsReason(SystemErrorText(GetLastError()));
-}
-
-} // namespace
 
 clsComponentInstaller::clsComponentInstaller(BuildContext& context,
                                              const clsArchiveFetcher& fetcher,
@@ -50,15 +34,11 @@ bool clsComponentInstaller::ArchiveIsThere(const CatalogueEntry& component) {
 
 /// Whether an archive that is there is the one that the catalogue means; logs and reports when not.
 bool clsComponentInstaller::ArchiveIsRight(const CatalogueEntry& component) {
-    const std::string archive = context_.ArchivePath(component);
-    const std::string found = context_.FileCrc(archive);
-    if (CrcMatches(found, component.crc))
+    const std::string fault = context_.ArchiveFault(context_.ArchivePath(component), component);
+    if (fault.empty())
         return true;
     context_.Warn(component, " CRC failed. !!!");
-    context_.report({component.zip, "not installed",
-                     found.empty() ? WhyUnreadable(archive)
-                                   : "its CRC-32 is " + found + " where the catalogue says " +
-                                         (component.crc.empty() ? "nothing" : component.crc)});
+    context_.report({component.zip, "not installed", fault});
     return false;
 }
 

@@ -24,6 +24,8 @@ std::string StateWords(const CatalogueEntry& entry, const EntryPlace& place, Arc
         return "checking";
     case ArchiveState::CrcDiffers:
         return "CRC differs";
+    case ArchiveState::OtherSha256:
+        return "SHA-256 differs";
     case ArchiveState::NoCrc:
         return "no CRC";
     case ArchiveState::Empty:
@@ -79,10 +81,13 @@ ArchiveState JudgeArchive(const CatalogueEntry& entry, const EntryPlace& place,
         return ArchiveState::ToDownload;
     if (!facts.crc)
         return ArchiveState::Unchecked;
-    if (*facts.crc == entry.crc)
+    const bool crcIsRight = *facts.crc == entry.crc;
+    if (crcIsRight && facts.sha256Fault.empty())
         return ArchiveState::Good;
     if (place.IsPeBuilder() && isFetched)
         return ArchiveState::ToReplace;
+    if (crcIsRight)
+        return ArchiveState::OtherSha256;
     return facts.crc->empty() ? ArchiveState::Empty : ArchiveState::CrcDiffers;
 }
 
@@ -108,6 +113,9 @@ std::string ArchiveSentence(const CatalogueEntry& entry, const EntryPlace& place
         return "The archive is there, but its CRC-32 differs from the catalogue's: it is left out "
                "of "
                "the build.";
+    case ArchiveState::OtherSha256:
+        return "The archive is there, but its SHA-256 is not the one in the program folder's list: "
+               "it is left out of the build.";
     case ArchiveState::NoCrc:
         return "The catalogue has no CRC-32 for the archive: it is left out of the build.";
     case ArchiveState::Empty:

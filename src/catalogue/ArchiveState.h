@@ -20,6 +20,10 @@ struct ArchiveFacts {
     /// nothing while nobody has computed it.
     std::optional<std::string> crc;
 
+    /// How its SHA-256 differs from the one that it must have; empty where it does not, or none is
+    /// asked for.
+    std::string sha256Fault = {};
+
     bool operator==(const ArchiveFacts&) const = default;
 };
 
@@ -28,6 +32,7 @@ enum class ArchiveState {
     Good,         ///< There, with the catalogue's CRC-32: extracted.
     Unchecked,    ///< There, and its CRC-32 is not computed yet.
     CrcDiffers,   ///< There, with another CRC-32: left out.
+    OtherSha256,  ///< There, with the CRC-32, and with another SHA-256 than the list's: left out.
     NoCrc,        ///< The catalogue has no CRC-32 for it, which nothing matches: left out.
     Empty,        ///< There, but nothing can be read from it: left out.
     Missing,      ///< Not there, and no build downloads it: left out.

@@ -2,6 +2,7 @@
 
 #include "archive/clsCRC.h"
 #include "archive/modArchive.h"
+#include "base/modSha256.h"
 
 #include <windows.h>
 
@@ -36,17 +37,32 @@ ArchiveFacts clsProgramArchives::Known(const std::string& name) const {
     const auto stamp = facts.plainName ? StampOf(name) : std::nullopt;
     facts.isThere = stamp.has_value();
     const auto known = checksums_.find(name);
-    if (stamp && known != checksums_.end() && known->second.stamp == *stamp)
+    if (stamp && known != checksums_.end() && known->second.stamp == *stamp &&
+        known->second.sha256 == ExpectedSha256(name)) {
         facts.crc = known->second.crc;
+        facts.sha256Fault = known->second.sha256Fault;
+    }
     return facts;
+}
+
+/// From the list as it is now: the editor writes it while archives are shown.
+std::string clsProgramArchives::ExpectedSha256(const std::string& name) const {
+    const auto stamp = StampOf(kSha256FileName);
+    if (stamp != listStamp_)
+        list_ = stamp ? clsSha256List(programPath_) : clsSha256List();
+    listStamp_ = stamp;
+    return list_.Expected(name);
 }
 
 ArchiveFacts clsProgramArchives::Facts(const std::string& name) {
     ArchiveFacts facts = Known(name);
     const auto stamp = facts.isThere && !facts.crc ? StampOf(name) : std::nullopt;
     if (stamp) {
-        facts.crc = clsCRC().CalculateFile(programPath_ + name);
-        checksums_[name] = {*stamp, *facts.crc};
+        const std::string path = programPath_ + name;
+        const std::string expected = ExpectedSha256(name);
+        facts.crc = clsCRC().CalculateFile(path);
+        facts.sha256Fault = facts.crc->empty() ? "" : Sha256Fault(path, expected);
+        checksums_[name] = {*stamp, *facts.crc, expected, facts.sha256Fault};
     }
     return facts;
 }

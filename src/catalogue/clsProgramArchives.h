@@ -1,6 +1,7 @@
 #pragma once
 
 #include "catalogue/ArchiveState.h"
+#include "catalogue/clsSha256List.h"
 
 #include <cstdint>
 #include <map>
@@ -33,11 +34,16 @@ private:
     struct Checksum {
         Stamp stamp;
         std::string crc;
+        std::string sha256; ///< The one that was asked for; empty for none.
+        std::string sha256Fault;
     };
 
     [[nodiscard]] std::optional<Stamp> StampOf(const std::string& name) const;
+    [[nodiscard]] std::string ExpectedSha256(const std::string& name) const;
 
     std::string programPath_;
+    mutable std::optional<Stamp> listStamp_; ///< Of the list that was read last.
+    mutable clsSha256List list_;
     std::map<std::string, Checksum> checksums_;
 };
 

@@ -207,6 +207,8 @@ private:
         if (!facts.isThere)
             return;
         CheckPresent(entry, facts.crc.value_or(""));
+        if (!facts.sha256Fault.empty())
+            Report(Kind::CrcDiffers, Quoted(entry.zip) + ": " + facts.sha256Fault);
         if (archives_.contentFaultsOf)
             ReportContent(entry, archives_.contentFaultsOf(entry.zip));
     }

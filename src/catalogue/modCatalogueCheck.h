@@ -30,6 +30,7 @@ enum class CatalogueProblemKind {
     Category,         ///< A category that the file cannot hold, or whose folder cannot be made.
     MissingPrefix,    ///< A category key that PE Builder's stock plug-ins need.
     InstallFolder,    ///< The installation folder is no folder's name.
+    Sha256List,       ///< The list of digests cannot be read, or not in full.
     SectionNames,     ///< More section names than the reader takes.
 };
 

@@ -12,6 +12,7 @@
 #include "base/modWide.h"
 #include "catalogue/clsINI.h"
 #include "catalogue/clsProgramArchives.h"
+#include "catalogue/clsSha256List.h"
 #include "catalogue/modCatalogueFaults.h"
 #include "catalogue/modCatalogueText.h"
 
@@ -267,8 +268,13 @@ ArchiveSource ArchivesIn(const std::string& programPath) {
 }
 
 CatalogueCheck CheckCatalogueFile(const std::string& programPath, const Catalogue& catalogue) {
-    return CheckCatalogue(catalogue, ArchivesIn(programPath),
-                          SectionNames(ReadWholeFile(programPath + kCatalogueFileName)));
+    CatalogueCheck check =
+        CheckCatalogue(catalogue, ArchivesIn(programPath),
+                       SectionNames(ReadWholeFile(programPath + kCatalogueFileName)));
+    for (const Problem& problem : clsSha256List(programPath).Problems())
+        check.problems.push_back({CatalogueProblemKind::Sha256List, kSha256FileName,
+                                  problem.what + ", " + problem.reason, std::nullopt});
+    return check;
 }
 
 void SaveCatalogue(const std::string& programPath, const Catalogue& catalogue) {

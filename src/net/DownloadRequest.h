@@ -11,6 +11,7 @@ struct DownloadRequest {
     std::string urls;        ///< One address, or several parted by ",".
     std::string destination; ///< Full path of the file.
     std::string crc;         ///< Expected CRC-32 text, to match exactly; empty for any.
+    std::string sha256 = {}; ///< Expected SHA-256, in lower case; empty for any.
 };
 
 /// What became of it.

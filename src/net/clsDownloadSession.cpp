@@ -6,6 +6,7 @@
 #include "base/Trace.h"
 #include "base/UniqueHandle.h"
 #include "base/modFile.h"
+#include "base/modSha256.h"
 #include "base/modSystemError.h"
 
 #include <windows.h>
@@ -205,6 +206,9 @@ DownloadOutcome clsDownloadSession::Outcome(const std::function<void()>& meanwhi
     if (result == DownloadResult::Cancelled)
         return {result, "cancelled by the user"};
     if (result == DownloadResult::Done) {
+        if (const std::string fault = Sha256Fault(partial_, request_.sha256, meanwhile);
+            !fault.empty())
+            return {DownloadResult::CrcDiffers, AllReasons(WhyNotExpected(facts_, fault))};
         try {
             MoveOver(partial_, request_.destination);
             return {result, ""};

@@ -178,6 +178,10 @@ std::string WhyCrcDiffers(const DownloadFacts& facts, const std::string& expecte
     return why + WithComma(PageInstead(facts));
 }
 
+std::string WhyNotExpected(const DownloadFacts& facts, const std::string& fault) {
+    return Answered(facts) + ": " + fault;
+}
+
 namespace {
 
 bool IsTextByte(char c) {

@@ -37,6 +37,9 @@ std::string WhyFailed(const DownloadFacts& facts);
 std::string WhyCrcDiffers(const DownloadFacts& facts, const std::string& expected,
                           const std::string& found);
 
+/// The same where another check found what came to be something else. @param fault what it found
+std::string WhyNotExpected(const DownloadFacts& facts, const std::string& fault);
+
 /// The first words of a text or an HTML page (tags, scripts and styles left out, at most some 60
 /// characters of plain ASCII); empty when the file does not begin like a text.
 std::string PageWords(std::string_view content);

@@ -30,9 +30,13 @@ TEST_CASE("removals write their line first, and report what stays") {
     Catalogue catalogue;
     const BuildInputs inputs{clsInstallFolder(folder / "tree", clsFolderGuard({})), "", "", {}};
     RecordingFrontEnd frontEnd;
-    const BuildContext context{inputs, catalogue, frontEnd, {}, [&](const Problem& problem) {
-                                   frontEnd.ReportProblem(problem);
-                               }};
+    const clsSha256List noList;
+    const BuildContext context{inputs,
+                               catalogue,
+                               frontEnd,
+                               {},
+                               [&](const Problem& problem) { frontEnd.ReportProblem(problem); },
+                               noList};
     const std::string file = folder.Write("tree\\sub\\x.txt", "x");
     const std::string readOnly = folder.Write("tree\\sub\\deep\\read-only.txt", "x");
     SetFileAttributesA(readOnly.c_str(), FILE_ATTRIBUTE_READONLY);

@@ -1,6 +1,7 @@
 #include "catalogue/clsProgramArchives.h"
 
 #include "TestFolder.h"
+#include "base/Failure.h"
 
 using namespace vesk;
 using vesk::test::TestFolder;
@@ -31,4 +32,32 @@ TEST_CASE("nothing outside the program folder is looked at") {
     clsProgramArchives archives(folder / "program\\");
     CHECK(archives.Facts("..\\outside.zip") == ArchiveFacts{false, false, std::nullopt});
     CHECK(archives.Facts("") == ArchiveFacts{false, false, std::nullopt});
+}
+
+TEST_CASE("where there is a list, an archive's SHA-256 counts as well") {
+    const TestFolder folder;
+    const std::string path = folder.Path() + "\\";
+    constexpr const char* kAbc = "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad";
+    folder.Write("a.zip", "abc");
+    clsProgramArchives archives(path);
+    CHECK_FALSE(UpdateSha256List(path, "a.zip"));
+    CHECK_FALSE(FileExists(path + kSha256FileName));
+
+    folder.Write(kSha256FileName, std::string(64, '0') + "  A.zip\n");
+    CHECK(archives.Facts("a.zip").sha256Fault ==
+          "SHA-256 differs, expected " + std::string(64, '0') + ", found " + kAbc);
+    CHECK(UpdateSha256List(path, "a.zip"));
+    CHECK(ReadWholeFile(path + kSha256FileName) == std::string(kAbc) + " *a.zip\n");
+    CHECK_FALSE(archives.Known("a.zip").crc);
+    CHECK(archives.Facts("a.zip").sha256Fault.empty());
+    CHECK(clsSha256List(path).Problems().empty());
+
+    CHECK_THROWS_AS(UpdateSha256List(path, "none.zip"), Failure);
+    folder.Write(kSha256FileName, std::string("\xFF\xFE"
+                                              "a\0",
+                                              4));
+    CHECK_THROWS_AS(UpdateSha256List(path, "a.zip"), Failure);
+    CHECK(ReadWholeFile(path + kSha256FileName).size() == 4);
+    REQUIRE(clsSha256List(path).Problems().size() == 1);
+    CHECK(clsSha256List(path).Problems()[0].reason == "it is UTF-16 text");
 }

@@ -79,6 +79,16 @@ class Download(ProgramTest):
         self.assertEqual(requested, [b"pebuilder3110a.zip", b"none", b"gone", b"one.zip",
                                      b"damaged.zip", b"none"])
 
+    def test_a_download_with_another_digest_does_not_stay(self):
+        other = "0" * 64
+        (self.program / "veskbuilder.sha256").write_text(f"{other}  one.zip\n{other}  other.zip\n")
+        code, lines, errors = self.build(*self.proxy)
+        self.assertEqual(code, 1)
+        self.assertRegex(errors, r"one\.zip: not downloaded, .*; archives\.invalid through proxy "
+                                 rf"[\d.]+ port \d+: SHA-256 differs, expected {other}, found [0-9a-f]+\n")
+        self.assertIn("Warning: one.zip CRC failed. !!!", lines)
+        self.assertEqual({path.name for path in self.program.glob("*.zip*")}, {"pebuilder3110a.zip"})
+
     def test_a_server_that_falls_silent_is_given_up(self):
         self.slow = "one.zip"
         code, lines, errors = self.build(*self.proxy, "--timeout", "1")

@@ -2,6 +2,7 @@
 """What a build did not do is told, each thing once, and nothing else is: on the error output, in the
 exit code, and in the file beside the log."""
 
+import hashlib
 import os
 import pty
 import select
@@ -153,6 +154,42 @@ class Truth(ProgramTest):
         self.assertFalse((self.tree / "b.script").exists())
         self.assertEqual([(self.tree / name).exists() for name in "ab"], [False, True])
         self.assertEqual(lines.count("Processing script: {TREE}\\a.script"), 1)
+
+    def test_digests_beside_the_checksum(self):
+        good = self.add("good.zip", members={"good.inf": INF})
+        self.add("forged.zip", members={"forged.inf": INF})
+        digest = hashlib.sha256(good.read_bytes()).hexdigest()
+        found = hashlib.sha256((self.program / "forged.zip").read_bytes()).hexdigest()
+        listed = self.program / "veskbuilder.sha256"
+        listed.write_text(f"{digest.upper()} *Good.zip\n{digest}  forged.zip\n{digest} good.zip\n")
+        code, problems, lines = self.build_plugins()
+        differs = f"SHA-256 differs, expected {digest}, found {found}"
+        self.assertEqual((code, problems), (1, [
+            f"{windows_path(listed)}: not read in full, line 3 is no SHA-256 digest and name",
+            f"forged.zip: not installed, {differs}"]))
+        self.assertIn("Warning: forged.zip CRC failed. !!!", lines)
+        self.assertEqual([path.name for path in self.tree.rglob("*d.inf")], ["good.inf"])
+        self.assertIn("SHA-256 differs", [line for line in self.run_program("--list")[1]
+                                          if "forged.zip" in line][0])
+        self.assertIn(f'plug-in "forged": "forged.zip": {differs}', self.run_program("--check")[1])
+
+        self.assertIn("veskbuilder.sha256: not read in full, line 3 is no SHA-256 digest and name",
+                      self.run_program("--check")[1])
+
+        # PE Builder's own archive is asked for anew, as after any difference.
+        listed.write_text(f"{digest}  pebuilder3110a.zip\n")
+        code, problems, lines = self.build_plugins("--yes")
+        self.assertIn("Downloading: pebuilder3110a.zip", lines)
+        self.assertRegex("\n".join(problems), "pebuilder3110a.zip: not downloaded, .*; the file that "
+                                              f"was there is removed, SHA-256 differs, expected {digest}")
+        self.assertEqual(code, 5)
+
+        self.base = zip_bytes(self.program / "pebuilder3110a.zip", {"pebuilder.exe": "x"})
+        listed.unlink()
+        listed.mkdir()
+        code, problems, _ = self.build_plugins("--yes")
+        self.assertEqual((code, len(problems)), (1, 1))
+        self.assertIn("veskbuilder.sha256: not read, so no archive's SHA-256 is checked, ", problems[0])
 
     def test_values_that_are_cut(self):
         self.add("one.zip", members={"a.inf": f"[PEBuilder]\r\nName={'n' * 300}\r\n",

@@ -2,8 +2,10 @@
 
 #include "archive/clsCRC.h"
 #include "archive/modArchive.h"
+#include "base/Failure.h"
 #include "base/modFile.h"
 #include "base/modText.h"
+#include "catalogue/clsSha256List.h"
 #include "ui/kit/ScopeFlag.h"
 #include "ui/kit/frmBrowse.h"
 #include "ui/kit/modEnable.h"
@@ -216,7 +218,22 @@ void clsEntryFrame::Browse() {
     if (crc.empty())
         ShowMessage(dialog_, path + "\r\nis empty or cannot be read: it has no checksum.", kTitle,
                     MB_OK | MB_ICONWARNING);
+    TakeSha256(path);
     Entries().TakeArchive(path, crc);
+}
+
+/// Notes the archive's SHA-256 where the program folder has a list of them.
+void clsEntryFrame::TakeSha256(const std::string& path) const {
+    if (!EqualNoCase(WithTrailingBackslash(ParentOf(path)), programPath_))
+        return;
+    try {
+        const WaitCursor wait;
+        UpdateSha256List(programPath_, FileNameOf(path));
+    } catch (const Failure& failure) {
+        ShowMessage(dialog_,
+                    std::string("The archive's SHA-256 is not noted: ") + failure.what() + ".",
+                    kTitle, MB_OK | MB_ICONWARNING);
+    }
 }
 
 /// A build finds archives in the program folder only: one from elsewhere can be copied there.

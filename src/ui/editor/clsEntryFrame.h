@@ -56,6 +56,7 @@ private:
     bool HandleCombo(int index);
     void Remove();
     void Browse();
+    void TakeSha256(const std::string& path) const;
     [[nodiscard]] std::string BroughtHere(const std::string& path) const;
     void WidenSelector() const;
 
