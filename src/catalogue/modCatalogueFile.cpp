@@ -172,17 +172,17 @@ bool ProgramFolderIsUnknown() {
 
 /// Why the catalogue's file cannot be opened; a state of Whole when it can.
 CatalogueLoad OpenOrExplain(const std::string& path) {
-    const auto absent = [&](const std::string& why, bool isThere) {
-        return CatalogueLoad{CatalogueState::Absent, path + ": " + why, isThere};
+    const auto absent = [&](const std::string& why, const std::string& advice, bool isThere) {
+        const std::string fault = path + ": " + why;
+        return CatalogueLoad{CatalogueState::Absent, fault + ". " + advice, isThere, fault};
     };
     if (path.size() >= MAX_PATH)
-        return absent("the path is longer than the 259 characters that can be used. Move the "
-                      "program to a folder with a shorter path.",
-                      true);
+        return absent("the path is longer than the 259 characters that can be used",
+                      "Move the program to a folder with a shorter path.", true);
     if (ProgramFolderIsUnknown())
         return absent("the name of the program's folder has characters that the system's code page "
-                      "lacks. Move the program to a folder with a plain name.",
-                      true);
+                      "lacks",
+                      "Move the program to a folder with a plain name.", true);
     const FileHandle file(CreateFileA(path.c_str(), GENERIC_READ,
                                       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                                       nullptr, OPEN_EXISTING, 0, nullptr));
@@ -190,13 +190,12 @@ CatalogueLoad OpenOrExplain(const std::string& path) {
     if (error == 0)
         return {};
     if (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND)
-        return absent("there is no such file. Start veskbuilder.exe -setup to make one.", false);
+        return absent("there is no such file", "Start veskbuilder.exe -setup to make one.", false);
     if (FolderExists(path))
-        return absent("it is a folder. Remove it, and start veskbuilder.exe -setup to make a file.",
-                      true);
-    return absent("it cannot be read, " + AsReason(SystemErrorText(error)) +
-                      ". See who may read it, and who has it open.",
-                  true);
+        return absent("it is a folder",
+                      "Remove it, and start veskbuilder.exe -setup to make a file.", true);
+    return absent("it cannot be read, " + AsReason(SystemErrorText(error)),
+                  "See who may read it, and who has it open.", true);
 }
 
 } // namespace
@@ -227,7 +226,8 @@ CatalogueLoad LoadCatalogueReporting(const std::string& programPath, Catalogue& 
         return load;
     const IniText file = ReadIniText(path);
     if (file.sections.empty() && file.lost.empty())
-        return {CatalogueState::Absent, path + ": it is empty. " + kWriteAnew};
+        return {CatalogueState::Absent, path + ": it is empty. " + kWriteAnew, true,
+                path + ": it is empty"};
     const std::vector<IniSection> sections = SectionsOf(path, file);
     std::string fault = CatalogueFault(file);
     try {
@@ -240,7 +240,8 @@ CatalogueLoad LoadCatalogueReporting(const std::string& programPath, Catalogue& 
     }
     if (fault.empty())
         return {};
-    return {CatalogueState::Partial, path + ": " + fault + ". " + kWriteAnew};
+    fault = path + ": " + fault;
+    return {CatalogueState::Partial, fault + ". " + kWriteAnew, true, fault};
 }
 
 void DeriveInstallPaths(Catalogue& catalogue, const std::string& programFilesFolder) {
@@ -271,7 +272,8 @@ CatalogueCheck CheckCatalogueFile(const std::string& programPath, const Catalogu
     CatalogueCheck check =
         CheckCatalogue(catalogue, ArchivesIn(programPath),
                        SectionNames(ReadWholeFile(programPath + kCatalogueFileName)));
-    for (const Problem& problem : clsSha256List(programPath).Problems())
+    const clsSha256List list(programPath);
+    for (const Problem& problem : list.Problems())
         check.problems.push_back({CatalogueProblemKind::Sha256List, kSha256FileName,
                                   problem.what + ", " + problem.reason, std::nullopt});
     return check;

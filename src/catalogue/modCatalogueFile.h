@@ -30,6 +30,10 @@ struct CatalogueLoad {
 
     /// False only when it is certain that there is no such file, and one can be made.
     bool isThere = true;
+
+    /// The part of the sentence that says what is wrong, without what to do and without a full
+    /// stop.
+    std::string fault = {};
 };
 
 /// Loads the catalogue for a front end, which shows with what was read. Throws nothing.

@@ -5,6 +5,7 @@
 #include "base/modWide.h"
 #include "startup/modStartUp.h"
 #include "ui/editor/frmSetup.h"
+#include "ui/kit/modBoxText.h"
 #include "ui/kit/modProgramVersion.h"
 #include "ui/kit/modWindow.h"
 #include "ui/wizard/frmBuilder.h"
@@ -47,13 +48,14 @@ bool SystemIsFit() {
 
 int RunMessageLoop() {
     MSG message{};
-    while (GetMessageA(&message, nullptr, 0, 0) > 0)
+    while (GetMessageW(&message, nullptr, 0, 0) > 0)
         DispatchForDialogs(message);
     return static_cast<int>(message.wParam);
 }
 
-int RunCatalogueEditor(const ProgramPaths& paths) {
-    frmSetup editor(paths);
+/// @param told the wizard said what is wrong with the catalogue's file
+int RunCatalogueEditor(const ProgramPaths& paths, bool told) {
+    frmSetup editor(paths, told);
     editor.Show();
     return RunMessageLoop();
 }
@@ -63,7 +65,7 @@ int RunWizard(const ProgramPaths& paths) {
     // Systems from 6.0 to 6.3 draw the arrows of "< Back" and "Next >" badly in the dialog font.
     wizard.Show(SystemMajorVersion() == 6 ? "Arial" : "");
     const int code = RunMessageLoop();
-    return wizard.WantsEditor() ? RunCatalogueEditor(paths) : code;
+    return wizard.WantsEditor() ? RunCatalogueEditor(paths, true) : code;
 }
 
 /// The program works with paths in the system's code page. Tells when that cannot hold the one of
@@ -96,7 +98,7 @@ int Main(const char* commandLine) {
     InitializeControls();
     const ComLibrary apartment;
     const ProgramPaths paths = FindProgramPaths();
-    return EqualNoCase(FirstWord(commandLine, 1), "-setup") ? RunCatalogueEditor(paths)
+    return EqualNoCase(FirstWord(commandLine, 1), "-setup") ? RunCatalogueEditor(paths, false)
                                                             : RunWizard(paths);
 }
 
@@ -108,7 +110,8 @@ int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR lpCmdLine, int) {
     try {
         return vesk::Main(lpCmdLine);
     } catch (const std::exception& failure) {
-        vesk::ShowMessage(nullptr, failure.what(), vesk::kProductName, MB_OK | MB_ICONERROR);
+        vesk::ShowMessage(nullptr, vesk::AsSentence(failure.what()), vesk::kProductName,
+                          MB_OK | MB_ICONERROR);
         return 1;
     }
 }

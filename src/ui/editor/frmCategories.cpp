@@ -3,29 +3,18 @@
 #include "catalogue/modCatalogueFile.h"
 #include "catalogue/modCategoryCheck.h"
 #include "ui/kit/ScopeFlag.h"
+#include "ui/kit/modBoxText.h"
 #include "ui/kit/modEnable.h"
 #include "ui/kit/modWindow.h"
 #include "ui/resources/ids.h"
 
-#include <commctrl.h>
-
 #include <algorithm>
-#include <array>
 
 namespace vesk {
 
 namespace {
 
 constexpr const char* kTitle = "Category";
-constexpr std::array kTitles{"Key", "Folder", "Title"};
-
-void SetCell(HWND list, int line, int column, const std::string& text) {
-    LVITEMA item{};
-    item.iSubItem = column;
-    item.pszText = const_cast<char*>(text.c_str()); // only read
-    SendMessageA(list, LVM_SETITEMTEXTA, static_cast<WPARAM>(line),
-                 reinterpret_cast<LPARAM>(&item));
-}
 
 } // namespace
 
@@ -36,25 +25,20 @@ bool frmCategories::Show(HWND owner) {
     return RunModal(owner, IDD_CATEGORIES) == IDOK;
 }
 
-HWND frmCategories::List() const {
-    return Control(IDC_LST_CATEGORIES);
-}
-
 void frmCategories::OnCreated() {
     SetWindowIcon(Window());
     FollowSize();
-    ListView_SetExtendedListViewStyle(List(), LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER);
-    int column = 0;
-    for (const char* title : kTitles) {
-        LVCOLUMNA description{};
-        description.mask = LVCF_TEXT | LVCF_SUBITEM;
-        description.iSubItem = column;
-        description.pszText = const_cast<char*>(title); // only read
-        SendMessageA(List(), LVM_INSERTCOLUMNA, static_cast<WPARAM>(column++),
-                     reinterpret_cast<LPARAM>(&description));
-    }
-    note_.Attach(List(), "There are no categories.");
-    FitColumns();
+    list_.Attach(Control(IDC_LST_CATEGORIES),
+                 {.titles = {"Key", "Folder", "Title"},
+                  .count = [this] { return categories_.Categories().size(); },
+                  .cell =
+                      [this](std::size_t line, int column) {
+                          const CategoryRecord& category = categories_.Categories()[line];
+                          return column == 0   ? category.key
+                                 : column == 1 ? category.value
+                                               : category.caption;
+                      },
+                  .whenEmpty = "There are no categories."});
     CheckDlgButton(Window(), IDC_CHK_SHOW_CATEGORIES,
                    editor_.ShowCategories() ? BST_CHECKED : BST_UNCHECKED);
     ShowList();
@@ -63,7 +47,7 @@ void frmCategories::OnCreated() {
 
 void frmCategories::FollowSize() {
     layout_.Attach(Window());
-    layout_.Add(List(), clsLayout::kGrowX | clsLayout::kGrowY);
+    layout_.Add(Control(IDC_LST_CATEGORIES), clsLayout::kGrowX | clsLayout::kGrowY);
     for (const int id : {IDC_CMD_CATEGORY_ADD, IDC_CMD_CATEGORY_REMOVE, IDC_CMD_CATEGORY_UP,
                          IDC_CMD_CATEGORY_DOWN})
         layout_.Add(Control(id), clsLayout::kMoveX);
@@ -75,38 +59,12 @@ void frmCategories::FollowSize() {
         layout_.Add(Control(id), clsLayout::kMoveX | clsLayout::kMoveY);
 }
 
-void frmCategories::FitColumns() const {
-    const int width = InnerSize(List()).cx - GetSystemMetrics(SM_CXVSCROLL);
-    const int key = width / 5;
-    const int folder = (width - key) / 2;
-    ListView_SetColumnWidth(List(), 0, key);
-    ListView_SetColumnWidth(List(), 1, folder);
-    ListView_SetColumnWidth(List(), 2, width - key - folder);
-}
-
 void frmCategories::ShowList() {
     const ScopeFlag showing(showing_);
-    ListView_DeleteAllItems(List());
-    int line = 0;
-    for (const CategoryRecord& category : categories_.Categories()) {
-        LVITEMA item{};
-        item.iItem = line;
-        SendMessageA(List(), LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item));
-        ShowLine(line++, category);
-    }
-    const int selected = categories_.Selected();
-    constexpr UINT kChosen = LVIS_SELECTED | LVIS_FOCUSED;
-    if (selected >= 0) {
-        ListView_SetItemState(List(), selected, kChosen, kChosen);
-        ListView_EnsureVisible(List(), selected, FALSE);
-    }
+    list_.Refresh();
+    static_assert(clsReportList::kNone == clsEntryEditor::kNoSelection);
+    list_.Select(categories_.Selected());
     ShowCurrent();
-}
-
-void frmCategories::ShowLine(int line, const CategoryRecord& category) const {
-    SetCell(List(), line, 0, category.key);
-    SetCell(List(), line, 1, category.value);
-    SetCell(List(), line, 2, category.caption);
 }
 
 void frmCategories::ShowCurrent() {
@@ -123,7 +81,7 @@ void frmCategories::EnableWhatWorks() const {
     EnableWindow(Control(IDC_TXT_CATEGORY_FOLDER), any);
     EnableControl(Control(IDC_CMD_CATEGORY_REMOVE), any, Control(IDC_CMD_CATEGORY_ADD));
     EnablePair(Control(IDC_CMD_CATEGORY_UP), categories_.CanMoveUp(),
-               Control(IDC_CMD_CATEGORY_DOWN), categories_.CanMoveDown(), List());
+               Control(IDC_CMD_CATEGORY_DOWN), categories_.CanMoveDown(), list_.Window());
 }
 
 void frmCategories::OnField(int id) {
@@ -134,14 +92,13 @@ void frmCategories::OnField(int id) {
         categories_.SetKey(text);
     else
         categories_.SetValue(text);
-    if (categories_.Current())
-        ShowLine(categories_.Selected(), *categories_.Current());
+    list_.Refresh();
 }
 
 void frmCategories::OnSelected() {
     if (showing_)
         return;
-    categories_.Select(ListView_GetNextItem(List(), -1, LVNI_SELECTED));
+    categories_.Select(list_.Selected());
     ShowCurrent();
 }
 
@@ -151,7 +108,7 @@ void frmCategories::Remove() {
         return;
     const std::string key = categories_.OriginalKey();
     const std::size_t users = key.empty() ? 0 : editor_.PluginsIn(key);
-    const std::string question = "The category '" + category->key + "' holds " +
+    const std::string question = "The category '" + Shortened(category->key) + "' holds " +
                                  std::to_string(users) +
                                  (users == 1 ? " plug-in, which is" : " plug-ins, which are") +
                                  " then in none. Remove it all the same ?";
@@ -195,7 +152,8 @@ void frmCategories::Accept() {
     ShowList();
     const std::string key = categories_.Current()->key;
     ShowMessage(Window(),
-                (key.empty() ? "This category: " : "The category '" + key + "': ") + *fault + ".",
+                (key.empty() ? "This category: " : "The category '" + Shortened(key) + "': ") +
+                    *fault + ".",
                 kTitle, MB_OK | MB_ICONWARNING);
 }
 
@@ -215,25 +173,22 @@ INT_PTR frmCategories::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
     switch (message) {
     case WM_INITDIALOG:
         OnCreated();
-        SetFocus(List());
+        SetFocus(list_.Window());
         return FALSE;
     case WM_COMMAND:
         OnCommand(LOWORD(wparam), HIWORD(wparam));
         return TRUE;
     case WM_NOTIFY:
         if (const auto& header = *reinterpret_cast<NMHDR*>(lparam);
-            header.hwndFrom == List() && header.code == LVN_ITEMCHANGED)
+            !list_.HandleNotify(header) && header.hwndFrom == list_.Window() &&
+            (header.code == LVN_ITEMCHANGED || header.code == LVN_ODSTATECHANGED))
             OnSelected();
         return TRUE;
-    case WM_SIZE:
-        layout_.OnSize();
-        FitColumns();
-        return TRUE;
-    case WM_GETMINMAXINFO:
-        layout_.LimitSize(*reinterpret_cast<MINMAXINFO*>(lparam));
-        return TRUE;
     default:
-        return FALSE;
+        if (!layout_.Handle(message, lparam))
+            return FALSE;
+        list_.FitColumns();
+        return TRUE;
     }
 }
 

@@ -4,7 +4,7 @@
 #include "catalogue/clsCategoryEditor.h"
 #include "ui/kit/clsDialog.h"
 #include "ui/kit/clsLayout.h"
-#include "ui/kit/clsListNote.h"
+#include "ui/kit/clsReportList.h"
 
 #include <string>
 
@@ -24,7 +24,6 @@ private:
     INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;
     void OnCreated();
     void FollowSize();
-    void FitColumns() const;
     void OnCommand(int id, int notification);
     void OnField(int id);
     void OnSelected();
@@ -32,15 +31,13 @@ private:
     void Remove();
     void Accept();
     void ShowList();
-    void ShowLine(int line, const CategoryRecord& category) const;
     void ShowCurrent();
     void EnableWhatWorks() const;
-    [[nodiscard]] HWND List() const;
 
     clsCatalogueEditor& editor_;
     clsCategoryEditor categories_;
     clsLayout layout_;
-    clsListNote note_;
+    clsReportList list_;
     bool showing_ = false; ///< Controls change because something is shown, not by the user.
 };
 

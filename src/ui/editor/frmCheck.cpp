@@ -1,18 +1,12 @@
 #include "ui/editor/frmCheck.h"
 
+#include "ui/kit/modReadOnlyText.h"
 #include "ui/kit/modWindow.h"
 #include "ui/resources/ids.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace vesk {
-
-namespace {
-
-constexpr int kLineMargin = 8; // pixels at 96 DPI behind the widest line
-
-} // namespace
 
 frmCheck::frmCheck(CatalogueCheck check)
     : problems_(std::move(check.problems)), verdict_(check.Verdict()) {}
@@ -29,46 +23,32 @@ void frmCheck::OnCreated() {
     SetWindowIcon(Window());
     layout_.Attach(Window());
     layout_.Add(Control(IDC_LST_PROBLEMS), clsLayout::kGrowX | clsLayout::kGrowY);
+    layout_.Add(Control(IDC_TXT_PROBLEM), clsLayout::kGrowX | clsLayout::kMoveY);
+    layout_.Add(Control(IDC_CMD_CHECK_COPY), clsLayout::kMoveY);
     for (const int id : {IDC_CMD_GO_TO, IDCANCEL})
         layout_.Add(Control(id), clsLayout::kMoveX | clsLayout::kMoveY);
-    const HWND list = Control(IDC_LST_PROBLEMS);
-    int widest = 0;
-    for (const CatalogueProblem& problem : problems_) {
-        const std::string line = problem.Line();
-        SendMessageA(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(line.c_str()));
-        widest = std::max(widest, TextWidth(list, line) + ScalePixels(kLineMargin));
-    }
-    SendMessageA(list, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(widest), 0);
-    SendMessageA(list, LB_SETCURSEL, 0, 0);
-    ShowWhereToGo();
-    GrowToLines(widest);
+    list_.Attach(Control(IDC_LST_PROBLEMS),
+                 {.titles = {"Where", "What"},
+                  .count = [this] { return problems_.size(); },
+                  .cell =
+                      [this](std::size_t line, int column) {
+                          return column == 0 ? problems_[line].entry : problems_[line].sentence;
+                      },
+                  .whole = [this](std::size_t line) { return problems_[line].Line(); }});
+    MakePlainText(whole_, Control(IDC_TXT_PROBLEM));
+    list_.Select(0);
+    ShowSelected();
     CenterWindow(Window());
 }
 
-/// Makes the window as large as its lines need, as far as the screen goes.
-void frmCheck::GrowToLines(int widest) {
-    const HWND list = Control(IDC_LST_PROBLEMS);
-    const SIZE inside = InnerSize(list);
-    const LONG lineHeight = static_cast<LONG>(SendMessageA(list, LB_GETITEMHEIGHT, 0, 0));
-    const LONG wanted = lineHeight * static_cast<LONG>(problems_.size() + 1);
-    RECT whole{};
-    GetWindowRect(Window(), &whole);
-    const RECT work = WorkAreaOf(Window());
-    const LONG width = whole.right - whole.left + std::max<LONG>(0, widest - inside.cx);
-    const LONG height = whole.bottom - whole.top + std::max<LONG>(0, wanted - inside.cy);
-    SetWindowPos(Window(), nullptr, 0, 0, std::min(width, work.right - work.left),
-                 std::min(height, (work.bottom - work.top) * 3 / 4), SWP_NOMOVE | SWP_NOZORDER);
-    layout_.OnSize();
-}
-
 const CatalogueProblem* frmCheck::Selected() const {
-    const auto line =
-        static_cast<std::size_t>(SendMessageA(Control(IDC_LST_PROBLEMS), LB_GETCURSEL, 0, 0));
+    const auto line = static_cast<std::size_t>(list_.Selected());
     return line < problems_.size() ? &problems_[line] : nullptr;
 }
 
-void frmCheck::ShowWhereToGo() const {
+void frmCheck::ShowSelected() const {
     const CatalogueProblem* problem = Selected();
+    SetText(Control(IDC_TXT_PROBLEM), problem ? problem->Line() : "");
     EnableWindow(Control(IDC_CMD_GO_TO), problem && problem->place);
 }
 
@@ -80,32 +60,46 @@ void frmCheck::GoTo() {
     EndDialog(Window(), IDOK);
 }
 
-void frmCheck::OnCommand(int id, int notification) {
-    if (id == IDCANCEL)
+void frmCheck::OnCommand(int id) {
+    switch (id) {
+    case IDC_CMD_GO_TO:
+        return GoTo();
+    case IDC_CMD_CHECK_COPY:
+        return list_.Copy();
+    case IDCANCEL:
         EndDialog(Window(), IDCANCEL);
-    else if (id == IDC_CMD_GO_TO || (id == IDC_LST_PROBLEMS && notification == LBN_DBLCLK))
+        return;
+    default:
+        return;
+    }
+}
+
+void frmCheck::OnNotify(const NMHDR& header) {
+    if (list_.HandleNotify(header) || header.hwndFrom != list_.Window())
+        return;
+    if (header.code == NM_DBLCLK)
         GoTo();
-    else if (id == IDC_LST_PROBLEMS && notification == LBN_SELCHANGE)
-        ShowWhereToGo();
+    else if (header.code == LVN_ITEMCHANGED)
+        ShowSelected();
 }
 
 INT_PTR frmCheck::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
     switch (message) {
     case WM_INITDIALOG:
         OnCreated();
-        SetFocus(Control(IDC_LST_PROBLEMS));
+        SetFocus(list_.Window());
         return FALSE;
     case WM_COMMAND:
-        OnCommand(LOWORD(wparam), HIWORD(wparam));
+        OnCommand(LOWORD(wparam));
         return TRUE;
-    case WM_SIZE:
-        layout_.OnSize();
-        return TRUE;
-    case WM_GETMINMAXINFO:
-        layout_.LimitSize(*reinterpret_cast<MINMAXINFO*>(lparam));
+    case WM_NOTIFY:
+        OnNotify(*reinterpret_cast<const NMHDR*>(lparam));
         return TRUE;
     default:
-        return FALSE;
+        if (!layout_.Handle(message, lparam))
+            return FALSE;
+        list_.FitColumns();
+        return TRUE;
     }
 }
 

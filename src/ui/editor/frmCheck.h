@@ -3,6 +3,8 @@
 #include "catalogue/modCatalogueCheck.h"
 #include "ui/kit/clsDialog.h"
 #include "ui/kit/clsLayout.h"
+#include "ui/kit/clsReportList.h"
+#include "ui/kit/clsSubclass.h"
 
 #include <optional>
 #include <string>
@@ -10,7 +12,8 @@
 
 namespace vesk {
 
-/// Lists what would go wrong in a build, a line each; the user can go from a line to its entry.
+/// Lists what would go wrong in a build, a line each, with the line at hand shown whole below; the
+/// user can go from a line to its entry.
 class frmCheck : public clsDialog {
 public:
     explicit frmCheck(CatalogueCheck check);
@@ -21,9 +24,9 @@ public:
 private:
     INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;
     void OnCreated();
-    void OnCommand(int id, int notification);
-    void GrowToLines(int widest);
-    void ShowWhereToGo() const;
+    void OnCommand(int id);
+    void OnNotify(const NMHDR& header);
+    void ShowSelected() const;
     void GoTo();
     [[nodiscard]] const CatalogueProblem* Selected() const;
 
@@ -31,6 +34,8 @@ private:
     std::string verdict_; ///< What is said when there are none.
     std::optional<EntryPlace> chosen_;
     clsLayout layout_;
+    clsReportList list_;
+    clsSubclass whole_;
 };
 
 } // namespace vesk

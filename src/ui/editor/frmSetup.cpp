@@ -5,8 +5,10 @@
 #include "catalogue/modCatalogueFile.h"
 #include "ui/editor/frmCategories.h"
 #include "ui/editor/frmCheck.h"
+#include "ui/editor/modSaveCheck.h"
 #include "ui/kit/ScopeFlag.h"
 #include "ui/kit/modBand.h"
+#include "ui/kit/modBoxText.h"
 #include "ui/kit/modContrast.h"
 #include "ui/kit/modEnable.h"
 #include "ui/resources/ids.h"
@@ -55,9 +57,10 @@ Catalogue Load(clsCatalogueFile& file, CatalogueLoad& load) {
 
 } // namespace
 
-frmSetup::frmSetup(const ProgramPaths& paths)
+frmSetup::frmSetup(const ProgramPaths& paths, bool told)
     : paths_(paths),
       file_(paths.programPath),
+      told_(told),
       editor_(Load(file_, load_)),
       baseFrame_(kBase, editor_, paths.programPath),
       pluginFrame_(kPlugin, editor_, paths.programPath),
@@ -68,30 +71,30 @@ void frmSetup::Show() {
     ShowWindow(Window(), SW_SHOW);
     SetForegroundWindow(Window());
     if (!load_.isThere)
-        return OfferBeginning();
-    if (!load_.sentence.empty())
-        ShowMessage(Window(),
-                    load_.sentence + "\r\n\r\nOnly what could be read is shown. Apply asks before "
-                                     "it writes over the rest.",
-                    kTitle, MB_OK | MB_ICONWARNING);
+        BeginFromNothing();
+    else if (!load_.fault.empty())
+        ExplainCatalogue();
 }
 
-/// Who has no catalogue yet need not know which categories PE Builder's own plug-ins expect.
-void frmSetup::OfferBeginning() {
+/// Who has no catalogue yet need not know which archive a build begins with, and which categories
+/// PE Builder's own plug-ins expect. Nothing is written before Apply.
+void frmSetup::BeginFromNothing() {
     Catalogue beginning = BeginnersCatalogue(CategoryCaption);
-    const std::string folder = beginning.installFolder;
-    if (ShowMessage(Window(),
-                    "There is no catalogue in the program folder yet.\r\n\r\nBegin with PE Builder "
-                    "as the first base component, the categories of its own plug-ins and the "
-                    "installation folder '" +
-                        folder + "' ? Nothing is written before Apply.",
-                    kTitle, MB_YESNO | MB_ICONQUESTION) != IDYES)
-        return;
     for (CatalogueEntry& entry : beginning.baseComponents)
         entry.crc = clsCRC().CalculateFile(paths_.programPath + entry.zip);
     editor_.Offer(beginning);
     ShowAll();
     ShowState("");
+    SetText(Control(IDC_LBL_STATE), "A new catalogue, not saved yet.");
+}
+
+void frmSetup::ExplainCatalogue() const {
+    const char* const advice = "Only what could be read is shown. Apply asks before it writes over "
+                               "the rest.";
+    if (told_)
+        SetText(Control(IDC_LBL_STATE), "Not all of the file could be read.");
+    else
+        ShowMessage(Window(), load_.fault + ".\r\n\r\n" + advice, kTitle, MB_OK | MB_ICONWARNING);
 }
 
 void frmSetup::Form_Load() {
@@ -179,7 +182,25 @@ void frmSetup::EnableWhatWorks() {
     EnableControl(Control(IDC_CMD_DISCARD), modified, heir);
 }
 
+void frmSetup::GoTo(const EntryPlace& place) {
+    (place.list == EntryList::Plugins ? pluginFrame_ : baseFrame_).GoTo(place.index);
+}
+
+/// Tells what the file would not give back, and shows it. @return false when there is nothing
+bool frmSetup::RefuseWhatIsLost() {
+    const auto lost = LostBySaving(editor_.Edited());
+    if (!lost)
+        return false;
+    ShowMessage(Window(), "The catalogue is not saved.\r\n\r\n" + LostText(*lost), kTitle,
+                MB_OK | MB_ICONWARNING);
+    if (lost->place)
+        GoTo(*lost->place);
+    return true;
+}
+
 bool frmSetup::Apply() {
+    if (RefuseWhatIsLost())
+        return false;
     const std::string loss = file_.LossBySaving();
     if (!loss.empty() &&
         ShowMessage(Window(), loss, kTitle, MB_YESNO | MB_ICONWARNING | MB_DEFBUTTON2) != IDYES)
@@ -188,7 +209,7 @@ bool frmSetup::Apply() {
         const WaitCursor wait;
         editor_.Apply([this](const Catalogue& catalogue) { file_.Save(catalogue); });
     } catch (const std::exception& failure) {
-        ShowMessage(Window(), std::string("The catalogue could not be saved.\r\n") + failure.what(),
+        ShowMessage(Window(), "The catalogue could not be saved.\r\n" + AsSentence(failure.what()),
                     kTitle, MB_OK | MB_ICONERROR);
         return false;
     }
@@ -260,7 +281,7 @@ void frmSetup::cmdCheck_Click() {
         check = CheckCatalogue(editor_.Edited(), ArchivesIn(paths_.programPath));
     }
     if (const auto place = frmCheck(std::move(check)).Show(Window()))
-        (place->list == EntryList::Plugins ? pluginFrame_ : baseFrame_).GoTo(place->index);
+        GoTo(*place);
 }
 
 void frmSetup::cmdCategories_Click() {
@@ -275,11 +296,25 @@ void frmSetup::OnEnter() {
     SendMessageA(Window(), WM_NEXTDLGCTL, 0, FALSE);
 }
 
+/// What is saved is what is shown: a letter that the code page lacks becomes a "?" at once.
+void frmSetup::ReplaceForeignLetters(int id) {
+    const HWND field = Control(id);
+    if (!HoldsForeignLetters(field))
+        return;
+    DWORD caret = 0;
+    SendMessageA(field, EM_GETSEL, 0, reinterpret_cast<LPARAM>(&caret));
+    SetWindowTextA(field, TextOf(field).c_str());
+    SendMessageA(field, EM_SETSEL, caret, caret);
+    MessageBeep(MB_ICONWARNING);
+}
+
 bool frmSetup::OnField(int id, int notification) {
     if (notification == EN_SETFOCUS || notification == CBN_SETFOCUS)
         lastField_ = Control(id);
     if (showing_)
         return false;
+    if (notification == EN_CHANGE)
+        ReplaceForeignLetters(id);
     if (id == IDC_TXT_FOLDER && notification == EN_CHANGE)
         editor_.SetInstallFolder(TextOf(Control(id)));
     else if (id == IDC_CMB_INSTALL_PATH &&

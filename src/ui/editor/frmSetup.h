@@ -18,7 +18,8 @@ namespace vesk {
 /// the catalogue file.
 class frmSetup : public clsDialog {
 public:
-    explicit frmSetup(const ProgramPaths& paths);
+    /// @param told the user knows already what is wrong with the catalogue's file
+    explicit frmSetup(const ProgramPaths& paths, bool told = false);
 
     /// Shows the window; it ends the thread's message loop when it closes.
     void Show();
@@ -38,7 +39,11 @@ private:
 
     void cmdCategories_Click();
     void OnEnter();
-    void OfferBeginning();
+    void BeginFromNothing();
+    void ExplainCatalogue() const;
+    [[nodiscard]] bool RefuseWhatIsLost();
+    void GoTo(const EntryPlace& place);
+    void ReplaceForeignLetters(int id);
     void FollowSize();
     void AddTips();
     void ShowAll();
@@ -51,6 +56,7 @@ private:
     ProgramPaths paths_;
     clsCatalogueFile file_;
     CatalogueLoad load_; ///< What was read of it.
+    bool told_;          ///< The wizard said what is wrong with it.
     clsCatalogueEditor editor_;
     clsEntryFrame baseFrame_;
     clsEntryFrame pluginFrame_;

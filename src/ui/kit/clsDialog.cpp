@@ -19,14 +19,14 @@ clsDialog::~clsDialog() {
 
 void clsDialog::Create(HWND owner, int resourceId) {
     const DialogTemplate dialog(resourceId, owner);
-    if (!CreateDialogIndirectParamA(ProgramInstance(), dialog.Get(), owner, Procedure,
+    if (!CreateDialogIndirectParamW(ProgramInstance(), dialog.Get(), owner, Procedure,
                                     reinterpret_cast<LPARAM>(this)))
         ThrowLastError("create dialog", std::to_string(resourceId));
 }
 
 INT_PTR clsDialog::RunModal(HWND owner, int resourceId) {
     const DialogTemplate dialog(resourceId, owner);
-    const INT_PTR result = DialogBoxIndirectParamA(ProgramInstance(), dialog.Get(), owner,
+    const INT_PTR result = DialogBoxIndirectParamW(ProgramInstance(), dialog.Get(), owner,
                                                    Procedure, reinterpret_cast<LPARAM>(this));
     if (result == -1)
         ThrowLastError("show dialog", std::to_string(resourceId));
@@ -43,6 +43,11 @@ INT_PTR clsDialog::Answer(std::optional<LRESULT> result) const {
 }
 
 INT_PTR CALLBACK clsDialog::Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message == WM_NOTIFYFORMAT) {
+        // Asked by controls while they are made: the program speaks the code page.
+        SetWindowLongPtrA(window, DWLP_MSGRESULT, NFR_ANSI);
+        return TRUE;
+    }
     if (message == WM_INITDIALOG) {
         SetWindowLongPtrA(window, DWLP_USER, lparam);
         reinterpret_cast<clsDialog*>(lparam)->window_ = window;
@@ -63,9 +68,7 @@ INT_PTR clsDialog::HandleSafely(UINT message, WPARAM wparam, LPARAM lparam) {
     try {
         return Handle(message, wparam, lparam);
     } catch (const std::exception& failure) {
-        // `this` may be gone by now; the window's own title serves.
-        ShowMessage(window, failure.what(), TextOf(GetAncestor(window, GA_ROOT)),
-                    MB_OK | MB_ICONERROR);
+        ShowFailure(window, failure); // `this` may be gone by now
         return FALSE;
     }
 }

@@ -35,6 +35,16 @@ void clsLayout::OnSize() const {
     RedrawWindow(dialog_, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
 }
 
+bool clsLayout::Handle(UINT message, LPARAM lparam) const {
+    if (message == WM_SIZE)
+        OnSize();
+    else if (message == WM_GETMINMAXINFO)
+        LimitSize(*reinterpret_cast<MINMAXINFO*>(lparam));
+    else
+        return false;
+    return true;
+}
+
 void clsLayout::LimitSize(MINMAXINFO& info) const {
     if (dialog_)
         info.ptMinTrackSize = {window_.cx, window_.cy};

@@ -21,6 +21,9 @@ public:
     /// Puts every control in its place; for WM_SIZE.
     void OnSize() const;
 
+    /// Does both when a message asks for it. @return true when it was one of the two
+    bool Handle(UINT message, LPARAM lparam) const;
+
     /// Keeps the dialog from becoming smaller than it was made; for WM_GETMINMAXINFO.
     void LimitSize(MINMAXINFO& info) const;
 

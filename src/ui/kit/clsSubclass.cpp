@@ -46,8 +46,7 @@ LRESULT CALLBACK clsSubclass::Procedure(HWND window, UINT message, WPARAM wparam
         if (const auto answer = link->handler(message, wparam, lparam))
             return *answer;
     } catch (const std::exception& failure) {
-        const HWND root = GetAncestor(window, GA_ROOT);
-        ShowMessage(root, failure.what(), TextOf(root), MB_OK | MB_ICONERROR);
+        ShowFailure(window, failure);
         return 0;
     }
     return DefSubclassProc(window, message, wparam, lparam);

@@ -1,7 +1,9 @@
 #include "ui/kit/frmBrowse.h"
 
 #include "base/Com.h"
+#include "base/Failure.h"
 #include "base/modText.h"
+#include "base/modWide.h"
 #include "ui/kit/FileDialogInterface.h"
 
 #include <commdlg.h>
@@ -20,9 +22,21 @@ struct TaskMemoryFree {
 };
 using ItemIdList = std::unique_ptr<ITEMIDLIST, TaskMemoryFree>;
 
+/// The program works with paths in the code page; one that it would misspell is another path.
+/// @throws Failure
+std::string UsablePath(const std::wstring& chosen) {
+    if (const auto exact = NarrowedExactly(chosen))
+        return *exact;
+    throw Failure(ERROR_NO_UNICODE_TRANSLATION, "frmBrowse",
+                  "What was chosen has a letter in its name or above it that the code page of this "
+                  "system lacks, and cannot be used: " +
+                      Narrowed(chosen));
+}
+
 std::string PathOf(LPCITEMIDLIST item) {
-    std::array<char, MAX_PATH> path{};
-    return item && SHGetPathFromIDListA(item, path.data()) ? path.data() : std::string();
+    std::array<wchar_t, MAX_PATH> path{};
+    return item && SHGetPathFromIDListW(item, path.data()) ? UsablePath(path.data())
+                                                           : std::string();
 }
 
 ItemIdList ItemOf(const std::string& folder) {
@@ -30,20 +44,11 @@ ItemIdList ItemOf(const std::string& folder) {
     if (folder.empty() || FAILED(SHGetDesktopFolder(&rawDesktop)))
         return {};
     const ComPointer<IShellFolder> desktop(rawDesktop);
-    std::array<wchar_t, MAX_PATH> wide{};
-    MultiByteToWideChar(CP_ACP, 0, folder.c_str(), -1, wide.data(), static_cast<int>(wide.size()));
+    std::wstring wide = Widen(folder);
     LPITEMIDLIST item = nullptr;
     if (FAILED(desktop->ParseDisplayName(nullptr, nullptr, wide.data(), nullptr, &item, nullptr)))
         return {};
     return ItemIdList(item);
-}
-
-std::wstring Wide(const std::string& text) {
-    std::wstring wide(text.size() + 1, L'\0');
-    wide.resize(static_cast<std::size_t>(MultiByteToWideChar(
-                    CP_ACP, 0, text.c_str(), -1, wide.data(), static_cast<int>(wide.size()))) -
-                1);
-    return wide;
 }
 
 ComPointer<IShellItem> ShellItemOf(const std::string& folder) {
@@ -59,10 +64,7 @@ std::string PathOf(IShellItem& item) {
     if (FAILED(item.GetDisplayName(SIGDN_FILESYSPATH, &rawName)))
         return {};
     const std::unique_ptr<wchar_t, TaskMemoryFree> name(rawName);
-    std::array<char, MAX_PATH> path{};
-    WideCharToMultiByte(CP_ACP, 0, name.get(), -1, path.data(), static_cast<int>(path.size()) - 1,
-                        nullptr, nullptr);
-    return path.data();
+    return UsablePath(name.get());
 }
 
 /// The folder dialog of Windows Vista and later; nothing on a system that lacks it.
@@ -76,7 +78,7 @@ std::optional<std::string> ChooseInFileDialog(HWND owner, const std::string& tit
     DWORD options = 0;
     dialog->GetOptions(&options);
     dialog->SetOptions(options | kPickFolders | kForceFileSystem | kNoChangeDir);
-    dialog->SetTitle(Wide(title).c_str());
+    dialog->SetTitle(Widen(title).c_str());
     if (const auto start = ShellItemOf(startFolder))
         dialog->SetFolder(start.get());
     IShellItem* chosen = nullptr;
@@ -117,19 +119,21 @@ std::string frmBrowse::ChooseFolder(const std::string& title,
 
 std::string frmBrowse::ChooseFile(const std::string& title, const std::string& pattern,
                                   const std::string& startFolder) const {
-    std::string filter = "Archives (" + pattern + ")" + '\0' + pattern + '\0';
-    filter += std::string("All files") + '\0' + "*.*" + '\0';
-    std::array<char, 1024> path{};
-    OPENFILENAMEA request{};
+    std::wstring filter = Widen("Archives (" + pattern + ")") + L'\0' + Widen(pattern) + L'\0';
+    filter += std::wstring(L"All files") + L'\0' + L"*.*" + L'\0';
+    const std::wstring start = Widen(startFolder);
+    const std::wstring caption = Widen(title);
+    std::array<wchar_t, 1024> path{};
+    OPENFILENAMEW request{};
     request.lStructSize = sizeof request;
     request.hwndOwner = owner_;
     request.lpstrFilter = filter.c_str();
     request.lpstrFile = path.data();
     request.nMaxFile = static_cast<DWORD>(path.size());
-    request.lpstrInitialDir = startFolder.c_str();
-    request.lpstrTitle = title.c_str();
+    request.lpstrInitialDir = start.c_str();
+    request.lpstrTitle = caption.c_str();
     request.Flags = OFN_EXPLORER | OFN_FILEMUSTEXIST | OFN_HIDEREADONLY | OFN_NOCHANGEDIR;
-    return GetOpenFileNameA(&request) ? path.data() : std::string();
+    return GetOpenFileNameW(&request) ? UsablePath(path.data()) : std::string();
 }
 
 } // namespace vesk

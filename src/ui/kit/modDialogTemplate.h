@@ -17,8 +17,8 @@ public:
     /// @throws Failure when there is no such dialog
     DialogTemplate(int resourceId, HWND owner);
 
-    [[nodiscard]] LPCDLGTEMPLATEA Get() const {
-        return reinterpret_cast<LPCDLGTEMPLATEA>(words_.data());
+    [[nodiscard]] LPCDLGTEMPLATEW Get() const {
+        return reinterpret_cast<LPCDLGTEMPLATEW>(words_.data());
     }
 
 private:

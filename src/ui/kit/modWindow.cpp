@@ -1,6 +1,8 @@
 #include "ui/kit/modWindow.h"
 
 #include "base/modSystemError.h"
+#include "base/modWide.h"
+#include "ui/kit/modBoxText.h"
 
 #include <algorithm>
 #include <cstring>
@@ -30,11 +32,25 @@ HINSTANCE ProgramInstance() {
     return GetModuleHandleA(nullptr);
 }
 
-std::string TextOf(HWND window) {
-    std::string text(static_cast<std::size_t>(GetWindowTextLengthA(window)) + 1, '\0');
-    const int length = GetWindowTextA(window, text.data(), static_cast<int>(text.size()));
+std::wstring WideTextOf(HWND window) {
+    std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
+    const int length = GetWindowTextW(window, text.data(), static_cast<int>(text.size()));
     text.resize(static_cast<std::size_t>(length));
     return text;
+}
+
+std::string TextOf(HWND window) {
+    const std::wstring wide = WideTextOf(window);
+    if (const auto exact = NarrowedExactly(wide))
+        return *exact;
+    std::string text;
+    for (const wchar_t c : wide)
+        text += NarrowedExactly({&c, 1}).value_or("?");
+    return text;
+}
+
+bool HoldsForeignLetters(HWND window) {
+    return !NarrowedExactly(WideTextOf(window)).has_value();
 }
 
 void SetText(HWND window, const std::string& text) {
@@ -131,15 +147,15 @@ void CenterWindow(HWND window) {
 
 void DispatchForDialogs(MSG& message) {
     const HWND root = message.hwnd ? GetAncestor(message.hwnd, GA_ROOT) : nullptr;
-    if (root && IsDialogWindow(root) && IsDialogMessageA(root, &message))
+    if (root && IsDialogWindow(root) && IsDialogMessageW(root, &message))
         return;
     TranslateMessage(&message);
-    DispatchMessageA(&message);
+    DispatchMessageW(&message);
 }
 
 void RunPendingEvents() {
     MSG message{};
-    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
         if (message.message == WM_QUIT) {
             PostQuitMessage(static_cast<int>(message.wParam));
             return;
@@ -159,8 +175,13 @@ void FollowFocus(HWND button, int notification, int defaultId) {
     }
 }
 
+void ShowFailure(HWND window, const std::exception& failure) {
+    const HWND root = GetAncestor(window, GA_ROOT);
+    ShowMessage(root, AsSentence(failure.what()), TextOf(root), MB_OK | MB_ICONERROR);
+}
+
 int ShowMessage(HWND owner, const std::string& text, const std::string& title, UINT style) {
-    return MessageBoxA(owner, text.c_str(), title.c_str(), style);
+    return MessageBoxA(owner, WithBreaks(text).c_str(), title.c_str(), style);
 }
 
 SIZE TextSize(HWND control, const std::string& text) {
@@ -172,6 +193,17 @@ SIZE TextSize(HWND control, const std::string& text) {
     SelectObject(dc, before);
     ReleaseDC(control, dc);
     return size;
+}
+
+int WrappedHeight(HWND control, const std::string& text, int width) {
+    const HDC dc = GetDC(control);
+    const HGDIOBJ before =
+        SelectObject(dc, reinterpret_cast<HGDIOBJ>(SendMessageA(control, WM_GETFONT, 0, 0)));
+    RECT area{0, 0, width, 0};
+    DrawTextA(dc, text.c_str(), -1, &area, DT_WORDBREAK | DT_NOPREFIX | DT_CALCRECT);
+    SelectObject(dc, before);
+    ReleaseDC(control, dc);
+    return area.bottom;
 }
 
 void SetComboItems(HWND combo, const std::vector<std::string>& items) {

@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include <exception>
 #include <string>
 #include <vector>
 
@@ -17,8 +18,13 @@ using MenuHandle = UniqueHandle<::DestroyMenu, HMENU>;
 /// The program's instance, whose resources the windows use.
 HINSTANCE ProgramInstance();
 
-/// Text of a window or control, whatever its length.
+/// Text of a window or control, whatever its length. A letter that the code page lacks is a "?":
+/// a letter like it would be another name, and "?" is in none.
 std::string TextOf(HWND window);
+std::wstring WideTextOf(HWND window);
+
+/// True when the text has letters that TextOf cannot give.
+bool HoldsForeignLetters(HWND window);
 
 /// Sets the text only when it differs, so that nothing flickers.
 void SetText(HWND window, const std::string& text);
@@ -61,7 +67,10 @@ void RunPendingEvents();
 /// system looks for both among the dialog's direct children only.
 void FollowFocus(HWND button, int notification, int defaultId);
 
-/// A message box. @return the button, IDOK ...
+/// Tells the user of a failure that nobody else handles, in a box over a window's dialog.
+void ShowFailure(HWND window, const std::exception& failure);
+
+/// A message box; long words in it are broken. @return the button, IDOK ...
 int ShowMessage(HWND owner, const std::string& text, const std::string& title, UINT style);
 
 /// Pixels that a line of text takes in a control's font.
@@ -71,6 +80,9 @@ SIZE TextSize(HWND control, const std::string& text);
 inline int TextWidth(HWND control, const std::string& text) {
     return static_cast<int>(TextSize(control, text).cx);
 }
+
+/// Pixels in height that a text takes in a control's font, with its lines broken at a width.
+int WrappedHeight(HWND control, const std::string& text, int width);
 
 /// Replaces the items of a combo box; none of them is selected then.
 void SetComboItems(HWND combo, const std::vector<std::string>& items);

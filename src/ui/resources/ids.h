@@ -128,6 +128,8 @@
 #define IDC_LBL_PROBLEMS 1380
 #define IDC_LST_PROBLEMS 1381
 #define IDC_CMD_GO_TO 1382
+#define IDC_TXT_PROBLEM 1383
+#define IDC_CMD_CHECK_COPY 1384
 
 // frmCategories; its buttons are IDOK and IDCANCEL as well
 #define IDC_LBL_CATEGORIES 1390

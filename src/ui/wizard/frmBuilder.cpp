@@ -7,6 +7,8 @@
 #include "ui/kit/modContrast.h"
 #include "ui/kit/modProgramVersion.h"
 #include "ui/resources/ids.h"
+#include "ui/wizard/clsBuildGate.h"
+#include "ui/wizard/clsWizardBuild.h"
 #include "ui/wizard/frmProblems.h"
 #include "ui/wizard/modWizardText.h"
 #include "ui/wizard/pagBaseComponents.h"
@@ -28,6 +30,7 @@ constexpr std::array<int, 4> kButtonIds{IDC_CMD_HELP, IDC_CMD_BACK, IDC_CMD_NEXT
 } // namespace
 
 frmBuilder::frmBuilder(ProgramPaths paths)
+
     : paths_(std::move(paths)), logo_(IDR_LOGO), logoSmall_(IDR_LOGO_SMALL) {}
 
 frmBuilder::~frmBuilder() = default;
@@ -51,7 +54,6 @@ void frmBuilder::SetButtonFace(const std::string& face) {
 void frmBuilder::Form_Load() {
     load_ = LoadCatalogueReporting(paths_.programPath, catalogue_);
     SetWindowIcon(Window());
-    taskbar_ = std::make_unique<clsTaskbar>(Window());
     auto* const font = reinterpret_cast<HFONT>(SendMessageA(Window(), WM_GETFONT, 0, 0));
     largeFont_ = DerivedFont(font, FW_BOLD, 145);
     boldFont_ = DerivedFont(font, FW_BOLD, 100);
@@ -77,12 +79,11 @@ void frmBuilder::ExplainCatalogue() {
         return;
     }
     const std::string found =
-        load_.sentence.empty() ? "The catalogue names no base component." : load_.sentence;
+        load_.fault.empty() ? "The catalogue names no base component" : load_.fault;
     const int answer = ShowMessage(
         Window(),
-        found +
-            "\r\n\r\nThere is nothing to build without one. The catalogue editor (veskbuilder.exe "
-            "-setup) makes a catalogue. Do you want to start it now?",
+        found + ".\r\n\r\nThere is nothing to build without a catalogue. Do you want to "
+                "make one in the catalogue editor now?",
         kProductName, MB_YESNO | MB_ICONWARNING);
     wantsEditor_ = answer == IDYES;
     if (wantsEditor_)
@@ -114,6 +115,11 @@ void frmBuilder::CreatePages() {
     pluginsPage_ = std::make_unique<pagPlugins>(Window(), catalogue_, paths_.programPath);
     summaryPage_ = std::make_unique<pagSummary>(Window());
     buildPage_ = std::make_unique<pagBuild>(Window(), log_, paths_.programPath);
+    gate_ =
+        std::make_unique<clsBuildGate>(paths_.programPath, catalogue_, load_, source_, *basePage_);
+    build_ = std::make_unique<clsWizardBuild>(
+        Window(), paths_.programPath, log_, *buildPage_,
+        [this](const BuildOutcome& outcome) { OnBuildEnded(outcome); });
     for (const Page page :
          {Page::Welcome, Page::BaseComponents, Page::Plugins, Page::Summary, Page::Build})
         SetWindowPos(PageWindow(page).Window(), HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
@@ -248,7 +254,7 @@ void frmBuilder::ShowHelp() {
 
 void frmBuilder::OnCommand(int id) {
     if (id == IDC_CMD_PROBLEMS)
-        return frmProblems(problems_).Show(Window());
+        return frmProblems(build_->Problems()).Show(Window());
     for (std::size_t index = 0; index < kButtonIds.size(); ++index) {
         // Escape arrives as a click on Cancel, also while that button is disabled.
         if (kButtonIds[index] == id && IsWindowEnabled(Control(id)))
@@ -278,6 +284,105 @@ INT_PTR frmBuilder::DrawPicture(const DRAWITEMSTRUCT& item) {
     else
         logoSmall_.Paint(item.hDC, item.rcItem);
     return TRUE;
+}
+
+void frmBuilder::Refuse(const FolderRefused& refusal) const {
+    ShowMessage(Window(), refusal.what(), kProductName, MB_OK | MB_ICONWARNING);
+}
+
+/// Before the page with the installation folder is left for the next one.
+bool frmBuilder::AcceptInstallFolder() {
+    try {
+        basePage_->ShowInstallFolder(gate_->LookAtFolder().folder.Path());
+        return true;
+    } catch (const FolderRefused& refusal) {
+        Refuse(refusal);
+        basePage_->FocusInstallFolder();
+        return false;
+    }
+}
+
+void frmBuilder::ShowSummary() {
+    summaryPage_->SetSummary(SummaryText(
+        {catalogue_, basePage_->InstallFolder(), basePage_->SourceFolder(), source_.valid}));
+    std::string warning;
+    try {
+        warning = gate_->WarningOf(gate_->LookAtFolder());
+    } catch (const FolderRefused& refusal) {
+        warning = refusal.what(); // the disk has changed since the folder was accepted
+    }
+    summaryPage_->SetWarning(warning);
+}
+
+/// A foreign folder is emptied only after the user was told what is in it.
+BuildInputs frmBuilder::CollectInputs() {
+    const ChosenFolder chosen = gate_->LookAtFolder();
+    const std::string warning = gate_->WarningOf(chosen);
+    if (warning != summaryPage_->Warning()) {
+        summaryPage_->SetWarning(warning);
+        throw FolderRefused("What is to be told of this build has changed: " +
+                            chosen.folder.Path() + ". Look at this page again before you go on.");
+    }
+    return gate_->InputsFor(chosen);
+}
+
+bool frmBuilder::AcceptsPartialCatalogue() {
+    return load_.state == CatalogueState::Whole ||
+           ShowMessage(
+               Window(),
+               "The catalogue was read only in part: " + load_.sentence +
+                   "\r\n\r\nWhat was not read is not in the build. Do you want to build all "
+                   "the same?",
+               kProductName, MB_YESNO | MB_ICONWARNING | MB_DEFBUTTON2) == IDYES;
+}
+
+/// Everything that can speak against a build does so before anything is changed.
+bool frmBuilder::PrepareBuild() {
+    try {
+        const BuildInputs inputs = CollectInputs();
+        if (!AcceptsPartialCatalogue())
+            return false;
+        build_->Prepare(inputs, catalogue_);
+        return true;
+    } catch (const FolderRefused& refusal) {
+        Refuse(refusal);
+        return false;
+    }
+}
+
+void frmBuilder::StartBuild() {
+    if (!PrepareBuild())
+        return;
+    closing_.busy = true;
+    ShowHeading(Page::Build);
+    ShowPageWindow(Page::Build);
+    EnableButtons(false);
+    buildPage_->FocusLog();
+    // The click ends before the run begins: nothing of the button's handling waits for its end.
+    PostMessageA(Window(), kRunBuildMessage, 0, 0);
+}
+
+/// Cancel is enabled again with the others although a click on it does nothing here: so it has
+/// been since the first version.
+void frmBuilder::EnableButtons(bool enabled) {
+    for (const int id : {IDC_CMD_HELP, IDC_CMD_NEXT, IDCANCEL})
+        EnableWindow(Control(id), enabled);
+    EnableWindow(Control(IDC_CMD_BACK), FALSE);
+}
+
+void frmBuilder::OnBuildEnded(const BuildOutcome& outcome) {
+    page_ = Page::Build;
+    closing_.busy = false;
+    closing_.finished = true;
+    const std::size_t problems = build_->Problems().size();
+    const EndingHeading heading = HeadingOf(outcome);
+    SetText(Control(IDC_LBL_HEADING_SM), heading.title);
+    SetText(Control(IDC_LBL_HEADING_SM2), heading.sentence);
+    SetText(Control(IDC_CMD_PROBLEMS), "&Problems (" + std::to_string(problems) + ")...");
+    ShowControl(IDC_CMD_PROBLEMS, problems > 0);
+    EnableButtons(true);
+    SetText(Control(IDC_CMD_NEXT), "&Finish");
+    SendMessageA(Window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Control(IDC_CMD_NEXT)), TRUE);
 }
 
 INT_PTR frmBuilder::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
@@ -313,7 +418,7 @@ INT_PTR frmBuilder::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
     case WM_DRAWITEM:
         return DrawPicture(*reinterpret_cast<const DRAWITEMSTRUCT*>(lparam));
     case kRunBuildMessage:
-        RunBuild();
+        build_->Run();
         return TRUE;
     default:
         return FALSE;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "build/BuildFrontEnd.h"
 #include "build/BuildLog.h"
 #include "build/clsBuildRun.h"
 #include "catalogue/Catalogue.h"
@@ -8,29 +7,27 @@
 #include "startup/modStartUp.h"
 #include "ui/kit/clsDialog.h"
 #include "ui/kit/clsLayout.h"
-#include "ui/kit/clsTaskbar.h"
 #include "ui/kit/modPicture.h"
 #include "ui/kit/modWindow.h"
-#include "ui/wizard/modChosenFolder.h"
 #include "ui/wizard/modNavigation.h"
 
 #include <cstddef>
 #include <memory>
-#include <optional>
 #include <string>
-#include <vector>
 
 namespace vesk {
 
+class clsBuildGate;
+class clsWizardBuild;
 class pagBaseComponents;
 class pagBuild;
 class pagPlugins;
 class pagSummary;
 class pagWelcome;
 
-/// The wizard's main window. The build run works through it: it shows the log, asks the questions
-/// and downloads.
-class frmBuilder : public clsDialog, private BuildFrontEnd {
+/// The wizard's main window: its pages, what leads from one to the next, and when a build may
+/// start. The build itself is clsWizardBuild's.
+class frmBuilder : public clsDialog {
 public:
     explicit frmBuilder(ProgramPaths paths);
     frmBuilder(const frmBuilder&) = delete;
@@ -74,7 +71,6 @@ private:
     void ShowControl(int id, bool shown) const;
 
     // The build.
-    [[nodiscard]] ChosenFolder LookAtChosenFolder() const;
     void Refuse(const FolderRefused& refusal) const;
     bool AcceptInstallFolder();
     void ShowSummary();
@@ -82,22 +78,8 @@ private:
     bool AcceptsPartialCatalogue();
     bool PrepareBuild();
     void StartBuild();
-    void RunBuild();
-    void SaveRecord();
-    void ShowEnding(const BuildOutcome& outcome);
+    void OnBuildEnded(const BuildOutcome& outcome);
     void EnableButtons(bool enabled);
-
-    void AddLogLine(const std::string& text, LogMode mode) override;
-    void ReportProblem(const Problem& problem) override;
-    void SetStatus(const std::string& caption) override;
-    bool AskYesNo(const std::string& question, const std::string& title) override;
-    std::optional<std::string> AskPassword(const std::string& archiveName,
-                                           bool wrongBefore) override;
-    DownloadOutcome DownloadFile(const DownloadRequest& request) override;
-    void LetEventsRun() override;
-    void SetProgress(const BuildProgress& progress) override;
-    bool StopRequested() override { return false; } // the window refuses to close meanwhile
-    void EnterFinishedState(const BuildOutcome& outcome) override;
 
     ProgramPaths paths_;
     Catalogue catalogue_;
@@ -105,12 +87,8 @@ private:
     bool wantsEditor_ = false;
     SourceState source_;
     BuildLog log_;
-    std::vector<Problem> problems_;
-    std::unique_ptr<BuildInputs> inputs_; ///< Of the build that is about to start or runs.
-    std::unique_ptr<clsBuildRun> run_;    ///< The same; keeps other builds out of the folder.
     Page page_ = Page::Welcome;
     ClosingState closing_;
-    DWORD lastEvents_ = 0; ///< Tick count of when events last ran.
 
     clsLayout layout_;
     clsPictureView logo_;
@@ -118,13 +96,14 @@ private:
     GdiHandle largeFont_;
     GdiHandle boldFont_;
     GdiHandle buttonFont_;
-    std::unique_ptr<clsTaskbar> taskbar_;
 
     std::unique_ptr<pagWelcome> welcomePage_;
     std::unique_ptr<pagBaseComponents> basePage_;
     std::unique_ptr<pagPlugins> pluginsPage_;
     std::unique_ptr<pagSummary> summaryPage_;
     std::unique_ptr<pagBuild> buildPage_;
+    std::unique_ptr<clsBuildGate> gate_;
+    std::unique_ptr<clsWizardBuild> build_;
 };
 
 } // namespace vesk

@@ -6,6 +6,13 @@
 
 namespace vesk {
 
+namespace {
+
+constexpr const char* kHint = "With Cancel, what it locks is left out of the build.";
+constexpr const char* kForeign = "The code page of this system lacks a letter of this password.";
+
+} // namespace
+
 std::optional<std::string> frmPassword::Ask(HWND owner) {
     RunModal(owner, IDD_PASSWORD);
     return password_;
@@ -23,10 +30,15 @@ void frmPassword::OnCreated() {
 }
 
 void frmPassword::OnCommand(int id, int notification) {
-    if (id == IDC_TXT_PASSWORD && notification == EN_CHANGE)
-        EnableWindow(Control(IDOK), !TextOf(Control(IDC_TXT_PASSWORD)).empty());
+    // A password with letters that the code page lacks would be another password.
+    const HWND field = Control(IDC_TXT_PASSWORD);
+    const bool foreign = HoldsForeignLetters(field);
+    if (id == IDC_TXT_PASSWORD && notification == EN_CHANGE) {
+        EnableWindow(Control(IDOK), !foreign && GetWindowTextLengthA(field) > 0);
+        SetText(Control(IDC_LBL_PASSWORD_HINT), foreign ? kForeign : kHint);
+    }
     if (id == IDOK)
-        password_ = TextOf(Control(IDC_TXT_PASSWORD));
+        password_ = TextOf(field);
     if (id == IDOK || id == IDCANCEL)
         EndDialog(Window(), id);
 }

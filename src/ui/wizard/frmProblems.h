@@ -3,10 +3,9 @@
 #include "base/Problem.h"
 #include "ui/kit/clsDialog.h"
 #include "ui/kit/clsLayout.h"
+#include "ui/kit/clsReportList.h"
 #include "ui/kit/clsSubclass.h"
 
-#include <optional>
-#include <string>
 #include <vector>
 
 namespace vesk {
@@ -23,20 +22,11 @@ public:
 private:
     INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;
     void OnCreated();
-    void AddColumns() const;
-    void FitColumns() const;
-    void OnSize() const;
-    std::optional<LRESULT> OnListMessage(UINT message, WPARAM wparam);
-    void OnNotify(const NMHDR& header);
-    void GiveText(const NMHDR& request) const;
-    void ShowWhole(int line) const;
-    void Copy() const;
-    void SelectAll() const;
-    [[nodiscard]] HWND List() const;
+    void ShowWhole() const;
 
     const std::vector<Problem>& problems_;
     clsLayout layout_;
-    clsSubclass keys_;
+    clsReportList list_;
     clsSubclass whole_;
 };
 

@@ -28,7 +28,7 @@ constexpr UINT kTick = 500; // milliseconds
 void RunInputAndPaint() {
     constexpr int kMost = 50; // a window that does not paint itself would ask for ever
     MSG message{};
-    for (int i = 0; i < kMost && PeekMessageA(&message, nullptr, 0, 0,
+    for (int i = 0; i < kMost && PeekMessageW(&message, nullptr, 0, 0,
                                               PM_REMOVE | PM_QS_INPUT | PM_QS_PAINT) != 0;
          ++i)
         DispatchForDialogs(message);

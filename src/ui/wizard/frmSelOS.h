@@ -4,7 +4,7 @@
 #include "source/clsDriveScan.h"
 #include "ui/kit/clsDialog.h"
 #include "ui/kit/clsLayout.h"
-#include "ui/kit/clsListNote.h"
+#include "ui/kit/clsReportList.h"
 
 #include <optional>
 #include <vector>
@@ -28,18 +28,15 @@ private:
     void OnCreated();
     void OnCommand(int id);
     void Scan();
-    void ShowScanning() const;
+    void ShowScanning();
     void ShowResult();
     void Close(INT_PTR result);
     void StopOrStart();
     void Select();
-    void AddColumns();
-    void FitColumns();
-    [[nodiscard]] HWND List() const;
 
     clsDriveScan scan_;
     clsLayout layout_;
-    clsListNote note_;
+    clsReportList list_;
     std::vector<FoundSource> found_;
     std::optional<FoundSource> chosen_;
     bool scanning_ = false;

@@ -43,6 +43,15 @@ std::string SummaryText(const SummaryInputs& inputs) {
     return text;
 }
 
+std::string PeBuilderWarning(const CatalogueEntry& peBuilder, const ArchiveFacts& facts) {
+    constexpr EntryPlace kFirst{EntryList::BaseComponents, 0};
+    const ArchiveState state = JudgeArchive(peBuilder, kFirst, facts);
+    if (ComesIntoBuild(state))
+        return {};
+    return "What is built cannot be used without PE Builder. " +
+           ArchiveSentence(peBuilder, kFirst, state);
+}
+
 std::string StateText(const CatalogueEntry& entry, const EntryPlace& place, ArchiveState state) {
     std::string text = ArchiveWords(entry, place, state);
     text[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(text[0])));

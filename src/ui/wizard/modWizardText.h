@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-/// The longer texts that the wizard's windows show, lines parted by CR LF.
+/// The longer texts that the wizard's windows show, lines ended by CR LF.
 namespace vesk {
 
 /// The welcome text: product and systems, version and legal notice, then the stored text.
@@ -21,6 +21,10 @@ struct SummaryInputs {
     bool sourceValid = false;
 };
 std::string SummaryText(const SummaryInputs& inputs);
+
+/// What is said before a build whose tree cannot be used, because PE Builder does not come into it;
+/// empty when it does, or may. @param facts of its archive, checksum included
+std::string PeBuilderWarning(const CatalogueEntry& peBuilder, const ArchiveFacts& facts);
 
 /// What a build does about an entry's archive, in a few words for a list's column; a locked entry
 /// says so.

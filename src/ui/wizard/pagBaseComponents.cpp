@@ -3,6 +3,7 @@
 #include "base/modFile.h"
 #include "base/modSpecialFolder.h"
 #include "base/modText.h"
+#include "build/clsInstallFolder.h"
 #include "source/modSourceFolder.h"
 #include "ui/kit/frmBrowse.h"
 #include "ui/kit/modBand.h"
@@ -56,6 +57,14 @@ void pagBaseComponents::OnCreated() {
            {IDC_PIC_FRAME2, IDC_TXT_PROG_PATH, IDC_TXT_WIN_PATH, IDC_LBL_WIN_PRODUCT});
     follow(clsLayout::kMoveX | clsLayout::kMoveY,
            {IDC_CMD_PROG_PATH, IDC_CMD_WIN_PATH, IDC_CMD_SCAN});
+}
+
+void pagBaseComponents::RequireUsableLetters() const {
+    if (HoldsForeignLetters(Control(IDC_TXT_PROG_PATH)))
+        throw FolderRefused(
+            "The installation folder's name has a letter that the code page of this "
+            "system lacks. Choose a name without it: " +
+            InstallFolder());
 }
 
 std::string pagBaseComponents::InstallFolder() const {

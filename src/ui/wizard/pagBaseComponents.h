@@ -18,6 +18,10 @@ public:
     pagBaseComponents(HWND wizard, Catalogue& catalogue, SourceState& source,
                       const std::string& programPath);
 
+    /// @throws FolderRefused when the installation folder is typed with letters that a path of this
+    /// program cannot have
+    void RequireUsableLetters() const;
+
     /// Text of txtProgPath without a trailing backslash.
     [[nodiscard]] std::string InstallFolder() const;
 

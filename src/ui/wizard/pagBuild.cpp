@@ -23,6 +23,12 @@ void pagBuild::SetProgress(std::size_t done, std::size_t total) {
     SendMessageA(bar, PBM_SETPOS, done, 0);
 }
 
+/// The status says what the run came to an end with; what it came to is the heading's to say.
+void pagBuild::ShowEnded() {
+    SetText(Control(IDC_LABEL3), "Run:");
+    list_.ShowFirstWarning();
+}
+
 void pagBuild::FocusLog() {
     SetFocus(Control(IDC_LST_PROGRESS));
 }

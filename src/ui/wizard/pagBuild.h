@@ -20,6 +20,10 @@ public:
     void SetStatus(const std::string& caption);
     void SetProgress(std::size_t done, std::size_t total);
 
+    /// Shows that the run is over: the status is no action any more, and the log stands at its
+    /// first warning.
+    void ShowEnded();
+
     /// Gives the keyboard to the log.
     void FocusLog();
 

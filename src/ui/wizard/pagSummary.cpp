@@ -5,6 +5,8 @@
 #include "ui/kit/modWindow.h"
 #include "ui/resources/ids.h"
 
+#include <algorithm>
+
 namespace vesk {
 
 namespace {
@@ -49,11 +51,18 @@ RECT pagSummary::DialogUnits(int left, int top, int right, int bottom) const {
 void pagSummary::Arrange() const {
     const SIZE client = InnerSize(Window());
     const RECT margin = DialogUnits(0, 0, 11, 5);
-    const int shift = warning_.empty() ? 0 : 29;
     RECT warning = DialogUnits(40, 5, 0, 31);
-    RECT label = DialogUnits(11, 7 + shift, 0, 16 + shift);
-    RECT text = DialogUnits(11, 18 + shift, 0, 0);
+    RECT label = DialogUnits(11, 7, 0, 16);
+    RECT text = DialogUnits(11, 18, 0, 0);
     warning.right = label.right = text.right = client.cx - margin.right;
+    if (!warning_.empty()) {
+        const HWND control = Control(IDC_LBL_FOREIGN);
+        const LONG needed = WrappedHeight(control, warning_, warning.right - warning.left);
+        warning.bottom = std::max(warning.bottom, std::min(warning.top + needed, client.cy / 2));
+        const LONG shift = warning.bottom - DialogUnits(0, 0, 0, 2).bottom;
+        OffsetRect(&label, 0, shift);
+        OffsetRect(&text, 0, shift);
+    }
     text.bottom = client.cy - margin.bottom;
     Place(Control(IDC_LBL_FOREIGN), warning);
     Place(Control(IDC_LBL_SUMMARY), label);

@@ -17,6 +17,10 @@ std::string TextOf(HWND window) {
     return text;
 }
 
+std::string ShownTextOf(HWND control) {
+    return IsWindowVisible(control) ? TextOf(control) : "(not shown)";
+}
+
 std::string ClassOf(HWND window) {
     std::string name(64, '\0');
     name.resize(static_cast<std::size_t>(
@@ -71,6 +75,10 @@ bool WaitUntil(const std::function<bool()>& condition, DWORD milliseconds) {
         Sleep(5);
     }
     return true;
+}
+
+std::string TextIn(HWND dialog, int id) {
+    return ShownTextOf(GetDlgItem(dialog, id));
 }
 
 WizardDriver::WizardDriver(const std::string& program, const std::string& arguments,
@@ -131,6 +139,7 @@ HWND WizardDriver::AwaitDialog(const std::string& titleStart) const {
 void WizardDriver::Answer(HWND dialog, int button) {
     const HWND control = GetDlgItem(dialog, button);
     REQUIRE(control);
+    REQUIRE(WaitUntil([&] { return IsWindowVisible(control) && IsWindowEnabled(control); }, 5000));
     PostMessageA(control, BM_CLICK, 0, 0);
     REQUIRE(WaitUntil([&] { return !IsWindow(dialog) || !IsWindowVisible(dialog); }));
 }
@@ -146,7 +155,7 @@ void WizardDriver::TypeInto(HWND dialog, const std::string& text) {
 }
 
 std::string WizardDriver::BoxText(HWND box) {
-    return TextOf(GetDlgItem(box, 0xFFFF));
+    return ShownTextOf(GetDlgItem(box, 0xFFFF));
 }
 
 HWND WizardDriver::Control(int id) const {
@@ -159,7 +168,7 @@ HWND WizardDriver::Control(int id) const {
 }
 
 std::string WizardDriver::Text(int id) const {
-    return TextOf(Control(id));
+    return ShownTextOf(Control(id));
 }
 
 void WizardDriver::SetText(int id, const std::string& text) const {

@@ -13,6 +13,9 @@ namespace vesk::test {
 /// Polls until the condition holds. @return false when it does not within the time
 bool WaitUntil(const std::function<bool()>& condition, DWORD milliseconds = 30000);
 
+/// The text of a dialog's control that is shown, "(not shown)" for others.
+std::string TextIn(HWND dialog, int id);
+
 /// The wizard or the catalogue editor as another process, worked through its windows: they are
 /// found by class, number and title, never by their place on the screen.
 class WizardDriver {
@@ -28,6 +31,8 @@ public:
 
     /// A control of the wizard or of one of its pages.
     [[nodiscard]] HWND Control(int id) const;
+
+    /// The text of a control that is shown; what no user can read is "(not shown)".
     [[nodiscard]] std::string Text(int id) const;
     [[nodiscard]] bool IsShown(int id) const { return IsWindowVisible(Control(id)) != FALSE; }
     [[nodiscard]] bool IsEnabled(int id) const { return IsWindowEnabled(Control(id)) != FALSE; }
@@ -54,7 +59,7 @@ public:
     /// begins so.
     [[nodiscard]] HWND AwaitDialog(const std::string& titleStart) const;
 
-    /// Presses a button of a dialog or message box and waits for it to go.
+    /// Presses an enabled button of a dialog or message box and waits for it to go.
     static void Answer(HWND dialog, int button);
 
     /// Puts a text into the edit field of one of the system's dialogs.

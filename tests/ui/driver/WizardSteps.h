@@ -17,12 +17,17 @@ inline constexpr const char* kBaseHeading = "Vesk Builder Base Components";
 inline constexpr const char* kPluginsHeading = "Vesk Builder Plugins";
 inline constexpr const char* kSummaryHeading = "Vesk Builder Summary";
 
+/// From the page of the base components to the summary.
+inline void GoToSummaryFromBase(const WizardDriver& wizard) {
+    wizard.GoTo(IDC_CMD_NEXT, kPluginsHeading);
+    wizard.GoTo(IDC_CMD_NEXT, kSummaryHeading);
+}
+
 /// From the welcome page to the summary, with the test's own folder to build into.
 inline void GoToSummary(const WizardDriver& wizard, const ProgramFolder& program) {
     wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
     wizard.SetText(IDC_TXT_PROG_PATH, program.Tree());
-    wizard.GoTo(IDC_CMD_NEXT, kPluginsHeading);
-    wizard.GoTo(IDC_CMD_NEXT, kSummaryHeading);
+    GoToSummaryFromBase(wizard);
 }
 
 inline void AwaitFinish(const WizardDriver& wizard) {
@@ -64,14 +69,6 @@ inline std::string AnswerBox(const WizardDriver& wizard, const std::string& titl
     const HWND box = wizard.AwaitDialog(title);
     const std::string text = WizardDriver::BoxText(box);
     WizardDriver::Answer(box, answer);
-    return text;
-}
-
-/// The text of a dialog's control.
-inline std::string TextIn(HWND dialog, int id) {
-    std::string text(4096, '\0');
-    text.resize(static_cast<std::size_t>(SendMessageA(
-        GetDlgItem(dialog, id), WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));
     return text;
 }
 

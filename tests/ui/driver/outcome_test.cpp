@@ -231,7 +231,10 @@ TEST_CASE("without a catalogue nothing is built, and the editor is one click awa
     const WizardDriver wizard(program.Wizard());
     SUBCASE("the editor") {
         CHECK(Holds(AnswerBox(wizard, "Vesk Builder", IDYES), "there is no such file"));
-        CHECK(IsWindowVisible(wizard.AwaitDialog("Plugin Setup")));
+        const HWND editor = wizard.AwaitDialog("Plugin Setup");
+        CHECK(WaitUntil(
+            [&] { return TextIn(editor, IDC_LBL_STATE) == "A new catalogue, not saved yet."; }));
+        CHECK(IsWindowEnabled(editor)); // nothing is asked a second time
     }
     SUBCASE("the wizard") {
         AnswerBox(wizard, "Vesk Builder", IDNO);
@@ -264,4 +267,49 @@ TEST_CASE("a catalogue that was read in part is built from only when the user sa
     AnswerBox(wizard, "Confirmation", IDYES);
     AwaitFinish(wizard);
     CHECK(ReadWholeFile(mine) == "stand-in");
+}
+
+TEST_CASE(
+    "a folder's name that the program would misspell is refused, and nothing is built there") {
+    const ProgramFolder program;
+    program.Save();
+    const WizardDriver wizard(program.Wizard());
+    wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
+    wizard.SetText(IDC_TXT_PROG_PATH, program.Tree());
+    const HWND field = wizard.Control(IDC_TXT_PROG_PATH);
+    SendMessageW(field, EM_SETSEL, 10000, 10000);
+    SendMessageW(field, WM_CHAR, L'\x012B', 1);
+    wizard.Click(IDC_CMD_NEXT);
+    CHECK(Holds(AnswerBox(wizard, "Vesk Builder", IDOK), "code page"));
+    CHECK(wizard.Heading() == kBaseHeading);
+    // The same letter in the source folder finds no source.
+    wizard.SetText(IDC_TXT_PROG_PATH, program.Tree());
+    program.Folder().Write("cdi\\I386\\LAYOUT.INF", "x");
+    program.Folder().Write("cdi\\I386\\SETUPLDR.BIN", "x");
+    program.Folder().Write("cdi\\I386\\NTDLL.DLL", "x");
+    SetWindowTextA(wizard.Control(IDC_TXT_WIN_PATH), "");
+    for (const char c : program.Folder() / "cd")
+        SendMessageA(wizard.Control(IDC_TXT_WIN_PATH), WM_CHAR, static_cast<WPARAM>(c), 1);
+    SendMessageW(wizard.Control(IDC_TXT_WIN_PATH), WM_CHAR, L'\x012B', 1);
+    GoToSummaryFromBase(wizard);
+    CHECK(Holds(wizard.Text(IDC_TXT_SUMMARY), "Source path: Invalid"));
+}
+
+TEST_CASE("the summary says beforehand when nothing usable can come of the build") {
+    ProgramFolder program;
+    SUBCASE("there") {
+        program.Save();
+        const WizardDriver wizard(program.Wizard());
+        GoToSummary(wizard, program);
+        CHECK_FALSE(wizard.IsShown(IDC_LBL_FOREIGN));
+    }
+    SUBCASE("missing, without an address, and a foreign folder besides") {
+        RemoveFile(program.Path() + "pebuilder3110a.zip");
+        program.Save();
+        program.Folder().Write("tree\\mine.txt", "keep");
+        const WizardDriver wizard(program.Wizard());
+        GoToSummary(wizard, program);
+        CHECK(Holds(wizard.Text(IDC_LBL_FOREIGN), "1 file that no build made"));
+        CHECK(Holds(wizard.Text(IDC_LBL_FOREIGN), "there is no address to download it from"));
+    }
 }

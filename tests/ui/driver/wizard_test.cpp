@@ -71,8 +71,10 @@ TEST_CASE("a whole build, page by page") {
     wizard.SetText(IDC_TXT_WIN_PATH, program.Folder() / "cd");
 
     wizard.GoTo(IDC_CMD_NEXT, kPluginsHeading);
+    wizard.GoTo(IDC_CMD_BACK, kBaseHeading);
     CHECK(wizard.Text(IDC_TXT_WIN_PATH) == program.Folder() / "cd\\");
     CHECK(wizard.Text(IDC_LBL_WIN_PRODUCT) == "Windows XP Home SP2");
+    wizard.GoTo(IDC_CMD_NEXT, kPluginsHeading);
     wizard.PressSpaceOn(IDC_LST_PLUGINS, 0);
     wizard.PressSpaceOn(IDC_LST_PLUGINS, 1);
     wizard.PressSpaceOn(IDC_LST_PLUGINS, 2);
@@ -94,8 +96,11 @@ TEST_CASE("a whole build, page by page") {
     AwaitFinish(wizard);
     CHECK(wizard.Heading() == "Built Whole");
     CHECK_FALSE(wizard.IsShown(IDC_CMD_PROBLEMS));
-    CHECK_FALSE(wizard.IsEnabled(IDCANCEL)); // there is nothing to cancel
     CHECK(wizard.Text(IDC_LBL_FILE) == "Done");
+    CHECK(wizard.Text(IDC_LABEL3) == "Run:"); // no action any more
+    wizard.Click(IDCANCEL);                   // does nothing here
+    SendMessageA(wizard.Window(), WM_NULL, 0, 0);
+    CHECK_FALSE(wizard.HasEnded());
     CHECK(wizard.IsEnabled(IDC_CMD_HELP));
     CHECK_FALSE(wizard.IsEnabled(IDC_CMD_BACK));
     const auto lines = wizard.LogLines();

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "base/UniqueHandle.h"
+
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <doctest/doctest.h>
+
+namespace vesk::test {
+
+using WindowHandle = UniqueHandle<::DestroyWindow, HWND>;
+
+/// A hidden window; a child of another one when that is given.
+inline HWND MakeWindow(const char* className, HWND parent, int width, int height, DWORD style = 0) {
+    INITCOMMONCONTROLSEX request{sizeof request, ICC_LISTVIEW_CLASSES};
+    InitCommonControlsEx(&request);
+    const HWND window =
+        CreateWindowExA(0, className, "", style | (parent ? WS_CHILD : WS_POPUP), 0, 0, width,
+                        height, parent, nullptr, GetModuleHandleA(nullptr), nullptr);
+    REQUIRE(window);
+    return window;
+}
+
+} // namespace vesk::test

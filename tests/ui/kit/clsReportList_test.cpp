@@ -1,0 +1,97 @@
+#include "KitWindow.h"
+
+#include "ui/kit/clsReportList.h"
+
+#include <string>
+#include <vector>
+
+using namespace vesk;
+using namespace vesk::test;
+
+namespace {
+
+constexpr int kWidth = 300;
+
+/// True when something is drawn below the header of a list that is shown.
+bool ShowsText(HWND list) {
+    RedrawWindow(list, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
+    const HDC dc = GetDC(list);
+    bool found = false;
+    for (int y = 30; y < 80 && !found; ++y) {
+        for (int x = 5; x < kWidth - 20 && !found; ++x)
+            found = GetPixel(dc, x, y) != GetSysColor(COLOR_WINDOW);
+    }
+    ReleaseDC(list, dc);
+    return found;
+}
+
+std::string OnClipboard() {
+    REQUIRE(OpenClipboard(nullptr));
+    const HANDLE data = GetClipboardData(CF_TEXT);
+    std::string text = data ? static_cast<const char*>(GlobalLock(data)) : "none";
+    CloseClipboard();
+    return text;
+}
+
+} // namespace
+
+TEST_CASE("a list keeps its columns in sight, gives its texts and copies its lines") {
+    const WindowHandle dialog(MakeWindow("STATIC", nullptr, 400, 200));
+    const HWND window =
+        MakeWindow(WC_LISTVIEWA, dialog.Get(), kWidth, 100, LVS_REPORT | LVS_OWNERDATA);
+    std::vector<std::string> lines{"one", "two " + std::string(300, 'w')};
+    clsReportList list;
+    list.Attach(window, {.titles = {"First", "Second"},
+                         .count = [&] { return lines.size(); },
+                         .cell = [&](std::size_t line,
+                                     int column) { return lines[line] + (column == 0 ? "" : "!"); },
+                         .whenEmpty = "Nothing is in it."});
+    CHECK(ListView_GetItemCount(window) == 2);
+    RECT inside{};
+    GetClientRect(window, &inside);
+    CHECK(ListView_GetColumnWidth(window, 0) + ListView_GetColumnWidth(window, 1) <= inside.right);
+    CHECK(ListView_GetColumnWidth(window, 0) > 0);
+
+    std::string asked(20, '\0');
+    NMLVDISPINFOA question{};
+    question.hdr = {window, 0, static_cast<UINT>(LVN_GETDISPINFOA)};
+    question.item.mask = LVIF_TEXT;
+    question.item.iItem = 1;
+    question.item.iSubItem = 1;
+    question.item.pszText = asked.data();
+    question.item.cchTextMax = 5;
+    CHECK(list.HandleNotify(question.hdr));
+    CHECK(asked.substr(0, asked.find('\0')) == "two ");
+    question.item.iItem = 7; // behind the last line
+    CHECK(list.HandleNotify(question.hdr));
+
+    list.Copy(); // nothing is selected: all
+    CHECK(OnClipboard() == "one\tone!\r\n" + lines[1] + "\t" + lines[1] + "!\r\n");
+    list.Select(0);
+    CHECK(list.Selected() == 0);
+    list.Copy();
+    CHECK(OnClipboard() == "one\tone!\r\n");
+    list.Select(clsReportList::kNone);
+    CHECK(list.Selected() == clsReportList::kNone);
+
+    lines.clear();
+    list.Refresh();
+    CHECK(ListView_GetItemCount(window) == 0);
+}
+
+TEST_CASE("an empty list says why; one with lines does not") {
+    const WindowHandle dialog(MakeWindow("STATIC", nullptr, 400, 200));
+    const HWND window = MakeWindow(WC_LISTVIEWA, dialog.Get(), kWidth, 100,
+                                   WS_VISIBLE | LVS_REPORT | LVS_OWNERDATA);
+    ShowWindow(dialog.Get(), SW_SHOWNOACTIVATE);
+    std::size_t count = 0;
+    clsReportList list;
+    list.Attach(window, {.titles = {"First"},
+                         .count = [&] { return count; },
+                         .cell = [](std::size_t, int) { return std::string(); },
+                         .whenEmpty = "Nothing is in it."});
+    CHECK(ShowsText(window));
+    count = 1;
+    list.Refresh();
+    CHECK_FALSE(ShowsText(window));
+}
