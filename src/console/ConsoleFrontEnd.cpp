@@ -39,6 +39,8 @@ std::optional<std::string> ConsoleFrontEnd::AskPassword(const std::string& archi
 }
 
 DownloadOutcome ConsoleFrontEnd::DownloadFile(const DownloadRequest& request) {
+    if (!sockets_)
+        sockets_.emplace();
     ProxySettings proxy;
     if (options_.proxy)
         proxy = {kAccessProxy, options_.proxy->host, options_.proxy->port};

@@ -2,15 +2,12 @@
 
 #include "net/modSocketMaster.h"
 
-#include "base/UniqueHandle.h"
 #include "net/ByteQueue.h"
 #include "net/clsSocketMaster.h"
 
 #include <deque>
 
 namespace vesk {
-
-using SocketOwner = UniqueHandle<::closesocket, SOCKET, -1>;
 
 /// The inside of a clsSocketMaster, see there for what the methods do. It is held by shared
 /// pointers so that it outlives every event it raises; after an event it goes on only when

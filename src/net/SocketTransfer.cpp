@@ -1,5 +1,6 @@
 #include "net/SocketCore.h"
 
+#include "base/RunTimeError.h"
 #include "base/Trace.h"
 #include "net/modSocketAddress.h"
 #include "net/modSocketErrors.h"
