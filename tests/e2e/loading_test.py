@@ -13,7 +13,7 @@ from program import PROGRAMS, ProgramTest
 # knows by name, and the controls, which the program's manifest names.
 SAFE = {"advapi32", "comctl32", "comdlg32", "gdi32", "kernel32", "msvcrt", "ole32", "oleaut32",
         "shell32", "user32", "ws2_32"}
-LOADED = ("advpack", "cabinet", "cryptsp", "rsaenh", "version", "wininet")
+LOADED = ("advpack", "cabinet", "cryptsp", "rsaenh", "wininet")
 FLAGS = {"HIGH_ENTROPY_VA": 0x20, "DYNAMIC_BASE": 0x40, "NX_COMPAT": 0x100,
          "TERMINAL_SERVICE_AWARE": 0x8000}
 
