@@ -21,7 +21,13 @@ if(WIN32)
     target_compile_definitions(vesk_options INTERFACE
         WINVER=0x0501 _WIN32_WINNT=0x0501 WIN32_LEAN_AND_MEAN NOMINMAX STRICT)
     if(NOT MSVC)
-        target_link_options(vesk_options INTERFACE -static -Wl,--gc-sections $<$<CONFIG:Release>:-s>)
+        # Not every linker sets these by itself.
+        set(hardening -Wl,--dynamicbase,--nxcompat,--tsaware)
+        if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+            list(APPEND hardening -Wl,--high-entropy-va)
+        endif()
+        target_link_options(vesk_options INTERFACE
+            -static -Wl,--gc-sections ${hardening} $<$<CONFIG:Release>:-s>)
     endif()
 endif()
 

@@ -2,6 +2,7 @@
 
 #include "archive/modCabImage.h"
 #include "base/Failure.h"
+#include "base/modSystemLibrary.h"
 
 #include <windows.h>
 
@@ -36,16 +37,22 @@ public:
 
     bool Run() {
         running_ = this;
+        constexpr const char* kLibrary = "cabinet.dll";
+        static const auto create = SystemFunction<decltype(&FDICreate)>(kLibrary, "FDICreate");
+        static const auto copy = SystemFunction<decltype(&FDICopy)>(kLibrary, "FDICopy");
+        static const auto destroy = SystemFunction<decltype(&FDIDestroy)>(kLibrary, "FDIDestroy");
+        if (create == nullptr || copy == nullptr || destroy == nullptr)
+            throw Failure(ERROR_MOD_NOT_FOUND, "CabFile", "the system has no cabinet library");
         ERF error{};
         const HFDI library =
-            FDICreate(&Allocate, &Free, &Open, &Read, &Write, &Close, &Seek, cpuUNKNOWN, &error);
+            create(&Allocate, &Free, &Open, &Read, &Write, &Close, &Seek, cpuUNKNOWN, &error);
         if (library == nullptr)
             throw Failure(ERROR_NOT_ENOUGH_MEMORY, "CabFile", "not enough memory");
         std::string name = "cabinet"; // the library wants to write to them
         std::string path;
         const bool held =
-            FDICopy(library, name.data(), path.data(), 0, &Notify, nullptr, nullptr) != FALSE;
-        FDIDestroy(library);
+            copy(library, name.data(), path.data(), 0, &Notify, nullptr, nullptr) != FALSE;
+        destroy(library);
         if (failure_)
             std::rethrow_exception(failure_);
         return held;

@@ -51,7 +51,6 @@ private:
 
 using FileHandle = UniqueHandle<::CloseHandle, HANDLE, -1>;
 using MappingHandle = UniqueHandle<::CloseHandle, HANDLE>;
-using ModuleHandle = UniqueHandle<::FreeLibrary, HMODULE>;
 using MappedView = UniqueHandle<::UnmapViewOfFile, LPCVOID>;
 using FindHandle = UniqueHandle<::FindClose, HANDLE, -1>;
 

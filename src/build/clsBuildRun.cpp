@@ -5,6 +5,7 @@
 #include "base/Version.h"
 #include "base/modDate.h"
 #include "base/modFile.h"
+#include "base/modSystemLibrary.h"
 #include "build/BuildContext.h"
 #include "build/clsArchiveFetcher.h"
 #include "build/clsComponentInstaller.h"
@@ -23,8 +24,10 @@ namespace vesk {
 namespace {
 
 bool SystemIsConnected() {
+    const auto isConnected = SystemFunction<decltype(&InternetGetConnectedState)>(
+        "wininet.dll", "InternetGetConnectedState");
     DWORD flags = 0;
-    return InternetGetConnectedState(&flags, 0) != FALSE;
+    return isConnected != nullptr && isConnected(&flags, 0) != FALSE;
 }
 
 } // namespace

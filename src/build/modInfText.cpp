@@ -1,6 +1,7 @@
 #include "build/modInfText.h"
 
 #include "base/Failure.h"
+#include "base/RunTimeError.h"
 #include "base/modText.h"
 
 #include <algorithm>
@@ -66,7 +67,6 @@ bool ListHolds(std::string_view list, std::string_view code) {
 
 std::string SeparatorName(std::string_view prefix, std::string_view title) {
     constexpr std::size_t kWidth = 50;
-    constexpr std::uint32_t kInvalidCall = 5;
     if (title.size() > kWidth)
         throw Failure(kInvalidCall, "CreateCategorySeparator",
                       "category title of more than 50 characters: " + std::string(title));

@@ -1,6 +1,7 @@
 #include "build/modPluginInf.h"
 
 #include "base/Failure.h"
+#include "base/RunTimeError.h"
 #include "base/UniqueHandle.h"
 #include "base/modFile.h"
 #include "base/modSystemError.h"
@@ -116,7 +117,8 @@ void RelocatePluginToCategory(BuildContext& context, const std::string& relative
 
     // Only now: the edits above are made even when the prefix has no category.
     if (category == nullptr)
-        throw Failure(9, "RelocatePluginToCategory", "no category has the key " + prefix);
+        throw Failure(kSubscriptOutOfRange, "RelocatePluginToCategory",
+                      "no category has the key " + prefix);
     const std::string categoryFolder = pluginFolder + "\\" + category->value;
     const std::string source = pluginFolder + relativeFolder;
     const std::string target = categoryFolder + relativeFolder;

@@ -3,6 +3,7 @@
 #include "archive/modArchive.h"
 #include "base/Failure.h"
 #include "base/Problem.h"
+#include "base/RunTimeError.h"
 #include "base/UniqueHandle.h"
 #include "base/modDate.h"
 #include "base/modFile.h"
@@ -20,14 +21,13 @@
 
 #include <algorithm>
 #include <cstring>
+#include <map>
 #include <memory>
 
 namespace vesk {
 
 namespace {
 
-constexpr std::uint32_t kSubscriptOutOfRange = 9;
-constexpr std::uint32_t kTypeMismatch = 13;
 constexpr const char* kWriteAnew = "veskbuilder.exe -setup shows what was read and can write the "
                                    "file anew.";
 
@@ -103,14 +103,13 @@ std::string ProperCase(std::string text) {
     return text;
 }
 
-constexpr std::string_view kUtf16("\xFF\xFE");
 constexpr std::string_view kUtf8("\xEF\xBB\xBF");
 
 /// Some programs write such files in Unicode; the profile functions take them all the same.
 std::string InCodePage(std::string text) {
-    if (text.starts_with(kUtf16)) {
-        std::wstring wide((text.size() - kUtf16.size()) / sizeof(wchar_t), L'\0');
-        std::memcpy(wide.data(), text.data() + kUtf16.size(), wide.size() * sizeof(wchar_t));
+    if (text.starts_with(kUtf16Mark)) {
+        std::wstring wide((text.size() - kUtf16Mark.size()) / sizeof(wchar_t), L'\0');
+        std::memcpy(wide.data(), text.data() + kUtf16Mark.size(), wide.size() * sizeof(wchar_t));
         return Narrowed(wide);
     }
     if (!text.starts_with(kUtf8))
@@ -135,14 +134,30 @@ IniText ReadIniText(const std::string& path) {
     const std::string text = InCodePage(bytes);
     IniText file = ParseIni(text);
     // Longer paths are another matter to the profile functions.
-    file.isPlain &= text == bytes && IsOneByteText(text) && path.size() < MAX_PATH;
+    const bool isAnsi = text == bytes && IsOneByteText(text) && path.size() < MAX_PATH;
+    file.isPlain &= isAnsi;
+    file.linesArePlain &= isAnsi;
     return file;
 }
 
 /// The profile functions read the whole file for every key. Where nobody could read the text in
 /// another way, once is enough.
 std::vector<IniSection> SectionsOf(const std::string& path, const IniText& file) {
-    return file.isPlain ? file.sections : ReadSectionsThroughSystem(path);
+    if (file.isPlain)
+        return file.sections;
+    return ReadSectionsThroughSystem(path, file.linesArePlain ? &file : nullptr);
+}
+
+/// Values by section and key, both in lower case.
+using Values = std::map<std::string, std::map<std::string, std::string>>;
+
+Values ValuesOf(const IniText& file) {
+    Values values;
+    for (const IniSection& section : file.sections) {
+        for (const IniKey& key : section.keys)
+            values[LowerCase(section.name)].try_emplace(LowerCase(key.name), key.value);
+    }
+    return values;
 }
 
 void FillCatalogue(const std::vector<IniSection>& sections, Catalogue& catalogue) {
@@ -205,17 +220,22 @@ void LoadCatalogue(const std::string& programPath, Catalogue& catalogue) {
     FillCatalogue(SectionsOf(path, ReadIniText(path)), catalogue);
 }
 
-std::vector<IniSection> ReadSectionsThroughSystem(const std::string& path) {
+std::vector<IniSection> ReadSectionsThroughSystem(const std::string& path, const IniText* known) {
     const clsINI ini(path);
+    Values values = known == nullptr ? Values() : ValuesOf(*known);
     std::vector<IniSection> sections;
     std::vector<std::string> names = ini.GetAllSections();
     names.pop_back(); // the empty element that ends a list
     for (const std::string& name : names) {
         IniSection& section = sections.emplace_back(IniSection{name, {}});
+        const auto& ofSection = values[LowerCase(name)];
         std::vector<std::string> keys = ini.GetAllKeys(name);
         keys.pop_back();
-        for (const std::string& key : keys)
-            section.keys.push_back({key, ini.GetStringValue(name, key)});
+        for (const std::string& key : keys) {
+            const auto found = ofSection.find(LowerCase(key));
+            section.keys.push_back(
+                {key, found != ofSection.end() ? found->second : ini.GetStringValue(name, key)});
+        }
     }
     return sections;
 }

@@ -40,7 +40,9 @@ struct CatalogueLoad {
 CatalogueLoad LoadCatalogueReporting(const std::string& programPath, Catalogue& catalogue);
 
 /// All sections of a file as the system's profile functions read them, with a call for every key.
-std::vector<IniSection> ReadSectionsThroughSystem(const std::string& path);
+/// @param known the file's text when its lines are plain: then only the names are asked for
+std::vector<IniSection> ReadSectionsThroughSystem(const std::string& path,
+                                                  const IniText* known = nullptr);
 
 /// Derives install root and plug-in folder from install folder and path flag.
 void DeriveInstallPaths(Catalogue& catalogue, const std::string& programFilesFolder);

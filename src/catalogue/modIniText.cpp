@@ -51,22 +51,23 @@ public:
             if (isLast)
                 break;
             const bool isPair = text.substr(end).starts_with("\r\n");
-            ini_.isPlain &= isPair || text[end] == '\n';
+            ini_.linesArePlain &= isPair || text[end] == '\n';
             text.remove_prefix(end + (isPair ? 2 : 1));
         }
-        ini_.isPlain &= SectionListLength(ini_.sections) < kLongestSectionList;
         CloseSection();
+        ini_.isPlain = ini_.linesArePlain && listsFit_ &&
+                       SectionListLength(ini_.sections) < kLongestSectionList;
         return std::move(ini_);
     }
 
 private:
     void TakeLine(std::string_view raw) {
-        ini_.isPlain &= std::ranges::all_of(raw, IsPlainByte);
+        ini_.linesArePlain &= std::ranges::all_of(raw, IsPlainByte);
         const std::string_view line = WithoutSpaceAround(raw);
         if (line.empty() || line.front() == ';')
             return;
         // A blank before it is not cut off by everybody.
-        ini_.isPlain &= raw.front() != ' ';
+        ini_.linesArePlain &= raw.front() != ' ';
         if (line.front() == '[')
             TakeSection(line);
         else
@@ -78,7 +79,7 @@ private:
         if (end == std::string_view::npos)
             return Lose("line " + std::to_string(number_) + " has no \"]\"");
         const std::string_view name = WithoutSpaceAround(line.substr(1, end - 1));
-        ini_.isPlain &= IsPlainName(name) && name.size() + 2 == line.size();
+        ini_.linesArePlain &= IsPlainName(name) && name.size() + 2 == line.size();
         if (!sectionNames_.insert(LowerCase(name)).second)
             Lose("there are two sections [" + std::string(name) + "]");
         CloseSection();
@@ -92,8 +93,8 @@ private:
                         (ini_.sections.empty() ? "before the first section" : "no key"));
         const std::string_view name = WithoutSpaceAround(line.substr(0, equals));
         const std::string_view value = WithoutSpaceAround(line.substr(equals + 1));
-        ini_.isPlain &= IsPlainName(name) && name.size() == equals && !BeginsWithQuote(value) &&
-                        value.size() <= kLongestIniValue;
+        ini_.linesArePlain &= IsPlainName(name) && name.size() == equals &&
+                              !BeginsWithQuote(value) && value.size() <= kLongestIniValue;
         IniSection& section = ini_.sections.back();
         if (!keyNames_.insert(LowerCase(name)).second)
             Lose("section [" + section.name + "] has the key " + std::string(name) + " twice");
@@ -103,16 +104,17 @@ private:
     void CloseSection() {
         keyNames_.clear();
         if (!ini_.sections.empty())
-            ini_.isPlain &= KeyListLength(ini_.sections.back()) < kLongestKeyList;
+            listsFit_ &= KeyListLength(ini_.sections.back()) < kLongestKeyList;
     }
 
     void Lose(std::string sentence) {
-        ini_.isPlain = false;
+        ini_.linesArePlain = false;
         if (ini_.lost.empty())
             ini_.lost = std::move(sentence);
     }
 
     IniText ini_;
+    bool listsFit_ = true;
     std::size_t number_ = 0;
     std::set<std::string> sectionNames_;
     std::set<std::string> keyNames_;

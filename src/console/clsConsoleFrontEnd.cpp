@@ -40,6 +40,8 @@ std::optional<std::string> clsConsoleFrontEnd::AskPassword(const std::string& ar
 }
 
 DownloadOutcome clsConsoleFrontEnd::DownloadFile(const DownloadRequest& request) {
+    if (!sockets_)
+        sockets_.emplace();
     ProxySettings proxy;
     if (options_.proxy)
         proxy = {kAccessProxy, options_.proxy->host, options_.proxy->port};

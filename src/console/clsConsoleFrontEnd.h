@@ -4,7 +4,9 @@
 #include "build/BuildLog.h"
 #include "console/clsTerminal.h"
 #include "console/modOptions.h"
+#include "net/modSocketMaster.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -41,6 +43,7 @@ private:
     clsTerminal& terminal_;
     BuildLog log_;
     std::vector<Problem> problems_;
+    std::optional<SocketServiceHold> sockets_; ///< From the first download on.
     std::string status_;
     std::string progress_;
 };

@@ -4,6 +4,7 @@
 #include "base/Version.h"
 #include "base/modFile.h"
 #include "base/modSystemError.h"
+#include "base/modSystemLibrary.h"
 #include "base/modText.h"
 #include "base/modWide.h"
 #include "build/clsBuildRun.h"
@@ -238,5 +239,6 @@ int Main() {
 } // namespace vesk
 
 int main() {
+    vesk::LoadFromSystemOnly();
     return vesk::Main();
 }

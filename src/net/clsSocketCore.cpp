@@ -1,6 +1,7 @@
 #include "net/clsSocketCore.h"
 
 #include "base/Failure.h"
+#include "base/RunTimeError.h"
 #include "base/Trace.h"
 #include "net/clsUnclaimedConnection.h"
 #include "net/modSocketAddress.h"

@@ -1,6 +1,7 @@
 #include "net/modSocketErrors.h"
 
 #include "base/Failure.h"
+#include "base/RunTimeError.h"
 
 #include <algorithm>
 #include <array>

@@ -30,8 +30,7 @@ enum class SocketMisuse {
 /// Throws the Failure "Out of memory".
 [[noreturn]] void ThrowOutOfMemory(const std::string& source);
 
-/// Number of the Failure "Out of memory".
-inline constexpr std::int32_t kOutOfMemory = 7;
+/// Text of the Failure kOutOfMemory.
 inline constexpr const char* kOutOfMemoryText = "Out of memory";
 
 } // namespace vesk

@@ -1,5 +1,6 @@
 #include "net/modSocketMaster.h"
 
+#include "base/Failure.h"
 #include "base/Trace.h"
 #include "base/UniqueHandle.h"
 #include "net/modSocketAddress.h"
@@ -236,6 +237,26 @@ bool TakeAccepted(SOCKET socket) {
     if (registry.accepted.empty())
         Trace("OK Destroyed accept collection");
     return true;
+}
+
+SocketServiceHold::SocketServiceHold() {
+    try {
+        InitiateProcesses();
+        started_ = true;
+        placeholder_.Reset(::socket(AF_INET, SOCK_STREAM, 0));
+        if (placeholder_)
+            RegisterSocket(placeholder_.Get(), {}, false);
+    } catch (const Failure& failure) {
+        Trace(std::string("WARNING: ") + failure.what());
+    }
+}
+
+SocketServiceHold::~SocketServiceHold() {
+    if (placeholder_)
+        UnregisterSocket(placeholder_.Get());
+    placeholder_.Reset(); // before the service ends
+    if (started_)
+        FinalizeProcesses();
 }
 
 SocketCounts CountSockets() {

@@ -2,13 +2,18 @@
 
 #include <winsock2.h>
 
+#include "base/UniqueHandle.h"
+
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 
 /// What all socket objects share: the system's socket service, the hidden window that receives
 /// every notification, and who is to be told of it. One thread only.
 namespace vesk {
+
+using SocketOwner = UniqueHandle<::closesocket, SOCKET, -1>;
 
 /// Receives what the system has to say about one socket. The dispatch keeps it alive for a call.
 class SocketTarget {
@@ -52,6 +57,21 @@ void AddAccepted(SOCKET socket);
 
 /// Takes a connection off that list. @return false when it was not on it
 bool TakeAccepted(SOCKET socket);
+
+/// Keeps service and message window between one download and the next, which would make them anew:
+/// for a run of many small files that is half of its time. Where the system refuses, whoever wants
+/// a socket is told; this is not.
+class SocketServiceHold {
+public:
+    SocketServiceHold();
+    SocketServiceHold(const SocketServiceHold&) = delete;
+    SocketServiceHold& operator=(const SocketServiceHold&) = delete;
+    ~SocketServiceHold();
+
+private:
+    bool started_ = false;
+    SocketOwner placeholder_; ///< Registered, and never bound or connected.
+};
 
 /// How much of everything there is. For diagnosis and tests.
 struct SocketCounts {

@@ -1,6 +1,7 @@
 #include "script/modRegistryData.h"
 
 #include "base/Failure.h"
+#include "base/RunTimeError.h"
 #include "base/modText.h"
 
 #include <array>
@@ -13,9 +14,6 @@
 namespace vesk {
 
 namespace {
-
-constexpr std::uint32_t kOverflow = 6;
-constexpr std::uint32_t kTypeMismatch = 13;
 
 [[noreturn]] void RaiseMismatch(const std::string& text) {
     throw Failure(kTypeMismatch, "RegistryData", text);

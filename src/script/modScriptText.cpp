@@ -2,6 +2,7 @@
 
 #include "base/Failure.h"
 #include "base/Problem.h"
+#include "base/RunTimeError.h"
 #include "base/modText.h"
 
 #include <algorithm>
@@ -18,7 +19,6 @@ public:
     [[nodiscard]] std::size_t Count() const { return fields_.size(); }
 
     [[nodiscard]] const std::string& operator[](std::size_t index) const {
-        constexpr std::uint32_t kSubscriptOutOfRange = 9;
         if (fields_.empty())
             throw Failure(kSubscriptOutOfRange, "ProcessScript", "the line is empty");
         if (index >= fields_.size())

@@ -1,10 +1,12 @@
 #include "source/clsDriveScan.h"
 
 #include "base/UniqueHandle.h"
+#include "base/modFileVersion.h"
 #include "source/modSourceFolder.h"
 
 #include <windows.h>
 
+#include <cstring>
 #include <utility>
 
 namespace vesk {
@@ -15,17 +17,11 @@ constexpr std::string_view kI386 = "I386\\";
 
 /// True when the file carries a version, as every real NTDLL.DLL does.
 bool HasFileVersion(const std::string& path) {
-    DWORD ignored = 0;
-    const DWORD size = GetFileVersionInfoSizeA(path.c_str(), &ignored);
-    if (size == 0)
+    const std::string fixed = FileVersionPart(path, "\\");
+    VS_FIXEDFILEINFO version{};
+    if (fixed.size() < sizeof version)
         return false;
-    std::vector<char> block(size);
-    void* info = nullptr;
-    UINT length = 0;
-    if (!GetFileVersionInfoA(path.c_str(), 0, size, block.data()) ||
-        !VerQueryValueA(block.data(), "\\", &info, &length) || length < sizeof(VS_FIXEDFILEINFO))
-        return false;
-    const auto& version = *static_cast<const VS_FIXEDFILEINFO*>(info);
+    std::memcpy(&version, fixed.data(), sizeof version);
     return version.dwFileVersionMS != 0 || version.dwFileVersionLS != 0;
 }
 

@@ -1,6 +1,6 @@
 #include "startup/modStartUp.h"
 
-#include "base/UniqueHandle.h"
+#include "base/modSystemLibrary.h"
 #include "base/modText.h"
 
 #include <windows.h>
@@ -19,11 +19,7 @@ bool IsWindowsNt() {
 
 bool IsAdministrator() {
     using IsNtAdmin = BOOL(WINAPI*)(DWORD, DWORD*);
-    const ModuleHandle advpack(LoadLibraryA("advpack.dll"));
-    if (!advpack)
-        return false;
-    auto* const address = reinterpret_cast<void*>(GetProcAddress(advpack.Get(), "IsNTAdmin"));
-    const auto isNtAdmin = reinterpret_cast<IsNtAdmin>(address);
+    const auto isNtAdmin = SystemFunction<IsNtAdmin>("advpack.dll", "IsNTAdmin");
     return isNtAdmin != nullptr && isNtAdmin(0, nullptr) != FALSE;
 }
 

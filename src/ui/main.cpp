@@ -1,6 +1,7 @@
 // The wizard's entry: checks the system, then opens the form that the command line asks for.
 #include "base/Com.h"
 #include "base/Version.h"
+#include "base/modSystemLibrary.h"
 #include "base/modText.h"
 #include "base/modWide.h"
 #include "startup/modStartUp.h"
@@ -107,6 +108,7 @@ int Main(const char* commandLine) {
 } // namespace vesk
 
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR lpCmdLine, int) {
+    vesk::LoadFromSystemOnly();
     try {
         return vesk::Main(lpCmdLine);
     } catch (const std::exception& failure) {

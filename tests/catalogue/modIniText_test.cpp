@@ -50,6 +50,18 @@ TEST_CASE("what is read at once is what the system's own functions read, key by 
     }
     CHECK(plain > 100); // else nothing was compared
 
+    // Lists that are cut: only the names are asked for, and one of them is cut itself.
+    std::string text = "[" + std::string(100, 's') + "]\r\n";
+    for (int i = 0; i < 90; ++i)
+        text += std::string(1500, 'k') + std::to_string(i) + "=v" + std::to_string(i) + "\r\n";
+    text += "[b]\r\nk=v\r\n[" + std::string(200, 't') + "]\r\nk=w\r\n";
+    const IniText cut = ParseIni(text);
+    CHECK((cut.linesArePlain && !cut.isPlain));
+    const std::string path = folder.Write("cut.ini", text);
+    const auto sections = ReadSectionsThroughSystem(path, &cut);
+    CHECK(sections != cut.sections);
+    CHECK(sections == ReadSectionsThroughSystem(path));
+
     Catalogue catalogue;
     catalogue.installFolder = "a b";
     for (int i = 0; i < 40; ++i) {
@@ -87,4 +99,5 @@ TEST_CASE("a text is plain only when nobody can read it in another way") {
     for (int i = 0; i < 20000; ++i)
         many += "key" + std::to_string(i) + "=\r\n";
     CHECK_FALSE(ParseIni(many).isPlain);
+    CHECK(ParseIni(many).linesArePlain);
 }

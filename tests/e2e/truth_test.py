@@ -192,7 +192,7 @@ class Truth(ProgramTest):
         self.assertIn("veskbuilder.sha256: not read, so no archive's SHA-256 is checked, ", problems[0])
 
     def test_values_that_are_cut(self):
-        self.add("one.zip", members={"a.inf": f"[PEBuilder]\r\nName={'n' * 300}\r\n",
+        self.add("one.zip", members={"a.inf": f"[PEBuilder]\r\nName={'n' * 255}\r\n",
                                      "b.inf": f"[PEBuilder]\r\nName={'n' * 254}\r\n[VeskBuilder]\r\n"
                                               f"OSType=1{',2' * 150}\r\nSP={'1,' * 127}\r\n"})
         code, problems, _ = self.build_plugins()

@@ -3,6 +3,7 @@ them, the reason told and the files. Arguments: the program that runs Windows pr
 
 import os
 import pathlib
+import socket
 import subprocess
 import sys
 import tempfile
@@ -114,6 +115,54 @@ class Sessions(unittest.TestCase):
              "HTTP/1.1 302 Found, the server leads to an address with a blank or a control "
              "character in it"),
         ])
+
+    def test_cut_and_reset_anywhere(self):
+        whole = HEAD + BODY
+        offsets = [0, 1, 8, len(HEAD) // 2, *range(len(HEAD) - 4, len(HEAD) + 2)]
+        offsets += range(len(HEAD) + 400, len(whole) - 1, (len(BODY) - 400) // 9)
+        offsets += [len(whole) - 1, len(whole)]
+        self.assertGreaterEqual(len(offsets), 20)
+
+        def script(connection, url):
+            offset, kind = url.rsplit("/", 1)[1].split("-")
+            connection.sendall(whole[:int(offset)])
+            if kind == "reset":
+                time.sleep(0.05)
+                reset(connection)
+
+        _, proxy = self.serve(script)
+        self.target.write_bytes(OLD)
+        downloads = [(crc, f"http://h/{offset}-{kind}") for offset in offsets
+                     for kind in ("cut", "reset") for crc in (CRC, None)]
+        for (crc, url), (result, size, _, why) in zip(downloads, self.run_tool(proxy, downloads)):
+            came = int(url[9:].split("-")[0]) - len(HEAD)
+            with self.subTest(url, crc=crc):
+                expected = FAILED if came < 0 or crc is None and came < len(BODY) else \
+                    DONE if came == len(BODY) else CRC_DIFFERS
+                self.assertEqual(result, expected)
+                if result == DONE:
+                    self.target.write_bytes(OLD)
+                    continue
+                self.assertEqual(size, str(len(OLD)))
+                # Wine tells of a reset as if it were an ordinary end.
+                self.assertRegex(why, "connection reset by peer|" + (
+                    f"{came:,} of 4,096 bytes came$" if came >= 0 else
+                    "closed without an answer$" if came == -len(HEAD) else "no HTTP header, a text"))
+
+    def test_nobody_accepts_the_connection(self):
+        with socket.socket() as full:
+            full.bind(("127.0.0.1", 0))
+            full.listen(0)
+            port = full.getsockname()[1]
+            waiting = [socket.socket() for _ in range(4)]
+            for one in waiting:
+                self.addCleanup(one.close)
+                one.setblocking(False)
+                one.connect_ex(("127.0.0.1", port))
+            started = time.monotonic()
+            self.assertEqual(self.run_tool(f"127.0.0.1:{port}", [(CRC, "http://h/x")], 1),
+                             [(FAILED, "none", "none", f"proxy 127.0.0.1 port {port}: no data for 1 s")])
+            self.assertLess(time.monotonic() - started, 20)
 
     def test_silence_in_every_state_ends_when_the_time_is_up(self):
         def silent_after(text):

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstdint>
+
+namespace vesk {
+
+/// Numbers of the failures that are nobody's but the program's own: callers know them from the
+/// language that plug-in authors and their tools use.
+enum RunTimeError : std::uint32_t {
+    kInvalidCall = 5,
+    kOverflow = 6,
+    kOutOfMemory = 7,
+    kSubscriptOutOfRange = 9,
+    kTypeMismatch = 13,
+};
+
+} // namespace vesk

@@ -1,0 +1,39 @@
+#include "base/modSystemLibrary.h"
+
+#include <windows.h>
+
+#include <string>
+
+namespace vesk {
+
+namespace {
+
+template <class Function>
+Function KernelFunction(const char* name) {
+    return reinterpret_cast<Function>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("kernel32.dll"), name)));
+}
+
+} // namespace
+
+void LoadFromSystemOnly() {
+    constexpr DWORD kSystemFolder = 0x800;
+    // Windows 8, or 7 with its updates.
+    const auto setFolders = KernelFunction<BOOL(WINAPI*)(DWORD)>("SetDefaultDllDirectories");
+    if (setFolders != nullptr && setFolders(kSystemFolder) != FALSE)
+        return;
+    // Windows XP SP1: only the current folder can be left out.
+    if (const auto setFolder = KernelFunction<BOOL(WINAPI*)(LPCSTR)>("SetDllDirectoryA"))
+        setFolder("");
+}
+
+void* FindSystemFunction(const char* library, const char* function) {
+    std::string path(MAX_PATH, '\0');
+    path.resize(GetSystemDirectoryA(path.data(), static_cast<UINT>(path.size())));
+    path.append("\\").append(library);
+    // Never freed: the function may be called at any later time.
+    const HMODULE module = LoadLibraryA(path.c_str());
+    return module == nullptr ? nullptr : reinterpret_cast<void*>(GetProcAddress(module, function));
+}
+
+} // namespace vesk
