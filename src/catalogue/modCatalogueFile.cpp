@@ -271,7 +271,8 @@ CatalogueCheck CheckCatalogueFile(const std::string& programPath, const Catalogu
     CatalogueCheck check =
         CheckCatalogue(catalogue, ArchivesIn(programPath),
                        SectionNames(ReadWholeFile(programPath + kCatalogueFileName)));
-    for (const Problem& problem : clsSha256List(programPath).Problems())
+    const clsSha256List list(programPath);
+    for (const Problem& problem : list.Problems())
         check.problems.push_back({CatalogueProblemKind::Sha256List, kSha256FileName,
                                   problem.what + ", " + problem.reason, std::nullopt});
     return check;
