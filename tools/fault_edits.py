@@ -64,7 +64,8 @@ def edits(path, text):
         for match in re.finditer(r"(?<=[;{})]\n)[ ]{4,}((?:throw [^;{}]+|break|continue|return|"
                                  r"\*?[\w:.\->]+(?:\[[^;{}]*?\])?(?:\(| [+|&-]?= )[^;{}]*));",
                                  code):
-            yield match.start(1), match.end(), "statement", "{}"
+            statement = text[match.start(1):match.end()]  # kept, or what it uses were unused
+            yield match.start(1), match.end(), "statement", f"{{ if (false) {statement} }}"
     for match in re.finditer(r"(?<![\w])(?!if|for|while|switch|catch|return)\w+(\()", code):
         end, commas = closing(code, match.start(1))
         stops = [match.start(1), *commas, end]

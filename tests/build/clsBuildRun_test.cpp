@@ -4,9 +4,7 @@
 #include "TestArchive.h"
 #include "TestFolder.h"
 #include "base/UniqueHandle.h"
-#include "base/modSpecialFolder.h"
 #include "base/modText.h"
-#include "catalogue/clsINI.h"
 
 #include <algorithm>
 
@@ -89,7 +87,8 @@ FileHandle Lock(const std::string& path) {
 
 } // namespace
 
-TEST_CASE_FIXTURE(Fixture, "a build makes the whole tree") {
+// What is in the tree is compared whole with manifests, where the console builds.
+TEST_CASE_FIXTURE(Fixture, "a build asks, counts, and adds what it moved to the catalogue") {
     folder.Write("tree\\input.inf", "of an earlier build");
     folder.Write("tree\\old.txt", "of an earlier build");
     CHECK(Run() == BuildEnding::Done);
@@ -99,33 +98,10 @@ TEST_CASE_FIXTURE(Fixture, "a build makes the whole tree") {
     CHECK(frontEnd.done == 3);
     CHECK(frontEnd.total == 3);
     CHECK_FALSE(FileExists(InTree("old.txt")));
-    CHECK(FileExists(InTree("mymkisofs.exe")));
-    CHECK_FALSE(FolderExists(InTree("Plugin\\a43")));
     CHECK(PluginIsThere("one"));
     CHECK(PluginIsThere("two"));
-    CHECK(ReadWholeFile(InTree("readme.txt")) == "read me");
-    const clsINI one(InTree("Plugin\\100_tools\\one\\p.inf"));
-    CHECK(one.GetStringValue("PEBuilder", "Name") == "100 One");
-    const clsINI heading(InTree("Plugin\\100_tools\\100_tools.inf"));
-    CHECK(heading.GetStringValue("Version", "Signature") == "$Windows NT$");
-    CHECK(heading.GetStringValue("PEBuilder", "Name").starts_with("100 ============[ Tools ]="));
-
-    const std::string moved = InTree("Plugin\\100_tools\\bootfix\\bootfix.inf");
-    CHECK(ReadWholeFile(moved).find(";[Append]\r\n;nu2menu.xml, boot.xml") != std::string::npos);
-    const clsINI menu(InTree("vesklive.ini"));
-    CHECK(menu.GetAllSections() == std::vector<std::string>{"0", "Categories", ""});
-    CHECK(menu.GetStringValue("0", "Name") == "100 Boot");
-    CHECK(menu.GetStringValue("0", "Cat") == "100");
-    CHECK(menu.GetStringValue("0", "Inf0") == moved);
-    CHECK(menu.GetStringValue("Categories", "100") == "100_tools");
     REQUIRE(catalogue.plugins.size() == 3);
     CHECK(catalogue.plugins[2] == CatalogueEntry{"100 Boot", "", "100", false, false, "", ""});
-
-    const std::string startMenu = SpecialFolderPath(SpecialFolder::CommonPrograms);
-    const std::string link = ReadWholeFile(startMenu + "\\Vesk Builder\\Vesk Builder.lnk");
-    CHECK(link.find("pebuilder.exe") != std::string::npos);
-    CHECK(FileExists(startMenu + "\\Vesk Builder\\ReadMe.lnk"));
-    CHECK(FileExists(SpecialFolderPath(SpecialFolder::Desktop) + "\\Vesk Builder.lnk"));
 }
 
 TEST_CASE_FIXTURE(Fixture, "the answer No leaves the folder as it is") {

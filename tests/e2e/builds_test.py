@@ -21,6 +21,7 @@ START_MENU = DRIVE / "ProgramData/Microsoft/Windows/Start Menu/Programs/Vesk Bui
 LINKS = [START_MENU / "Vesk Builder.lnk", START_MENU / "ReadMe.lnk"]
 KEY = r"HKCU\Software\Vesk Builder Test"
 SAMPLE_KEY = r"HKCU\Software\Vesk Builder Sample"
+READ_ME_TIME = 1146711722  # 2006-05-04 03:02:02
 SUMMER, WINTER = (2006, 7, 4, 12, 0, 2), (2006, 1, 4, 12, 0, 2)
 
 
@@ -47,6 +48,7 @@ class Builds(ProgramTest):
     def setUp(self):
         super().setUp()
         self.windows_tree = windows_path(self.tree)
+        os.utime(self.program / "readme.txt", (READ_ME_TIME, READ_ME_TIME))  # copied with its time
         # Shared by all builds of this system, and named in the log when it is there.
         remove_folder(START_MENU)
         for key in (KEY, SAMPLE_KEY):

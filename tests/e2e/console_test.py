@@ -218,6 +218,26 @@ class Console(ProgramTest):
             self.assertIn("the name of the program's folder", "".join(lines) + errors)
         self.assertEqual(self.run_program("--yes")[0], 64)
 
+    def test_what_is_told_beside_the_log(self):
+        self.write_small_catalogue()
+        code, lines, errors = self.build("--source", windows_path(self.program))
+        self.assertEqual(code, 1)
+        self.assertIn("Source path: Invalid", lines)
+        self.assertIn("not usable as Windows source, it has no I386 folder", errors)
+        code, _, errors = self.build("--yes", "--enable", "locked")
+        self.assertEqual(code, 1)
+        self.assertIn("Locked: not ticked, ", errors)
+        code, lines, errors = self.run_program("--install", "C:\\\u03a9")
+        self.assertEqual((code, lines), (64, []))
+        self.assertIn("code page cannot hold", errors)
+        with open("/dev/full", "w", encoding="ascii") as full:
+            result = subprocess.run(
+                [*WINE, str(self.program / "veskbuild.exe"), "--yes", "--install",
+                 windows_path(self.tree)], stdin=subprocess.DEVNULL, stdout=full,
+                stderr=subprocess.PIPE, timeout=60, check=False)
+        self.assertEqual(result.returncode, 1)
+        self.assertIn(b"the log could not be printed whole", result.stderr)
+
     def test_help_and_version(self):
         code, lines, _ = self.run_program("--help")
         self.assertEqual(code, 0)

@@ -14,6 +14,9 @@ TEST_CASE("the program refuses what it cannot run on, the system first") {
     CHECK(CheckSystem({yes, yes}) == StartRefusal::None);
     CHECK(RefusalText(StartRefusal::NotWindowsNt) ==
           "Sorry only NT systems supported, setup cannot continue...");
+    CHECK(RefusalText(StartRefusal::NotAdministrator) ==
+          "You need to be an Administrator to run this software");
+    CHECK(CheckSystem(WindowsProbe()) == StartRefusal::None); // Wine takes everybody for one
 }
 
 TEST_CASE("the environment: cut, and empty when unset") {
@@ -21,6 +24,8 @@ TEST_CASE("the environment: cut, and empty when unset") {
     CHECK(ReadEnvironmentVariable("VESK_TEST") == std::string(254, 'x'));
     SetEnvironmentVariableA("VESK_TEST", nullptr);
     CHECK(ReadEnvironmentVariable("VESK_TEST").empty());
+    SetEnvironmentVariableA("Temp", "C:\\x y");
+    CHECK(FindProgramPaths().temporaryPath == "C:\\x y\\");
     SetEnvironmentVariableA("Temp", nullptr);
     CHECK(FindProgramPaths().temporaryPath == "\\");
     CHECK(FindProgramPaths().programPath.ends_with("\\tests\\"));
