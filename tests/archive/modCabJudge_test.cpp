@@ -152,7 +152,7 @@ TEST_CASE("damage is the trouble of those members only whose data it meets") {
              cab.folders[1].dataAt =
                  static_cast<std::uint32_t>(bytes.size() - 8 - 8 - 8 - 5 - 8 - 3);
          }},
-        {"compression method 5 is not known|compression method 5 is not known|ok",
+        {"compression method 5 is not supported|compression method 5 is not supported|ok",
          [](TestCab& cab) { cab.folders[0].packing = 5; }},
         {"ok|ok|its settings for LZX compression are impossible",
          [](TestCab& cab) { cab.folders[1].packing = 22 << 8 | 3; }},

@@ -84,7 +84,7 @@ TEST_CASE("what is no archive, or not all of one, is said to be so") {
          {std::string(), std::string(100'000, 'P'), endRecord,
           "junk" + good.substr(0, good.size() - 22), MakeZip({kOne}, secondDisk)}) {
         CAPTURE(bytes.size());
-        CHECK_THROWS_AS(Read(bytes), ZipProblem);
+        CHECK_THROWS_AS(Read(bytes), ArchiveProblem);
     }
     TestEnd tooMany; // one that breaks off gives what it holds
     tooMany.count = 5;
@@ -228,7 +228,7 @@ TEST_CASE("data that two members share is given to the first only") {
     std::vector<std::string> refusals;
     for (const ZipMember& member : directory.members)
         refusals.push_back(member.refusal);
-    const std::string overlaps = "overlaps another member";
+    const std::string overlaps = "it overlaps another member";
     CHECK(refusals == std::vector<std::string>{"", overlaps, overlaps, "", overlaps});
 }
 

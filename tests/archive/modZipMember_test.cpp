@@ -35,9 +35,9 @@ std::string ReadAll(const std::string& archive, const Password& password, bool i
     for (const ZipMember& member : directory.members) {
         try {
             if (!member.refusal.empty())
-                throw ZipProblem(member.refusal);
+                throw ArchiveProblem(member.refusal);
             all += member.name + "=" + ContentOf(reader, member, inPieces) + ";";
-        } catch (const ZipProblem& problem) {
+        } catch (const ArchiveProblem& problem) {
             all += member.name + "!" + problem.what() + ";";
         }
     }
@@ -130,10 +130,12 @@ TEST_CASE("encrypted members: asked until right, once for all members, never aft
              Row{{"wrong", "bad", "pass"}, "a=secret text;b=secret text;c=open;", 3},
              Row{{"pass"}, "a=secret text;b=secret text;c=open;", 1},
              Row{{},
-                 "a!is encrypted, no right password given;b!is encrypted, no right password given;c=open;",
+                 "a!is encrypted, no right password given;b!is encrypted, no right password "
+                 "given;c=open;",
                  1},
              Row{{"wrong"},
-                 "a!is encrypted, no right password given;b!is encrypted, no right password given;c=open;",
+                 "a!is encrypted, no right password given;b!is encrypted, no right password "
+                 "given;c=open;",
                  2},
              Row{{"wrong", "wrong", "wrong", "pass"},
                  "a!wrong password;b!wrong password;c=open;",
@@ -151,8 +153,9 @@ TEST_CASE("encrypted members: asked until right, once for all members, never aft
             CHECK(asked == row.asked);
         }
     }
-    CHECK(ReadAll(archive) ==
-          "a!is encrypted, no right password given;b!is encrypted, no right password given;c=open;");
+    CHECK(
+        ReadAll(archive) ==
+        "a!is encrypted, no right password given;b!is encrypted, no right password given;c=open;");
 }
 
 TEST_CASE("a wrong password that passes the early check is still a wrong one") {
@@ -201,7 +204,7 @@ TEST_CASE("no damage to an archive leads astray") {
         const auto tryAll = [](const std::string& archive) {
             try {
                 ReadAll(archive, [](bool) { return std::string("pass"); });
-            } catch (const ZipProblem&) {
+            } catch (const ArchiveProblem&) {
                 return; // an ordinary answer; anything else is caught by the sanitizers
             }
         };
