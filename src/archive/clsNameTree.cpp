@@ -19,7 +19,8 @@ std::size_t clsNameTree::EnterFolder(std::wstring_view path, std::size_t top,
         auto node = nodes_.find(key);
         if (node == nodes_.end()) {
             create(path.substr(0, end));
-            node = nodes_.emplace(std::move(key), Node{true, MemberContent{++folders_, 0, {}}}).first;
+            node =
+                nodes_.emplace(std::move(key), Node{true, MemberContent{++folders_, 0, {}}}).first;
         }
         if (!node->second.isFolder)
             throw ArchiveProblem("a file stands on the way to it");

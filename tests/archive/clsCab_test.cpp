@@ -251,28 +251,6 @@ TEST_CASE("a file in the way is written over, or stays as it is when it is in us
     CHECK(f.Out("one.txt") == "1");
 }
 
-TEST_CASE("names that lead elsewhere are left out, the rest is written") {
-    std::vector<Member> members = {{"first.txt", {"1"}}};
-    for (const char* name : {"..\\up.txt", "C:\\vesk-root.txt", "\\vesk-root.txt", "a:stream"})
-        members.push_back({name, {"x"}});
-    members.push_back({"slash/last.txt", {"9"}});
-    Fixture f(CabBytes(members));
-    f.cab.Extract();
-    const std::string character =
-        ": not extracted, its name holds a character that no file name can";
-    CHECK(f.owner.failures == Events{"..\\up.txt: not extracted, its name leads out of the folder",
-                                     "C:\\vesk-root.txt" + character,
-                                     "\\vesk-root.txt: not extracted, its name is an absolute path",
-                                     "a:stream" + character});
-    CHECK(f.Out("first.txt") == "1");
-    CHECK(f.Out("slash\\last.txt") == "9");
-    for (const std::string& outside :
-         {f.folder / "up.txt", std::string("C:\\vesk-root.txt"), f.folder / "out\\a"}) {
-        CAPTURE(outside);
-        CHECK_FALSE(FileExists(outside));
-    }
-}
-
 TEST_CASE("a damaged member does not stay under its name, and ends nothing but itself") {
     const std::string full(32768, 'a');
     struct Row {
