@@ -115,7 +115,7 @@ void clsCabExtraction::HandleUnreadUpTo(std::size_t end) {
 }
 
 void clsCabExtraction::HandleUnread(std::size_t place) {
-    CabEntry& entry = EntryAt(place);
+    const CabEntry& entry = EntryAt(place);
     if (!iteration_.Matches(entry))
         return;
     if (IsWanted(entry)) {

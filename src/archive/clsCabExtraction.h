@@ -43,7 +43,9 @@ private:
     void Write(std::span<const std::byte> bytes) override;
     void End() override;
 
-    [[nodiscard]] CabEntry& EntryAt(std::size_t place) { return directory_.entries[group_[place]]; }
+    [[nodiscard]] const CabEntry& EntryAt(std::size_t place) const {
+        return directory_.entries[group_[place]];
+    }
     [[nodiscard]] std::size_t NumberOf(const CabEntry& entry) const;
     [[nodiscard]] std::wstring PathOf(const CabEntry& entry) const;
     bool IsWanted(const CabEntry& entry);

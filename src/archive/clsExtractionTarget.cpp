@@ -5,6 +5,7 @@
 #include "base/modWide.h"
 
 #include <algorithm>
+#include <ranges>
 
 namespace vesk {
 
@@ -32,8 +33,8 @@ void CreateWithParents(const std::wstring& path) {
     for (std::wstring_view level = path; level.size() > top && !exists(level);
          level = ParentOf(level))
         missing.push_back(level);
-    for (auto level = missing.rbegin(); level != missing.rend(); ++level) {
-        const std::wstring name(*level);
+    for (const std::wstring_view level : missing | std::views::reverse) {
+        const std::wstring name(level);
         if (CreateDirectoryW(name.c_str(), nullptr) == 0) {
             const DWORD error = GetLastError();
             ThrowSystemError(error, "cannot create", Narrowed(WithoutLongPrefix(name)));
