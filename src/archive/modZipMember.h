@@ -42,6 +42,7 @@ public:
                     clsZipPasswords::Source password);
     ZipMemberReader(const ZipMemberReader&) = delete;
     ZipMemberReader& operator=(const ZipMemberReader&) = delete;
+    ~ZipMemberReader() = default;
 
     /// The member's whole content, in the archive itself or in memory of the reader; valid until
     /// the next call. @throws ArchiveProblem, std::bad_alloc
