@@ -38,7 +38,7 @@ void CheckContent(ZipMemberReader& reader, const ZipMember& member) {
         Require(content.size() == member.size);
         Require(PlainCrc(content) == member.crc);
         whole.assign(reinterpret_cast<const char*>(content.data()), content.size());
-    } catch (const ZipProblem&) { // an ordinary answer
+    } catch (const ArchiveProblem&) { // an ordinary answer
     }
     try {
         std::string content;
@@ -47,7 +47,7 @@ void CheckContent(ZipMemberReader& reader, const ZipMember& member) {
             content.append(reinterpret_cast<const char*>(piece.data()), piece.size());
         });
         pieces = content;
-    } catch (const ZipProblem&) {
+    } catch (const ArchiveProblem&) {
     }
     Require(whole == pieces);
 }
@@ -90,7 +90,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         }
         Require(!directory.members.empty() || directory.problem.empty());
         Summary(ZipVersion(), totals);
-    } catch (const ZipProblem&) { // an ordinary answer
+    } catch (const ArchiveProblem&) { // an ordinary answer
     }
     return 0;
 }

@@ -44,7 +44,11 @@ std::int32_t clsCab::FileCount() {
 }
 
 void clsCab::Extract() {
-    clsCabExtraction(*this, owner_).Run();
+    clsCabExtraction(*this, owner_, clsCabExtraction::Mode::Extract).Run();
+}
+
+void clsCab::Test() {
+    clsCabExtraction(*this, owner_, clsCabExtraction::Mode::Test).Run();
 }
 
 void clsCab::GetInfo() {

@@ -25,8 +25,9 @@ public:
     /// A member stands complete at its target path.
     virtual void OnAfterExtract(const std::string& /*targetPath*/) {}
 
-    /// A member does not stand at its target path, and why. One of this and OnAfterExtract follows
-    /// each OnBeforeExtract that is not answered with `cancel`.
+    /// What of a member was not done, and why: it does not stand at its target path, or, after
+    /// OnAfterExtract, not all of it was kept. One of this and OnAfterExtract follows each
+    /// OnBeforeExtract that is not answered with `cancel`.
     virtual void OnNotExtracted(const MemberFailure& /*failure*/) {}
 
     /// Now and then while extracting, also within a large member.
@@ -54,10 +55,14 @@ public:
 
     /// Writes the member FileToExtract, or every member, below the destination folder, over
     /// existing files (read-only ones, too), and creates the folders it needs. Members get their
-    /// stored names, times and attributes. A member whose name leads elsewhere or is another one's,
-    /// or that stands behind a link, is left out. One that is damaged or cannot be written ends
-    /// nothing but itself; the method throws what befell the first of those when it is through.
+    /// stored names, times and attributes; of two with one name the later one stays. A member whose
+    /// name leads elsewhere is left out. One that is damaged or cannot be written ends nothing but
+    /// itself; the method throws what befell the first of those when it is through.
     void Extract();
+
+    /// Does and tells all that Extract does but for the writing, with the names for target paths.
+    /// Members in LZX and Quantum are not unpacked: of them the data's checksums are compared.
+    void Test();
 
     /// Raises OnFileFound for every member, or for FileToExtract only, and stops there.
     void GetInfo();

@@ -5,7 +5,8 @@
 #include "archive/modCabName.h"
 #include "archive/modCabReader.h"
 #include "archive/modCabUnpack.h"
-#include "base/Failure.h"
+#include "archive/modMemberFailure.h"
+#include "archive/modMemberPath.h"
 #include "base/Problem.h"
 #include "base/modFile.h"
 #include "base/modText.h"
@@ -22,6 +23,13 @@ constexpr const char* kCannotUnpack = "its data is damaged";
 /// Progress is shown when so many more bytes are done.
 constexpr std::uint64_t kProgressStep = std::uint64_t{1} << 20;
 
+/// Up to this size a member is written at once, and only when it is complete.
+constexpr std::uint64_t kHeldBack = std::uint64_t{256} << 10;
+
+std::string ShownName(const CabEntry& entry) {
+    return vesk::ShownName(CabEntryName(entry));
+}
+
 } // namespace
 
 void clsCabExtraction::Run() {
@@ -30,7 +38,7 @@ void clsCabExtraction::Run() {
         ExtractAll();
     });
     if (first_)
-        ThrowCabFailure(first_->number, first_->reason);
+        ThrowCabFailure(first_->number, first_->failure.reason);
 }
 
 void clsCabExtraction::Prepare() {
@@ -44,7 +52,9 @@ void clsCabExtraction::Prepare() {
         order_ = JudgeCabEntries(directory_);
         JudgeCabNames(directory_);
         const std::string& folder = iteration_.Destination();
-        target_.emplace(folder.empty() ? ParentOf(AbsolutePath(iteration_.CabName())) : folder);
+        if (mode_ == Mode::Extract)
+            target_ = clsExtractionTarget(
+                folder.empty() ? ParentOf(AbsolutePath(iteration_.CabName())) : folder);
     } catch (const std::exception& failure) {
         ThrowCabFailure(CabNumberOf(failure), ReasonOf(failure));
     }
@@ -64,6 +74,9 @@ void clsCabExtraction::ExtractAll() {
         group_ = std::span(order_).subspan(start, end - start);
         ExtractGroup();
     }
+    target_.FinishFolders([this](std::size_t number, std::uint32_t error) {
+        Tell(NotStamped(ShownName(directory_.entries[number]), error));
+    });
 }
 
 void clsCabExtraction::ExtractGroup() {
@@ -76,14 +89,18 @@ void clsCabExtraction::ExtractGroup() {
             readable_.push_back(place);
             entries.push_back(group_[place]);
         }
-    unread_ = {kCabDamaged, kCannotUnpack};
+    unread_ = {kCabDamaged, NotExtracted("", kCannotUnpack)};
+    isUnpacked_ = true;
     if (!entries.empty()) {
         const CabFolder& folder = directory_.folders[EntryAt(0).folder];
+        const bool here = IsUnpackedHere(folder);
+        isUnpacked_ = here || mode_ == Mode::Extract;
         try {
-            const auto unpack = IsUnpackedHere(folder) ? UnpackCabFolder : ReadCabFolder;
-            unpack(iteration_.Cabinet(), directory_, folder, entries, *this);
+            if (isUnpacked_)
+                (here ? UnpackCabFolder : ReadCabFolder)(iteration_.Cabinet(), directory_, folder,
+                                                         entries, *this);
         } catch (const std::exception& failure) {
-            unread_ = {CabNumberOf(failure), ReasonOf(failure)};
+            unread_ = {CabNumberOf(failure), FailureOf("", failure)};
         }
     }
     if (begun_) // the reader gave it up without a word
@@ -98,15 +115,15 @@ void clsCabExtraction::HandleUnreadUpTo(std::size_t end) {
 }
 
 void clsCabExtraction::HandleUnread(std::size_t place) {
-    CabEntry& entry = EntryAt(place);
+    const CabEntry& entry = EntryAt(place);
     if (!iteration_.Matches(entry))
         return;
     if (IsWanted(entry)) {
         if (!entry.refusal.empty())
-            Fail(entry, {entry.leftOut ? clsCabTarget::kLeftOut : kCabDamaged, entry.refusal});
+            Fail(entry, {entry.leftOut ? 0 : kCabDamaged, NotExtracted("", entry.refusal)});
         else if (IsCabFolderEntry(entry))
             CreateFolderOf(entry);
-        else if (entry.size != 0)
+        else if (entry.size != 0 && isUnpacked_)
             Fail(entry, unread_);
         else {
             Open(entry);
@@ -117,11 +134,11 @@ void clsCabExtraction::HandleUnread(std::size_t place) {
 }
 
 void clsCabExtraction::CreateFolderOf(const CabEntry& entry) {
-    const std::wstring path = target_->PathOf(*CabTargetName(entry));
+    const std::wstring path = PathOf(entry);
     try {
-        target_->EnsureFolder(path);
+        target_.AddFolder(path, NumberOf(entry), StampOf(entry));
     } catch (const std::exception& failure) {
-        Fail(entry, {CabNumberOf(failure), ReasonOf(failure)});
+        Fail(entry, {CabNumberOf(failure), FailureOf("", failure)});
         return;
     }
     iteration_.Raise(
@@ -145,14 +162,19 @@ bool clsCabExtraction::Begin(std::size_t place) {
 void clsCabExtraction::Write(std::span<const std::byte> bytes) {
     if (!begun_)
         return;
+    size_ += bytes.size();
+    crc_.AddBytes(bytes);
     if (!trouble_) {
         try {
-            file_->Write(bytes);
+            if (file_)
+                file_->Write(bytes);
+            else
+                held_.insert(held_.end(), bytes.begin(), bytes.end());
         } catch (const std::exception& failure) {
-            trouble_ = {CabNumberOf(failure), ReasonOf(failure)};
+            trouble_ = {CabNumberOf(failure), FailureOf("", failure)};
         }
     }
-    if (done_ + file_->Size() >= shown_ + kProgressStep)
+    if (done_ + size_ >= shown_ + kProgressStep)
         ShowProgress();
 }
 
@@ -172,34 +194,69 @@ bool clsCabExtraction::IsWanted(const CabEntry& entry) {
     return !cancel;
 }
 
+std::size_t clsCabExtraction::NumberOf(const CabEntry& entry) const {
+    return static_cast<std::size_t>(&entry - directory_.entries.data());
+}
+
+std::wstring clsCabExtraction::PathOf(const CabEntry& entry) const {
+    return MemberPath(target_.Folder(), CabEntryName(entry), IsCabFolderEntry(entry));
+}
+
 void clsCabExtraction::Open(const CabEntry& entry) {
     trouble_.reset();
-    file_.emplace(*target_, target_->PathOf(*CabTargetName(entry)), StampOf(entry), buffer_);
+    held_.clear();
+    size_ = 0;
+    crc_.Clear();
+    if (entry.size <= kHeldBack)
+        return;
+    try {
+        file_.emplace(target_, PathOf(entry), StampOf(entry), entry.size);
+    } catch (const std::exception& failure) {
+        trouble_ = {CabNumberOf(failure), FailureOf("", failure)};
+    }
 }
 
 void clsCabExtraction::Finish(const CabEntry& entry) {
-    if (!trouble_ && file_->Size() != entry.size)
+    if (!trouble_ && size_ != entry.size && isUnpacked_)
         trouble_ = unread_;
-    if (!trouble_) {
-        try {
-            file_->Keep();
-        } catch (const std::exception& failure) {
-            trouble_ = {CabNumberOf(failure), ReasonOf(failure)};
-        }
-    }
-    const std::string path = Narrowed(WithoutLongPrefix(file_->Path()));
-    file_.reset();
     if (trouble_)
         Fail(entry, *trouble_);
     else
-        iteration_.Raise([&](CabEvents& owner) { owner.OnAfterExtract(path); });
+        Keep(entry);
+    file_.reset();
 }
 
-void clsCabExtraction::Fail(const CabEntry& entry, const Trouble& trouble) {
-    if (!first_ && trouble.number != clsCabTarget::kLeftOut)
-        first_ = trouble;
-    const MemberFailure failure{CabDisplayName(entry), "not written", AsReason(trouble.reason)};
+void clsCabExtraction::Keep(const CabEntry& entry) {
+    const std::wstring path = PathOf(entry);
+    MemberContent content{NumberOf(entry), entry.size, std::nullopt};
+    if (isUnpacked_)
+        content.crc = static_cast<std::uint32_t>(crc_.Value());
+    AddedFile added;
+    try {
+        added =
+            file_ ? file_->Keep(content) : target_.AddFile(path, content, held_, StampOf(entry));
+    } catch (const std::exception& failure) {
+        return Fail(entry, {CabNumberOf(failure), FailureOf("", failure)});
+    }
+    file_.reset(); // an event may look at it
+    iteration_.Raise(
+        [&](CabEvents& owner) { owner.OnAfterExtract(Narrowed(WithoutLongPrefix(path))); });
+    if (const auto& both = added.overwriting)
+        Tell(WrittenOver(ShownName(directory_.entries[both->later]),
+                         ShownName(directory_.entries[both->earlier])));
+    if (added.stampError != 0)
+        Tell(NotStamped(ShownName(entry), added.stampError));
+}
+
+void clsCabExtraction::Tell(const MemberFailure& failure) {
     iteration_.Raise([&](CabEvents& owner) { owner.OnNotExtracted(failure); });
+}
+
+void clsCabExtraction::Fail(const CabEntry& entry, Trouble trouble) {
+    if (!first_ && trouble.number != 0)
+        first_ = trouble;
+    trouble.failure.member = ShownName(entry);
+    Tell(trouble.failure);
 }
 
 void clsCabExtraction::CountAsDone(const CabEntry& entry) {
@@ -209,16 +266,19 @@ void clsCabExtraction::CountAsDone(const CabEntry& entry) {
 }
 
 void clsCabExtraction::ShowProgress() {
-    shown_ = done_ + (file_ ? file_->Size() : 0);
+    shown_ = done_ + (begun_ ? size_ : 0);
     const double fraction =
         wanted_ == 0 ? 0 : static_cast<double>(shown_) / static_cast<double>(wanted_);
     iteration_.Raise([&](CabEvents& owner) { owner.OnProgress(std::min(fraction, 1.0)); });
 }
 
-MemberStamp clsCabExtraction::StampOf(const CabEntry& entry) {
+FileStamp clsCabExtraction::StampOf(const CabEntry& entry) {
     constexpr DWORD kRestored = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN |
                                 FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE;
-    return {entry.attributes & kRestored, clock_.FileTimeOf(entry.dosDate, entry.dosTime)};
+    FileStamp stamp;
+    stamp.attributes = entry.attributes & kRestored;
+    stamp.modified = clock_.FileTimeOf(entry.dosDate, entry.dosTime);
+    return stamp;
 }
 
 } // namespace vesk

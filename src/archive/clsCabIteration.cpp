@@ -3,9 +3,10 @@
 #include "archive/modCabDirectory.h"
 #include "archive/modCabFailure.h"
 #include "archive/modCabName.h"
+#include "archive/modMemberPath.h"
 #include "base/Failure.h"
 #include "base/Problem.h"
-#include "base/modText.h"
+#include "base/modWide.h"
 
 namespace vesk {
 
@@ -13,7 +14,7 @@ bool clsCabIteration::busy_ = false;
 
 clsCabIteration::clsCabIteration(const clsCab& cab, std::weak_ptr<CabEvents*> owner)
     : cabName_(cab.CabName),
-      wanted_(cab.FileToExtract),
+      wanted_(FoldedName(Widen(cab.FileToExtract))),
       destination_(cab.DestinationFolder),
       owner_(std::move(owner)) {
     constexpr std::uint32_t kNoCabName = 0x800407A4;
@@ -42,7 +43,7 @@ CabDirectory clsCabIteration::ReadDirectory() {
 }
 
 bool clsCabIteration::Matches(const CabEntry& entry) const {
-    return wanted_.empty() || EqualNoCase(wanted_, CabMemberName(entry));
+    return wanted_.empty() || wanted_ == FoldedName(Widen(CabMemberName(entry)));
 }
 
 } // namespace vesk

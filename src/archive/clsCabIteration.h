@@ -66,7 +66,7 @@ private:
     static bool busy_;
 
     std::string cabName_;
-    std::string wanted_;
+    std::wstring wanted_; ///< Folded; empty for all.
     std::string destination_;
     std::weak_ptr<CabEvents*> owner_;
     std::unique_ptr<clsFileSource> source_;

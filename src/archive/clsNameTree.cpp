@@ -1,22 +1,11 @@
 #include "archive/clsNameTree.h"
 
-#include "archive/modZipDirectory.h"
-
-#include <windows.h>
+#include "archive/ArchiveProblem.h"
+#include "archive/modMemberPath.h"
 
 #include <algorithm>
 
 namespace vesk {
-
-namespace {
-
-std::wstring Folded(std::wstring_view name) {
-    std::wstring folded(name);
-    CharUpperBuffW(folded.data(), static_cast<DWORD>(folded.size()));
-    return folded;
-}
-
-} // namespace
 
 std::size_t clsNameTree::EnterFolder(std::wstring_view path, std::size_t top,
                                      const std::function<void(std::wstring_view path)>& create) {
@@ -26,29 +15,43 @@ std::size_t clsNameTree::EnterFolder(std::wstring_view path, std::size_t top,
     for (std::size_t end = top; end < path.size();) {
         const std::size_t from = end + 1;
         end = std::min(path.find(L'\\', from), path.size());
-        Key key(folder, Folded(path.substr(from, end - from)));
+        Key key(folder, FoldedName(path.substr(from, end - from)));
         auto node = nodes_.find(key);
         if (node == nodes_.end()) {
             create(path.substr(0, end));
-            node = nodes_.emplace(std::move(key), Node{true, ++folders_}).first;
+            node =
+                nodes_.emplace(std::move(key), Node{true, MemberContent{++folders_, 0, {}}}).first;
         }
         if (!node->second.isFolder)
-            throw ZipProblem("a file stands on the way to it");
-        folder = node->second.number;
+            throw ArchiveProblem("a file stands on the way to it");
+        folder = node->second.content.number;
     }
     lastPath_ = path;
     lastFolder_ = folder;
     return folder;
 }
 
-std::optional<std::size_t> clsNameTree::PutFile(std::size_t folder, std::wstring_view name,
-                                                std::size_t member) {
-    const auto [node, isNew] = nodes_.try_emplace(Key(folder, Folded(name)), Node{false, member});
+bool clsNameTree::IsTakenByLater(std::size_t folder, std::wstring_view name,
+                                 std::size_t number) const {
+    const auto node = nodes_.find(Key(folder, FoldedName(name)));
+    return node != nodes_.end() && !node->second.isFolder && node->second.content.number > number;
+}
+
+std::optional<Overwriting> clsNameTree::PutFile(std::size_t folder, std::wstring_view name,
+                                                const MemberContent& content) {
+    const auto [node, isNew] =
+        nodes_.try_emplace(Key(folder, FoldedName(name)), Node{false, content});
     if (isNew)
         return std::nullopt;
     if (node->second.isFolder)
-        throw ZipProblem("a folder stands in its place");
-    return std::exchange(node->second.number, member);
+        throw ArchiveProblem("a folder stands in its place");
+    MemberContent& standing = node->second.content;
+    const Overwriting both{std::max(content.number, standing.number),
+                           std::min(content.number, standing.number)};
+    const bool isLost = !content.HasBytesOf(standing);
+    if (content.number > standing.number)
+        standing = content;
+    return isLost ? std::optional(both) : std::nullopt;
 }
 
 } // namespace vesk

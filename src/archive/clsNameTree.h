@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <optional>
@@ -9,6 +10,23 @@
 #include <utility>
 
 namespace vesk {
+
+/// One member and what tells its bytes from another's.
+struct MemberContent {
+    std::size_t number = 0; ///< Its place in the archive's directory.
+    std::uint64_t size = 0;
+    std::optional<std::uint32_t> crc; ///< CRC-32; unknown where nothing was unpacked.
+
+    [[nodiscard]] bool HasBytesOf(const MemberContent& other) const {
+        return size == other.size && (size == 0 || (crc && crc == other.crc));
+    }
+};
+
+/// Two members with one name and different bytes, by their numbers.
+struct Overwriting {
+    std::size_t later = 0;
+    std::size_t earlier = 0;
+};
 
 /// The names that the members of one archive bring into a target folder, as a tree, compared as the
 /// file system compares them. What it remembers grows with the names' length, however deep they
@@ -20,20 +38,24 @@ public:
     /// Goes down to a folder.
     /// @param path of the folder @param top how much of it stands for the target folder
     /// @param create called with the path of each folder on the way that is new here
-    /// @return the folder's number @throws ZipProblem when a member's file stands on the way
+    /// @return the folder's number @throws ArchiveProblem when a member's file stands on the way
     std::size_t EnterFolder(std::wstring_view path, std::size_t top,
                             const std::function<void(std::wstring_view path)>& create);
 
-    /// Remembers a member's file.
-    /// @return the member whose file had this name before
-    /// @throws ZipProblem when a folder has this name
-    std::optional<std::size_t> PutFile(std::size_t folder, std::wstring_view name,
-                                       std::size_t member);
+    /// Whether the name is that of a file of a member with a greater number, which is to stay.
+    [[nodiscard]] bool IsTakenByLater(std::size_t folder, std::wstring_view name,
+                                      std::size_t number) const;
+
+    /// Remembers a member's file. Of two with one name the one with the greater number counts.
+    /// @return the two, when bytes are lost with the other one
+    /// @throws ArchiveProblem when a folder has this name
+    std::optional<Overwriting> PutFile(std::size_t folder, std::wstring_view name,
+                                       const MemberContent& content);
 
 private:
     struct Node {
         bool isFolder;
-        std::size_t number; ///< The folder's own, or that of the file's member.
+        MemberContent content; ///< Of a folder only the number, its own.
     };
     using Key = std::pair<std::size_t, std::wstring>;
 

@@ -1,6 +1,6 @@
 #include "archive/clsNewFile.h"
 
-#include "archive/modZipDirectory.h"
+#include "archive/ArchiveProblem.h"
 #include "base/modSystemError.h"
 #include "base/modWide.h"
 
@@ -16,15 +16,15 @@ namespace {
     ThrowSystemError(error, what, Narrowed(WithoutLongPrefix(path)));
 }
 
-/// Whether an old file may be replaced. @throws ZipProblem for what is no plain file
+/// Whether an old file may be replaced. @throws ArchiveProblem for what is no plain file
 void CheckReplaceable(const std::wstring& path) {
     const DWORD attributes = GetFileAttributesW(path.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES)
         ThrowFor("cannot replace", path);
     if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0)
-        throw ZipProblem("a link stands in its place");
+        throw ArchiveProblem("a link stands in its place");
     if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
-        throw ZipProblem("a folder stands in its place");
+        throw ArchiveProblem("a folder stands in its place");
 }
 
 /// A file that is in use is refused to a move without saying so.
@@ -89,6 +89,11 @@ std::uint32_t clsNewFile::Keep() {
     if (path_ != finalPath_)
         MoveIntoPlace();
     kept_ = true;
+    // A new file gets this attribute by itself.
+    if ((stamp_.attributes & FILE_ATTRIBUTE_ARCHIVE) == 0 &&
+        SetFileAttributesW(finalPath_.c_str(),
+                           stamp_.attributes != 0 ? stamp_.attributes : FILE_ATTRIBUTE_NORMAL) == 0)
+        return GetLastError();
     return timeError;
 }
 

@@ -31,7 +31,7 @@ public:
     };
 
     /// @param path absolute, as LongPath gives it; must outlive the object, as must the stamp
-    /// @throws Failure, ZipProblem when what stands in the way is no plain file
+    /// @throws Failure, ArchiveProblem when what stands in the way is no plain file
     clsNewFile(const std::wstring& path, const FileStamp& stamp, Place place);
     clsNewFile(const clsNewFile&) = delete;
     clsNewFile& operator=(const clsNewFile&) = delete;
@@ -41,7 +41,7 @@ public:
     void Write(std::span<const std::byte> content);
 
     /// Stamps the complete file and puts it under its name. @throws Failure
-    /// @return the system's error code when the times could not be set, 0 otherwise
+    /// @return the system's error code when times or attributes could not be set, 0 otherwise
     std::uint32_t Keep();
 
 private:

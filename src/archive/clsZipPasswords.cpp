@@ -102,14 +102,14 @@ ZipCipher clsZipPasswords::Ask(const ZipMember& member, const Check& check) {
             if (isRight)
                 throw;
             if (password == seemedRight)
-                throw ZipProblem("wrong password, or its data is damaged");
+                throw ArchiveProblem("wrong password, or its data is damaged");
             seemedRight = std::move(password);
         }
     }
     if (askMore_)
         lockedReason_ = "wrong password";
     askMore_ = false;
-    throw ZipProblem(lockedReason_);
+    throw ArchiveProblem(lockedReason_);
 }
 
 std::optional<ZipCipher> clsZipPasswords::Try(const ZipMember& member,

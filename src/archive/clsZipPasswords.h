@@ -10,8 +10,8 @@ namespace vesk {
 
 /// The content of a member is not what its entry says. Under a password that has not been proven
 /// this may also mean that the password is wrong.
-struct ZipContentProblem : ZipProblem {
-    using ZipProblem::ZipProblem;
+struct ZipContentProblem : ArchiveProblem {
+    using ArchiveProblem::ArchiveProblem;
 };
 
 /// ZIP's traditional encryption: a stream of bytes from three running keys. Weak, but in use.
@@ -41,7 +41,8 @@ public:
     /// The cipher that opens a member, its header passed already. One wrong password in 256 seems
     /// right by the header alone, so `check` has the last word; it has been called for the cipher
     /// that is returned, unless that is of a proven password and `trustKnown` is set.
-    /// @throws ZipProblem without a password, ZipContentProblem when the password is right and the
+    /// @throws ArchiveProblem without a password, ZipContentProblem when the password is right and
+    /// the
     ///         content is not
     ZipCipher Find(const ZipMember& member, const Check& check, bool trustKnown);
 

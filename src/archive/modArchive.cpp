@@ -1,6 +1,7 @@
 #include "archive/modArchive.h"
 
 #include "archive/modCabArchive.h"
+#include "archive/modMemberFailure.h"
 #include "archive/modMemberName.h"
 #include "archive/modUnzip.h"
 #include "base/modText.h"
@@ -13,12 +14,20 @@ namespace vesk {
 
 namespace {
 
-ExtractionOutcome ExtractZip(const std::string& path, const std::string& folder,
-                             const ExtractionOwner& owner) {
+constexpr const char* kNothingInIt = "there is nothing in it";
+
+UnzipCallbacks CallbacksOf(const ExtractionOwner& owner) {
     UnzipCallbacks callbacks;
     callbacks.password = owner.password;
     callbacks.progress = owner.progress;
-    return UnzipFile(path, folder, callbacks);
+    return callbacks;
+}
+
+/// An archive out of which nothing came has to say why.
+ExtractionOutcome WithReason(ExtractionOutcome outcome) {
+    if (outcome.extracted == 0 && outcome.failures.empty())
+        outcome.failures.push_back(NotExtracted("", kNothingInIt));
+    return outcome;
 }
 
 } // namespace
@@ -36,18 +45,18 @@ ExtractionOutcome ExtractArchive(const std::string& path, const std::string& fol
                                  const ExtractionOwner& owner) {
     const std::string extension = LowerCase(ExtensionOf(path));
     if (extension == "cab")
-        return ExtractCab(path, folder, owner);
+        return WithReason(ExtractCab(path, folder, owner));
     if (extension == "zip")
-        return ExtractZip(path, folder, owner);
-    return {0, {{"", "not extracted", "it is neither a .zip nor a .cab file"}}};
+        return WithReason(UnzipFile(path, folder, CallbacksOf(owner)));
+    return {0, {NotExtracted("", "it is neither a .zip nor a .cab file")}};
 }
 
-std::vector<MemberFailure> InspectArchive(const std::string& path) {
+std::vector<MemberFailure> InspectArchive(const std::string& path, const ExtractionOwner& owner) {
     const std::string extension = LowerCase(ExtensionOf(path));
     if (extension == "zip")
-        return InspectZip(path);
+        return WithReason(TestZip(path, CallbacksOf(owner))).failures;
     if (extension == "cab")
-        return InspectCab(path);
+        return WithReason(TestCab(path, owner)).failures;
     return {};
 }
 

@@ -27,13 +27,15 @@ struct ExtractionOwner {
 bool IsPlainArchiveName(std::string_view name);
 
 /// Extracts every member below the folder, over existing files; what cannot be extracted does not
-/// stop the rest. An archive that is neither .zip nor .cab is a failure as a whole. Throws nothing
-/// but what the owner throws.
+/// stop the rest. An archive that is neither .zip nor .cab, or has no member, is a failure as a
+/// whole. Throws nothing but what the owner throws.
 ExtractionOutcome ExtractArchive(const std::string& path, const std::string& folder,
                                  const ExtractionOwner& owner);
 
-/// What an extraction would not do, as far as the directory of the archive tells (structure, names,
-/// methods): nothing is inflated or written.
-std::vector<MemberFailure> InspectArchive(const std::string& path);
+/// What an extraction would not do: every member is unpacked and compared with its checksum, a
+/// piece at a time, and nothing is written. Of cabinets in LZX and Quantum only the checksums of
+/// the packed data are compared. An archive that is neither .zip nor .cab is not looked at.
+std::vector<MemberFailure> InspectArchive(const std::string& path,
+                                          const ExtractionOwner& owner = {});
 
 } // namespace vesk

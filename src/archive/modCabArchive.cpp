@@ -1,10 +1,7 @@
 #include "archive/modCabArchive.h"
 
 #include "archive/clsCab.h"
-#include "archive/clsFileSource.h"
-#include "archive/modCabDirectory.h"
-#include "archive/modCabJudge.h"
-#include "archive/modCabName.h"
+#include "archive/modMemberFailure.h"
 #include "base/Failure.h"
 #include "base/Problem.h"
 
@@ -31,6 +28,18 @@ private:
     const ExtractionOwner& owner_;
 };
 
+ExtractionOutcome Run(clsCab& cab, CabOwner& events, void (clsCab::*method)()) {
+    try {
+        (cab.*method)();
+    } catch (const Failure& failure) {
+        if (failure.source != "CabFile")
+            throw; // the owner's
+        if (events.outcome.failures.empty())
+            events.outcome.failures.push_back(NotExtracted("", ReasonOf(failure)));
+    }
+    return std::move(events.outcome);
+}
+
 } // namespace
 
 ExtractionOutcome ExtractCab(const std::string& path, const std::string& folder,
@@ -39,33 +48,14 @@ ExtractionOutcome ExtractCab(const std::string& path, const std::string& folder,
     clsCab cab(&events);
     cab.CabName = path;
     cab.DestinationFolder = folder;
-    try {
-        cab.Extract();
-    } catch (const Failure& failure) {
-        if (failure.source != "CabFile")
-            throw; // the owner's
-        if (events.outcome.failures.empty())
-            events.outcome.failures.push_back({"", "not extracted", ReasonOf(failure)});
-    }
-    return events.outcome;
+    return Run(cab, events, &clsCab::Extract);
 }
 
-std::vector<MemberFailure> InspectCab(const std::string& path) {
-    std::vector<MemberFailure> found;
-    try {
-        clsFileSource source(path);
-        ByteWindow cabinet(source);
-        CabDirectory directory = ReadCabDirectory(cabinet);
-        JudgeCabData(cabinet, directory, [] {});
-        JudgeCabEntries(directory);
-        JudgeCabNames(directory);
-        for (const CabEntry& entry : directory.entries)
-            if (!entry.refusal.empty())
-                found.push_back({CabDisplayName(entry), "not written", entry.refusal});
-    } catch (const std::exception& failure) {
-        found = {{"", "not extracted", ReasonOf(failure)}};
-    }
-    return found;
+ExtractionOutcome TestCab(const std::string& path, const ExtractionOwner& owner) {
+    CabOwner events(owner);
+    clsCab cab(&events);
+    cab.CabName = path;
+    return Run(cab, events, &clsCab::Test);
 }
 
 } // namespace vesk

@@ -8,7 +8,7 @@ namespace vesk {
 ExtractionOutcome ExtractCab(const std::string& path, const std::string& folder,
                              const ExtractionOwner& owner);
 
-/// InspectArchive for a cabinet: its checksums are verified as well.
-std::vector<MemberFailure> InspectCab(const std::string& path);
+/// The same without writing: clsCab::Test.
+ExtractionOutcome TestCab(const std::string& path, const ExtractionOwner& owner);
 
 } // namespace vesk

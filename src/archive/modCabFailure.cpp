@@ -1,5 +1,6 @@
 #include "archive/modCabFailure.h"
 
+#include "archive/ArchiveProblem.h"
 #include "base/Failure.h"
 
 #include <algorithm>
@@ -47,6 +48,9 @@ void ThrowCabFailure(std::uint32_t number, const std::string& reason) {
 
 std::uint32_t CabNumberOf(const std::exception& failure) {
     constexpr std::uint32_t kNotEnoughMemory = 8;
+    constexpr std::uint32_t kCannotMake = 82;
+    if (dynamic_cast<const ArchiveProblem*>(&failure) != nullptr)
+        return kCannotMake;
     const auto* known = dynamic_cast<const Failure*>(&failure);
     return known != nullptr ? known->number : kNotEnoughMemory;
 }

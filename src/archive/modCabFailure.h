@@ -13,7 +13,8 @@ constexpr std::uint32_t kCabDamaged = 13;
 /// @param reason why, for people; empty when the text says all
 [[noreturn]] void ThrowCabFailure(std::uint32_t number, const std::string& reason = {});
 
-/// The number for what was thrown, whoever threw it.
+/// The number for what was thrown, whoever threw it. An ArchiveProblem in writing means that
+/// something stands in the way.
 std::uint32_t CabNumberOf(const std::exception& failure);
 
 } // namespace vesk

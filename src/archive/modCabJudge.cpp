@@ -111,7 +111,7 @@ std::string PackingFault(std::uint16_t packing) {
             return "its settings for LZX compression are impossible";
         return {};
     default:
-        return "compression method " + std::to_string(method) + " is not known";
+        return "compression method " + std::to_string(method) + " is not supported";
     }
 }
 

@@ -2,7 +2,6 @@
 
 #include "archive/CabDirectory.h"
 
-#include <optional>
 #include <string>
 
 namespace vesk {
@@ -14,18 +13,11 @@ std::wstring CabEntryName(const CabEntry& entry);
 /// The same in the ANSI code page.
 std::string CabMemberName(const CabEntry& entry);
 
-/// The same for people: in the ANSI code page, with "\" between its parts.
-std::string CabDisplayName(const CabEntry& entry);
-
 /// True for a member that is a folder of the file system.
 bool IsCabFolderEntry(const CabEntry& entry);
 
-/// Where the member belongs below a target folder: its name with "\" between its parts and none at
-/// the ends; nothing when it does not pass the gate for names from archives.
-std::optional<std::wstring> CabTargetName(const CabEntry& entry);
-
-/// Sets the `refusal` of each member whose name does not pass the gate, or is that of a member
-/// before it as far as the file system can tell. Members refused already are left as they are.
+/// Sets the `refusal` of each member whose name does not pass the gate for names from archives.
+/// Members refused already are left as they are.
 void JudgeCabNames(CabDirectory& directory);
 
 } // namespace vesk

@@ -1,12 +1,14 @@
 #include "archive/modUnzip.h"
 
+#include "archive/clsDosClock.h"
+#include "archive/clsExtractionTarget.h"
 #include "archive/clsMappedArchive.h"
-#include "archive/clsUnzipTarget.h"
+#include "archive/modMemberFailure.h"
+#include "archive/modMemberPath.h"
 #include "archive/modUnzipName.h"
 #include "archive/modZipMember.h"
 #include "archive/modZipTexts.h"
 #include "base/Problem.h"
-#include "base/modSystemError.h"
 #include "base/modWide.h"
 
 #include <algorithm>
@@ -18,12 +20,8 @@ namespace {
 
 std::string messageBuffer;
 
-constexpr const char* kNotExtracted = "not extracted";
-constexpr const char* kNotReadWhole = "not read whole";
-constexpr const char* kWrittenOver = "written over another member";
-
-std::string SameNameAs(const ZipMember& other) {
-    return "has the same name as " + ShownName(other);
+std::string ShownName(const ZipMember& member) {
+    return vesk::ShownName(ZipEntryName(member));
 }
 
 /// What an owner's callback threw, on its way past everything that deals with members' failures.
@@ -38,6 +36,23 @@ auto AskOwner(Call call) {
     } catch (...) {
         throw OwnerThrew{std::current_exception()};
     }
+}
+
+FileStamp StampOf(const ZipMember& member, clsDosClock& clock) {
+    FileStamp stamp;
+    stamp.attributes |= member.externalAttributes &
+                        (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM);
+    const auto take = [](const std::optional<std::uint64_t>& ticks) {
+        return ticks ? std::optional(
+                           FILETIME{static_cast<DWORD>(*ticks), static_cast<DWORD>(*ticks >> 32)})
+                     : std::nullopt;
+    };
+    stamp.modified = take(member.times.modified);
+    stamp.accessed = take(member.times.accessed);
+    stamp.created = take(member.times.created);
+    if (!stamp.modified)
+        stamp.modified = clock.FileTimeOf(member.dosDate, member.dosTime);
+    return stamp;
 }
 
 /// How far an extraction is: packed bytes, and something for each member's own cost.
@@ -79,16 +94,16 @@ public:
     ExtractionOutcome Run() {
         try {
             const clsMappedArchive archive(options_.Zip);
-            const ZipDirectory directory = ReadZipDirectory(archive.Bytes());
-            if (!directory.problem.empty())
-                Fail("", kNotReadWhole, directory.problem);
-            totals_.commentLength = directory.comment.size();
+            directory_ = ReadZipDirectory(archive.Bytes());
+            if (!directory_.problem.empty())
+                Tell({"", "not read whole", directory_.problem});
+            totals_.commentLength = directory_.comment.size();
             if (options_.nvflag)
-                List(directory);
+                List();
             else
-                Extract(archive.Bytes(), directory);
+                Extract(archive.Bytes());
         } catch (const std::exception& problem) {
-            Fail("", kNotExtracted, ReasonOf(problem));
+            Tell(NotExtracted("", ReasonOf(problem)));
         } catch (const OwnerThrew& owner) {
             std::rethrow_exception(owner.thrown);
         }
@@ -97,100 +112,93 @@ public:
     }
 
 private:
-    /// @param member empty for the archive as a whole
-    void Fail(const std::string& member, const std::string& what, const std::string& reason) {
-        messageBuffer +=
-            (member.empty() ? options_.Zip : member) + ": " + what + ", " + reason + "\r\n";
-        outcome_.failures.push_back({member, what, reason});
+    void Tell(const MemberFailure& failure) {
+        messageBuffer += (failure.member.empty() ? options_.Zip : failure.member) + ": " +
+                         failure.what + ", " + failure.reason + "\r\n";
+        outcome_.failures.push_back(failure);
     }
 
-    void List(const ZipDirectory& directory) {
+    void List() {
         messageBuffer += ListingHeading();
-        for (const ZipMember& member : directory.members) {
+        for (const ZipMember& member : directory_.members) {
             messageBuffer += ListingLine(member, ShownName(member));
             totals_.Add(member);
         }
     }
 
-    void Extract(std::span<const std::byte> archive, const ZipDirectory& directory) {
-        clsUnzipTarget target(options_.ExtractDir);
-        ZipMemberReader reader(archive, directory.members, [this](bool wrongBefore) {
+    void Extract(std::span<const std::byte> archive) {
+        if (!options_.ntflag)
+            target_ = clsExtractionTarget(options_.ExtractDir);
+        ZipMemberReader reader(archive, directory_.members, [this](bool wrongBefore) {
             return AskOwner([&] {
                 return callbacks_.password ? callbacks_.password(wrongBefore) : std::nullopt;
             });
         });
-        Progress progress(directory, callbacks_.progress);
-        for (const ZipMember& member : directory.members) {
+        Progress progress(directory_, callbacks_.progress);
+        for (std::size_t number = 0; number < directory_.members.size(); ++number) {
+            const ZipMember& member = directory_.members[number];
             totals_.Add(member);
-            ExtractOrFail(member, directory, reader, target, progress);
+            ExtractOrFail(number, reader, progress);
             if (cancelled_)
                 break;
             progress.Done(member);
         }
-        target.FinishFolders([&](std::size_t number, std::uint32_t error) {
-            FailTimes(directory.members[number], error);
+        target_.FinishFolders([&](std::size_t number, std::uint32_t error) {
+            Tell(NotStamped(NameOf(number), error));
         });
     }
 
-    void ExtractOrFail(const ZipMember& member, const ZipDirectory& directory,
-                       ZipMemberReader& reader, clsUnzipTarget& target, const Progress& progress) {
-        const auto number = static_cast<std::size_t>(&member - directory.members.data());
+    [[nodiscard]] std::string NameOf(std::size_t number) const {
+        return ShownName(directory_.members[number]);
+    }
+
+    void ExtractOrFail(std::size_t number, ZipMemberReader& reader, const Progress& progress) {
         try {
-            const auto added = ExtractMember(member, number, reader, target, progress);
-            if (added)
-                Tell(member, *added, directory);
-        } catch (const ZipProblem& problem) {
-            Fail(ShownName(member), kNotExtracted, problem.what());
+            const auto added = ExtractMember(number, reader, progress);
+            if (!added)
+                return;
+            ++outcome_.extracted;
+            if (const auto& both = added->overwriting)
+                Tell(WrittenOver(NameOf(both->later), NameOf(both->earlier)));
+            if (added->stampError != 0)
+                Tell(NotStamped(NameOf(number), added->stampError));
         } catch (const std::exception& problem) {
-            Fail(ShownName(member), "not written", ReasonOf(problem));
+            Tell(FailureOf(NameOf(number), problem));
         }
     }
 
-    void Tell(const ZipMember& member, const AddedFile& added, const ZipDirectory& directory) {
-        if (added.writtenOver) // so that there is one member less on the disk than was extracted
-            Fail(ShownName(member), kWrittenOver,
-                 SameNameAs(directory.members[*added.writtenOver]));
-        else
-            ++outcome_.extracted;
-        if (added.timeError != 0 && !added.writtenOver)
-            FailTimes(member, added.timeError);
-    }
-
-    void FailTimes(const ZipMember& member, std::uint32_t error) {
-        Fail(ShownName(member), "time not set", AsReason(SystemErrorText(error)));
-    }
-
     /// @return nothing when the owner wants to keep an old file
-    std::optional<AddedFile> ExtractMember(const ZipMember& member, std::size_t number,
-                                           ZipMemberReader& reader, clsUnzipTarget& target,
+    std::optional<AddedFile> ExtractMember(std::size_t number, ZipMemberReader& reader,
                                            const Progress& progress) {
+        const ZipMember& member = directory_.members[number];
         if (!member.refusal.empty())
-            throw ZipProblem(member.refusal);
-        const std::wstring path = MemberPath(target.Folder(), member);
-        const FileStamp stamp = stamps_.Of(member);
+            throw ArchiveProblem(member.refusal);
+        const std::wstring path =
+            MemberPath(target_.Folder(), ZipEntryName(member), member.IsFolder());
+        const FileStamp stamp = StampOf(member, clock_);
         if (member.IsFolder()) {
-            target.AddFolder(path, number, stamp);
+            target_.AddFolder(path, number, stamp);
             if (member.size != 0)
-                throw ZipProblem("is a folder and has content all the same");
+                throw ArchiveProblem(kFolderWithContent);
             return AddedFile();
         }
         if (!MayWrite(path))
             return std::nullopt;
+        const MemberContent content{number, member.size, member.crc};
         if (!ZipMemberReader::IsLarge(member))
-            return target.AddFile(path, number, reader.Read(member), stamp);
-        const auto fill = [&](const clsUnzipTarget::Sink& sink) {
-            reader.Stream(member, [&](std::span<const std::byte> piece, std::uint64_t packedDone) {
-                sink(piece);
-                progress.Within(packedDone);
-            });
-        };
-        return target.AddLargeFile(path, number, member.size, fill, stamp);
+            return target_.AddFile(path, content, reader.Read(member), stamp);
+        clsExtractionTarget::LargeFile file(target_, path, stamp, member.size);
+        reader.Stream(member, [&](std::span<const std::byte> piece, std::uint64_t packedDone) {
+            file.Write(piece);
+            progress.Within(packedDone);
+        });
+        return file.Keep(content);
     }
 
     bool MayWrite(const std::wstring& path) {
-        const DWORD attributes = options_.noflag && !options_.PromptToOverwrite
-                                     ? INVALID_FILE_ATTRIBUTES
-                                     : GetFileAttributesW(path.c_str());
+        const bool silent = options_.ntflag || (options_.noflag && !options_.PromptToOverwrite);
+        const DWORD attributes =
+            silent ? INVALID_FILE_ATTRIBUTES : GetFileAttributesW(path.c_str());
         if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
             return true;
         using Replace = UnzipCallbacks::Replace;
@@ -204,46 +212,13 @@ private:
 
     const DCL& options_;
     const UnzipCallbacks& callbacks_;
-    StampMaker stamps_;
+    clsDosClock clock_;
+    clsExtractionTarget target_;
+    ZipDirectory directory_;
     ZipTotals totals_;
     ExtractionOutcome outcome_;
     bool cancelled_ = false;
 };
-
-/// Brings a member's name into the tree as an extraction would. @throws ZipProblem
-std::optional<std::size_t> PutName(clsNameTree& names, const ZipMember& member,
-                                   std::size_t number) {
-    if (!member.refusal.empty())
-        throw ZipProblem(member.refusal);
-    const std::wstring path = MemberPath(L"", member);
-    const auto nothingToCreate = [](std::wstring_view) {};
-    if (member.IsFolder()) {
-        names.EnterFolder(path, 0, nothingToCreate);
-        return std::nullopt;
-    }
-    const std::wstring_view whole = path;
-    const std::size_t end = whole.rfind(L'\\');
-    const std::size_t folder = names.EnterFolder(whole.substr(0, end), 0, nothingToCreate);
-    return names.PutFile(folder, whole.substr(end + 1), number);
-}
-
-std::vector<MemberFailure> InspectMembers(const ZipDirectory& directory) {
-    std::vector<MemberFailure> failures;
-    if (!directory.problem.empty())
-        failures.push_back({"", kNotReadWhole, directory.problem});
-    clsNameTree names;
-    for (std::size_t number = 0; number < directory.members.size(); ++number) {
-        const ZipMember& member = directory.members[number];
-        try {
-            if (const auto other = PutName(names, member, number))
-                failures.push_back(
-                    {ShownName(member), kWrittenOver, SameNameAs(directory.members[*other])});
-        } catch (const ZipProblem& problem) {
-            failures.push_back({ShownName(member), kNotExtracted, problem.what()});
-        }
-    }
-    return failures;
-}
 
 } // namespace
 
@@ -265,13 +240,11 @@ ExtractionOutcome UnzipFile(const std::string& zipPath, const std::string& targe
     return SingleEntryUnzip(options, callbacks);
 }
 
-std::vector<MemberFailure> InspectZip(const std::string& zipPath) {
-    try {
-        const clsMappedArchive archive(zipPath);
-        return InspectMembers(ReadZipDirectory(archive.Bytes()));
-    } catch (const std::exception& problem) {
-        return {{"", kNotExtracted, ReasonOf(problem)}};
-    }
+ExtractionOutcome TestZip(const std::string& zipPath, const UnzipCallbacks& callbacks) {
+    DCL options;
+    options.ntflag = true;
+    options.Zip = zipPath;
+    return SingleEntryUnzip(options, callbacks);
 }
 
 const std::string& UnzipMessages() {

@@ -5,7 +5,6 @@
 #include <functional>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace vesk {
 
@@ -37,6 +36,7 @@ std::string ReplaceQuestion(const std::string& fileName);
 struct DCL {
     bool PromptToOverwrite = false; ///< Ask `replace` about each existing file.
     bool noflag = true;             ///< Overwrite existing files; without both switches they stay.
+    bool ntflag = false;            ///< Test the archive, write nothing.
     bool nvflag = false;            ///< List the archive, write nothing.
     std::string Zip;                ///< The archive's path.
     std::string ExtractDir;         ///< The target folder.
@@ -52,9 +52,9 @@ ExtractionOutcome SingleEntryUnzip(const DCL& options, const UnzipCallbacks& cal
 ExtractionOutcome UnzipFile(const std::string& zipPath, const std::string& targetFolder,
                             const UnzipCallbacks& callbacks = {});
 
-/// What UnzipFile would not do, as far as the directory of the archive tells: structure, names,
-/// methods, names that stand twice. Nothing is inflated or written.
-std::vector<MemberFailure> InspectZip(const std::string& zipPath);
+/// Does all that UnzipFile does but for the writing: members are unpacked and their CRCs compared,
+/// a piece at a time. What stands in a target folder is not known to it.
+ExtractionOutcome TestZip(const std::string& zipPath, const UnzipCallbacks& callbacks = {});
 
 /// What the last run had to say: a line for each member refused or failed, the listing, and a
 /// summary at the end. Lines end in CR LF.

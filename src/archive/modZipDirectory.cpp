@@ -1,6 +1,6 @@
 #include "archive/modZipDirectory.h"
 
-#include "archive/ByteReader.h"
+#include "archive/modZipFields.h"
 #include "archive/modZipJudge.h"
 #include "archive/modZipRecovery.h"
 
@@ -13,7 +13,6 @@ namespace {
 
 using Bytes = std::span<const std::byte>;
 
-constexpr std::uint32_t kLocalSignature = 0x04034B50;
 constexpr std::uint32_t kMemberSignature = 0x02014B50;
 constexpr std::uint32_t kEndSignature = 0x06054B50;
 constexpr std::uint32_t kEnd64Signature = 0x06064B50;
@@ -136,7 +135,7 @@ ZipDirectory WithoutDirectory(Bytes archive) {
     ZipDirectory directory;
     directory.members = MembersByLocalHeaders(archive);
     if (directory.members.empty())
-        throw ZipProblem("no central directory: not a ZIP archive, or its end is missing");
+        throw ArchiveProblem("no central directory: not a ZIP archive, or its end is missing");
     directory.problem = "its end is missing or damaged; only what was found without it, " +
                         std::to_string(directory.members.size()) + " members, is extracted";
     JudgeMembers(archive, directory.members);
@@ -156,15 +155,7 @@ bool ReadMember(ByteReader& reader, ZipMember& member) {
     reader.Skip(1); // version of the maker
     const std::uint8_t host = reader.U8();
     reader.Skip(2); // version needed
-    member.flags = reader.U16();
-    member.method = reader.U16();
-    member.dosTime = reader.U16();
-    member.dosDate = reader.U16();
-    member.crc = reader.U32();
-    member.packedSize = reader.U32();
-    member.size = reader.U32();
-    const std::uint16_t nameSize = reader.U16();
-    const std::uint16_t extraSize = reader.U16();
+    const auto [nameSize, extraSize] = ReadSharedFields(reader, member);
     const std::uint16_t commentSize = reader.U16();
     std::uint32_t disk = reader.U16();
     reader.Skip(2); // internal attributes
@@ -188,8 +179,9 @@ bool ReadMember(ByteReader& reader, ZipMember& member) {
 /// wrong itself: then they count from the file's, where the first header shows it. Unsigned
 /// arithmetic may wrap here, what comes out is compared with the file's size before it is used.
 void ShiftPositions(Bytes archive, std::vector<ZipMember>& members, std::uint64_t shift) {
-    if (members.empty() || (!HasSignature(archive, members[0].headerAt + shift, kLocalSignature) &&
-                            HasSignature(archive, members[0].headerAt, kLocalSignature)))
+    if (members.empty() ||
+        (!HasSignature(archive, members[0].headerAt + shift, kZipLocalSignature) &&
+         HasSignature(archive, members[0].headerAt, kZipLocalSignature)))
         return;
     for (ZipMember& member : members)
         member.headerAt += shift;
@@ -203,7 +195,7 @@ ZipDirectory ReadZipDirectory(Bytes archive) {
         return WithoutDirectory(archive);
     Directory& found = *located;
     if (found.end.spansDisks)
-        throw ZipProblem("one part of an archive that spans several disks");
+        throw ArchiveProblem("one part of an archive that spans several disks");
     ZipDirectory directory;
     directory.comment = std::move(found.end.comment);
     const std::uint64_t shift = found.start - found.end.directoryOffset;

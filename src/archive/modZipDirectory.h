@@ -1,19 +1,15 @@
 #pragma once
 
+#include "archive/ArchiveProblem.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace vesk {
-
-/// Why an archive or one of its members is not read; the text is for people.
-struct ZipProblem : std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
 
 /// What a stored name's bytes mean.
 enum class NameEncoding {
@@ -66,7 +62,7 @@ struct ZipDirectory {
 /// by the archive and does not fit the bytes that are there ends as a `refusal` of the member; no
 /// memory is given for a claim. Where the directory is damaged, what can be read of it is given;
 /// where it is missing, what the members' own headers tell; and `problem` says so.
-/// @throws ZipProblem when the bytes hold no readable archive at all.
+/// @throws ArchiveProblem when the bytes hold no readable archive at all.
 ZipDirectory ReadZipDirectory(std::span<const std::byte> archive);
 
 } // namespace vesk

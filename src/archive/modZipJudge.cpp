@@ -1,7 +1,7 @@
 #include "archive/modZipJudge.h"
 
-#include "archive/ByteReader.h"
 #include "archive/clsCRC.h"
+#include "archive/modZipFields.h"
 #include "base/modUtf8.h"
 
 #include <algorithm>
@@ -14,7 +14,6 @@ namespace {
 
 using Bytes = std::span<const std::byte>;
 
-constexpr std::uint32_t kLocalSignature = 0x04034B50;
 constexpr std::uint64_t kLocalSize = 30;
 
 /// Two bits of deflate stand for at most 258 bytes.
@@ -162,7 +161,7 @@ std::string LocateData(Bytes data, ZipMember& member) {
     if (member.headerAt > data.size() || data.size() - member.headerAt < kLocalSize)
         return "its local header lies outside the archive";
     ByteReader local(data.subspan(static_cast<std::size_t>(member.headerAt)));
-    if (local.U32() != kLocalSignature)
+    if (local.U32() != kZipLocalSignature)
         return "its local header is damaged";
     local.Skip(22);
     const std::uint64_t nameSize = local.U16();
@@ -180,7 +179,7 @@ void RefuseOverlaps(std::vector<ZipMember*>& located) {
     std::uint64_t used = 0;
     for (ZipMember* member : located) {
         if (member->headerAt < used && member->refusal.empty())
-            member->refusal = "overlaps another member";
+            member->refusal = "it overlaps another member";
         used = std::max(used, member->dataAt + member->packedSize);
     }
 }

@@ -42,13 +42,14 @@ public:
                     clsZipPasswords::Source password);
     ZipMemberReader(const ZipMemberReader&) = delete;
     ZipMemberReader& operator=(const ZipMemberReader&) = delete;
+    ~ZipMemberReader() = default;
 
     /// The member's whole content, in the archive itself or in memory of the reader; valid until
-    /// the next call. @throws ZipProblem, std::bad_alloc
+    /// the next call. @throws ArchiveProblem, std::bad_alloc
     std::span<const std::byte> Read(const ZipMember& member);
 
     /// The same in pieces, of which some may be empty. Only when it returns were they right.
-    /// @throws ZipProblem, std::bad_alloc, what the sink throws
+    /// @throws ArchiveProblem, std::bad_alloc, what the sink throws
     void Stream(const ZipMember& member, const Sink& sink);
 
 private:

@@ -1,6 +1,6 @@
 #include "archive/modZipRecovery.h"
 
-#include "archive/ByteReader.h"
+#include "archive/modZipFields.h"
 #include "archive/modZipJudge.h"
 
 #include <algorithm>
@@ -12,7 +12,6 @@ namespace {
 
 using Bytes = std::span<const std::byte>;
 
-constexpr std::uint32_t kLocalSignature = 0x04034B50;
 constexpr std::uint16_t kFlagStreamed = 1U << 3;
 
 /// CRC and sizes of a streamed member, which stand behind its data.
@@ -62,19 +61,11 @@ std::optional<Descriptor> FindDescriptor(Bytes data) {
 }
 
 std::optional<ZipMember> ReadLocalHeader(ByteReader& reader) {
-    if (reader.U32() != kLocalSignature)
+    if (reader.U32() != kZipLocalSignature)
         return std::nullopt;
     ZipMember member;
     reader.Skip(2); // version needed
-    member.flags = reader.U16();
-    member.method = reader.U16();
-    member.dosTime = reader.U16();
-    member.dosDate = reader.U16();
-    member.crc = reader.U32();
-    member.packedSize = reader.U32();
-    member.size = reader.U32();
-    const std::uint16_t nameSize = reader.U16();
-    const std::uint16_t extraSize = reader.U16();
+    const auto [nameSize, extraSize] = ReadSharedFields(reader, member);
     member.name = reader.Text(nameSize);
     const Bytes extra = reader.Bytes(extraSize);
     if (!reader.Ok())

@@ -117,8 +117,6 @@ ExtractionOutcome clsComponentInstaller::Extract(const CatalogueEntry& component
         RequireInTree(context_, folder);
         outcome = ExtractArchive(archive, folder, owner);
     });
-    if (outcome.extracted == 0 && outcome.failures.empty() && IsInTree(context_, folder))
-        context_.report({component.zip, "not extracted", "there is nothing in it"});
     for (const MemberFailure& failure : outcome.failures) {
         const std::string member = failure.member.empty() ? "" : ": " + failure.member;
         context_.report({component.zip + member, failure.what, failure.reason});

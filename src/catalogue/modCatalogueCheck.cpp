@@ -288,7 +288,7 @@ std::string Counted(std::size_t count, const std::string& what) {
 std::string CatalogueCheck::Verdict() const {
     std::string text = "No fault found: the entries are complete, and " +
                        Counted(archivesGood, "archive") + (archivesGood == 1 ? " is" : " are") +
-                       " present with the right CRC-32 and a sound directory.";
+                       " present with the right CRC-32 and sound to the last member.";
     if (archivesToDownload > 0)
         text += " Nothing is known of the " + Counted(archivesToDownload, "archive") +
                 " that a build downloads.";

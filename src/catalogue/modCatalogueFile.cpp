@@ -1,6 +1,5 @@
 #include "catalogue/modCatalogueFile.h"
 
-#include "archive/modArchive.h"
 #include "base/Failure.h"
 #include "base/Problem.h"
 #include "base/RunTimeError.h"
@@ -276,21 +275,22 @@ std::string CategoryCaption(const std::string& value, const std::string& key) {
     return ProperCase(TrimBlanks(ReplaceAll(ReplaceAll(value, "_", " "), key, " ")));
 }
 
-ArchiveSource ArchivesIn(const std::string& programPath) {
+ArchiveSource ArchivesIn(const std::string& programPath, const ExtractionOwner& owner) {
     const auto archives = std::make_shared<clsProgramArchives>(programPath);
     return {[archives](const std::string& name) { return archives->Facts(name); },
-            [programPath](const std::string& name) {
+            [programPath, owner](const std::string& name) {
                 std::vector<std::string> lines;
-                for (const MemberFailure& failure : InspectArchive(programPath + name))
+                for (const MemberFailure& failure : InspectArchive(programPath + name, owner))
                     lines.push_back((failure.member.empty() ? "" : failure.member + ": ") +
                                     failure.what + ", " + failure.reason);
                 return lines;
             }};
 }
 
-CatalogueCheck CheckCatalogueFile(const std::string& programPath, const Catalogue& catalogue) {
+CatalogueCheck CheckCatalogueFile(const std::string& programPath, const Catalogue& catalogue,
+                                  const ExtractionOwner& owner) {
     CatalogueCheck check =
-        CheckCatalogue(catalogue, ArchivesIn(programPath),
+        CheckCatalogue(catalogue, ArchivesIn(programPath, owner),
                        SectionNames(ReadWholeFile(programPath + kCatalogueFileName)));
     const clsSha256List list(programPath);
     for (const Problem& problem : list.Problems())

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "archive/modArchive.h"
 #include "catalogue/Catalogue.h"
 #include "catalogue/modCatalogueCheck.h"
 #include "catalogue/modIniText.h"
@@ -52,10 +53,13 @@ void DeriveInstallPaths(Catalogue& catalogue, const std::string& programFilesFol
 std::string CategoryCaption(const std::string& value, const std::string& key);
 
 /// The archives in a folder (its path ends in "\"), for CheckCatalogue.
-ArchiveSource ArchivesIn(const std::string& programPath);
+/// @param owner asked for passwords, and called now and then while an archive is tested
+ArchiveSource ArchivesIn(const std::string& programPath, const ExtractionOwner& owner = {});
 
 /// What would go wrong in a build of a catalogue that was loaded from the program path.
-CatalogueCheck CheckCatalogueFile(const std::string& programPath, const Catalogue& catalogue);
+/// @param owner as for ArchivesIn
+CatalogueCheck CheckCatalogueFile(const std::string& programPath, const Catalogue& catalogue,
+                                  const ExtractionOwner& owner = {});
 
 /// Writes the catalogue file into the program path. The old file stays until the new one is
 /// complete beside it. The text is exact: other tools compare it.

@@ -152,13 +152,17 @@ int RunBuild(const ConsoleOptions& options, const std::string& programPath, Cata
 }
 
 /// Prints what would go wrong in a build, a line each, or what the check vouches for.
-int PrintProblems(const std::string& programPath, const Catalogue& catalogue,
-                  const CatalogueLoad& load, clsTerminal& terminal) {
+int PrintProblems(const ConsoleOptions& options, const std::string& programPath,
+                  const Catalogue& catalogue, const CatalogueLoad& load, clsTerminal& terminal) {
     if (!load.sentence.empty())
         terminal.PrintLine(load.sentence);
     if (load.state == CatalogueState::Absent)
         return kDoneWithWarnings;
-    const CatalogueCheck check = CheckCatalogueFile(programPath, catalogue);
+    ExtractionOwner owner;
+    owner.password = [&options](bool wrongBefore) {
+        return wrongBefore ? std::nullopt : options.password;
+    };
+    const CatalogueCheck check = CheckCatalogueFile(programPath, catalogue, owner);
     for (const CatalogueProblem& problem : check.problems)
         terminal.PrintLine(problem.Line());
     if (load.state != CatalogueState::Whole || !check.problems.empty())
@@ -185,7 +189,7 @@ int RunAction(const ConsoleOptions& options, clsTerminal& terminal) {
     Catalogue catalogue;
     const CatalogueLoad load = LoadCatalogueReporting(programPath, catalogue);
     if (options.action == ConsoleOptions::Action::Check)
-        return PrintProblems(programPath, catalogue, load, terminal);
+        return PrintProblems(options, programPath, catalogue, load, terminal);
     if (options.action == ConsoleOptions::Action::Build)
         return RunBuild(options, programPath, catalogue, load, terminal);
     if (!load.sentence.empty())

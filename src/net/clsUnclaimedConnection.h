@@ -1,6 +1,5 @@
 #pragma once
 
-#include "net/modSocketHandle.h"
 #include "net/modSocketMaster.h"
 
 #include <memory>

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "base/UniqueHandle.h"
-
 #include <winsock2.h>
 
 #include <cstddef>
@@ -10,8 +8,6 @@
 
 /// What a socket object asks of the system's socket, and how much of it at once.
 namespace vesk {
-
-using SocketOwner = UniqueHandle<::closesocket, SOCKET, -1>;
 
 /// No datagram is larger, in bytes.
 inline constexpr std::size_t kDatagramRoom = 65536;

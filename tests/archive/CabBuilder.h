@@ -48,6 +48,16 @@ inline std::uint32_t CabChecksum(const std::string& bytes, std::uint32_t sum) {
     return sum ^ tail;
 }
 
+inline const std::string kFirst =
+    "the first block, the first block, the first block, the first block, ";
+inline const std::string kSecond = "and the first block, the first block, the last";
+
+/// The two texts in MSZIP; the second refers to the first.
+inline const std::string kFirstPacked("CK\x2B\xC9\x48\x55\x48\xCB\x2C\x2A\x2E\x51\x48\xCA\xC9"
+                                      "\x4F\xCE\xD6\x51\x28\x21\x5D\x00\x00",
+                                      24);
+inline const std::string kSecondPacked("CK\x4B\xCC\x4B\x21\x52\x5B\x4E\x62\x71\x09\x00", 13);
+
 /// A cabinet as the test wants it.
 struct TestCab {
     std::vector<TestFolderData> folders;
@@ -72,6 +82,22 @@ struct TestCab {
             data += content;
         }
         cab.folders[0].blocks.push_back({data});
+        return cab;
+    }
+
+    /// Three members over two packed blocks; the second one lies across both.
+    static TestCab Mszip() {
+        TestCab cab;
+        cab.folders.resize(1);
+        cab.folders[0].packing = 1;
+        const auto unpacked = [](const std::string& text) {
+            return static_cast<std::uint16_t>(text.size());
+        };
+        cab.folders[0].blocks = {{.data = kFirstPacked, .unpacked = unpacked(kFirst)},
+                                 {.data = kSecondPacked, .unpacked = unpacked(kSecond)}};
+        cab.members = {{.name = "a", .size = 10},
+                       {.name = "b", .size = 100, .offset = 10},
+                       {.name = "c", .size = 2, .offset = 112}};
         return cab;
     }
 

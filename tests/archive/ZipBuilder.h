@@ -64,7 +64,7 @@ struct TestMember {
     std::uint32_t attributes = 0;
     std::string extra;
     std::uint32_t localSignature = 0x04034B50;
-    std::string behind; ///< What follows the data, such as a streamed member's descriptor.
+    std::string behind; ///< Descriptor behind the data, instead of sizes in front of it.
 
     static TestMember Stored(const std::string& name, const std::string& text) {
         TestMember member;
@@ -78,6 +78,24 @@ struct TestMember {
         TestMember member = Stored(name, text);
         member.data = Deflated(text);
         member.method = 8;
+        return member;
+    }
+    /// "secret text" under the password "pass", as an archiver wrote it.
+    static TestMember Encrypted(const std::string& name) {
+        TestMember member = Stored(name, "secret text");
+        member.data = std::string("\x40\x9D\x13\x30\x49\x22\x68\x1C\x7B\x0D\x3E\xA7\x2A\xF1\xFA"
+                                  "\x58\x2C\x95\xD5\x3F\x6E\xC7\xAE",
+                                  23);
+        member.flags = 9; // encrypted, streamed: the time checks the password
+        member.time = 0x4379;
+        return member;
+    }
+    /// As a streaming archiver writes it: no sizes in front of the data, but behind it.
+    static TestMember Streamed(const std::string& name, const std::string& text) {
+        TestMember member = Packed(name, text);
+        member.flags = 8;
+        member.behind =
+            U32(0x08074B50) + U32(member.crc) + U32(member.data.size()) + U32(text.size());
         return member;
     }
 };
@@ -96,18 +114,22 @@ inline std::string MakeZip(const std::vector<TestMember>& members, const TestEnd
     std::string local;
     std::string central;
     for (const TestMember& member : members) {
-        const std::string common =
-            U16(member.flags) + U16(member.method) + U16(member.time) + U16(member.date) +
+        const std::string start =
+            U16(member.flags) + U16(member.method) + U16(member.time) + U16(member.date);
+        const std::string sizes =
             U32(member.crc) +
             U32(member.packedSize.value_or(static_cast<std::uint32_t>(member.data.size()))) +
-            U32(member.size) + U16(member.name.size());
+            U32(member.size);
+        const std::string nameSize = U16(member.name.size());
+        const std::string common = start + sizes + nameSize;
         central += U32(0x02014B50) + U8(20) + U8(member.host) + U16(20) + common +
                    U16(member.extra.size()) + U16(0) + U16(member.disk) + U16(0) +
                    U32(member.attributes) +
                    U32(member.offset.value_or(static_cast<std::uint32_t>(local.size()))) +
                    member.name + member.extra;
-        local += U32(member.localSignature) + U16(20) + common + U16(0) + member.name +
-                 member.data + member.behind;
+        local += U32(member.localSignature) + U16(20) + start +
+                 (member.behind.empty() ? sizes : std::string(12, '\0')) + nameSize + U16(0) +
+                 member.name + member.data + member.behind;
     }
     const std::size_t count = members.size();
     std::string archive = local + central;

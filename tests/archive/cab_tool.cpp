@@ -4,10 +4,23 @@
 #include <cstdio>
 #include <string>
 
-/// cab_tool CABINET: writes the member list as XML. cab_tool CABINET FOLDER: extracts into it.
+namespace {
+
+struct Owner : vesk::CabEvents {
+    void OnNotExtracted(const vesk::MemberFailure& failure) override {
+        std::printf("%s: %s, %s\n", failure.member.c_str(), failure.what.c_str(),
+                    failure.reason.c_str());
+    }
+};
+
+} // namespace
+
+/// cab_tool CABINET: writes the member list as XML. cab_tool CABINET FOLDER: extracts into it and
+/// writes what was not done.
 int main(int argc, char** argv) {
     try {
-        vesk::clsCab cab;
+        Owner owner;
+        vesk::clsCab cab(&owner);
         cab.CabName = argc > 1 ? argv[1] : "";
         if (argc > 2) {
             cab.DestinationFolder = argv[2];

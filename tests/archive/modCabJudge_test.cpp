@@ -152,7 +152,7 @@ TEST_CASE("damage is the trouble of those members only whose data it meets") {
              cab.folders[1].dataAt =
                  static_cast<std::uint32_t>(bytes.size() - 8 - 8 - 8 - 5 - 8 - 3);
          }},
-        {"compression method 5 is not known|compression method 5 is not known|ok",
+        {"compression method 5 is not supported|compression method 5 is not supported|ok",
          [](TestCab& cab) { cab.folders[0].packing = 5; }},
         {"ok|ok|its settings for LZX compression are impossible",
          [](TestCab& cab) { cab.folders[1].packing = 22 << 8 | 3; }},
@@ -177,18 +177,6 @@ TEST_CASE("many folders over the same bytes are not walked again and again") {
     for (TestFolderData& folder : cab.folders)
         folder.dataAt = dataAt;
     CHECK(Judge(cab.Bytes()).blocks == 2000);
-}
-
-TEST_CASE("no prefix of a cabinet and no change of a byte leads astray") {
-    const std::string good = Good().Bytes();
-    for (std::size_t size = 0; size < good.size(); ++size)
-        CHECK(Verdict(good.substr(0, size)) != "ok|ok|ok");
-    for (std::size_t at = 0; at < good.size(); ++at)
-        for (const int change : {1, 0x80, 0xFF}) {
-            std::string bad = good;
-            bad[at] = static_cast<char>(bad[at] ^ change);
-            Verdict(bad); // the sanitizers watch
-        }
 }
 
 TEST_CASE("the reader is given one folder's sound blocks under headers of our own") {

@@ -13,15 +13,6 @@ using namespace vesk::test;
 
 namespace {
 
-const std::string kFirst = "the first block, the first block, the first block, the first block, ";
-const std::string kSecond = "and the first block, the first block, the last";
-
-/// The two texts in MSZIP; the second refers to the first.
-const std::string kFirstPacked("CK\x2B\xC9\x48\x55\x48\xCB\x2C\x2A\x2E\x51\x48\xCA\xC9\x4F\xCE\xD6"
-                               "\x51\x28\x21\x5D\x00\x00",
-                               24);
-const std::string kSecondPacked("CK\x4B\xCC\x4B\x21\x52\x5B\x4E\x62\x71\x09\x00", 13);
-
 /// Joins what it is told: "[name]" at a begin, the bytes, "." at an end.
 struct Text : CabSink {
     std::string text;
@@ -37,20 +28,8 @@ struct Text : CabSink {
     void End() override { text += "."; }
 };
 
-/// Three members over two blocks; the second one lies across both.
 TestCab Good() {
-    TestCab cab;
-    cab.folders.resize(1);
-    cab.folders[0].packing = 1;
-    const auto unpacked = [](const std::string& text) {
-        return static_cast<std::uint16_t>(text.size());
-    };
-    cab.folders[0].blocks = {{.data = kFirstPacked, .unpacked = unpacked(kFirst)},
-                             {.data = kSecondPacked, .unpacked = unpacked(kSecond)}};
-    cab.members = {{.name = "a", .size = 10},
-                   {.name = "b", .size = 100, .offset = 10},
-                   {.name = "c", .size = 2, .offset = 112}};
-    return cab;
+    return TestCab::Mszip();
 }
 
 bool Unpack(const TestCab& cab, Text& sink) {

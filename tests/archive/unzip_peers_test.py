@@ -124,23 +124,6 @@ class PeersTest(unittest.TestCase):
         self.assertEqual((target / summer).read_bytes(), b"1")
         self.assertEqual((target / "\u4e2d\u6587.txt").read_bytes(), b"x")
 
-    def test_large_member(self):
-        pieces = [bytes([number & 255]) * (1 << 20) for number in range(257)]
-        with zipfile.ZipFile(self.archive, "w", zipfile.ZIP_DEFLATED, compresslevel=1) as archive:
-            with archive.open("large.bin", "w") as member:
-                member.writelines(pieces)
-        target, output = self.extract()
-        self.assertTrue(output.startswith("Zip Info"), output)
-        with open(target / "large.bin", "rb") as file:
-            self.assertTrue(all(file.read(1 << 20) == piece for piece in pieces))
-            self.assertEqual(file.read(), b"")
-        packed = bytearray(self.archive.read_bytes())
-        packed[packed.index(b"PK\x01\x02") + 16] ^= 1  # the CRC
-        self.archive.write_bytes(packed)
-        shutil.rmtree(target)
-        self.assertIn("large.bin: not extracted, wrong CRC", self.extract()[1])
-        self.assertEqual(list(target.iterdir()), [])
-
     def test_what_the_systems_own_tar_writes(self):
         (self.source / "u\u0308 \u4e2d").write_bytes(b"1")  # as macOS spells an umlaut
         run("bsdtar", "-a", "-cf", str(self.archive), ".", cwd=self.source)
@@ -196,14 +179,6 @@ class PeersTest(unittest.TestCase):
         self.assertEqual([path.name for path in outside.iterdir()], ["file"])
         self.assertEqual((outside / "file").read_bytes(), b"old")
         self.assertEqual((target / "fine" / "new").read_bytes(), b"new")
-
-    def test_links_in_the_archive(self):
-        (self.source / "link").symlink_to("read me.txt")
-        self.zip("-y")
-        target, output = self.extract()
-        self.assertIn("link: not extracted, is a link", output)
-        self.assertFalse((target / "link").exists())
-        self.assertTrue((target / "read me.txt").exists())
 
 
 if __name__ == "__main__":

@@ -83,13 +83,15 @@ class Truth(ProgramTest):
                  + b"\0" * 16)
         self.add("names.zip", members={"tool.inf": INF, "../up.txt": "x", "nul": "x", "a:b": "x"})
         self.add("twice.zip", members={"tool.inf": INF, "a.txt": "1", "A.TXT": "2"})
+        self.add("void.zip", members={})
         self.add("other.rar", b"Rar!")
         self.add("gone.zip")
         return [("bit.zip: files\\big.bin: not extracted, wrong CRC", 1), ("cut.zip: ", 1),
                 ("locked.zip: files\\big.bin: not extracted, ", 1),
                 ("method.zip: files\\big.bin: not extracted, ", 1), ("text.zip: not extracted, ", 1),
                 ("junk.cab: not extracted", 1), ("empty.cab: not extracted", 1),
-                ("names.zip: ", 3), ("twice.zip: ", 1), ("other.rar: not extracted, ", 1),
+                ("names.zip: ", 3), ("twice.zip: ", 1),
+                ("void.zip: not extracted, there is nothing", 1), ("other.rar: not extracted, ", 1),
                 ("gone.zip: not installed, ", 1)]
 
     def test_failing_archives(self):
@@ -101,6 +103,15 @@ class Truth(ProgramTest):
                 self.assertEqual(len([p for p in problems if p.startswith(start)]), count, problems)
         self.assertEqual(len(problems), sum(count for _, count in expected), problems)
         self.assertEqual(list(self.folder.rglob("up.txt")), [])
+        # The check says of the archives that are there what the build said.
+        code, lines, _ = self.run_program("--check")
+        self.assertEqual(code, 1)
+        for problem in problems:
+            archive, told = problem.split(": ", 1)
+            if archive not in ("other.rar", "gone.zip"):
+                with self.subTest(problem):
+                    name = archive.rsplit(".", 1)[0]
+                    self.assertIn(f'plug-in "{name}": "{archive}": {told}', lines)
         tree = contents_below(self.tree / "Plugin/100_tools")
         for name in ("bit", "locked", "method", "names", "twice"):
             self.assertIn(f"{name}/tool.inf", tree)

@@ -55,6 +55,15 @@ Catalogue Load(clsCatalogueFile& file, CatalogueLoad& load) {
     return catalogue;
 }
 
+/// Draws what is to be drawn while something takes long; keys and clicks wait for its end.
+void LetWindowsPaint() {
+    constexpr int kMost = 50; // a window that does not paint itself would ask for ever
+    MSG message{};
+    for (int i = 0; i < kMost && PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE | PM_QS_PAINT);
+         ++i)
+        DispatchMessageA(&message);
+}
+
 } // namespace
 
 frmSetup::frmSetup(const ProgramPaths& paths, bool told)
@@ -278,7 +287,9 @@ void frmSetup::cmdCheck_Click() {
     CatalogueCheck check;
     {
         const WaitCursor wait;
-        check = CheckCatalogue(editor_.Edited(), ArchivesIn(paths_.programPath));
+        ExtractionOwner owner;
+        owner.progress = [](double) { LetWindowsPaint(); };
+        check = CheckCatalogue(editor_.Edited(), ArchivesIn(paths_.programPath, owner));
     }
     if (const auto place = frmCheck(std::move(check)).Show(Window()))
         GoTo(*place);

@@ -179,7 +179,7 @@ TEST_CASE("the check goes through the edited catalogue and leads to the entry") 
     editor.Click(IDC_CMD_CHECK);
     editor.AnswerBox("Check",
                      "No fault found: the entries are complete, and 5 archives are present with "
-                     "the right CRC-32 and a sound directory.",
+                     "the right CRC-32 and sound to the last member.",
                      IDOK);
 }
 

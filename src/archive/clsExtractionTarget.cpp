@@ -1,17 +1,15 @@
-#include "archive/clsUnzipTarget.h"
+#include "archive/clsExtractionTarget.h"
 
+#include "archive/ArchiveProblem.h"
 #include "base/modSystemError.h"
 #include "base/modWide.h"
 
 #include <algorithm>
+#include <ranges>
 
 namespace vesk {
 
 namespace {
-
-FILETIME ToFileTime(std::uint64_t ticks) {
-    return {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)};
-}
 
 std::wstring_view ParentOf(std::wstring_view path) {
     return path.substr(0, path.rfind(L'\\'));
@@ -35,8 +33,8 @@ void CreateWithParents(const std::wstring& path) {
     for (std::wstring_view level = path; level.size() > top && !exists(level);
          level = ParentOf(level))
         missing.push_back(level);
-    for (auto level = missing.rbegin(); level != missing.rend(); ++level) {
-        const std::wstring name(*level);
+    for (const std::wstring_view level : missing | std::views::reverse) {
+        const std::wstring name(level);
         if (CreateDirectoryW(name.c_str(), nullptr) == 0) {
             const DWORD error = GetLastError();
             ThrowSystemError(error, "cannot create", Narrowed(WithoutLongPrefix(name)));
@@ -44,7 +42,7 @@ void CreateWithParents(const std::wstring& path) {
     }
 }
 
-/// Creates a folder, unless it is there. @throws Failure, ZipProblem
+/// Creates a folder, unless it is there. @throws Failure, ArchiveProblem
 void CreatePlainFolder(const std::wstring& path) {
     if (CreateDirectoryW(path.c_str(), nullptr) != 0)
         return;
@@ -53,9 +51,9 @@ void CreatePlainFolder(const std::wstring& path) {
     if (attributes == INVALID_FILE_ATTRIBUTES)
         ThrowSystemError(error, "cannot create", Narrowed(WithoutLongPrefix(path)));
     if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0)
-        throw ZipProblem("a link stands on the way to it");
+        throw ArchiveProblem("a link stands on the way to it");
     if ((attributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
-        throw ZipProblem("a file stands on the way to it");
+        throw ArchiveProblem("a file stands on the way to it");
 }
 
 /// A file system may take long to find out that it cannot hold a file.
@@ -68,77 +66,67 @@ void CheckFreeSpace(std::wstring_view folder, std::uint64_t size) {
 
 } // namespace
 
-std::optional<FILETIME> StampMaker::FromDosTime(WORD date, WORD time) const {
-    FILETIME local{};
-    SYSTEMTIME localParts{};
-    SYSTEMTIME parts{};
-    FILETIME result{};
-    // By the rules of the stored day: whether summer time holds today does not matter.
-    if (DosDateTimeToFileTime(date, time, &local) == 0 ||
-        FileTimeToSystemTime(&local, &localParts) == 0 ||
-        TzSpecificLocalTimeToSystemTime(const_cast<TIME_ZONE_INFORMATION*>(&zone_), &localParts,
-                                        &parts) == 0 ||
-        SystemTimeToFileTime(&parts, &result) == 0)
-        return std::nullopt;
-    return result;
-}
-
-FileStamp StampMaker::Of(const ZipMember& member) const {
-    FileStamp stamp;
-    stamp.attributes |= member.externalAttributes &
-                        (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM);
-    const auto take = [](const std::optional<std::uint64_t>& ticks) {
-        return ticks ? std::optional(ToFileTime(*ticks)) : std::nullopt;
-    };
-    stamp.modified = take(member.times.modified);
-    stamp.accessed = take(member.times.accessed);
-    stamp.created = take(member.times.created);
-    if (!stamp.modified)
-        stamp.modified = FromDosTime(member.dosDate, member.dosTime);
-    return stamp;
-}
-
-clsUnzipTarget::clsUnzipTarget(const std::string& folder) : folder_(AbsoluteLongPath(folder)) {
+clsExtractionTarget::clsExtractionTarget(const std::string& folder)
+    : folder_(AbsoluteLongPath(folder)) {
     while (folder_.ends_with(L'\\'))
         folder_.pop_back();
     CreateWithParents(folder_);
 }
 
-std::size_t clsUnzipTarget::EnsureFolder(std::wstring_view path) {
-    return names_.EnterFolder(path, folder_.size(), [](std::wstring_view missing) {
-        CreatePlainFolder(std::wstring(missing));
+std::size_t clsExtractionTarget::EnsureFolder(std::wstring_view path) {
+    return names_.EnterFolder(path, folder_.size(), [this](std::wstring_view missing) {
+        if (!WritesNothing())
+            CreatePlainFolder(std::wstring(missing));
     });
 }
 
-void clsUnzipTarget::AddFolder(const std::wstring& path, std::size_t member,
-                               const FileStamp& stamp) {
+void clsExtractionTarget::AddFolder(const std::wstring& path, std::size_t member,
+                                    const FileStamp& stamp) {
     EnsureFolder(path);
-    if (path != folder_) // which is not the archive's own
+    if (path != folder_ && !WritesNothing()) // which is not the archive's own
         stampedFolders_.push_back({path, member, stamp});
 }
 
-AddedFile clsUnzipTarget::AddFile(const std::wstring& path, std::size_t member,
-                                  std::span<const std::byte> content, const FileStamp& stamp) {
+template <class Write>
+AddedFile clsExtractionTarget::Take(const std::wstring& path, const MemberContent& content,
+                                    Write write) {
     const std::size_t folder = EnsureFolder(ParentOf(path));
-    clsNewFile file(path, stamp, clsNewFile::Place::UnderItsName);
-    file.Write(content);
-    const std::uint32_t timeError = file.Keep();
-    return {names_.PutFile(folder, NameOf(path), member), timeError};
+    AddedFile added;
+    if (!WritesNothing() && !names_.IsTakenByLater(folder, NameOf(path), content.number))
+        added.stampError = write();
+    added.overwriting = names_.PutFile(folder, NameOf(path), content);
+    return added;
 }
 
-AddedFile clsUnzipTarget::AddLargeFile(const std::wstring& path, std::size_t member,
-                                       std::uint64_t size,
-                                       const std::function<void(const Sink& sink)>& fill,
-                                       const FileStamp& stamp) {
-    const std::size_t folder = EnsureFolder(ParentOf(path));
-    CheckFreeSpace(ParentOf(path), size);
-    clsNewFile file(path, stamp, clsNewFile::Place::Beside);
-    fill([&](std::span<const std::byte> piece) { file.Write(piece); });
-    const std::uint32_t timeError = file.Keep();
-    return {names_.PutFile(folder, NameOf(path), member), timeError};
+AddedFile clsExtractionTarget::AddFile(const std::wstring& path, const MemberContent& content,
+                                       std::span<const std::byte> bytes, const FileStamp& stamp) {
+    return Take(path, content, [&] {
+        clsNewFile file(path, stamp, clsNewFile::Place::UnderItsName);
+        file.Write(bytes);
+        return file.Keep();
+    });
 }
 
-void clsUnzipTarget::FinishFolders(
+clsExtractionTarget::LargeFile::LargeFile(clsExtractionTarget& target, std::wstring path,
+                                          const FileStamp& stamp, std::uint64_t size)
+    : target_(target), path_(std::move(path)), stamp_(stamp) {
+    target_.EnsureFolder(ParentOf(path_));
+    if (target_.WritesNothing())
+        return;
+    CheckFreeSpace(ParentOf(path_), size);
+    file_.emplace(path_, stamp_, clsNewFile::Place::Beside);
+}
+
+void clsExtractionTarget::LargeFile::Write(std::span<const std::byte> piece) {
+    if (file_)
+        file_->Write(piece);
+}
+
+AddedFile clsExtractionTarget::LargeFile::Keep(const MemberContent& content) {
+    return target_.Take(path_, content, [this] { return file_->Keep(); });
+}
+
+void clsExtractionTarget::FinishFolders(
     const std::function<void(std::size_t member, std::uint32_t error)>& notSet) {
     std::ranges::stable_sort(stampedFolders_, std::ranges::greater(),
                              [](const StampedFolder& folder) { return folder.path.size(); });

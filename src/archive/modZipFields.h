@@ -1,0 +1,33 @@
+#pragma once
+
+#include "archive/ByteReader.h"
+#include "archive/modZipDirectory.h"
+
+namespace vesk {
+
+/// What the header in front of a member's data begins with.
+constexpr std::uint32_t kZipLocalSignature = 0x04034B50;
+
+/// The sizes of what follows a member's fixed fields.
+struct ZipTailSizes {
+    std::uint16_t name = 0;
+    std::uint16_t extra = 0;
+};
+
+/// Reads the fields that a member's header and its record in the central directory have in common,
+/// in one order: from the flags on to the size of the extra fields.
+inline ZipTailSizes ReadSharedFields(ByteReader& reader, ZipMember& member) {
+    member.flags = reader.U16();
+    member.method = reader.U16();
+    member.dosTime = reader.U16();
+    member.dosDate = reader.U16();
+    member.crc = reader.U32();
+    member.packedSize = reader.U32();
+    member.size = reader.U32();
+    ZipTailSizes sizes;
+    sizes.name = reader.U16();
+    sizes.extra = reader.U16();
+    return sizes;
+}
+
+} // namespace vesk
