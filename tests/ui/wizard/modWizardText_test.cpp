@@ -46,12 +46,13 @@ TEST_CASE("a tool tip tells where the archive is and comes from") {
     CHECK(StateText(entry, place, ArchiveState::ToDownload) == "To download");
     entry.enabled = false;
     CHECK(StateText(entry, place, ArchiveState::ToDownload) == "Missing, downloaded if ticked");
-    CHECK(InBuildText(entry, EntryList::Plugins) == "no");
+    CHECK(InBuildText(entry, EntryList::Plugins, ArchiveState::Good) == "no");
     // A base component comes into the build whatever its tick.
     const EntryPlace base{EntryList::BaseComponents, 1};
     CHECK(StateText(entry, base, ArchiveState::Good) == "Good, built though unticked");
     CHECK(EntryTip(entry, base, ArchiveState::Good).ends_with("ticked or not."));
-    CHECK(InBuildText(entry, base.list).starts_with("yes"));
+    CHECK(InBuildText(entry, base.list, ArchiveState::Good).starts_with("yes"));
+    CHECK(InBuildText(entry, base.list, ArchiveState::Missing).starts_with("no"));
 }
 
 TEST_CASE("the installation folder has no trailing backslash, a whole drive keeps it") {
