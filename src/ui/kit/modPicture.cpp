@@ -60,7 +60,7 @@ clsPictureView::clsPictureView(int resourceId) {
     if (!library_.IsReady() || !picture || FAILED(picture->get_Handle(&handle)))
         return;
     auto* const bitmap = reinterpret_cast<HBITMAP>(static_cast<ULONG_PTR>(handle));
-    image_ = std::make_unique<Gdiplus::Bitmap>(bitmap, nullptr); // a copy: the picture goes
+    image_.emplace(bitmap, nullptr); // a copy: the picture goes
     if (image_->GetLastStatus() != Gdiplus::Ok)
         image_.reset();
 }
@@ -80,7 +80,7 @@ void clsPictureView::Paint(HDC target, const RECT& area) {
     graphics.SetPixelOffsetMode(Gdiplus::PixelOffsetModeHalf);
     Gdiplus::ImageAttributes edges; // mixed with their mirror image, not with nothing
     edges.SetWrapMode(Gdiplus::WrapModeTileFlipXY);
-    graphics.DrawImage(image_.get(),
+    graphics.DrawImage(&*image_,
                        Gdiplus::RectF(static_cast<Gdiplus::REAL>(area.left),
                                       static_cast<Gdiplus::REAL>(area.top), width, height),
                        0, whole.Height - step * height, step * width, step * height,

@@ -9,7 +9,7 @@
 #include <ocidl.h>
 
 #include <cstddef>
-#include <memory>
+#include <optional>
 #include <span>
 
 namespace vesk {
@@ -50,7 +50,7 @@ private:
     };
 
     Library library_; // before the image, which must go first
-    std::unique_ptr<Gdiplus::Bitmap> image_;
+    std::optional<Gdiplus::Bitmap> image_;
 };
 
 } // namespace vesk
