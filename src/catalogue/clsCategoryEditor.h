@@ -23,6 +23,12 @@ public:
 
     [[nodiscard]] std::vector<CategoryRecord> Categories() const;
 
+    /// How many there are, and one of them; the reference holds until the next change.
+    [[nodiscard]] std::size_t Count() const { return rows_.size(); }
+    [[nodiscard]] const CategoryRecord& At(std::size_t index) const {
+        return rows_.at(index).record;
+    }
+
     /// Index of the selected category, or kNoSelection.
     [[nodiscard]] int Selected() const { return selected_; }
     [[nodiscard]] const CategoryRecord* Current() const;

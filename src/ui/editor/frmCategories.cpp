@@ -28,17 +28,17 @@ bool frmCategories::Show(HWND owner) {
 void frmCategories::OnCreated() {
     SetWindowIcon(Window());
     FollowSize();
-    list_.Attach(Control(IDC_LST_CATEGORIES),
-                 {.titles = {"Key", "Folder", "Title"},
-                  .count = [this] { return categories_.Categories().size(); },
-                  .cell =
-                      [this](std::size_t line, int column) {
-                          const CategoryRecord& category = categories_.Categories()[line];
-                          return column == 0   ? category.key
-                                 : column == 1 ? category.value
-                                               : category.caption;
-                      },
-                  .whenEmpty = "There are no categories."});
+    list_.Attach(Control(IDC_LST_CATEGORIES), {.titles = {"Key", "Folder", "Title"},
+                                               .count = [this] { return categories_.Count(); },
+                                               .cell =
+                                                   [this](std::size_t line, int column) {
+                                                       const CategoryRecord& category =
+                                                           categories_.At(line);
+                                                       return column == 0   ? category.key
+                                                              : column == 1 ? category.value
+                                                                            : category.caption;
+                                                   },
+                                               .whenEmpty = "There are no categories."});
     CheckDlgButton(Window(), IDC_CHK_SHOW_CATEGORIES,
                    editor_.ShowCategories() ? BST_CHECKED : BST_UNCHECKED);
     ShowList();
@@ -62,7 +62,7 @@ void frmCategories::FollowSize() {
 void frmCategories::ShowList() {
     const ScopeFlag showing(showing_);
     list_.Refresh();
-    static_assert(clsReportList::kNone == clsEntryEditor::kNoSelection);
+    static_assert(clsReportList::kNone == clsCategoryEditor::kNoSelection);
     list_.Select(categories_.Selected());
     ShowCurrent();
 }

@@ -2,6 +2,7 @@
 
 #include "base/modSystemError.h"
 #include "ui/kit/modDialogTemplate.h"
+#include "ui/kit/modTitleBar.h"
 #include "ui/kit/modWindow.h"
 
 #include <exception>
@@ -51,6 +52,8 @@ INT_PTR CALLBACK clsDialog::Procedure(HWND window, UINT message, WPARAM wparam, 
     if (message == WM_INITDIALOG) {
         SetWindowLongPtrA(window, DWLP_USER, lparam);
         reinterpret_cast<clsDialog*>(lparam)->window_ = window;
+        if ((GetWindowLongPtrA(window, GWL_STYLE) & WS_CHILD) == 0)
+            FollowDarkMode(window);
     }
     auto* self = reinterpret_cast<clsDialog*>(GetWindowLongPtrA(window, DWLP_USER));
     if (!self)

@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kCellMargin = 16;              // pixels at 96 DPI beside a cell's text, both sides
 constexpr std::size_t kMeasuredLines = 100;  // the first ones stand for all
-constexpr std::size_t kMeasuredLetters = 80; // a longer text is cut in any case
+constexpr std::size_t kMeasuredLetters = 40; // longer texts get what is left over
 
 } // namespace
 

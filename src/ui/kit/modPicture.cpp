@@ -2,6 +2,7 @@
 
 #include <olectl.h>
 
+#include <algorithm>
 #include <cstring>
 
 namespace vesk {
@@ -9,17 +10,6 @@ namespace vesk {
 namespace {
 
 using GlobalMemory = UniqueHandle<::GlobalFree, HGLOBAL>;
-
-BITMAPINFO DescribePixels(ImageSize size) {
-    BITMAPINFO info{};
-    info.bmiHeader.biSize = sizeof info.bmiHeader;
-    info.bmiHeader.biWidth = static_cast<LONG>(size.width);
-    info.bmiHeader.biHeight = -static_cast<LONG>(size.height); // rows from top to bottom
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = 32;
-    info.bmiHeader.biCompression = BI_RGB;
-    return info;
-}
 
 } // namespace
 
@@ -54,44 +44,47 @@ ComPointer<IPicture> PictureFromBytes(std::span<const std::byte> bytes) {
     return ComPointer<IPicture>(static_cast<IPicture*>(picture));
 }
 
+clsPictureView::Library::Library() {
+    const Gdiplus::GdiplusStartupInput input;
+    isReady_ = Gdiplus::GdiplusStartup(&token_, &input, nullptr) == Gdiplus::Ok;
+}
+
+clsPictureView::Library::~Library() {
+    if (isReady_)
+        Gdiplus::GdiplusShutdown(token_);
+}
+
 clsPictureView::clsPictureView(int resourceId) {
     const auto picture = PictureFromBytes(ResourceBytes("JPG", resourceId));
     OLE_HANDLE handle = 0;
-    if (!picture || FAILED(picture->get_Handle(&handle)))
+    if (!library_.IsReady() || !picture || FAILED(picture->get_Handle(&handle)))
         return;
     auto* const bitmap = reinterpret_cast<HBITMAP>(static_cast<ULONG_PTR>(handle));
-    BITMAP shape{};
-    if (GetObjectA(bitmap, sizeof shape, &shape) == 0)
-        return;
-    size_ = {static_cast<std::size_t>(shape.bmWidth), static_cast<std::size_t>(shape.bmHeight)};
-    pixels_.resize(size_.width * size_.height);
-    BITMAPINFO info = DescribePixels(size_);
-    const DeviceContext memory(CreateCompatibleDC(nullptr));
-    if (GetDIBits(memory.Get(), bitmap, 0, static_cast<UINT>(size_.height), pixels_.data(), &info,
-                  DIB_RGB_COLORS) == 0)
-        pixels_.clear();
+    image_.emplace(bitmap, nullptr); // a copy: the picture goes
+    if (image_->GetLastStatus() != Gdiplus::Ok)
+        image_.reset();
 }
 
+clsPictureView::~clsPictureView() = default;
+
 void clsPictureView::Paint(HDC target, const RECT& area) {
-    if (pixels_.empty() || area.right <= area.left || area.bottom <= area.top)
+    const auto width = static_cast<Gdiplus::REAL>(area.right - area.left);
+    const auto height = static_cast<Gdiplus::REAL>(area.bottom - area.top);
+    if (!image_ || width <= 0 || height <= 0)
         return;
-    const ImageSize wanted{static_cast<std::size_t>(area.right - area.left),
-                           static_cast<std::size_t>(area.bottom - area.top)};
-    if (!scaled_ || scaledSize_ != wanted) {
-        const auto scaled = ScaleToCover(pixels_, size_, wanted);
-        const BITMAPINFO info = DescribePixels(wanted);
-        void* bits = nullptr;
-        scaled_.Reset(CreateDIBSection(target, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
-        if (!scaled_)
-            return;
-        std::memcpy(bits, scaled.data(), scaled.size() * sizeof scaled.front());
-        scaledSize_ = wanted;
-    }
-    const DeviceContext memory(CreateCompatibleDC(target));
-    const HGDIOBJ before = SelectObject(memory.Get(), scaled_.Get());
-    BitBlt(target, area.left, area.top, area.right - area.left, area.bottom - area.top,
-           memory.Get(), 0, 0, SRCCOPY);
-    SelectObject(memory.Get(), before);
+    const auto whole = Gdiplus::SizeF(static_cast<Gdiplus::REAL>(image_->GetWidth()),
+                                      static_cast<Gdiplus::REAL>(image_->GetHeight()));
+    const Gdiplus::REAL step = std::min(whole.Width / width, whole.Height / height);
+    Gdiplus::Graphics graphics(target);
+    graphics.SetInterpolationMode(Gdiplus::InterpolationModeHighQualityBicubic);
+    graphics.SetPixelOffsetMode(Gdiplus::PixelOffsetModeHalf);
+    Gdiplus::ImageAttributes edges; // mixed with their mirror image, not with nothing
+    edges.SetWrapMode(Gdiplus::WrapModeTileFlipXY);
+    graphics.DrawImage(&*image_,
+                       Gdiplus::RectF(static_cast<Gdiplus::REAL>(area.left),
+                                      static_cast<Gdiplus::REAL>(area.top), width, height),
+                       0, whole.Height - step * height, step * width, step * height,
+                       Gdiplus::UnitPixel, &edges);
 }
 
 } // namespace vesk

@@ -1,17 +1,16 @@
 #pragma once
 
 #include "base/Com.h"
-#include "ui/kit/modImageScale.h"
 #include "ui/kit/modWindow.h"
 
 #include <windows.h>
 
+#include <gdiplus.h>
 #include <ocidl.h>
 
 #include <cstddef>
-#include <cstdint>
+#include <optional>
 #include <span>
-#include <vector>
 
 namespace vesk {
 
@@ -26,15 +25,32 @@ class clsPictureView {
 public:
     /// @param resourceId number of a "JPG" resource; without a picture nothing is painted
     explicit clsPictureView(int resourceId);
+    clsPictureView(const clsPictureView&) = delete;
+    clsPictureView& operator=(const clsPictureView&) = delete;
+    ~clsPictureView();
 
-    /// Paints the picture over the rectangle.
+    /// Paints the picture over the rectangle, smoothly scaled. Where their shapes differ, the top
+    /// or the right of the picture is left out.
     void Paint(HDC target, const RECT& area);
 
 private:
-    std::vector<std::uint32_t> pixels_;
-    ImageSize size_;
-    GdiHandle scaled_;
-    ImageSize scaledSize_;
+    /// The system's library of pictures, for as long as one is in use.
+    class Library {
+    public:
+        Library();
+        Library(const Library&) = delete;
+        Library& operator=(const Library&) = delete;
+        ~Library();
+
+        [[nodiscard]] bool IsReady() const { return isReady_; }
+
+    private:
+        ULONG_PTR token_ = 0;
+        bool isReady_ = false;
+    };
+
+    Library library_; // before the image, which must go first
+    std::optional<Gdiplus::Bitmap> image_;
 };
 
 } // namespace vesk

@@ -34,7 +34,7 @@ void frmItems::OnCreated() {
     show(IDC_TXT_ITEM_CRC, entry_.crc, "not given");
     const ArchiveState state = JudgeArchive(entry_, place_, archives_.Facts(entry_.zip));
     show(IDC_TXT_ITEM_STATE, ArchiveSentence(entry_, place_, state), "");
-    show(IDC_TXT_ITEM_TICK, InBuildText(entry_, place_.list), "");
+    show(IDC_TXT_ITEM_TICK, InBuildText(entry_, place_.list, state), "");
     show(IDC_TXT_ITEM_URL, ReplaceAll(entry_.url, ",", "\r\n"), "none");
     ShowWholeName();
     MakePlainText(address_, Control(IDC_TXT_ITEM_URL));

@@ -71,7 +71,10 @@ std::string EntryTip(const CatalogueEntry& entry, const EntryPlace& place, Archi
     return text;
 }
 
-std::string InBuildText(const CatalogueEntry& entry, EntryList list) {
+std::string InBuildText(const CatalogueEntry& entry, EntryList list, ArchiveState state) {
+    const bool included = entry.enabled || list == EntryList::BaseComponents;
+    if (included && !ComesIntoBuild(state))
+        return "no: its archive is left out, as said above";
     if (list == EntryList::BaseComponents && !entry.enabled)
         return "yes: a build installs every base component, ticked or not";
     if (entry.lock)

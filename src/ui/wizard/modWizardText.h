@@ -34,7 +34,7 @@ std::string StateText(const CatalogueEntry& entry, const EntryPlace& place, Arch
 std::string EntryTip(const CatalogueEntry& entry, const EntryPlace& place, ArchiveState state);
 
 /// Whether a build includes an entry, and why when its tick alone does not tell.
-std::string InBuildText(const CatalogueEntry& entry, EntryList list);
+std::string InBuildText(const CatalogueEntry& entry, EntryList list, ArchiveState state);
 
 /// Speed of a download and the time it still takes, each as far as known.
 /// @param secondsLeft negative while unknown

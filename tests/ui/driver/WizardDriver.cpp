@@ -214,6 +214,34 @@ void WizardDriver::PressSpaceOn(int list, int line) const {
     WaitUntil([&] { return SendMessageA(window, LVM_GETHOVERTIME, 0, 0) == mark; });
 }
 
+std::string WizardDriver::CellText(HWND list, int line, int column) const {
+    // The list reads and writes in its own process only.
+    constexpr int kLength = 400;
+    void* const there = VirtualAllocEx(process_.Get(), nullptr, sizeof(LVITEMA) + kLength,
+                                       MEM_COMMIT, PAGE_READWRITE);
+    REQUIRE(there);
+    LVITEMA item{};
+    item.iSubItem = column;
+    item.pszText = static_cast<char*>(there) + sizeof item;
+    item.cchTextMax = kLength;
+    WriteProcessMemory(process_.Get(), there, &item, sizeof item, nullptr);
+    SendMessageA(list, LVM_GETITEMTEXTA, static_cast<WPARAM>(line),
+                 reinterpret_cast<LPARAM>(there));
+    std::string text(kLength, '\0');
+    ReadProcessMemory(process_.Get(), item.pszText, text.data(), kLength, nullptr);
+    VirtualFreeEx(process_.Get(), there, 0, MEM_RELEASE);
+    return text.substr(0, text.find('\0'));
+}
+
+std::string WizardDriver::AwaitTip() const {
+    HWND tip = nullptr;
+    REQUIRE(WaitUntil([&] {
+        tip = FindTopWindow([](HWND window) { return ClassOf(window) == "tooltips_class32"; });
+        return tip != nullptr;
+    }));
+    return TextOf(tip);
+}
+
 std::vector<std::string> WizardDriver::LogLines() const {
     return Lines(Control(IDC_LST_PROGRESS), {LB_GETCOUNT, LB_GETTEXTLEN, LB_GETTEXT});
 }

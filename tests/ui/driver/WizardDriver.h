@@ -72,6 +72,12 @@ public:
     [[nodiscard]] bool IsTicked(int list, int line) const;
     void PressSpaceOn(int list, int line) const;
 
+    /// What a cell of a list view shows, in any dialog of the program.
+    [[nodiscard]] std::string CellText(HWND list, int line, int column) const;
+
+    /// Waits for a tool tip. @return its text
+    [[nodiscard]] std::string AwaitTip() const;
+
     [[nodiscard]] std::vector<std::string> LogLines() const;
 
     /// Presses Tab from the first of the controls on; each must get the keyboard in its turn.

@@ -162,6 +162,7 @@ TEST_CASE("the check goes through the edited catalogue and leads to the entry") 
     const HWND dialog = editor.AwaitDialog("Check");
     const HWND list = GetDlgItem(dialog, IDC_LST_PROBLEMS);
     CHECK(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0) == 2); // the present archive, the category
+    CHECK(editor.CellText(list, 1, 0) == "plug-in \"Beta\"");
     CHECK(TextIn(dialog, IDC_TXT_PROBLEM).starts_with("base component \"PE Builder\": "));
     const LONG listWidth = Width(list);
     SetWindowPos(dialog, nullptr, 0, 0, Width(dialog) + 90, 0, SWP_NOMOVE | SWP_NOZORDER);

@@ -66,6 +66,8 @@ TEST_CASE("a build with problems lists them, to be read, copied and found again 
     const HWND list = GetDlgItem(dialog, IDC_LST_NOT_DONE);
     CHECK(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0) == 2);
     CHECK(TextIn(dialog, IDC_TXT_NOT_DONE) == first);
+    CHECK(wizard.CellText(list, 0, 0) == "Alpha.zip");
+    CHECK(Holds(first, wizard.CellText(list, 0, 2)));
     PostMessageA(GetDlgItem(dialog, IDC_CMD_COPY), BM_CLICK, 0, 0);
     CHECK(AwaitClipboard(saved)); // no line is selected: all of them
     PostMessageA(list, WM_KEYDOWN, VK_END, 0);

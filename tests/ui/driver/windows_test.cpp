@@ -312,3 +312,21 @@ TEST_CASE("a usable source is green, another one dark red") {
         CHECK_FALSE(Shows(field, usable ? RGB(140, 0, 0) : RGB(0, 130, 0)));
     }
 }
+
+TEST_CASE("resting the mouse on a line tells about its archive") {
+    const ProgramFolder program;
+    program.Save();
+    const WizardDriver wizard(program.Wizard());
+    wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
+    wizard.GoTo(IDC_CMD_NEXT, kPluginsHeading);
+    const HWND list = wizard.Control(IDC_LST_PLUGINS);
+    CHECK(wizard.CellText(list, 1, 0) == "Beta");
+    CHECK(wizard.CellText(list, 1, 1) == "Tools");
+    CHECK(WaitUntil([&] { return wizard.CellText(list, 1, 3) == "Good"; }));
+    const RECT area = AreaOf(list);
+    const LONG header = HeightOf(reinterpret_cast<HWND>(SendMessageA(list, LVM_GETHEADER, 0, 0)));
+    SetForegroundWindow(wizard.Window());
+    for (const LONG x : {40, 44}) // it has to move
+        SetCursorPos(area.left + x, area.top + header + 10);
+    CHECK(Holds(wizard.AwaitTip(), "Archive: Alpha.zip"));
+}

@@ -2,6 +2,7 @@
 
 #include "ui/kit/clsReportList.h"
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -65,7 +66,13 @@ TEST_CASE("a list keeps its columns in sight, gives its texts and copies its lin
     question.item.iItem = 7; // behind the last line
     CHECK(list.HandleNotify(question.hdr));
 
-    list.Copy(); // nothing is selected: all
+    // Ctrl+C; nothing is selected: all
+    std::array<BYTE, 256> keys{};
+    keys[VK_CONTROL] = 0x80;
+    SetKeyboardState(keys.data());
+    SendMessageA(window, WM_KEYDOWN, 'C', 1);
+    keys[VK_CONTROL] = 0;
+    SetKeyboardState(keys.data());
     CHECK(OnClipboard() == "one\tone!\r\n" + lines[1] + "\t" + lines[1] + "!\r\n");
     list.Select(0);
     CHECK(list.Selected() == 0);

@@ -1,9 +1,6 @@
-#include "ui/kit/modImageScale.h"
 #include "ui/wizard/modWizardText.h"
 
 #include <doctest/doctest.h>
-
-#include <array>
 
 using namespace vesk;
 
@@ -49,12 +46,13 @@ TEST_CASE("a tool tip tells where the archive is and comes from") {
     CHECK(StateText(entry, place, ArchiveState::ToDownload) == "To download");
     entry.enabled = false;
     CHECK(StateText(entry, place, ArchiveState::ToDownload) == "Missing, downloaded if ticked");
-    CHECK(InBuildText(entry, EntryList::Plugins) == "no");
+    CHECK(InBuildText(entry, EntryList::Plugins, ArchiveState::Good) == "no");
     // A base component comes into the build whatever its tick.
     const EntryPlace base{EntryList::BaseComponents, 1};
     CHECK(StateText(entry, base, ArchiveState::Good) == "Good, built though unticked");
     CHECK(EntryTip(entry, base, ArchiveState::Good).ends_with("ticked or not."));
-    CHECK(InBuildText(entry, base.list).starts_with("yes"));
+    CHECK(InBuildText(entry, base.list, ArchiveState::Good).starts_with("yes"));
+    CHECK(InBuildText(entry, base.list, ArchiveState::Missing).starts_with("no"));
 }
 
 TEST_CASE("the installation folder has no trailing backslash, a whole drive keeps it") {
@@ -77,17 +75,25 @@ TEST_CASE("speed and time left are told as far as they are known") {
     CHECK(DownloadDetail(progress) == "No data for 30 s");
 }
 
-TEST_CASE("a scaled picture covers its target and keeps what is at the bottom left") {
-    // Two by two pixels, a byte each in the lowest channel: halved, their mean remains.
-    const std::array<std::uint32_t, 4> square{0x10, 0x20, 0x30, 0x40};
-    CHECK(ScaleToCover(square, {2, 2}, {1, 1}) == std::vector<std::uint32_t>{0x28});
-    CHECK(ScaleToCover(square, {2, 2}, {2, 2}) ==
-          std::vector<std::uint32_t>(square.begin(), square.end()));
-    // A target that is wider than the picture: the upper row is cut off.
-    CHECK(ScaleToCover(square, {2, 2}, {2, 1}) == std::vector<std::uint32_t>{0x30, 0x40});
-    // A higher one: the right column is.
-    CHECK(ScaleToCover(square, {2, 2}, {1, 2}) == std::vector<std::uint32_t>{0x10, 0x30});
-    // Enlarged, with all four channels.
-    const std::array<std::uint32_t, 1> pixel{0xFF804001};
-    CHECK(ScaleToCover(pixel, {1, 1}, {2, 2}) == std::vector<std::uint32_t>(4, 0xFF804001));
+TEST_CASE("the user is told beforehand when PE Builder will not be in what is built") {
+    CatalogueEntry peBuilder = Entry("PE Builder", true);
+    peBuilder.zip = kFirstArchiveName;
+    peBuilder.crc = "AB";
+    struct Row {
+        const char* url;
+        ArchiveFacts facts;
+        const char* told;
+    };
+    for (const Row& row : {
+             Row{"", {true, true, "AB"}, nullptr},
+             Row{"http://host/x", {true, false, {}}, nullptr}, // downloaded
+             Row{"", {true, false, {}}, "there is no address"},
+             Row{"", {true, true, "CD"}, "differs"},
+         }) {
+        peBuilder.url = row.url;
+        const std::string warning = PeBuilderWarning(peBuilder, row.facts);
+        CHECK(warning.empty() == (row.told == nullptr));
+        if (row.told)
+            CHECK(warning.find(row.told) != std::string::npos);
+    }
 }
