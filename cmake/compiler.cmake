@@ -3,11 +3,11 @@ add_library(vesk_options INTERFACE)
 target_include_directories(vesk_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
 
 if(MSVC)
-    target_compile_options(vesk_options INTERFACE /W4 /WX /utf-8 /permissive-)
+    target_compile_options(vesk_options INTERFACE /W4 /utf-8 /permissive-)
     set(CMAKE_MSVC_RUNTIME_LIBRARY "MultiThreaded$<$<CONFIG:Debug>:Debug>")
 else()
     target_compile_options(vesk_options INTERFACE
-        -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
+        -Wall -Wextra -Wpedantic -Wconversion -Wshadow
         -ffunction-sections -fdata-sections)
     if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
         # GCC 12 takes joined std::strings for overlapping copies (its bug 105651).
@@ -21,7 +21,8 @@ if(WIN32)
     target_compile_definitions(vesk_options INTERFACE
         WINVER=0x0501 _WIN32_WINNT=0x0501 WIN32_LEAN_AND_MEAN NOMINMAX STRICT)
     if(NOT MSVC)
-        target_link_options(vesk_options INTERFACE -static -Wl,--gc-sections $<$<CONFIG:Release>:-s>)
+        target_link_options(vesk_options INTERFACE -static -Wl,--gc-sections,--no-insert-timestamp
+            $<$<CONFIG:Release>:-s>)
     endif()
 endif()
 
