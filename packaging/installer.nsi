@@ -156,9 +156,11 @@ Function un.SameFile
             ${If} ${Errors}
                 StrCpy $1 "end"
             ${EndIf}
-        ${LoopUntil} "$0" != "$1"
-            ${OrIf} $0 == "end"
-        ${If} "$0" == "$1"
+            ${If} $0 == "end"
+                ${ExitDo}
+            ${EndIf}
+        ${LoopUntil} $0 != $1
+        ${If} $0 == $1
             StrCpy $5 1
         ${EndIf}
     ${EndIf}
