@@ -3,11 +3,11 @@ add_library(vesk_options INTERFACE)
 target_include_directories(vesk_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
 
 if(MSVC)
-    target_compile_options(vesk_options INTERFACE /W4 /WX /utf-8 /permissive-)
+    target_compile_options(vesk_options INTERFACE /W4 /utf-8 /permissive-)
     set(CMAKE_MSVC_RUNTIME_LIBRARY "MultiThreaded$<$<CONFIG:Debug>:Debug>")
 else()
     target_compile_options(vesk_options INTERFACE
-        -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
+        -Wall -Wextra -Wpedantic -Wconversion -Wshadow
         -ffunction-sections -fdata-sections)
     if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
         # GCC 12 takes joined std::strings for overlapping copies (its bug 105651).
@@ -27,7 +27,7 @@ if(WIN32)
             list(APPEND hardening -Wl,--high-entropy-va)
         endif()
         target_link_options(vesk_options INTERFACE
-            -static -Wl,--gc-sections ${hardening} $<$<CONFIG:Release>:-s>)
+            -static -Wl,--gc-sections,--no-insert-timestamp ${hardening} $<$<CONFIG:Release>:-s>)
     endif()
 endif()
 

@@ -22,6 +22,9 @@ endif()
 set(ZLIB_USE_STATIC_LIBS ON)
 find_package(ZLIB REQUIRED)
 
+if(NOT VESK_BUILD_TESTS)
+    return()
+endif()
 # Never the system's include folder: the cross compiler must not see the rest of it.
 if(EXISTS ${VESK_DEPS_DIR}/include/doctest/doctest.h)
     set(VESK_DOCTEST_INCLUDE ${VESK_DEPS_DIR}/include)

@@ -1,0 +1,177 @@
+#!/usr/bin/env python3
+"""What is published, made twice, installed, used and removed in a Wine prefix of its own.
+
+    package_test.py SIZE OBJDUMP WINE...        SIZE: bytes of a pointer, 4 or 8
+
+Status 77: there is no makensis.
+"""
+
+import hashlib
+import json
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+import zipfile
+
+BITS = int(sys.argv[1]) * 8
+OBJDUMP, *WINE = sys.argv[2:]
+TOP = pathlib.Path(__file__).resolve().parents[2]
+PREFIX = "package32" if BITS == 32 else "package"
+DRIVE = TOP / "build/wine" / PREFIX / "drive_c"
+os.environ |= {"VESK_PREFIX": PREFIX, "WINEPREFIX": str(DRIVE.parent)}
+SAMPLE = {"veskbuilder.ini", "pebuilder3110a.zip", "livebase.zip", "hexview.zip", "netnotes.zip",
+          "diskcheck.zip", "sphelper.zip", "regtool.cab"}
+
+
+def make_package(folder):
+    subprocess.run([TOP / "tools/package", folder], check=True, capture_output=True, timeout=600)
+    return {path.name: path.read_bytes() for path in pathlib.Path(folder).iterdir()}
+
+
+def wine(*arguments, timeout=120):
+    return subprocess.run([*WINE, *map(str, arguments)], stdin=subprocess.DEVNULL,
+                          stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=False,
+                          timeout=timeout).returncode
+
+
+def files_below(folder):
+    """Relative paths of files and folders. Not counted are the system's own temporary files, and the
+    folder that Windows keeps for the programs of a user."""
+    own = re.compile(r"/Temp(/|$)|/windows/(temp|Installer)(/|$)|/AppData/Local/Programs$", re.IGNORECASE)
+    return {str(path.relative_to(folder)) for path in folder.rglob("*") if not own.search(str(path))}
+
+
+def registry():
+    """All keys and values. What Windows itself notes about programs that ran is left out."""
+    subprocess.run(["wineserver", "-k"], check=False, timeout=60)
+    subprocess.run(["wineserver", "-w"], check=False, timeout=60)
+    lines = set()
+    for hive in ("system.reg", "user.reg"):
+        key = ""
+        for line in (DRIVE.parent / hive).read_text("latin-1").splitlines():
+            if line.startswith("["):
+                key = f"{hive} {line.rsplit(']', 1)[0]}"
+                lines.add(key)
+            elif not line.startswith("#time") and "PendingFileRename" not in line:
+                lines.add(f"{key} {line}")
+    return {line for line in lines
+            if not re.search(r"Explorer|\\\\Services\\\\|Session Manager|VolatileEnv|DriverDate|Enum\\\\", line)}
+
+
+class Package(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = pathlib.Path(tempfile.mkdtemp(prefix="vesk-package-"))
+        cls.made = make_package(cls.folder / "one")
+        shutil.rmtree(DRIVE.parent, ignore_errors=True)
+        subprocess.run([TOP / "tools/wine-prefix", PREFIX], check=True, capture_output=True)
+        cls.name = next(name for name in cls.made if name.endswith("-portable.zip"))
+        with zipfile.ZipFile(cls.folder / "one" / cls.name) as archive:
+            archive.extractall(DRIVE)
+        cls.portable = DRIVE / cls.name.replace("-portable.zip", "")
+        cls.setup = cls.folder / "one" / cls.name.replace("-portable.zip", "-setup.exe")
+
+    @classmethod
+    def tearDownClass(cls):
+        subprocess.run(["wineserver", "-k"], check=False, timeout=60)
+        shutil.rmtree(cls.folder)
+
+    def build_sample(self, program):
+        """The sample's one damaged archive makes the exit code 1; all else is in the tree."""
+        self.assertEqual(wine(program, "--yes", "--install", "C:\\VeskLive"), 1)
+        self.assertTrue((DRIVE / "VeskLive/Plugin/200_applications/hexview/hexview.inf").exists())
+        log = (program.parent / "veskbuider.log").read_text("cp1252")
+        self.assertRegex(log, r"\nDone\.\.\. \[")
+
+    def test_the_portable_folder_builds_the_sample(self):
+        program = self.portable / "veskbuild.exe"
+        if BITS == 64:
+            shutil.copy(self.portable / "x64/veskbuild.exe", program)
+        kind = subprocess.run([OBJDUMP, "-f", program], check=True, capture_output=True, text=True)
+        self.assertIn("pei-x86-64" if BITS == 64 else "pei-i386", kind.stdout)
+        self.build_sample(program)
+        for text in self.portable.glob("*.txt"):
+            content = text.read_bytes()
+            self.assertEqual(content.count(b"\n"), content.count(b"\r\n"), text.name)
+
+    @unittest.skipIf(BITS == 64, "the same files as for the 32-bit test")
+    def test_two_runs_give_the_same_bytes(self):
+        again = make_package(self.folder / "two")
+        self.assertEqual({name for name in self.made if self.made[name] != again.get(name)}, set())
+        listed = dict(line.split("  ")[::-1] for line in
+                      self.made["SHA256SUMS"].decode().splitlines())
+        del self.made["SHA256SUMS"]
+        self.assertEqual(listed, {name: hashlib.sha256(data).hexdigest()
+                                  for name, data in self.made.items()})
+        spdx = json.loads(next(data for name, data in self.made.items() if "spdx" in name))
+        versions = {part["name"]: part["versionInfo"] for part in spdx["packages"]}
+        self.assertEqual(set(versions), {"Vesk Builder", "libdeflate", "zlib",
+                                         "GCC runtime libraries", "mingw-w64 runtime"})
+        # zlib leaves its version in the program.
+        program = (self.portable / "veskbuilder.exe").read_bytes()
+        self.assertIn(f" inflate {versions['zlib']} ".encode(), program)
+
+    def install(self, *arguments, folder):
+        self.assertEqual(wine(self.setup, "/S", *arguments), 0)
+        with zipfile.ZipFile(self.folder / "one" / self.name) as archive:
+            published = {name.split("/", 1)[1] for name in archive.namelist()}
+        self.assertEqual(published - files_below(folder), set())
+
+    def uninstall(self, folder, *arguments):
+        """The uninstaller goes on in a copy of itself: wait until its last step is done."""
+        menus = list(DRIVE.rglob("Vesk Builder Setup"))
+        self.assertEqual(len(menus), 1)
+        wine(folder / "uninstall.exe", "/S", *arguments)
+        end = time.monotonic() + 60
+        while menus[0].exists() and time.monotonic() < end:
+            time.sleep(0.2)
+        time.sleep(0.5)
+
+    @unittest.skipIf(BITS == 64, "the installer is a 32-bit program")
+    def test_installing_building_and_removing_leaves_no_trace(self):
+        # The traces of a build are the build's: they are there before.
+        self.build_sample(self.portable / "veskbuild.exe")
+        for mode, folder in (("/AllUsers", DRIVE / "Program Files/Vesk Builder"),
+                             ("/CurrentUser", next(DRIVE.glob("users/*/AppData/Local")) /
+                              "Programs/Vesk Builder")):
+            with self.subTest(mode):
+                wine(self.portable / "veskbuild.exe", "--version")
+                before = registry(), files_below(DRIVE)
+                self.install(mode, folder=folder)
+                self.assertGreater(len(registry() - before[0]), 5)
+                self.build_sample(folder / "veskbuild.exe")
+                self.uninstall(folder, mode)
+                self.assertEqual(files_below(DRIVE) ^ before[1], set())
+                self.assertEqual(registry() ^ before[0], set())
+
+    @unittest.skipIf(BITS == 64, "the installer is a 32-bit program")
+    def test_the_users_own_things_survive_upgrade_and_removal(self):
+        folder = DRIVE / "Program Files/Vesk Builder"
+        self.install(folder=folder)
+        catalogue = folder / "veskbuilder.ini"
+        mine = catalogue.read_bytes() + b"; mine\r\n"
+        catalogue.write_bytes(mine)
+        (folder / "own.zip").write_bytes(b"own")
+        (folder / "netnotes.zip").unlink()
+        (folder / "guide.txt").write_bytes(b"of an older version")
+        self.assertEqual(wine(self.setup, "/S"), 0)
+        self.assertEqual(catalogue.read_bytes(), mine)
+        self.assertFalse((folder / "netnotes.zip").exists())
+        self.assertNotEqual((folder / "guide.txt").read_bytes(), b"of an older version")
+        self.uninstall(folder)
+        self.assertEqual(files_below(folder), SAMPLE - {"netnotes.zip"} | {"own.zip"})
+        self.assertEqual(catalogue.read_bytes(), mine)
+        shutil.rmtree(folder)
+
+
+if __name__ == "__main__":
+    if not shutil.which("makensis"):
+        print("left out: there is no makensis")
+        sys.exit(77)
+    unittest.main(argv=sys.argv[:1])
