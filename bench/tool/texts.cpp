@@ -14,7 +14,12 @@ void Script(const Arguments& arguments) {
     std::size_t lines = 0;
     const ScriptContext context{[&](const std::string&) { ++lines; },
                                 [](const std::string&, const std::string&) {}, "C:\\none", "D:"};
-    Print({Timed([&] { ProcessScript(arguments.at(0), "[base]", context); }),
+    Print({Timed([&] {
+               try {
+                   ProcessScript(arguments.at(0), "[base]", context);
+               } catch (const std::exception&) { // its first line that cannot be run ends it
+               }
+           }),
            static_cast<double>(lines)});
 }
 
