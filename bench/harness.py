@@ -144,7 +144,8 @@ class Wine:
                                   stdin=subprocess.DEVNULL, stdout=output, stderr=output,
                                   timeout=600, check=False).returncode
             output.seek(0)
-            said = output.read().decode("cp1252", "replace")
+            lines = output.read().decode("cp1252", "replace").splitlines(True)
+        said = "".join(line for line in lines if not line.startswith("wine: "))  # its complaints
         if code not in codes:
             raise RuntimeError(f"{pathlib.Path(program).name} {arguments} gave {code}: "
                                + said[-1000:])

@@ -3,6 +3,7 @@
 import shutil
 import statistics
 
+import data
 from harness import Row, at_most, below, in_turn, windows_path
 
 MEGABYTE = 1 << 20
@@ -59,6 +60,7 @@ def starts(wine, folder, rounds):
     yield Row("veskbuild --version, to an empty program", version, empty, at_most(1.3))
     program = folder / "veskbuilder.exe"
     shutil.copy(wine.built / "src/ui/veskbuilder.exe", program)
+    data.write_catalogue(folder, [("plugin.zip", "", "1")], "1")
     first, dialog = in_turn(
         rounds, first=lambda: wine.figure("first-window", windows_path(program)),
         dialog=lambda: wine.figure("first-window",
