@@ -37,22 +37,32 @@ std::wstring LongNames(const std::wstring& path) {
 
 /// Where an existing path leads; the path itself when the system cannot tell.
 std::wstring Resolved(const std::wstring& path) {
-    using Function = DWORD(WINAPI*)(HANDLE, LPWSTR, DWORD, DWORD);
-    static const auto function = reinterpret_cast<Function>(reinterpret_cast<void*>(
-        GetProcAddress(GetModuleHandleA("kernel32.dll"), "GetFinalPathNameByHandleW")));
     const FileHandle file(CreateFileW(LongPath(path).c_str(), 0,
                                       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                                       nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
-    if (function == nullptr || !file)
-        return LongNames(path);
-    std::wstring real(kLongest, L'\0');
-    real.resize(function(file.Get(), real.data(), kLongest, 0));
-    real = WithoutLongPrefix(real);
-    const bool isPath = real.starts_with(L"\\\\") || (real.size() > 2 && real[1] == L':');
-    return isPath ? real : LongNames(path);
+    const std::wstring real = file ? RealPathOf(file.Get()) : std::wstring();
+    return real.empty() ? LongNames(path) : real;
 }
 
 } // namespace
+
+std::wstring RealPathOf(void* handle) {
+    using Function = DWORD(WINAPI*)(HANDLE, LPWSTR, DWORD, DWORD);
+    static const auto function = reinterpret_cast<Function>(reinterpret_cast<void*>(
+        GetProcAddress(GetModuleHandleA("kernel32.dll"), "GetFinalPathNameByHandleW")));
+    if (function == nullptr)
+        return {};
+    std::wstring real(MAX_PATH, L'\0');
+    DWORD length = function(handle, real.data(), MAX_PATH, 0);
+    if (length >= MAX_PATH) { // then it is the size that is needed
+        real.resize(kLongest);
+        length = function(handle, real.data(), kLongest, 0);
+    }
+    real.resize(length < real.size() ? length : 0);
+    real = WithoutLongPrefix(real);
+    const bool isPath = real.starts_with(L"\\\\") || (real.size() > 2 && real[1] == L':');
+    return isPath ? real : std::wstring();
+}
 
 std::wstring RealPath(const std::wstring& path) {
     const std::size_t length = ExistingLength(path);

@@ -10,4 +10,8 @@ namespace vesk {
 /// @param path absolute
 std::wstring RealPath(const std::wstring& path);
 
+/// The same of a file or folder that is open. @param handle of the system
+/// @return empty where the system cannot tell
+std::wstring RealPathOf(void* handle);
+
 } // namespace vesk

@@ -1,6 +1,8 @@
 #include "base/clsLinkDetector.h"
 
 #include "base/RealPath.h"
+#include "base/UniqueHandle.h"
+#include "base/modWide.h"
 
 #include <windows.h>
 
@@ -12,6 +14,16 @@ bool IsSameName(const std::wstring& left, const std::wstring& right) {
     return CompareStringW(LOCALE_INVARIANT, NORM_IGNORECASE, left.data(),
                           static_cast<int>(left.size()), right.data(),
                           static_cast<int>(right.size())) == CSTR_EQUAL;
+}
+
+/// Windows XP lacks the function, and needs none of this.
+bool MarkForDeletion(HANDLE file) {
+    using Function = BOOL(WINAPI*)(HANDLE, int, LPVOID, DWORD);
+    static const auto function = reinterpret_cast<Function>(reinterpret_cast<void*>(
+        GetProcAddress(GetModuleHandleA("kernel32.dll"), "SetFileInformationByHandle")));
+    constexpr int kFileDispositionInfo = 4;
+    BOOLEAN goes = TRUE;
+    return function != nullptr && function(file, kFileDispositionInfo, &goes, sizeof goes) != FALSE;
 }
 
 } // namespace
@@ -28,12 +40,27 @@ bool clsLinkDetector::IsFileLink(const std::wstring& folder, const std::wstring&
         return true;
     if (!SystemHidesLinks())
         return false;
+    return !LeadsTo(RealPath(folder + L"\\" + name), folder, name);
+}
+
+bool clsLinkDetector::DeleteAtOnce(const std::wstring& folder, const std::wstring& name) {
+    if (!SystemHidesLinks())
+        return false;
+    const FileHandle file(CreateFileW(LongPath(folder + L"\\" + name).c_str(), DELETE,
+                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                      nullptr, OPEN_EXISTING, 0, nullptr));
+    return file && LeadsTo(RealPathOf(file.Get()), folder, name) && MarkForDeletion(file.Get());
+}
+
+/// Whether a real path is that of an entry itself.
+bool clsLinkDetector::LeadsTo(const std::wstring& real, const std::wstring& folder,
+                              const std::wstring& name) {
     if (folder != folder_) {
         folder_ = folder;
         realFolder_ = RealPath(folder);
     }
     const std::wstring separator = realFolder_.ends_with(L'\\') ? L"" : L"\\";
-    return !IsSameName(RealPath(folder + L"\\" + name), realFolder_ + separator + name);
+    return IsSameName(real, realFolder_ + separator + name);
 }
 
 } // namespace vesk

@@ -63,6 +63,15 @@ private:
     }
 
     void RemoveEntry(const std::wstring& folder, const FolderEntry& entry) {
+        const bool isPlain = !entry.IsFolder() && !entry.IsLink();
+        if (!isPlain || !links_.DeleteAtOnce(folder, entry.name))
+            RemoveWithCare(folder, entry);
+        constexpr int kBetweenEvents = 64;
+        if (meanwhile_ && ++removed_ % kBetweenEvents == 0)
+            meanwhile_();
+    }
+
+    void RemoveWithCare(const std::wstring& folder, const FolderEntry& entry) {
         const std::wstring path = folder + L"\\" + entry.name;
         if (!entry.IsFolder() && !entry.IsLink() &&
             links_.IsFileLink(folder, entry.name, entry.attributes))
@@ -70,9 +79,6 @@ private:
         // A folder here is a link: it goes itself, and what it leads to is not looked at.
         if (!Delete(path, entry.IsFolder() ? RemoveDirectoryW : DeleteFileW))
             Remember(path, GetLastError());
-        constexpr int kBetweenEvents = 64;
-        if (meanwhile_ && ++removed_ % kBetweenEvents == 0)
-            meanwhile_();
     }
 
     void RemoveEmptyFolder(const std::wstring& path) {

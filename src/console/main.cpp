@@ -1,9 +1,7 @@
 #include "base/Failure.h"
 #include "base/Trace.h"
-#include "base/UniqueHandle.h"
 #include "base/Version.h"
 #include "base/modFile.h"
-#include "base/modSystemError.h"
 #include "base/modSystemLibrary.h"
 #include "base/modText.h"
 #include "base/modWide.h"
@@ -19,8 +17,6 @@
 #include "startup/modStartUp.h"
 
 #include <windows.h>
-
-#include <shellapi.h>
 
 #include <cstdio>
 #include <optional>
@@ -202,28 +198,23 @@ int RunAction(const ConsoleOptions& options, clsTerminal& terminal) {
     return load.state == CatalogueState::Whole ? kDone : kDoneWithWarnings;
 }
 
-/// The words behind the program's name. The system would hand them out with similar characters in
-/// place of those that its code page lacks: the name of another folder.
-std::vector<std::string> Arguments() {
-    int count = 0;
-    const UniqueHandle<::LocalFree, LPWSTR*> words(CommandLineToArgvW(GetCommandLineW(), &count));
-    if (!words)
-        ThrowLastError("cannot read", "the command line");
+/// The words behind the program's name. As narrow ones they would come with similar characters in
+/// place of those that the system's code page lacks: the name of another folder.
+std::vector<std::string> Arguments(int count, const wchar_t* const* words) {
     std::vector<std::string> arguments;
     for (int i = 1; i < count; ++i) {
-        const std::wstring word = words.Get()[i];
-        const auto exact = NarrowedExactly(word);
+        const auto exact = NarrowedExactly(words[i]);
         if (!exact)
-            throw UsageError("the system's code page cannot hold \"" + Narrowed(word) + "\"");
+            throw UsageError("the system's code page cannot hold \"" + Narrowed(words[i]) + "\"");
         arguments.push_back(*exact);
     }
     return arguments;
 }
 
-int Main() {
+int Main(int count, const wchar_t* const* words) {
     SetTraceSink([](const std::string& line) { OutputDebugStringA(("vesk: " + line).c_str()); });
     try {
-        const ConsoleOptions options = ParseOptions(Arguments());
+        const ConsoleOptions options = ParseOptions(Arguments(count, words));
         clsTerminal terminal(options.quiet);
         return RunAction(options, terminal);
     } catch (const UsageError& error) {
@@ -242,7 +233,7 @@ int Main() {
 
 } // namespace vesk
 
-int main() {
+int wmain(int count, wchar_t** words) {
     vesk::LoadFromSystemOnly();
-    return vesk::Main();
+    return vesk::Main(count, words);
 }

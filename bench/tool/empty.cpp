@@ -1,0 +1,4 @@
+/// What any program of this toolchain costs before it does anything.
+int main() {
+    return 0;
+}

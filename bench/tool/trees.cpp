@@ -1,0 +1,78 @@
+#include "bench.h"
+
+#include "base/UniqueHandle.h"
+#include "base/modWide.h"
+#include "build/clsFolderGuard.h"
+#include "build/clsInstallFolder.h"
+#include "build/clsRemovableTree.h"
+#include "catalogue/clsCatalogueFile.h"
+#include "catalogue/modCatalogueFile.h"
+
+#include <stdexcept>
+
+namespace vesk::bench {
+
+namespace {
+
+/// What a folder holds: files are deleted at once, folders noted.
+void EmptyFolder(const std::wstring& folder, std::vector<std::wstring>& folders) {
+    WIN32_FIND_DATAW found{};
+    const FindHandle search(FindFirstFileW((folder + L"\\*").c_str(), &found));
+    if (!search)
+        return;
+    do {
+        const std::wstring name = found.cFileName;
+        if (name == L"." || name == L"..")
+            continue;
+        if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
+            folders.push_back(folder + L"\\" + name);
+        else
+            DeleteFileW((folder + L"\\" + name).c_str());
+    } while (FindNextFileW(search.Get(), &found) != 0);
+}
+
+} // namespace
+
+void RemoveTree(const Arguments& arguments) {
+    const clsInstallFolder folder(arguments.at(0), clsFolderGuard::OfSystem("C:\\none\\", ""));
+    const clsRemovableTree tree = clsRemovableTree::Of(folder);
+    std::vector<Failure> failures;
+    const double took = Timed([&] { failures = tree.Remove([] {}); });
+    if (!failures.empty())
+        throw failures.front();
+    Print({took});
+}
+
+void RemoveBare(const Arguments& arguments) {
+    std::vector<std::wstring> folders{Widen(arguments.at(0))};
+    const double took = Timed([&] {
+        for (std::size_t i = 0; i < folders.size(); ++i) {
+            const std::wstring folder = folders[i]; // the list grows
+            EmptyFolder(folder, folders);
+        }
+        for (auto folder = folders.rbegin(); folder != folders.rend(); ++folder)
+            RemoveDirectoryW(folder->c_str());
+    });
+    if (GetFileAttributesA(arguments.at(0).c_str()) != INVALID_FILE_ATTRIBUTES)
+        throw std::runtime_error("the tree is still there");
+    Print({took});
+}
+
+void LoadTheCatalogue(const Arguments& arguments) {
+    Catalogue catalogue;
+    CatalogueLoad load;
+    const double took = Timed([&] { load = LoadCatalogueReporting(arguments.at(0), catalogue); });
+    if (load.state != CatalogueState::Whole)
+        throw std::runtime_error(load.sentence);
+    Print({took, static_cast<double>(catalogue.plugins.size())});
+}
+
+void SaveTheCatalogue(const Arguments& arguments) {
+    Catalogue catalogue;
+    clsCatalogueFile file(arguments.at(0));
+    if (file.Load(catalogue).state != CatalogueState::Whole)
+        throw std::runtime_error("the catalogue is not whole");
+    Print({Timed([&] { file.Save(catalogue); })});
+}
+
+} // namespace vesk::bench
