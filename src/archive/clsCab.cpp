@@ -70,6 +70,7 @@ std::string clsCab::GetXML() {
     clsCabIteration iteration(*this, owner_);
     std::vector<CabMember> members;
     const CabDirectory directory = iteration.ReadDirectory();
+    members.reserve(directory.entries.size());
     for (const CabEntry& entry : directory.entries)
         members.push_back(MemberOf(entry));
     return CabXml(iteration.CabName(), members);

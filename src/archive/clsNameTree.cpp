@@ -33,12 +33,15 @@ std::size_t clsNameTree::EnterFolder(std::wstring_view path, std::size_t top,
 
 bool clsNameTree::IsTakenByLater(std::size_t folder, std::wstring_view name,
                                  std::size_t number) const {
+    if (number > greatest_) // as nearly always: members mostly come in their order
+        return false;
     const auto node = nodes_.find(Key(folder, FoldedName(name)));
     return node != nodes_.end() && !node->second.isFolder && node->second.content.number > number;
 }
 
 std::optional<Overwriting> clsNameTree::PutFile(std::size_t folder, std::wstring_view name,
                                                 const MemberContent& content) {
+    greatest_ = std::max(greatest_, content.number);
     const auto [node, isNew] =
         nodes_.try_emplace(Key(folder, FoldedName(name)), Node{false, content});
     if (isNew)

@@ -61,7 +61,8 @@ private:
 
     std::map<Key, Node> nodes_; // no hash: the names are chosen by strangers
     std::size_t folders_ = 0;
-    std::wstring lastPath_; // neighbours in an archive mostly share their folder
+    std::size_t greatest_ = 0; ///< Number of a member whose file was put.
+    std::wstring lastPath_;    // neighbours in an archive mostly share their folder
     std::size_t lastFolder_ = kRoot;
 };
 

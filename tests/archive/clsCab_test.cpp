@@ -370,6 +370,25 @@ TEST_CASE("of two members that fall onto one name the later one stays, wherever 
     CHECK(f.owner.failures == told);
 }
 
+TEST_CASE("LZX is unpacked by the system, and of it a test compares the checksums only") {
+    const auto lzx = [](unsigned word) { // a block that is not compressed is of kind 3
+        TestCab cab = TestCab::Of({{"a", "12345678"}});
+        cab.folders[0].packing = 15 << 8 | 3;
+        cab.folders[0].blocks[0].data =
+            U16(word) + U16(8 << 4) + U32(1) + U32(1) + U32(1) + "12345678";
+        cab.folders[0].blocks[0].unpacked = 8;
+        return cab;
+    };
+    Fixture f(lzx(0x3000).Bytes());
+    f.cab.Extract();
+    CHECK(f.Out("a") == "12345678");
+    Fixture damaged(lzx(0).Bytes());
+    damaged.cab.Test();
+    CHECK(damaged.owner.failures.empty());
+    CHECK_THROWS_WITH(damaged.cab.Extract(), "Invalid data.");
+    CHECK(damaged.Listing() == "");
+}
+
 TEST_CASE("folders and empty files need no data") {
     TestCab cab;
     cab.folders.resize(1);
@@ -378,6 +397,11 @@ TEST_CASE("folders and empty files need no data") {
     f.cab.Extract();
     CHECK(FolderExists(f.folder / "out\\one"));
     CHECK(FolderExists(f.folder / "out\\two"));
+    WIN32_FILE_ATTRIBUTE_DATA data{};
+    SYSTEMTIME utc{};
+    GetFileAttributesExA((f.folder / "out\\one").c_str(), GetFileExInfoStandard, &data);
+    FileTimeToSystemTime(&data.ftLastWriteTime, &utc);
+    CHECK(utc.wYear == 2024);
     CHECK(FileExists(f.folder / "out\\three"));
 }
 
@@ -395,11 +419,16 @@ TEST_CASE("a cabinet as an archive: what is not extracted, and what would not be
     const auto extract = [&](const std::string& bytes) {
         return ExtractArchive(folder.Write("x.CAB", bytes), folder / "out", {});
     };
-    TestCab cab = TestCab::Of({{"good", "1"}, {"..", "2"}});
+    TestCab cab = TestCab::Of({{"good", "1"}, {"..", "2"}, {"filled\\", "3"}});
     const ExtractionOutcome outcome = extract(cab.Bytes());
     CHECK(outcome.extracted == 1);
     const std::vector<MemberFailure> refused{
-        {"..", "not extracted", "its name leads out of the folder"}};
+        {"..", "not extracted", "its name leads out of the folder"},
+        {"filled\\", "not extracted", "is a folder and has content all the same"}};
+    clsCab plain;
+    plain.CabName = folder / "x.CAB";
+    plain.DestinationFolder = folder / "again";
+    CHECK_NOTHROW(plain.Extract()); // what is only named wrongly is left out
     CHECK(outcome.failures == refused);
     CHECK(InspectArchive(folder / "x.CAB") == refused);
 
