@@ -244,6 +244,9 @@ class Truth(ProgramTest):
             self.assertEqual((returned, locked.exists()), (code, code == 0), shown)
             self.assertIn(b"Password of safe.zip", shown)
             self.assertNotIn(b"sesame", shown)
+            for drawn in (b"[0/2] 0% Removing directory", b"[1/2] 50% Processing: safe.zip",
+                          b"[2/2] 100% Done"):
+                self.assertIn(drawn, shown)
             shutil.rmtree(self.tree)
 
     def run_on_a_terminal(self, answers):
