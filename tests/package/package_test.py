@@ -48,7 +48,8 @@ def files_below(folder):
 
 
 def registry():
-    """All keys and values. What Windows itself notes about programs that ran is left out."""
+    """All keys and values. What Windows itself notes about programs that ran is left out, and the key
+    that it keeps for uninstallers, when nothing is in it."""
     subprocess.run(["wineserver", "-k"], check=False, timeout=60)
     subprocess.run(["wineserver", "-w"], check=False, timeout=60)
     lines = set()
@@ -61,7 +62,8 @@ def registry():
             elif not line.startswith("#time") and "PendingFileRename" not in line:
                 lines.add(f"{key} {line}")
     return {line for line in lines
-            if not re.search(r"Explorer|\\\\Services\\\\|Session Manager|VolatileEnv|DriverDate|Enum\\\\", line)}
+            if not re.search(r"Explorer|\\\\Services\\\\|Session Manager|VolatileEnv|DriverDate|Enum\\\\|"
+                         r"CurrentVersion\\\\Uninstall ?$", line)}
 
 
 class Package(unittest.TestCase):
