@@ -1,7 +1,7 @@
 #include "bench.h"
 
 #include "RecordingFrontEnd.h"
-#include "build/BuildContext.h"
+#include "build/clsBuildContext.h"
 #include "build/modPluginInf.h"
 #include "net/modHttpText.h"
 #include "script/modScript.h"
@@ -34,7 +34,7 @@ void Inf(const Arguments& arguments) {
     catalogue.showCategories = true;
     test::RecordingFrontEnd frontEnd;
     std::size_t problems = 0;
-    const BuildContext context{
+    const clsBuildContext context{
         inputs, catalogue, frontEnd, {}, [&](const Problem&) { ++problems; }};
     const std::string& inf = arguments.at(1);
     const double took = Timed([&] {

@@ -1,6 +1,6 @@
 #include "archive/modCabDirectory.h"
 
-#include "archive/ByteReader.h"
+#include "archive/clsByteReader.h"
 #include "base/Failure.h"
 
 namespace vesk {
@@ -26,12 +26,12 @@ class HeaderCursor {
 public:
     HeaderCursor(ByteWindow& cabinet, std::uint64_t at) : cabinet_(cabinet), at_(at) {}
 
-    ByteReader Take(std::size_t count) {
+    clsByteReader Take(std::size_t count) {
         const auto bytes = cabinet_.View(at_, count);
         if (bytes.size() < count)
             Refuse("its directory is cut short");
         at_ += count;
-        return ByteReader(bytes);
+        return clsByteReader(bytes);
     }
     void Skip(std::size_t count) { at_ += count; }
 
@@ -60,7 +60,7 @@ struct Header {
     std::uint8_t folderReserve = 0;
 };
 
-Header ReadHeader(ByteReader reader) {
+Header ReadHeader(clsByteReader reader) {
     constexpr std::uint32_t kSignature = 0x4643534D;
     if (reader.U32() != kSignature)
         Refuse("it is no cabinet");
@@ -85,7 +85,7 @@ Header ReadHeader(ByteReader reader) {
 /// Reads what may follow the first header: reserved areas, and the names of neighbours in a set.
 void ReadVariablePart(HeaderCursor& cursor, Header& header, CabDirectory& directory) {
     if ((header.flags & kHasReserves) != 0) {
-        ByteReader sizes = cursor.Take(4);
+        clsByteReader sizes = cursor.Take(4);
         const std::uint16_t own = sizes.U16();
         header.folderReserve = sizes.U8();
         directory.blockReserve = sizes.U8();
@@ -101,7 +101,7 @@ void ReadVariablePart(HeaderCursor& cursor, Header& header, CabDirectory& direct
 
 void ReadFolders(HeaderCursor& cursor, const Header& header, std::vector<CabFolder>& folders) {
     for (unsigned i = 0; i < header.folders; ++i) {
-        ByteReader reader = cursor.Take(kFolderSize);
+        clsByteReader reader = cursor.Take(kFolderSize);
         CabFolder folder;
         folder.dataAt = reader.U32();
         folder.blocks = reader.U16();
@@ -116,7 +116,7 @@ void ReadEntries(ByteWindow& cabinet, const Header& header, std::vector<CabEntry
         Refuse("its list of files lies outside it");
     HeaderCursor cursor(cabinet, header.entriesAt);
     for (unsigned i = 0; i < header.entries; ++i) {
-        ByteReader reader = cursor.Take(kEntrySize);
+        clsByteReader reader = cursor.Take(kEntrySize);
         CabEntry entry;
         entry.size = reader.U32();
         entry.offset = reader.U32();

@@ -1,6 +1,6 @@
 #include "archive/modCabJudge.h"
 
-#include "archive/ByteReader.h"
+#include "archive/clsByteReader.h"
 
 #include <numeric>
 
@@ -56,7 +56,7 @@ private:
         const std::uint64_t at = folder_.dataAt + folder_.goodPacked;
         const std::size_t headSize = kBlockHeaderSize + directory_.blockReserve;
         const Bytes head = cabinet_.View(at, headSize);
-        ByteReader reader(head);
+        clsByteReader reader(head);
         const std::uint32_t checksum = reader.U32();
         const std::size_t packed = reader.U16();
         const std::size_t unpacked = reader.U16();

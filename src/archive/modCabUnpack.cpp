@@ -1,6 +1,6 @@
 #include "archive/modCabUnpack.h"
 
-#include "archive/ByteReader.h"
+#include "archive/clsByteReader.h"
 #include "archive/modCabJudge.h"
 
 #include <libdeflate.h>
@@ -124,7 +124,7 @@ bool UnpackCabFolder(ByteWindow& cabinet, const CabDirectory& directory, const C
     std::uint64_t from = folder.dataAt;
     std::uint64_t at = 0;
     for (unsigned block = 0; block < folder.goodBlocks && !cutter.IsDone(); ++block) {
-        ByteReader head(cabinet.View(from, headSize));
+        clsByteReader head(cabinet.View(from, headSize));
         head.Skip(4);
         const std::size_t packed = head.U16();
         const std::size_t size = head.U16();

@@ -34,9 +34,9 @@ struct EndRecord {
     std::string comment;
 };
 
-ByteReader ReaderAt(Bytes archive, std::uint64_t at) {
-    return ByteReader(at <= archive.size() ? archive.subspan(static_cast<std::size_t>(at))
-                                           : Bytes());
+clsByteReader ReaderAt(Bytes archive, std::uint64_t at) {
+    return clsByteReader(at <= archive.size() ? archive.subspan(static_cast<std::size_t>(at))
+                                              : Bytes());
 }
 
 bool HasSignature(Bytes archive, std::uint64_t at, std::uint32_t signature) {
@@ -49,7 +49,7 @@ void ReadEnd64(Bytes archive, std::uint64_t endAt, EndRecord& end) {
     if (endAt < kEnd64LocatorSize)
         return;
     const std::uint64_t locatorAt = endAt - kEnd64LocatorSize;
-    ByteReader locator = ReaderAt(archive, locatorAt);
+    clsByteReader locator = ReaderAt(archive, locatorAt);
     if (locator.U32() != kEnd64LocatorSignature)
         return;
     locator.Skip(4); // disk of the record
@@ -57,7 +57,7 @@ void ReadEnd64(Bytes archive, std::uint64_t endAt, EndRecord& end) {
     std::uint64_t at = locatorAt >= kEnd64Size ? locatorAt - kEnd64Size : told;
     if (!HasSignature(archive, at, kEnd64Signature))
         at = told;
-    ByteReader record = ReaderAt(archive, at);
+    clsByteReader record = ReaderAt(archive, at);
     if (record.U32() != kEnd64Signature || record.Left() < kEnd64Size - 4)
         return;
     record.Skip(12); // its size, the versions
@@ -72,7 +72,7 @@ void ReadEnd64(Bytes archive, std::uint64_t endAt, EndRecord& end) {
 }
 
 std::optional<EndRecord> ReadEnd(Bytes archive, std::uint64_t at) {
-    ByteReader reader = ReaderAt(archive, at);
+    clsByteReader reader = ReaderAt(archive, at);
     if (reader.U32() != kEndSignature)
         return std::nullopt;
     EndRecord end;
@@ -151,7 +151,7 @@ bool FindRecord(Bytes& rest) {
 }
 
 /// Reads one record; false when it runs off the directory's end.
-bool ReadMember(ByteReader& reader, ZipMember& member) {
+bool ReadMember(clsByteReader& reader, ZipMember& member) {
     reader.Skip(1); // version of the maker
     const std::uint8_t host = reader.U8();
     reader.Skip(2); // version needed
@@ -203,7 +203,7 @@ ZipDirectory ReadZipDirectory(Bytes archive) {
                                  static_cast<std::size_t>(found.end.directoryEnd - found.start));
     while (FindRecord(rest)) { // behind a damaged record the next one may be whole
         ZipMember member;
-        ByteReader reader(rest.subspan(4));
+        clsByteReader reader(rest.subspan(4));
         const bool whole = ReadMember(reader, member);
         rest = whole ? rest.last(reader.Left()) : rest.subspan(4);
         if (!whole)

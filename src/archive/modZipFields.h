@@ -1,6 +1,6 @@
 #pragma once
 
-#include "archive/ByteReader.h"
+#include "archive/clsByteReader.h"
 #include "archive/modZipDirectory.h"
 
 namespace vesk {
@@ -16,7 +16,7 @@ struct ZipTailSizes {
 
 /// Reads the fields that a member's header and its record in the central directory have in common,
 /// in one order: from the flags on to the size of the extra fields.
-inline ZipTailSizes ReadSharedFields(ByteReader& reader, ZipMember& member) {
+inline ZipTailSizes ReadSharedFields(clsByteReader& reader, ZipMember& member) {
     member.flags = reader.U16();
     member.method = reader.U16();
     member.dosTime = reader.U16();

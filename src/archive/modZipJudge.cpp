@@ -27,7 +27,7 @@ constexpr std::uint16_t kFlagMasked = 1U << 13;
 /// Adds 100 ns units from 1601 to 1970.
 constexpr std::int64_t kUnixEpoch = 116444736000000000;
 
-void ApplyWideValues(ByteReader field, ZipMember& member, std::uint32_t& disk) {
+void ApplyWideValues(clsByteReader field, ZipMember& member, std::uint32_t& disk) {
     // Only the values whose narrow form is saturated are there, in this order.
     const auto widen = [&field](std::uint64_t& value) {
         if (value == 0xFFFFFFFF && field.Left() >= 8)
@@ -40,12 +40,12 @@ void ApplyWideValues(ByteReader field, ZipMember& member, std::uint32_t& disk) {
         disk = field.U32();
 }
 
-void ApplyNtfsTimes(ByteReader field, ZipTimes& times) {
+void ApplyNtfsTimes(clsByteReader field, ZipTimes& times) {
     field.Skip(4);
     while (field.Left() >= 4) {
         const std::uint16_t tag = field.U16();
         const std::uint16_t size = field.U16();
-        ByteReader attribute(field.Bytes(size));
+        clsByteReader attribute(field.Bytes(size));
         if (tag != 1 || size < 24)
             continue;
         for (auto* time : {&times.modified, &times.accessed, &times.created})
@@ -70,7 +70,7 @@ std::int64_t Unwrapped(std::int32_t seconds, std::uint16_t dosDate) {
 }
 
 /// The central directory's copy of the field holds the time of modification only.
-void ApplyUnixTime(ByteReader field, ZipMember& member) {
+void ApplyUnixTime(clsByteReader field, ZipMember& member) {
     if ((field.U8() & 1) == 0 || field.Left() < 4 || member.times.modified)
         return;
     const std::int64_t seconds = Unwrapped(static_cast<std::int32_t>(field.U32()), member.dosDate);
@@ -79,7 +79,7 @@ void ApplyUnixTime(ByteReader field, ZipMember& member) {
 
 /// The name in UTF-8 counts only while it belongs to the name it stands beside: a program that
 /// renames a member and does not know the field leaves an old one behind.
-void ApplyUnicodeName(ByteReader field, ZipMember& member) {
+void ApplyUnicodeName(clsByteReader field, ZipMember& member) {
     const std::uint8_t version = field.U8();
     const auto crc = static_cast<std::int32_t>(field.U32());
     if (version != 1 || !field.Ok() || field.Left() == 0 ||
@@ -160,7 +160,7 @@ std::string RefusalBySizes(const ZipMember& member) {
 std::string LocateData(Bytes data, ZipMember& member) {
     if (member.headerAt > data.size() || data.size() - member.headerAt < kLocalSize)
         return "its local header lies outside the archive";
-    ByteReader local(data.subspan(static_cast<std::size_t>(member.headerAt)));
+    clsByteReader local(data.subspan(static_cast<std::size_t>(member.headerAt)));
     if (local.U32() != kZipLocalSignature)
         return "its local header is damaged";
     local.Skip(22);
@@ -221,10 +221,10 @@ void ApplyExtraFields(Bytes extra, ZipMember& member, std::uint32_t& disk) {
     constexpr std::uint16_t kNtfs = 0x000A;
     constexpr std::uint16_t kUnixTime = 0x5455;
     constexpr std::uint16_t kUnicodeName = 0x7075;
-    ByteReader reader(extra);
+    clsByteReader reader(extra);
     while (reader.Left() >= 4) {
         const std::uint16_t tag = reader.U16();
-        const ByteReader field(reader.Bytes(reader.U16()));
+        const clsByteReader field(reader.Bytes(reader.U16()));
         if (!reader.Ok())
             return;
         switch (tag) {

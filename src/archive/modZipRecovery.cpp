@@ -24,7 +24,7 @@ struct Descriptor {
 
 /// Whether a record, or nothing, follows.
 bool EndsBefore(Bytes rest) {
-    ByteReader reader(rest);
+    clsByteReader reader(rest);
     return rest.size() < 4 || (reader.U8() == 'P' && reader.U8() == 'K');
 }
 
@@ -32,7 +32,7 @@ bool EndsBefore(Bytes rest) {
 /// @param at where a descriptor's signature stands
 std::optional<Descriptor> ReadDescriptor(Bytes at, std::uint64_t packedSize) {
     for (const bool wide : {false, true}) {
-        ByteReader reader(at.subspan(4));
+        clsByteReader reader(at.subspan(4));
         Descriptor found;
         found.crc = reader.U32();
         found.packedSize = wide ? reader.U64() : reader.U32();
@@ -60,7 +60,7 @@ std::optional<Descriptor> FindDescriptor(Bytes data) {
     return std::nullopt;
 }
 
-std::optional<ZipMember> ReadLocalHeader(ByteReader& reader) {
+std::optional<ZipMember> ReadLocalHeader(clsByteReader& reader) {
     if (reader.U32() != kZipLocalSignature)
         return std::nullopt;
     ZipMember member;
@@ -88,7 +88,7 @@ std::vector<ZipMember> MembersByLocalHeaders(Bytes archive) {
     std::vector<ZipMember> members;
     for (std::uint64_t at = 0; at < archive.size();) {
         const Bytes rest = archive.subspan(static_cast<std::size_t>(at));
-        ByteReader reader(rest);
+        clsByteReader reader(rest);
         std::optional<ZipMember> member = ReadLocalHeader(reader);
         if (!member)
             break;

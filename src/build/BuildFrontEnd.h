@@ -1,8 +1,8 @@
 #pragma once
 
 #include "base/Problem.h"
-#include "build/BuildOutcome.h"
 #include "build/LogMode.h"
+#include "build/modBuildOutcome.h"
 #include "net/DownloadRequest.h"
 
 #include <cstddef>

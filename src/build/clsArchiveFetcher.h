@@ -1,6 +1,6 @@
 #pragma once
 
-#include "build/BuildContext.h"
+#include "build/clsBuildContext.h"
 
 #include <set>
 #include <string>
@@ -11,7 +11,7 @@ namespace vesk {
 class clsArchiveFetcher {
 public:
     /// @param context must outlive the object
-    explicit clsArchiveFetcher(const BuildContext& context) : context_(context) {}
+    explicit clsArchiveFetcher(const clsBuildContext& context) : context_(context) {}
 
     /// Downloads a component's archive. What is not good does not stay and is reported; a failure
     /// and a cancel are logged, a difference of the CRC is the caller's to log.
@@ -24,7 +24,7 @@ public:
 private:
     void RemoveLeftovers(const CatalogueEntry& component);
 
-    const BuildContext& context_;
+    const clsBuildContext& context_;
     std::set<std::string> notFetched_;
 };
 

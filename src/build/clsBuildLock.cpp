@@ -3,7 +3,7 @@
 #include "archive/clsCRC.h"
 #include "base/modText.h"
 #include "base/modWide.h"
-#include "build/FolderLevels.h"
+#include "build/modFolderLevels.h"
 
 #include <windows.h>
 

@@ -6,12 +6,12 @@
 #include "base/modDate.h"
 #include "base/modFile.h"
 #include "base/modSystemLibrary.h"
-#include "build/BuildContext.h"
 #include "build/clsArchiveFetcher.h"
+#include "build/clsBuildContext.h"
 #include "build/clsComponentInstaller.h"
 #include "build/modFileOperations.h"
 #include "build/modFinishing.h"
-#include "catalogue/ArchiveState.h"
+#include "catalogue/modArchiveState.h"
 
 #include <windows.h>
 
@@ -120,7 +120,7 @@ private:
     BuildOutcome outcome_;
     std::optional<FolderIdentity> asked_; ///< The folder that the user was asked about.
     clsSha256List sha256_;
-    BuildContext context_;
+    clsBuildContext context_;
     clsArchiveFetcher fetcher_{context_};
     clsComponentInstaller installer_{context_, fetcher_,
                                      [this](double fraction) { ShowProgress(fraction); }};

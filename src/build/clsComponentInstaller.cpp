@@ -14,7 +14,7 @@
 
 namespace vesk {
 
-clsComponentInstaller::clsComponentInstaller(BuildContext& context,
+clsComponentInstaller::clsComponentInstaller(clsBuildContext& context,
                                              const clsArchiveFetcher& fetcher,
                                              std::function<void(double fraction)> progress)
     : context_(context), fetcher_(fetcher), progress_(std::move(progress)) {}
@@ -191,7 +191,7 @@ void clsComponentInstaller::EditInfs(const CatalogueEntry& plugin, const std::st
     std::ranges::for_each(found.problems, context_.report);
     for (const std::string& inf : found.paths) {
         const Attempt attempt{inf, "not edited"};
-        const BuildContext context = EditingContext(context_, inf);
+        const clsBuildContext context = EditingContext(context_, inf);
         context.ResumeNext(attempt, [&] { PrefixPluginName(context, inf, plugin.cat); });
         context.ResumeNext(attempt, [&] { CommentOutAppendMenu(context, inf); });
         context.ResumeNext(attempt, [&] { SetPluginEnable(context, inf); });

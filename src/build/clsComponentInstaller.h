@@ -1,8 +1,8 @@
 #pragma once
 
 #include "archive/ExtractionOutcome.h"
-#include "build/BuildContext.h"
 #include "build/clsArchiveFetcher.h"
+#include "build/clsBuildContext.h"
 
 #include <functional>
 #include <map>
@@ -16,7 +16,7 @@ class clsComponentInstaller {
 public:
     /// @param context, fetcher must outlive the object
     /// @param progress told how much of the component at hand is done, 0 to 1
-    clsComponentInstaller(BuildContext& context, const clsArchiveFetcher& fetcher,
+    clsComponentInstaller(clsBuildContext& context, const clsArchiveFetcher& fetcher,
                           std::function<void(double fraction)> progress);
 
     /// Installs a base component and runs the script that it brings. With the first one, PE Builder
@@ -39,7 +39,7 @@ private:
     void EditInfs(const CatalogueEntry& plugin, const std::string& folder);
     [[nodiscard]] std::string PluginOwnFolder(const CatalogueEntry& plugin) const;
 
-    BuildContext& context_;
+    clsBuildContext& context_;
     const clsArchiveFetcher& fetcher_;
     std::function<void(double fraction)> progress_;
     /// Scripts that hold a part for the plug-ins, by the index of their base component. Collected

@@ -5,7 +5,7 @@
 #include "base/modSpecialFolder.h"
 #include "base/modText.h"
 #include "base/modWide.h"
-#include "build/FolderLevels.h"
+#include "build/modFolderLevels.h"
 
 #include <windows.h>
 

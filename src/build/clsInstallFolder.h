@@ -1,7 +1,7 @@
 #pragma once
 
-#include "build/FolderLevels.h"
 #include "build/clsFolderGuard.h"
+#include "build/modFolderLevels.h"
 
 #include <cstddef>
 #include <optional>

@@ -25,7 +25,7 @@ void RequireAnsi(const std::string& path) {
         throw Failure(ERROR_NO_UNICODE_TRANSLATION, "RequireAnsi", kIsUtf16);
 }
 
-clsReportedIni::clsReportedIni(const BuildContext& context, const std::string& path)
+clsReportedIni::clsReportedIni(const clsBuildContext& context, const std::string& path)
     : context_(context), ini_(path) {}
 
 void clsReportedIni::TellCut(const std::string& section, const std::string& key) const {

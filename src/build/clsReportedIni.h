@@ -1,6 +1,6 @@
 #pragma once
 
-#include "build/BuildContext.h"
+#include "build/clsBuildContext.h"
 #include "catalogue/clsINI.h"
 
 #include <string>
@@ -16,7 +16,7 @@ void RequireAnsi(const std::string& path);
 class clsReportedIni {
 public:
     /// @param context must outlive the object
-    clsReportedIni(const BuildContext& context, const std::string& path);
+    clsReportedIni(const clsBuildContext& context, const std::string& path);
 
     [[nodiscard]] const std::string& Path() const { return ini_.iniFileName; }
 
@@ -33,7 +33,7 @@ public:
     void SetValue(const std::string& section, const std::string& key, const std::string& value);
 
 private:
-    const BuildContext& context_;
+    const clsBuildContext& context_;
     clsINI ini_;
     bool told_ = false;
 };

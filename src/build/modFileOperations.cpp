@@ -52,14 +52,14 @@ void SearchFolder(const std::wstring& folder, const std::wstring& pattern, const
 
 } // namespace
 
-bool IsInTree(const BuildContext& context, const std::string& path) {
+bool IsInTree(const clsBuildContext& context, const std::string& path) {
     const std::string& top = context.InstallFolder();
     return path == top ||
            (StartsWithNoCase(path, top + "\\") &&
             PathInside(top, std::string_view(path).substr(top.size() + 1)).has_value());
 }
 
-void RequireInTree(const BuildContext& context, const std::string& path) {
+void RequireInTree(const clsBuildContext& context, const std::string& path) {
     if (!IsInTree(context, path))
         throw Failure(ERROR_INVALID_NAME, "RequireInTree",
                       "the catalogue's folder name cannot be one inside the build folder");
@@ -70,13 +70,13 @@ void RequireInTree(const BuildContext& context, const std::string& path) {
         throw Failure(ERROR_CANT_RESOLVE_FILENAME, "RequireInTree", "a link stands in its place");
 }
 
-void DeleteFileLogged(const BuildContext& context, const std::string& path) {
+void DeleteFileLogged(const clsBuildContext& context, const std::string& path) {
     context.Status("Deleting file");
     context.Log("Deleting File: " + path);
     RemoveFile(path);
 }
 
-bool DeleteFolderLogged(const BuildContext& context, const clsRemovableTree& tree) {
+bool DeleteFolderLogged(const clsBuildContext& context, const clsRemovableTree& tree) {
     context.Status("Deleting folder");
     context.Log("Deleting Folder: " + tree.Path());
     bool removed = true;
@@ -91,13 +91,13 @@ bool DeleteFolderLogged(const BuildContext& context, const clsRemovableTree& tre
     return removed;
 }
 
-void CreateFolderLogged(const BuildContext& context, const std::string& path) {
+void CreateFolderLogged(const clsBuildContext& context, const std::string& path) {
     context.Log("Creating Directory: " + path);
     RequireInTree(context, path);
     CreateFolderPath(path);
 }
 
-void LogIndented(const BuildContext& context, const std::string& text) {
+void LogIndented(const clsBuildContext& context, const std::string& text) {
     context.Log(text + "  ");
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "build/BuildContext.h"
+#include "build/clsBuildContext.h"
 #include "build/clsRemovableTree.h"
 
 #include <string>
@@ -12,25 +12,25 @@ namespace vesk {
 
 /// The catalogue's folder names are as untrusted as an archive's: whether a path, by its name, is
 /// the build tree or lies inside it.
-bool IsInTree(const BuildContext& context, const std::string& path);
+bool IsInTree(const clsBuildContext& context, const std::string& path);
 
 /// To be called before something is written. @throws Failure for a path outside the build tree
-void RequireInTree(const BuildContext& context, const std::string& path);
+void RequireInTree(const clsBuildContext& context, const std::string& path);
 
 /// Deletes a file, a read-only one too. @throws Failure, also when there is none.
-void DeleteFileLogged(const BuildContext& context, const std::string& path);
+void DeleteFileLogged(const clsBuildContext& context, const std::string& path);
 
 /// Deletes a folder with everything in it. What could not be deleted is reported, each thing by
 /// itself; that there was no such folder is not.
 /// @return whether nothing of it is left
-bool DeleteFolderLogged(const BuildContext& context, const clsRemovableTree& tree);
+bool DeleteFolderLogged(const clsBuildContext& context, const clsRemovableTree& tree);
 
 /// Creates a folder of the build tree with the levels above it that are missing; one that exists
 /// already is fine. @throws Failure
-void CreateFolderLogged(const BuildContext& context, const std::string& path);
+void CreateFolderLogged(const clsBuildContext& context, const std::string& path);
 
 /// Puts a line into the build log for another unit: the text and two blanks.
-void LogIndented(const BuildContext& context, const std::string& text);
+void LogIndented(const clsBuildContext& context, const std::string& text);
 
 /// What a search found.
 struct FoundFiles {

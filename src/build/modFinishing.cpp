@@ -16,7 +16,7 @@ namespace vesk {
 
 namespace {
 
-void CopyReadMe(const BuildContext& context) {
+void CopyReadMe(const clsBuildContext& context) {
     const std::string& program = context.inputs.programPath;
     const std::string& folder = context.InstallFolder();
     context.Log("Copying file: " + program + "Readme.txt to " + folder + "\\Readme.txt");
@@ -28,7 +28,7 @@ void CopyReadMe(const BuildContext& context) {
 }
 
 /// Makes the start menu's folder afresh. @return false when there is none to put shortcuts into
-bool RenewStartMenu(const BuildContext& context, const std::string& startMenu) {
+bool RenewStartMenu(const clsBuildContext& context, const std::string& startMenu) {
     return context.ResumeNext({startMenu, "not made"}, [&] {
         const clsRemovableTree old = clsRemovableTree::StartMenuFolder();
         if (FolderExists(old.Path()))
@@ -39,8 +39,8 @@ bool RenewStartMenu(const BuildContext& context, const std::string& startMenu) {
     });
 }
 
-void CreateShortcut(const BuildContext& context, const std::string& link, const std::string& target,
-                    const std::string& icon) {
+void CreateShortcut(const clsBuildContext& context, const std::string& link,
+                    const std::string& target, const std::string& icon) {
     const std::string& folder = context.InstallFolder();
     context.ResumeNext({link, "not made"}, [&] {
         // Where the system knows no such folder, the link's path begins with nothing.
@@ -53,7 +53,7 @@ void CreateShortcut(const BuildContext& context, const std::string& link, const 
     });
 }
 
-void CreateShortcuts(const BuildContext& context) {
+void CreateShortcuts(const clsBuildContext& context) {
     const std::string startMenu =
         SpecialFolderPath(SpecialFolder::CommonPrograms) + "\\Vesk Builder";
     const std::string desktopLink =
@@ -73,7 +73,7 @@ void CreateShortcuts(const BuildContext& context) {
     CreateShortcut(context, desktopLink, "\\pebuilder.exe", icon);
 }
 
-void WriteMenuFile(const BuildContext& context) {
+void WriteMenuFile(const clsBuildContext& context) {
     clsReportedIni ini(context, context.InstallFolder() + "\\vesklive.ini");
     context.Log("Creating File: " + ini.Path());
     for (std::size_t i = 0; i < context.menuRecords.size(); ++i) {
@@ -92,7 +92,7 @@ void WriteMenuFile(const BuildContext& context) {
 
 } // namespace
 
-void FinishTree(const BuildContext& context) {
+void FinishTree(const clsBuildContext& context) {
     CopyReadMe(context);
     CreateShortcuts(context);
     WriteMenuFile(context);

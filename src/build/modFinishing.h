@@ -1,11 +1,11 @@
 #pragma once
 
-#include "build/BuildContext.h"
+#include "build/clsBuildContext.h"
 
 namespace vesk {
 
 /// Copies the read-me, creates the shortcuts and writes the menu file. Never throws: a statement
 /// that fails is skipped and reported as a problem.
-void FinishTree(const BuildContext& context);
+void FinishTree(const clsBuildContext& context);
 
 } // namespace vesk

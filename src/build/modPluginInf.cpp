@@ -37,12 +37,12 @@ void RequireReadable(const std::string& inf) {
     RequireAnsi(inf);
 }
 
-BuildContext EditingContext(const BuildContext& context, const std::string& inf) {
+clsBuildContext EditingContext(const clsBuildContext& context, const std::string& inf) {
     const bool readable = context.ResumeNext({inf, "not edited"}, [&] { RequireReadable(inf); });
     return readable ? context : context.Silent();
 }
 
-void CommentOutAppendMenu(const BuildContext& context, const std::string& inf) {
+void CommentOutAppendMenu(const clsBuildContext& context, const std::string& inf) {
     const std::string text = ReadWholeFile(inf);
     if (text.starts_with(kUtf16Mark) && CommentedOutAppendMenu(AsciiOfUtf16(text)))
         context.report({inf, "[Append] not commented out", kIsUtf16});
@@ -63,7 +63,7 @@ void OnPluginMenuFile(const std::string& path) {
     static_cast<void>(path);
 }
 
-void PrefixPluginName(const BuildContext& context, const std::string& inf,
+void PrefixPluginName(const clsBuildContext& context, const std::string& inf,
                       const std::string& prefix) {
     if (!context.catalogue.showCategories)
         return;
@@ -77,7 +77,7 @@ void PrefixPluginName(const BuildContext& context, const std::string& inf,
     ini.SetValue(kPluginSection, "Name", *name);
 }
 
-void SetPluginEnable(const BuildContext& context, const std::string& inf) {
+void SetPluginEnable(const clsBuildContext& context, const std::string& inf) {
     clsReportedIni ini(context, inf);
     const std::string osTypes = ini.GetStringValue(kOwnSection, "OSType");
     const std::string servicePacks = ini.GetStringValue(kOwnSection, "SP");
@@ -93,7 +93,7 @@ void SetPluginEnable(const BuildContext& context, const std::string& inf) {
     ini.SetValue(kPluginSection, "Enable", value);
 }
 
-void CreateCategorySeparator(const BuildContext& context, const std::string& relativeInf,
+void CreateCategorySeparator(const clsBuildContext& context, const std::string& relativeInf,
                              const std::string& prefix, const std::string& title) {
     clsReportedIni ini(context, context.PluginFolder() + relativeInf);
     context.Log("Creating INF Separator: " + ini.Path());
@@ -101,7 +101,7 @@ void CreateCategorySeparator(const BuildContext& context, const std::string& rel
     ini.SetValue(kPluginSection, "Name", SeparatorName(prefix, title));
 }
 
-void RelocatePluginToCategory(BuildContext& context, const std::string& relativeInf,
+void RelocatePluginToCategory(clsBuildContext& context, const std::string& relativeInf,
                               const std::string& prefix) {
     const std::string pluginFolder = context.PluginFolder();
     const CategoryRecord* category = FindCategory(context.catalogue, prefix);
@@ -111,7 +111,7 @@ void RelocatePluginToCategory(BuildContext& context, const std::string& relative
     const std::string menuFile = GetAppendMenuFile(inf);
     if (!menuFile.empty())
         OnPluginMenuFile(pluginFolder + relativeFolder + "\\" + menuFile);
-    const BuildContext editing = EditingContext(context, inf);
+    const clsBuildContext editing = EditingContext(context, inf);
     PrefixPluginName(editing, inf, prefix);
     CommentOutAppendMenu(editing, inf);
 

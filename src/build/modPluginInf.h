@@ -1,6 +1,6 @@
 #pragma once
 
-#include "build/BuildContext.h"
+#include "build/clsBuildContext.h"
 
 #include <string>
 
@@ -14,11 +14,11 @@ void RequireReadable(const std::string& inf);
 
 /// Where the edits of an INF report to. One that cannot be read is reported here, once: then the
 /// edits, which only log their lines, report nothing more.
-BuildContext EditingContext(const BuildContext& context, const std::string& inf);
+clsBuildContext EditingContext(const clsBuildContext& context, const std::string& inf);
 
 /// Comments out the "[Append]" section's nu2menu entry: the menu is built by this program.
 /// @throws Failure when the file cannot be written
-void CommentOutAppendMenu(const BuildContext& context, const std::string& inf);
+void CommentOutAppendMenu(const clsBuildContext& context, const std::string& inf);
 
 /// Name of the plug-in's own menu file; empty when its INF names none.
 std::string GetAppendMenuFile(const std::string& inf);
@@ -27,23 +27,23 @@ std::string GetAppendMenuFile(const std::string& inf);
 void OnPluginMenuFile(const std::string& path);
 
 /// Puts the category prefix in front of the plug-in's name, unless categories are switched off.
-void PrefixPluginName(const BuildContext& context, const std::string& inf,
+void PrefixPluginName(const clsBuildContext& context, const std::string& inf,
                       const std::string& prefix);
 
 /// Enables or disables a plug-in that declares its systems and service packs by whether the chosen
 /// Windows source is among them. One that declares nothing is left as its author shipped it.
-void SetPluginEnable(const BuildContext& context, const std::string& inf);
+void SetPluginEnable(const clsBuildContext& context, const std::string& inf);
 
 /// Writes the INF whose name is a category's heading. @throws Failure for a title over 50
 /// characters
-void CreateCategorySeparator(const BuildContext& context, const std::string& relativeInf,
+void CreateCategorySeparator(const clsBuildContext& context, const std::string& relativeInf,
                              const std::string& prefix, const std::string& title);
 
 /// Moves a plug-in's folder into its category's folder, edits its INF, and notes it for the menu
 /// file and in the catalogue's plug-in list.
 /// @throws Failure for a prefix that is no category's key, and for a move that fails; the INF edits
 ///         are made by then
-void RelocatePluginToCategory(BuildContext& context, const std::string& relativeInf,
+void RelocatePluginToCategory(clsBuildContext& context, const std::string& relativeInf,
                               const std::string& prefix);
 
 } // namespace vesk

@@ -1,7 +1,7 @@
 #include "build/modSaveLog.h"
 
 #include "base/modFile.h"
-#include "build/BuildLog.h"
+#include "build/clsBuildLog.h"
 
 namespace vesk {
 

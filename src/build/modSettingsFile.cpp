@@ -8,7 +8,7 @@
 
 namespace vesk {
 
-void WriteSettingsFile(const BuildContext& context) {
+void WriteSettingsFile(const clsBuildContext& context) {
     const std::string& folder = context.InstallFolder();
     clsReportedIni ini(context, folder + "\\input.inf");
     context.Log("Creating File: " + ini.Path());

@@ -51,21 +51,21 @@ constexpr std::array<StockPlugin, 17> kRelocatedPlugins = {{
 
 /// What PE Builder's archive did not bring is nothing that was left undone: its lines are logged as
 /// ever, and there is nothing to report.
-void RemoveStockFile(const BuildContext& context, const std::string& path) {
+void RemoveStockFile(const clsBuildContext& context, const std::string& path) {
     if (FileExists(path) || FolderExists(path))
         context.ResumeNext({path, "not removed"}, [&] { DeleteFileLogged(context, path); });
     else
         ResumeNext([](const Problem&) {}, {}, [&] { DeleteFileLogged(context, path); });
 }
 
-void RelocateStockPlugin(BuildContext& context, const StockPlugin& plugin) {
+void RelocateStockPlugin(clsBuildContext& context, const StockPlugin& plugin) {
     const std::string inf = context.PluginFolder() + plugin.inf;
     const std::string folder = ParentOf(inf);
-    const auto relocate = [&plugin](BuildContext& in) {
+    const auto relocate = [&plugin](clsBuildContext& in) {
         RelocatePluginToCategory(in, plugin.inf, plugin.prefix);
     };
     if (!FolderExists(folder)) {
-        BuildContext absent = context.Silent();
+        clsBuildContext absent = context.Silent();
         absent.ResumeNext({}, [&] { relocate(absent); });
         if (FileExists(folder))
             context.report({folder, "not moved into its category", "it is a file"});
@@ -76,7 +76,7 @@ void RelocateStockPlugin(BuildContext& context, const StockPlugin& plugin) {
 
 } // namespace
 
-void PruneStockPlugins(BuildContext& context) {
+void PruneStockPlugins(clsBuildContext& context) {
     const clsInstallFolder& folder = context.inputs.installFolder;
     const std::string isoWriter = context.InstallFolder() + "\\mkisofs.exe";
     context.Log("Renaming File: mkisofs.exe to mymkisofs.exe");

@@ -1,6 +1,6 @@
 #include "catalogue/clsCatalogueEditor.h"
 
-#include "catalogue/ArchiveState.h"
+#include "catalogue/modArchiveState.h"
 
 #include <algorithm>
 #include <cstddef>

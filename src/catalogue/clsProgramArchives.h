@@ -1,7 +1,7 @@
 #pragma once
 
-#include "catalogue/ArchiveState.h"
 #include "catalogue/clsSha256List.h"
+#include "catalogue/modArchiveState.h"
 
 #include <cstdint>
 #include <map>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "build/BuildFrontEnd.h"
-#include "build/BuildLog.h"
+#include "build/clsBuildLog.h"
 #include "console/clsTerminal.h"
 #include "console/modOptions.h"
 #include "net/modSocketMaster.h"
@@ -41,7 +41,7 @@ private:
     const ConsoleOptions& options_;
     const std::string& programPath_;
     clsTerminal& terminal_;
-    BuildLog log_;
+    clsBuildLog log_;
     std::vector<Problem> problems_;
     std::optional<SocketServiceHold> sockets_; ///< From the first download on.
     std::string status_;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "catalogue/ArchiveState.h"
+#include "catalogue/modArchiveState.h"
 
 #include <functional>
 #include <string>

@@ -3,7 +3,7 @@
 #include "RecordingFrontEnd.h"
 #include "TestFolder.h"
 #include "base/Failure.h"
-#include "build/BuildLog.h"
+#include "build/clsBuildLog.h"
 #include "build/modSaveLog.h"
 
 using namespace vesk;
@@ -31,12 +31,12 @@ TEST_CASE("removals write their line first, and report what stays") {
     const BuildInputs inputs{clsInstallFolder(folder / "tree", clsFolderGuard({})), "", "", {}};
     RecordingFrontEnd frontEnd;
     const clsSha256List noList;
-    const BuildContext context{inputs,
-                               catalogue,
-                               frontEnd,
-                               {},
-                               [&](const Problem& problem) { frontEnd.ReportProblem(problem); },
-                               noList};
+    const clsBuildContext context{inputs,
+                                  catalogue,
+                                  frontEnd,
+                                  {},
+                                  [&](const Problem& problem) { frontEnd.ReportProblem(problem); },
+                                  noList};
     const std::string file = folder.Write("tree\\sub\\x.txt", "x");
     const std::string readOnly = folder.Write("tree\\sub\\deep\\read-only.txt", "x");
     SetFileAttributesA(readOnly.c_str(), FILE_ATTRIBUTE_READONLY);
@@ -67,7 +67,7 @@ TEST_CASE("removals write their line first, and report what stays") {
 }
 
 TEST_CASE("log modes: shown and saved, with a blank line, shown only") {
-    BuildLog log;
+    clsBuildLog log;
     log.Add("one", LogMode::Line);
     CHECK(log.Add("two", LogMode::LineAndBlank) == std::vector<std::string>{"two", ""});
     log.Add("three", LogMode::ListOnly);

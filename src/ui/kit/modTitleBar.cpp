@@ -1,6 +1,7 @@
 #include "ui/kit/modTitleBar.h"
 
 #include "base/UniqueHandle.h"
+#include "base/modSystemLibrary.h"
 
 namespace vesk {
 
@@ -28,12 +29,8 @@ bool UserWantsDark() {
 void FollowDarkMode(HWND window) {
     if (!UserWantsDark())
         return;
-    const ModuleHandle library(LoadLibraryA("dwmapi.dll"));
-    if (!library)
-        return;
     using SetAttribute = HRESULT(WINAPI*)(HWND, DWORD, LPCVOID, DWORD);
-    const auto setAttribute = reinterpret_cast<SetAttribute>(
-        reinterpret_cast<void (*)()>(GetProcAddress(library.Get(), "DwmSetWindowAttribute")));
+    const auto setAttribute = SystemFunction<SetAttribute>("dwmapi.dll", "DwmSetWindowAttribute");
     if (!setAttribute)
         return;
     constexpr DWORD kDarkMode = 20;      // DWMWA_USE_IMMERSIVE_DARK_MODE

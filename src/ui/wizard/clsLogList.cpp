@@ -15,7 +15,7 @@ constexpr int kLineMargin = 8; // pixels at 96 DPI behind the widest line
 
 } // namespace
 
-clsLogList::clsLogList(const BuildLog& log, std::string programPath)
+clsLogList::clsLogList(const clsBuildLog& log, std::string programPath)
     : log_(log), programPath_(std::move(programPath)) {}
 
 void clsLogList::Attach(HWND list) {

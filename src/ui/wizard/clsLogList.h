@@ -1,6 +1,6 @@
 #pragma once
 
-#include "build/BuildLog.h"
+#include "build/clsBuildLog.h"
 #include "ui/kit/clsSubclass.h"
 
 #include <windows.h>
@@ -17,7 +17,7 @@ class clsLogList {
 public:
     /// @param log outlives the list
     /// @param programPath where the log file lies
-    clsLogList(const BuildLog& log, std::string programPath);
+    clsLogList(const clsBuildLog& log, std::string programPath);
 
     /// Takes over a multi-selection list box of a dialog.
     void Attach(HWND list);
@@ -44,7 +44,7 @@ private:
     bool HandleKey(WPARAM key) const;
     std::optional<LRESULT> OnMessage(UINT message, WPARAM wparam, LPARAM lparam);
 
-    const BuildLog& log_;
+    const clsBuildLog& log_;
     std::string programPath_;
     HWND list_ = nullptr;
     clsSubclass link_;

@@ -29,8 +29,8 @@ std::string FailureOf(const std::string& what, Save&& save) {
 
 } // namespace
 
-clsWizardBuild::clsWizardBuild(HWND wizard, std::string programPath, BuildLog& log, pagBuild& page,
-                               Ended ended)
+clsWizardBuild::clsWizardBuild(HWND wizard, std::string programPath, clsBuildLog& log,
+                               pagBuild& page, Ended ended)
     : wizard_(wizard),
       programPath_(std::move(programPath)),
       log_(log),

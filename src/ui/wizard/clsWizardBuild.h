@@ -1,7 +1,7 @@
 #pragma once
 
 #include "build/BuildFrontEnd.h"
-#include "build/BuildLog.h"
+#include "build/clsBuildLog.h"
 #include "build/clsBuildRun.h"
 #include "ui/kit/clsTaskbar.h"
 #include "ui/wizard/pagBuild.h"
@@ -25,7 +25,7 @@ public:
 
     /// @param wizard owner of all dialogs @param programPath where log and problems are saved
     /// Log and page outlive the object.
-    clsWizardBuild(HWND wizard, std::string programPath, BuildLog& log, pagBuild& page,
+    clsWizardBuild(HWND wizard, std::string programPath, clsBuildLog& log, pagBuild& page,
                    Ended ended);
 
     /// Makes a build ready; what was made ready before is dropped. @param catalogue outlives the
@@ -57,7 +57,7 @@ private:
 
     HWND wizard_;
     std::string programPath_;
-    BuildLog& log_;
+    clsBuildLog& log_;
     pagBuild& page_;
     Ended ended_;
     clsTaskbar taskbar_;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "build/BuildLog.h"
+#include "build/clsBuildLog.h"
 #include "build/clsBuildRun.h"
 #include "catalogue/Catalogue.h"
 #include "catalogue/modCatalogueFile.h"
@@ -86,7 +86,7 @@ private:
     CatalogueLoad load_;
     bool wantsEditor_ = false;
     SourceState source_;
-    BuildLog log_;
+    clsBuildLog log_;
     Page page_ = Page::Welcome;
     ClosingState closing_;
 

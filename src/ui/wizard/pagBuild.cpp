@@ -7,7 +7,7 @@
 
 namespace vesk {
 
-pagBuild::pagBuild(HWND wizard, const BuildLog& log, const std::string& programPath)
+pagBuild::pagBuild(HWND wizard, const clsBuildLog& log, const std::string& programPath)
     : list_(log, programPath) {
     Create(wizard, IDD_PAGE_BUILD);
 }

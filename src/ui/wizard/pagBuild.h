@@ -1,6 +1,6 @@
 #pragma once
 
-#include "build/BuildLog.h"
+#include "build/clsBuildLog.h"
 #include "ui/kit/clsDialog.h"
 #include "ui/kit/clsLayout.h"
 #include "ui/wizard/clsLogList.h"
@@ -14,7 +14,7 @@ namespace vesk {
 class pagBuild : public clsDialog {
 public:
     /// @param log outlives the page
-    pagBuild(HWND wizard, const BuildLog& log, const std::string& programPath);
+    pagBuild(HWND wizard, const clsBuildLog& log, const std::string& programPath);
 
     clsLogList& LogList() { return list_; }
     void SetStatus(const std::string& caption);

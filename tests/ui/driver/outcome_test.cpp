@@ -1,6 +1,6 @@
 #include "WizardSteps.h"
-#include "build/BuildLog.h"
 #include "build/clsBuildLock.h"
+#include "build/clsBuildLog.h"
 
 #include <commctrl.h>
 

@@ -1,5 +1,5 @@
 #include "WizardSteps.h"
-#include "build/BuildLog.h"
+#include "build/clsBuildLog.h"
 
 #include <commctrl.h>
 

@@ -1,4 +1,4 @@
-#include "build/BuildOutcome.h"
+#include "build/modBuildOutcome.h"
 
 namespace vesk {
 

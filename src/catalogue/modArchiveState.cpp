@@ -1,4 +1,4 @@
-#include "catalogue/ArchiveState.h"
+#include "catalogue/modArchiveState.h"
 
 #include "base/modText.h"
 

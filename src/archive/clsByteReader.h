@@ -10,9 +10,9 @@ namespace vesk {
 
 /// Cursor over little-endian fields. Running off the end is an ordinary answer: from then on every
 /// read gives zeros or nothing, and Ok() is false. So a record is read whole and judged once.
-class ByteReader {
+class clsByteReader {
 public:
-    explicit ByteReader(std::span<const std::byte> bytes) : rest_(bytes) {}
+    explicit clsByteReader(std::span<const std::byte> bytes) : rest_(bytes) {}
 
     [[nodiscard]] bool Ok() const { return ok_; }
     [[nodiscard]] std::size_t Left() const { return rest_.size(); }

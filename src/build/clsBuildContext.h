@@ -20,7 +20,7 @@ struct MenuRecord {
 };
 
 /// What the steps of one build run share.
-struct BuildContext {
+struct clsBuildContext {
     const BuildInputs& inputs;
     Catalogue& catalogue;
     BuildFrontEnd& frontEnd;
@@ -32,7 +32,7 @@ struct BuildContext {
     void Status(const std::string& caption) const { frontEnd.SetStatus(caption); }
 
     /// The same, for what is done for its log lines only: nothing of it is reported.
-    [[nodiscard]] BuildContext Silent() const {
+    [[nodiscard]] clsBuildContext Silent() const {
         return {inputs, catalogue, frontEnd, {}, [](const Problem&) {}, sha256};
     }
 

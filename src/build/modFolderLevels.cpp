@@ -1,4 +1,4 @@
-#include "build/FolderLevels.h"
+#include "build/modFolderLevels.h"
 
 #include "base/RealPath.h"
 #include "base/UniqueHandle.h"

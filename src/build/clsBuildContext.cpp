@@ -1,4 +1,4 @@
-#include "build/BuildContext.h"
+#include "build/clsBuildContext.h"
 
 #include "archive/clsCRC.h"
 #include "base/Trace.h"
@@ -20,8 +20,8 @@ std::string WhyUnreadable(const std::string& path) {
 
 } // namespace
 
-std::string BuildContext::ArchiveFault(const std::string& path,
-                                       const CatalogueEntry& component) const {
+std::string clsBuildContext::ArchiveFault(const std::string& path,
+                                          const CatalogueEntry& component) const {
     const auto meanwhile = [this] { frontEnd.LetEventsRun(); };
     const std::string found = clsCRC().CalculateFile(path, meanwhile);
     if (found.empty()) // which matches nothing, an empty checksum in the catalogue included
@@ -32,7 +32,7 @@ std::string BuildContext::ArchiveFault(const std::string& path,
     return Sha256Fault(path, sha256.Expected(FileNameOf(path)), meanwhile);
 }
 
-void BuildContext::MarkTree() const {
+void clsBuildContext::MarkTree() const {
     vesk::ResumeNext([](const Problem& problem) { Trace(problem.Line()); },
                      {InstallFolder(), "not marked as unfinished"},
                      [this] { inputs.installFolder.Mark(); });

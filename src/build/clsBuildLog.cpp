@@ -1,8 +1,8 @@
-#include "build/BuildLog.h"
+#include "build/clsBuildLog.h"
 
 namespace vesk {
 
-std::vector<std::string> BuildLog::Add(const std::string& text, LogMode mode) {
+std::vector<std::string> clsBuildLog::Add(const std::string& text, LogMode mode) {
     std::vector<std::string> added{text};
     if (mode == LogMode::LineAndBlank)
         added.emplace_back();

@@ -15,7 +15,7 @@ inline constexpr const char* kLogFileName = "veskbuider.log";
 inline constexpr const char* kProblemsFileName = "veskbuilder-problems.txt";
 
 /// The build log without its view: the lines shown and the text kept for saving.
-class BuildLog {
+class clsBuildLog {
 public:
     /// Adds a line in the given mode. @return the lines to show for it (one, or two with a blank).
     std::vector<std::string> Add(const std::string& text, LogMode mode);
