@@ -98,7 +98,8 @@ def shown(values, unit):
     """Median, and the lowest and highest."""
     def number(value):
         return f"{value:.0f}" if value >= 100 else f"{value:.1f}" if value >= 10 else f"{value:.2f}"
-    return f"{number(statistics.median(values))} {unit} ({number(min(values))}-{number(max(values))})"
+    middle = number(statistics.median(values))
+    return f"{middle} {unit} ({number(min(values))}-{number(max(values))})"
 
 
 def in_turn(rounds, **works):
