@@ -9,12 +9,13 @@ import subprocess
 import data
 from harness import TOP, Row, Skip, at_least, at_most, below, in_turn, windows_path
 
-SEVEN_ZIP = TOP / "build/bench/package/win/x64/7za.exe"
+SEVEN_ZIPS = {64: "package/win/x64/7za.exe", 32: "package/win/ia32/7za.exe"}
 
 
-def seven_zip():
+def seven_zip(wine):
     """7-Zip for Windows, from the npm package 7zip-bin into the build folder at the first call."""
-    if not SEVEN_ZIP.exists():
+    program = TOP / "build/bench" / SEVEN_ZIPS[wine.bits]
+    if not program.exists():
         folder = TOP / "build/bench"
         folder.mkdir(parents=True, exist_ok=True)
         try:
@@ -22,21 +23,21 @@ def seven_zip():
                 ["npm", "pack", "--silent", "--pack-destination", str(folder), "7zip-bin"],
                 check=True, capture_output=True, text=True, timeout=120).stdout.split()[-1]
             subprocess.run(["tar", "xzf", str(folder / package), "-C", str(folder),
-                            "package/win/x64/7za.exe"], check=True)
+                            *SEVEN_ZIPS.values()], check=True)
         except (OSError, subprocess.SubprocessError) as error:
             raise Skip(f"7-Zip for Windows is not to be had ({error})") from error
-    return SEVEN_ZIP
+    return program
 
 
 def unpack_by_seven_zip(wine, archives, target):
     """Milliseconds that 7-Zip says it took, without its own start."""
-    said = wine.run(seven_zip(), "x", "-y", "-bt", "-o" + target, archives)
+    said = wine.run(seven_zip(wine), "x", "-y", "-bt", "-o" + target, archives)
     return 1000 * float(re.search(r"Global +Time = +([\d.]+)", said)[1])
 
 
 def unpack_in_turn(wine, rounds, archive, target):
     """Milliseconds of UnzipFile and of 7-Zip, and the longest silences of ours."""
-    seven_zip()
+    seven_zip(wine)
     silences = []
 
     def ours():

@@ -55,7 +55,8 @@ def texts(wine, folder, rounds):
 
 def starts(wine, folder, rounds):
     version, empty = in_turn(
-        3 * rounds, version=lambda: wine.time(wine.built / "src/console/veskbuild.exe", "--version"),
+        3 * rounds,
+        version=lambda: wine.time(wine.built / "src/console/veskbuild.exe", "--version"),
         empty=lambda: wine.time(wine.built / "bench/bench_empty.exe"))
     yield Row("veskbuild --version, to an empty program", version, empty, at_most(1.3))
     program = folder / "veskbuilder.exe"

@@ -29,7 +29,8 @@ function(vesk_delay library)
     execute_process(COMMAND ${CMAKE_DLLTOOL} --kill-at --input-def ${folder}/${library}.def
         --output-delaylib ${folder}/lib${library}.a WORKING_DIRECTORY ${folder}
         COMMAND_ERROR_IS_FATAL ANY)
-    target_link_libraries(delayed_${library} INTERFACE ${folder}/lib${library}.a delayimp ${library})
+    target_link_libraries(delayed_${library} INTERFACE
+        ${folder}/lib${library}.a delayimp ${library})
 endfunction()
 
 foreach(library advapi32 comdlg32 ole32 shell32 user32 ws2_32)

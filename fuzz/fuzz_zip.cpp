@@ -1,5 +1,5 @@
+#include "archive/clsZipMemberReader.h"
 #include "archive/modMemberName.h"
-#include "archive/modZipMember.h"
 #include "archive/modZipTexts.h"
 #include "base/modUtf8.h"
 
@@ -30,7 +30,7 @@ std::uint32_t PlainCrc(Bytes bytes) {
 }
 
 /// What is handed out is what the entry promises, and the same whole and in pieces.
-void CheckContent(ZipMemberReader& reader, const ZipMember& member) {
+void CheckContent(clsZipMemberReader& reader, const ZipMember& member) {
     std::string whole = "refused";
     std::string pieces = "refused";
     try {
@@ -78,8 +78,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const Bytes archive(copy.get(), size);
     try {
         const ZipDirectory directory = ReadZipDirectory(archive);
-        ZipMemberReader reader(archive, directory.members,
-                               [](bool) { return std::optional<std::string>("pass"); });
+        clsZipMemberReader reader(archive, directory.members,
+                                  [](bool) { return std::optional<std::string>("pass"); });
         ZipTotals totals;
         for (const ZipMember& member : directory.members) {
             totals.Add(member);

@@ -8,6 +8,8 @@ SRC = TOP / "src"
 MAP = (TOP / "ARCHITECTURE.md").read_text(encoding="utf-8")
 UNITS = [path for path in sorted(SRC.rglob("*")) if path.suffix in (".h", ".cpp", ".in")]
 
+PREFIXES = ("frm", "pag", "cls", "mod")
+
 
 def room(path):
     return path.parent.relative_to(SRC).as_posix()
@@ -52,6 +54,23 @@ class Arrows(unittest.TestCase):
                 if folder:
                     found = list((SRC / folder).glob(name[1] + "*"))
                     self.assertTrue(found, f"{folder}{name[1]} in: {line}")
+
+
+class Names(unittest.TestCase):
+    def test_a_source_has_the_header_of_its_name(self):
+        lonely = [path.name for path in UNITS if path.suffix == ".cpp" and path.stem != "main"
+                  and not path.with_suffix(".h").exists()]
+        self.assertEqual(lonely, [])
+
+    def test_a_prefix_tells_what_a_unit_holds(self):
+        for path in (unit for unit in UNITS if unit.suffix == ".h"):
+            declared = re.findall(r"^(?:class|struct) (\w+)", path.read_text(encoding="utf-8"), re.M)
+            with self.subTest(path.relative_to(SRC)):
+                if path.stem.startswith(PREFIXES[:3]):
+                    self.assertIn(path.stem, declared)
+                elif not path.stem.startswith("mod") and room(path) != "base":
+                    self.assertFalse(path.with_suffix(".cpp").exists(),
+                                     "plain data and interfaces have no source")
 
 
 if __name__ == "__main__":

@@ -3,10 +3,10 @@
 #include "archive/clsDosClock.h"
 #include "archive/clsExtractionTarget.h"
 #include "archive/clsMappedArchive.h"
+#include "archive/clsZipMemberReader.h"
 #include "archive/modMemberFailure.h"
 #include "archive/modMemberPath.h"
 #include "archive/modUnzipName.h"
-#include "archive/modZipMember.h"
 #include "archive/modZipTexts.h"
 #include "base/Problem.h"
 #include "base/modWide.h"
@@ -129,7 +129,7 @@ private:
     void Extract(std::span<const std::byte> archive) {
         if (!options_.ntflag)
             target_ = clsExtractionTarget(options_.ExtractDir);
-        ZipMemberReader reader(archive, directory_.members, [this](bool wrongBefore) {
+        clsZipMemberReader reader(archive, directory_.members, [this](bool wrongBefore) {
             return AskOwner([&] {
                 return callbacks_.password ? callbacks_.password(wrongBefore) : std::nullopt;
             });
@@ -152,7 +152,7 @@ private:
         return ShownName(directory_.members[number]);
     }
 
-    void ExtractOrFail(std::size_t number, ZipMemberReader& reader, const Progress& progress) {
+    void ExtractOrFail(std::size_t number, clsZipMemberReader& reader, const Progress& progress) {
         try {
             const auto added = ExtractMember(number, reader, progress);
             if (!added)
@@ -168,7 +168,7 @@ private:
     }
 
     /// @return nothing when the owner wants to keep an old file
-    std::optional<AddedFile> ExtractMember(std::size_t number, ZipMemberReader& reader,
+    std::optional<AddedFile> ExtractMember(std::size_t number, clsZipMemberReader& reader,
                                            const Progress& progress) {
         const ZipMember& member = directory_.members[number];
         if (!member.refusal.empty())
@@ -185,7 +185,7 @@ private:
         if (!MayWrite(path))
             return std::nullopt;
         const MemberContent content{number, member.size, member.crc};
-        if (!ZipMemberReader::IsLarge(member))
+        if (!clsZipMemberReader::IsLarge(member))
             return target_.AddFile(path, content, reader.Read(member), stamp);
         clsExtractionTarget::LargeFile file(target_, path, stamp, member.size);
         reader.Stream(member, [&](std::span<const std::byte> piece, std::uint64_t packedDone) {

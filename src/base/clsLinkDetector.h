@@ -17,7 +17,7 @@ public:
     bool IsFileLink(const std::wstring& folder, const std::wstring& name, std::uint32_t attributes);
 
     /// Deletes a file where the system hides links and this one is none, by one opening for both:
-    /// removing a tree took 2.3 times as long with an opening for the question and one for the
+    /// removing a tree took twice as long with an opening for the question and one for the
     /// deletion.
     /// @param folder, name as above
     /// @return false when that is not so, or cannot be done; the file is as it was

@@ -127,7 +127,8 @@ ExtractionOutcome clsComponentInstaller::Extract(const CatalogueEntry& component
 void clsComponentInstaller::RunBaseScript(std::size_t index) {
     std::string pattern = "*.script";
     const FoundFiles found =
-        FindFiles(context_.InstallFolder() + "\\", pattern, "not searched for scripts");
+        FindFiles(context_.InstallFolder() + "\\", pattern, "not searched for scripts",
+                  [this] { context_.frontEnd.LetEventsRun(); });
     for (const Problem& problem : found.problems) {
         // The whole tree is searched for each component.
         if (toldPlaces_.insert(problem.place).second)
@@ -187,7 +188,8 @@ void clsComponentInstaller::InstallPlugin(const CatalogueEntry& plugin) {
 
 void clsComponentInstaller::EditInfs(const CatalogueEntry& plugin, const std::string& folder) {
     std::string pattern; // the search's own default: INF files
-    const FoundFiles found = FindFiles(folder + "\\", pattern, "not edited");
+    const FoundFiles found = FindFiles(folder + "\\", pattern, "not edited",
+                                       [this] { context_.frontEnd.LetEventsRun(); });
     std::ranges::for_each(found.problems, context_.report);
     for (const std::string& inf : found.paths) {
         const Attempt attempt{inf, "not edited"};

@@ -101,7 +101,8 @@ void LogIndented(const clsBuildContext& context, const std::string& text) {
     context.Log(text + "  ");
 }
 
-FoundFiles FindFiles(const std::string& folder, std::string& pattern, const std::string& what) {
+FoundFiles FindFiles(const std::string& folder, std::string& pattern, const std::string& what,
+                     const std::function<void()>& meanwhile) {
     if (pattern.empty())
         pattern = "*.inf";
     FoundFiles found;
@@ -111,6 +112,8 @@ FoundFiles FindFiles(const std::string& folder, std::string& pattern, const std:
         const std::wstring current = std::move(folders.back());
         folders.pop_back();
         SearchFolder(current, widePattern, what, found, folders);
+        if (meanwhile)
+            meanwhile();
     }
     return found;
 }

@@ -3,6 +3,7 @@
 #include "build/clsBuildContext.h"
 #include "build/clsRemovableTree.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -46,6 +47,8 @@ struct FoundFiles {
 /// @param folder start folder, ending in "\"; a missing one gives an empty result
 /// @param what what is not done with what cannot be looked at, for its problem
 /// @param pattern as for the system's file search; an empty one becomes "*.inf", for the caller too
-FoundFiles FindFiles(const std::string& folder, std::string& pattern, const std::string& what);
+/// @param meanwhile called after each folder, so that a window stays alive
+FoundFiles FindFiles(const std::string& folder, std::string& pattern, const std::string& what,
+                     const std::function<void()>& meanwhile = {});
 
 } // namespace vesk

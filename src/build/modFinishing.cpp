@@ -65,6 +65,7 @@ void CreateShortcuts(const clsBuildContext& context) {
     const bool hasStartMenu = RenewStartMenu(context, startMenu);
     context.Log("Creating shortcut: " + programLink);
     context.Log("Creating shortcut: " + readMeLink);
+    context.frontEnd.LetEventsRun(); // the first one takes long: the system loads much for it
     if (hasStartMenu) {
         CreateShortcut(context, programLink, "\\pebuilder.exe", icon);
         CreateShortcut(context, readMeLink, "\\readme.txt", "");

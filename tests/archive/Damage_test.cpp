@@ -1,9 +1,9 @@
 #include "archive/CabBuilder.h"
+#include "archive/clsZipMemberReader.h"
 #include "archive/modCabDirectory.h"
 #include "archive/modCabJudge.h"
 #include "archive/modCabUnpack.h"
 #include "archive/modMemberName.h"
-#include "archive/modZipMember.h"
 #include "base/Failure.h"
 
 #include <doctest/doctest.h>
@@ -50,8 +50,8 @@ Contents ZipContents(const std::string& archive) {
     } catch (const ArchiveProblem&) {
         return contents;
     }
-    ZipMemberReader reader(bytes, directory.members,
-                           [](bool) { return std::optional<std::string>("pass"); });
+    clsZipMemberReader reader(bytes, directory.members,
+                              [](bool) { return std::optional<std::string>("pass"); });
     for (const ZipMember& member : directory.members) {
         REQUIRE(StaysInside(member.name));
         if (!member.refusal.empty() || member.IsFolder())

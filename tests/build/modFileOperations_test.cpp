@@ -23,6 +23,9 @@ TEST_CASE("files are found depth first; empty ones are left out") {
                                    root + "a\\deep\\y.INF"});
     CHECK(pattern == "*.inf");
     CHECK(FindFiles(root + "none\\", pattern, "").paths.empty());
+    std::size_t folders = 0; // a window must not wait for the end of a large tree
+    FindFiles(root, pattern, "", [&] { ++folders; });
+    CHECK(folders == 5);
 }
 
 TEST_CASE("removals write their line first, and report what stays") {

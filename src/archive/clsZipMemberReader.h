@@ -24,7 +24,7 @@ private:
 
 /// Gives the content of an archive's members, checked against their CRC. For members without a
 /// `refusal` only.
-class ZipMemberReader {
+class clsZipMemberReader {
 public:
     /// Takes the next piece of a member's content. @param packedDone packed bytes used up to here
     using Sink = std::function<void(std::span<const std::byte> piece, std::uint64_t packedDone)>;
@@ -38,11 +38,11 @@ public:
     }
 
     /// @param archive must outlive the reader, as must @param members
-    ZipMemberReader(std::span<const std::byte> archive, std::span<const ZipMember> members,
-                    clsZipPasswords::Source password);
-    ZipMemberReader(const ZipMemberReader&) = delete;
-    ZipMemberReader& operator=(const ZipMemberReader&) = delete;
-    ~ZipMemberReader() = default;
+    clsZipMemberReader(std::span<const std::byte> archive, std::span<const ZipMember> members,
+                       clsZipPasswords::Source password);
+    clsZipMemberReader(const clsZipMemberReader&) = delete;
+    clsZipMemberReader& operator=(const clsZipMemberReader&) = delete;
+    ~clsZipMemberReader() = default;
 
     /// The member's whole content, in the archive itself or in memory of the reader; valid until
     /// the next call. @throws ArchiveProblem, std::bad_alloc

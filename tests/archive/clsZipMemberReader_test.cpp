@@ -1,4 +1,4 @@
-#include "archive/modZipMember.h"
+#include "archive/clsZipMemberReader.h"
 
 #include "archive/ZipBuilder.h"
 
@@ -15,7 +15,7 @@ std::string TextOf(std::span<const std::byte> bytes) {
 
 using Password = clsZipPasswords::Source;
 
-std::string ContentOf(ZipMemberReader& reader, const ZipMember& member, bool inPieces) {
+std::string ContentOf(clsZipMemberReader& reader, const ZipMember& member, bool inPieces) {
     if (!inPieces)
         return TextOf(reader.Read(member));
     std::string content;
@@ -31,7 +31,7 @@ std::string ReadAll(const std::string& archive, const Password& password, bool i
     std::string all;
     const ExactBytes bytes(archive);
     const ZipDirectory directory = ReadZipDirectory(bytes);
-    ZipMemberReader reader(bytes, directory.members, password);
+    clsZipMemberReader reader(bytes, directory.members, password);
     for (const ZipMember& member : directory.members) {
         try {
             if (!member.refusal.empty())
@@ -93,7 +93,7 @@ TEST_CASE("a large member comes in pieces of bounded size, the progress with it"
         }
         const ExactBytes bytes(MakeZip({member}));
         const ZipDirectory directory = ReadZipDirectory(bytes);
-        ZipMemberReader reader(bytes, directory.members, {});
+        clsZipMemberReader reader(bytes, directory.members, {});
         std::string content;
         std::uint64_t before = 0;
         int calls = 0;

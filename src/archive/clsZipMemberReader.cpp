@@ -1,4 +1,4 @@
-#include "archive/modZipMember.h"
+#include "archive/clsZipMemberReader.h"
 
 #include "archive/clsCRC.h"
 #include "archive/modZipInflate.h"
@@ -54,8 +54,8 @@ std::span<std::byte> ReusedBuffer::Of(std::uint64_t size) {
     return {bytes_.get(), wanted};
 }
 
-ZipMemberReader::ZipMemberReader(Bytes archive, std::span<const ZipMember> members,
-                                 clsZipPasswords::Source password)
+clsZipMemberReader::clsZipMemberReader(Bytes archive, std::span<const ZipMember> members,
+                                       clsZipPasswords::Source password)
     : archive_(archive),
       passwords_(archive, members, std::move(password)),
       inflater_(libdeflate_alloc_decompressor(), libdeflate_free_decompressor) {
@@ -63,7 +63,7 @@ ZipMemberReader::ZipMemberReader(Bytes archive, std::span<const ZipMember> membe
         throw std::bad_alloc();
 }
 
-std::span<const std::byte> ZipMemberReader::Read(const ZipMember& member) {
+std::span<const std::byte> clsZipMemberReader::Read(const ZipMember& member) {
     if (!member.IsEncrypted())
         return ReadWith(member, nullptr);
     Bytes content;
@@ -72,7 +72,8 @@ std::span<const std::byte> ZipMemberReader::Read(const ZipMember& member) {
     return content;
 }
 
-std::span<const std::byte> ZipMemberReader::ReadWith(const ZipMember& member, ZipCipher* cipher) {
+std::span<const std::byte> clsZipMemberReader::ReadWith(const ZipMember& member,
+                                                        ZipCipher* cipher) {
     const Bytes packed = PackedData(member, cipher);
     if (!member.IsDeflated()) {
         CheckCrc(member, clsCRC().CalculateBytes(packed));
@@ -90,7 +91,8 @@ std::span<const std::byte> ZipMemberReader::ReadWith(const ZipMember& member, Zi
     return content;
 }
 
-std::span<const std::byte> ZipMemberReader::PackedData(const ZipMember& member, ZipCipher* cipher) {
+std::span<const std::byte> clsZipMemberReader::PackedData(const ZipMember& member,
+                                                          ZipCipher* cipher) {
     const Bytes raw = RawData(archive_, member);
     if (cipher == nullptr)
         return raw;
@@ -99,7 +101,7 @@ std::span<const std::byte> ZipMemberReader::PackedData(const ZipMember& member, 
     return plain;
 }
 
-void ZipMemberReader::Stream(const ZipMember& member, const Sink& sink) {
+void clsZipMemberReader::Stream(const ZipMember& member, const Sink& sink) {
     if (!member.IsEncrypted())
         return StreamWith(member, nullptr, sink);
     // What was handed out cannot be taken back, so a new password is proven in a run of its own.
@@ -110,7 +112,7 @@ void ZipMemberReader::Stream(const ZipMember& member, const Sink& sink) {
     StreamWith(member, &cipher, sink);
 }
 
-void ZipMemberReader::StreamWith(const ZipMember& member, ZipCipher* cipher, const Sink& sink) {
+void clsZipMemberReader::StreamWith(const ZipMember& member, ZipCipher* cipher, const Sink& sink) {
     const Bytes packed = RawData(archive_, member);
     std::size_t used = 0;
     const auto nextInput = [&] {
