@@ -1,10 +1,10 @@
+#include "Require.h"
 #include "archive/clsZipMemberReader.h"
 #include "archive/modMemberName.h"
 #include "archive/modZipTexts.h"
 #include "base/modUtf8.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <memory>
 
 using namespace vesk;
@@ -12,11 +12,6 @@ using namespace vesk;
 namespace {
 
 using Bytes = std::span<const std::byte>;
-
-void Require(bool holds) {
-    if (!holds)
-        std::abort();
-}
 
 /// The definition, bit by bit: nothing of the code that is tested.
 std::uint32_t PlainCrc(Bytes bytes) {
@@ -81,6 +76,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         clsZipMemberReader reader(archive, directory.members,
                                   [](bool) { return std::optional<std::string>("pass"); });
         ZipTotals totals;
+        ListingHeading();
         for (const ZipMember& member : directory.members) {
             totals.Add(member);
             Require(ListingLine(member, member.name).size() >= member.name.size());

@@ -149,12 +149,14 @@ bool clsCabExtraction::Begin(std::size_t place) {
     if (place >= readable_.size() || readable_[place] < cursor_)
         return false;
     HandleUnreadUpTo(readable_[place]);
-    const CabEntry& entry = EntryAt(cursor_++);
+    const CabEntry& entry = EntryAt(cursor_);
     if (!IsWanted(entry)) {
+        ++cursor_;
         CountAsDone(entry);
         return false;
     }
-    Open(entry);
+    Open(entry); // when that fails, the member is still among those to be told of
+    ++cursor_;
     begun_ = true;
     return true;
 }
@@ -277,7 +279,7 @@ FileStamp clsCabExtraction::StampOf(const CabEntry& entry) {
                                 FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE;
     FileStamp stamp;
     stamp.attributes = entry.attributes & kRestored;
-    stamp.modified = clock_.FileTimeOf(entry.dosDate, entry.dosTime);
+    stamp.modified = clock_.FileTimeOf(entry.dosDate, entry.dosTime, stamp.error);
     return stamp;
 }
 

@@ -10,14 +10,15 @@ namespace vesk {
 /// day stored: whether summer time is on today does not matter.
 class clsDosClock {
 public:
-    /// @return nothing for a day or time that does not exist
-    std::optional<FILETIME> FileTimeOf(WORD dosDate, WORD dosTime);
+    /// @param error why the system does not tell; left alone for a day that does not exist
+    /// @return nothing for a day or time that does not exist, and when the system does not tell
+    std::optional<FILETIME> FileTimeOf(WORD dosDate, WORD dosTime, DWORD& error);
 
 private:
-    const TIME_ZONE_INFORMATION& ZoneOf(WORD year);
+    bool ReadZoneOf(WORD year);
 
     TIME_ZONE_INFORMATION zone_{};
-    WORD year_ = 0; ///< The one that zone_ is for.
+    WORD year_ = 0; ///< The one that zone_ is for; 0 for none.
 };
 
 } // namespace vesk

@@ -42,10 +42,10 @@ std::uint32_t SetTimes(HANDLE handle, const FileStamp& stamp) {
         return time ? &*time : nullptr;
     };
     if (!stamp.modified && !stamp.accessed && !stamp.created)
-        return ERROR_SUCCESS;
+        return stamp.error;
     const BOOL set = SetFileTime(handle, pointer(stamp.created), pointer(stamp.accessed),
                                  pointer(stamp.modified));
-    return set != FALSE ? ERROR_SUCCESS : GetLastError();
+    return set != FALSE ? stamp.error : GetLastError();
 }
 
 clsNewFile::clsNewFile(const std::wstring& path, const FileStamp& stamp, Place place)

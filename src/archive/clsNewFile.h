@@ -14,6 +14,7 @@ namespace vesk {
 struct FileStamp {
     DWORD attributes = FILE_ATTRIBUTE_ARCHIVE; ///< Read-only, hidden and system as stored.
     std::optional<FILETIME> modified, accessed, created;
+    DWORD error = ERROR_SUCCESS; ///< Why a time that is stored is not among them.
 };
 
 /// Sets the times of a file or folder that the stamp has.

@@ -51,7 +51,7 @@ FileStamp StampOf(const ZipMember& member, clsDosClock& clock) {
     stamp.accessed = take(member.times.accessed);
     stamp.created = take(member.times.created);
     if (!stamp.modified)
-        stamp.modified = clock.FileTimeOf(member.dosDate, member.dosTime);
+        stamp.modified = clock.FileTimeOf(member.dosDate, member.dosTime, stamp.error);
     return stamp;
 }
 

@@ -1,5 +1,6 @@
 #include "base/modFile.h"
 
+#include "base/Failure.h"
 #include "base/FolderEntries.h"
 #include "base/UniqueHandle.h"
 #include "base/clsLinkDetector.h"
@@ -41,15 +42,33 @@ void ClearAttributes(const std::string& path) {
 } // namespace
 
 std::string ReadWholeFile(const std::string& path) {
+    try {
+        return ReadFileIfThere(path);
+    } catch (const Failure&) {
+        return {};
+    }
+}
+
+std::string ReadFileIfThere(const std::string& path) {
     const FileHandle file = OpenForReading(path);
+    if (!file && (GetLastError() == ERROR_FILE_NOT_FOUND || GetLastError() == ERROR_PATH_NOT_FOUND))
+        return {};
     LARGE_INTEGER size{};
-    if (!file || GetFileSizeEx(file.Get(), &size) == 0 || size.HighPart != 0)
-        return {};
+    if (!file || GetFileSizeEx(file.Get(), &size) == 0)
+        ThrowLastError("cannot read", path);
+    if (size.HighPart != 0)
+        ThrowSystemError(ERROR_NOT_ENOUGH_MEMORY, "cannot read", path);
     std::string text(static_cast<std::size_t>(size.QuadPart), '\0');
-    DWORD read = 0;
-    if (ReadFile(file.Get(), text.data(), size.LowPart, &read, nullptr) == 0)
-        return {};
-    text.resize(read);
+    DWORD done = 0;
+    while (done < size.LowPart) { // one call may bring a part only
+        DWORD read = 0;
+        if (ReadFile(file.Get(), text.data() + done, size.LowPart - done, &read, nullptr) == 0)
+            ThrowLastError("cannot read", path);
+        if (read == 0)
+            break; // it has become shorter
+        done += read;
+    }
+    text.resize(done);
     return text;
 }
 
@@ -66,12 +85,13 @@ bool WriteWholeFile(const std::string& path, const std::string& text) {
 void WriteCompleteFile(const std::string& path, const std::string& text) {
     const std::string beside = path + ".new";
     {
-        const FileHandle file(CreateFileA(beside.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
-                                          FILE_ATTRIBUTE_NORMAL, nullptr));
+        FileHandle file(CreateFileA(beside.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                                    FILE_ATTRIBUTE_NORMAL, nullptr));
         if (!file)
             ThrowLastError("cannot create", beside);
         if (!WriteAll(file, text) || FlushFileBuffers(file.Get()) == 0) {
             const DWORD error = GetLastError();
+            file.Reset(); // nobody deletes an open file
             DeleteFileA(beside.c_str());
             ThrowSystemError(error, "cannot write", beside);
         }
@@ -86,13 +106,28 @@ void WriteCompleteFile(const std::string& path, const std::string& text) {
     }
 }
 
-bool FileExists(const std::string& path) {
+PathState StateOf(const std::string& path) {
     const DWORD attributes = GetFileAttributesA(path.c_str());
-    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+    if (attributes != INVALID_FILE_ATTRIBUTES)
+        return HasAttribute(attributes, FILE_ATTRIBUTE_DIRECTORY) ? PathState::Folder
+                                                                  : PathState::File;
+    switch (GetLastError()) {
+    case ERROR_FILE_NOT_FOUND:
+    case ERROR_PATH_NOT_FOUND:
+    case ERROR_INVALID_NAME:
+    case ERROR_BAD_PATHNAME:
+        return PathState::Nothing;
+    default:
+        return PathState::Unknown;
+    }
+}
+
+bool FileExists(const std::string& path) {
+    return StateOf(path) == PathState::File;
 }
 
 bool FolderExists(const std::string& path) {
-    return HasAttribute(GetFileAttributesA(path.c_str()), FILE_ATTRIBUTE_DIRECTORY);
+    return StateOf(path) == PathState::Folder;
 }
 
 bool HasLinkBelow(const std::string& folder, const std::string& path) {
@@ -160,8 +195,11 @@ bool PlainFileExists(const std::string& path) {
 }
 
 void RemoveOwnFile(const std::string& path) {
-    if (!FileExists(path))
+    const PathState state = StateOf(path);
+    if (state == PathState::Nothing || state == PathState::Folder)
         return;
+    if (state == PathState::Unknown)
+        ThrowLastError("cannot look at", path);
     if (!PlainFileExists(path))
         ThrowSystemError(ERROR_CANT_RESOLVE_FILENAME, "cannot replace", path);
     RemoveFile(path);

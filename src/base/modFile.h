@@ -9,6 +9,9 @@ namespace vesk {
 /// The whole file as one text; empty when it is missing or cannot be read.
 std::string ReadWholeFile(const std::string& path);
 
+/// The same where a file that is there and cannot be read must not pass for an empty one. Throws.
+std::string ReadFileIfThere(const std::string& path);
+
 /// Writes the text over the file's beginning, a read-only file included. Nothing happens for an
 /// empty text, nothing is thrown, and a longer old file keeps its tail: every caller writes at
 /// least as much as it read. Programs that need more care use WriteCompleteFile.
@@ -18,6 +21,10 @@ bool WriteWholeFile(const std::string& path, const std::string& text);
 /// Makes `path` hold exactly `text`: written beside it first and moved into place when complete, so
 /// that the old content survives every failure. Throws.
 void WriteCompleteFile(const std::string& path, const std::string& text);
+
+/// What stands under a path. What the system does not let be looked at may be there.
+enum class PathState { Nothing, File, Folder, Unknown };
+PathState StateOf(const std::string& path);
 
 /// True when the path's attributes can be read and it is not a folder.
 bool FileExists(const std::string& path);

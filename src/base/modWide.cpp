@@ -15,7 +15,11 @@ std::string ToAnsi(std::wstring_view wide, DWORD flags, const char* standIn, BOO
     const int length =
         WideCharToMultiByte(CP_ACP, flags, wide.data(), size, nullptr, 0, nullptr, nullptr);
     std::string text(static_cast<std::size_t>(length), '\0');
-    WideCharToMultiByte(CP_ACP, flags, wide.data(), size, text.data(), length, standIn, replaced);
+    // A name that turned empty would be another one.
+    if (size != 0 &&
+        (length == 0 || WideCharToMultiByte(CP_ACP, flags, wide.data(), size, text.data(), length,
+                                            standIn, replaced) == 0))
+        ThrowLastError("cannot turn into the system's code page:", "a text");
     return text;
 }
 
@@ -24,6 +28,8 @@ std::wstring FromCodePage(std::string_view text, UINT codePage) {
     std::wstring wide(text.size(), L'\0'); // no code page needs more units than bytes
     wide.resize(static_cast<std::size_t>(
         MultiByteToWideChar(codePage, 0, text.data(), size, wide.data(), size)));
+    if (wide.empty() && size != 0)
+        ThrowLastError("cannot turn into Unicode:", "a text");
     return wide;
 }
 

@@ -5,6 +5,7 @@
 #include "base/FolderEntries.h"
 #include "base/UniqueHandle.h"
 #include "base/modFile.h"
+#include "base/modSystemError.h"
 #include "base/modText.h"
 #include "base/modWide.h"
 
@@ -162,7 +163,10 @@ std::optional<FolderIdentity> clsInstallFolder::Identity() const {
 
 FolderContent clsInstallFolder::Content() const {
     using Kind = FolderContent::Kind;
-    if (!FolderExists(path_))
+    const PathState state = StateOf(path_);
+    if (state == PathState::Unknown)
+        return {Kind::Foreign, 0, true};
+    if (state != PathState::Folder)
         return {};
     if (PlainFileExists(path_ + "\\" + kMarkName) || HasTrace(path_))
         return {Kind::EarlierBuild, 0};
@@ -185,8 +189,15 @@ void clsInstallFolder::Mark() const {
 
 void clsInstallFolder::Unmark() const {
     const std::string mark = path_ + "\\" + kMarkName;
-    if (HasTrace(path_))
-        RemoveOwnFile(mark);
+    bool unknown = false;
+    for (const char* name : kTraces) {
+        const PathState state = StateOf(path_ + "\\" + name);
+        if (state == PathState::File)
+            return RemoveOwnFile(mark);
+        unknown |= state == PathState::Unknown;
+    }
+    if (unknown)
+        ThrowLastError("cannot look at", path_);
 }
 
 } // namespace vesk

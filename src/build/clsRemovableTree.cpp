@@ -160,7 +160,8 @@ clsRemovableTree clsRemovableTree::StartMenuFolder() {
 std::vector<Failure> clsRemovableTree::Remove(const std::function<void()>& meanwhile) const {
     if (const std::string objection = objection_(); !objection.empty())
         return {Failure(ERROR_ACCESS_DENIED, path_, objection)};
-    if (!FolderExists(path_))
+    const PathState state = StateOf(path_);
+    if (state == PathState::Nothing || state == PathState::File)
         return {Failure(ERROR_PATH_NOT_FOUND, path_, SystemErrorText(ERROR_PATH_NOT_FOUND))};
     return Remover(path_, lastName_, meanwhile).Run();
 }

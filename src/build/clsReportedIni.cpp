@@ -43,7 +43,7 @@ void clsReportedIni::SetValue(const std::string& section, const std::string& key
         if (!ini_.SetValue(section, key, value))
             ThrowLastError("cannot write", Path());
         // On a full disk some systems call a file written of which nothing is there.
-        if (!HoldsKey(ReadWholeFile(Path()), key))
+        if (!HoldsKey(ReadFileIfThere(Path()), key))
             ThrowSystemError(ERROR_DISK_FULL, "cannot write", Path());
     };
     // Later values are tried all the same, but one file is one problem.

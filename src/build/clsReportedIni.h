@@ -20,10 +20,11 @@ public:
 
     [[nodiscard]] const std::string& Path() const { return ini_.iniFileName; }
 
-    /// Value of a key; see clsINI.
+    /// Value of a key, empty when there is none; see clsINI. @throws Failure when the file is there
+    /// and was not read
     [[nodiscard]] std::string GetStringValue(const std::string& section,
                                              const std::string& key) const {
-        return ini_.GetStringValue(section, key);
+        return ini_.ReadStringValue(section, key);
     }
 
     /// To be called when a value is used: reports when it is longer than GetStringValue gives it.

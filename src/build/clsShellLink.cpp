@@ -2,12 +2,11 @@
 
 #include "base/Com.h"
 #include "base/modSystemError.h"
+#include "base/modWide.h"
 
 #include <windows.h>
 
 #include <shlobj.h>
-
-#include <vector>
 
 namespace vesk {
 
@@ -17,13 +16,6 @@ void Require(HRESULT result, const std::string& linkFile) {
     if (FAILED(result))
         ThrowSystemError(static_cast<std::uint32_t>(result), "cannot create the shortcut",
                          linkFile);
-}
-
-std::vector<WCHAR> Wide(const std::string& text) {
-    const int length = MultiByteToWideChar(CP_ACP, 0, text.c_str(), -1, nullptr, 0);
-    std::vector<WCHAR> wide(static_cast<std::size_t>(length));
-    MultiByteToWideChar(CP_ACP, 0, text.c_str(), -1, wide.data(), length);
-    return wide;
 }
 
 } // namespace
@@ -49,7 +41,7 @@ void clsShellLink::CreateShellLink(const std::string& LnkFile, const std::string
     void* queried = nullptr;
     Require(link->QueryInterface(IID_IPersistFile, &queried), LnkFile);
     const ComPointer<IPersistFile> file(static_cast<IPersistFile*>(queried));
-    Require(file->Save(Wide(LnkFile).data(), TRUE), LnkFile);
+    Require(file->Save(Widen(LnkFile).c_str(), TRUE), LnkFile);
 }
 
 } // namespace vesk

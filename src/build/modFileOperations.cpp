@@ -27,7 +27,7 @@ std::optional<std::wstring> UsableName(const FolderEntry& entry) {
 /// One folder: its own matches into `found`, its subfolders, the last first, onto `folders`.
 void SearchFolder(const std::wstring& folder, const std::wstring& pattern, const std::string& what,
                   FoundFiles& found, std::vector<std::wstring>& folders) {
-    ForEachEntry(
+    std::uint32_t unread = ForEachEntry(
         folder,
         [&](const FolderEntry& entry) {
             if (entry.size == 0)
@@ -41,10 +41,12 @@ void SearchFolder(const std::wstring& folder, const std::wstring& pattern, const
         pattern);
     const std::size_t first = folders.size();
     // A link is not entered: what lies behind it is not part of the build tree.
-    const std::uint32_t unread = ForEachEntry(folder, [&](const FolderEntry& entry) {
+    const std::uint32_t unlisted = ForEachEntry(folder, [&](const FolderEntry& entry) {
         if (entry.IsPlainFolder())
             folders.push_back(folder + UsableName(entry).value_or(entry.name) + L"\\");
     });
+    if (unlisted != ERROR_SUCCESS)
+        unread = unlisted;
     if (unread != ERROR_SUCCESS && unread != ERROR_PATH_NOT_FOUND)
         found.problems.push_back({Narrowed(folder), what, AsReason(SystemErrorText(unread))});
     std::reverse(folders.begin() + static_cast<std::ptrdiff_t>(first), folders.end());
@@ -83,7 +85,7 @@ bool DeleteFolderLogged(const clsBuildContext& context, const clsRemovableTree& 
     for (const Failure& failure : tree.Remove([&] { context.frontEnd.LetEventsRun(); })) {
         const bool isMissing =
             failure.number == ERROR_PATH_NOT_FOUND && failure.source == tree.Path();
-        if (isMissing && !FileExists(tree.Path()))
+        if (isMissing && StateOf(tree.Path()) == PathState::Nothing)
             continue; // it was not there: then it is as it should be
         removed = false;
         context.report({failure.source, "not removed", ReasonOf(failure)});

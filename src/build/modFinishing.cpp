@@ -31,7 +31,8 @@ void CopyReadMe(const clsBuildContext& context) {
 bool RenewStartMenu(const clsBuildContext& context, const std::string& startMenu) {
     return context.ResumeNext({startMenu, "not made"}, [&] {
         const clsRemovableTree old = clsRemovableTree::StartMenuFolder();
-        if (FolderExists(old.Path()))
+        const PathState state = StateOf(old.Path());
+        if (state == PathState::Folder || state == PathState::Unknown)
             DeleteFolderLogged(context, old);
         if (HasLinkBelow(ParentOf(old.Path()), old.Path()))
             throw std::runtime_error("a link stands in its place");

@@ -28,7 +28,7 @@ std::string ModifyingLine(const std::string& inf, const std::string& what) {
 void RequireReadable(const std::string& inf) {
     if (inf.size() >= MAX_PATH)
         ThrowSystemError(ERROR_FILENAME_EXCED_RANGE, "cannot read", inf);
-    // Shared as ReadWholeFile does, or the answer would be another one.
+    // Shared as ReadFileIfThere does, or the answer would be another one.
     const FileHandle file(CreateFileA(inf.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
                                       nullptr, OPEN_EXISTING, 0, nullptr));
     const DWORD error = GetLastError();
@@ -43,7 +43,7 @@ clsBuildContext EditingContext(const clsBuildContext& context, const std::string
 }
 
 void CommentOutAppendMenu(const clsBuildContext& context, const std::string& inf) {
-    const std::string text = ReadWholeFile(inf);
+    const std::string text = ReadFileIfThere(inf);
     if (text.starts_with(kUtf16Mark) && CommentedOutAppendMenu(AsciiOfUtf16(text)))
         context.report({inf, "[Append] not commented out", kIsUtf16});
     const auto edited = CommentedOutAppendMenu(text);
@@ -56,7 +56,7 @@ void CommentOutAppendMenu(const clsBuildContext& context, const std::string& inf
 }
 
 std::string GetAppendMenuFile(const std::string& inf) {
-    return AppendMenuFile(ReadWholeFile(inf));
+    return AppendMenuFile(ReadFileIfThere(inf));
 }
 
 void OnPluginMenuFile(const std::string& path) {

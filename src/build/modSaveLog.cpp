@@ -11,7 +11,8 @@ namespace {
 void Save(const std::string& path, const std::string& text) {
     if (!text.empty())
         WriteCompleteFile(path, text);
-    else if (FileExists(path))
+    else if (const PathState state = StateOf(path);
+             state == PathState::File || state == PathState::Unknown)
         RemoveFile(path);
 }
 

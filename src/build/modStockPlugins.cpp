@@ -52,7 +52,7 @@ constexpr std::array<StockPlugin, 17> kRelocatedPlugins = {{
 /// What PE Builder's archive did not bring is nothing that was left undone: its lines are logged as
 /// ever, and there is nothing to report.
 void RemoveStockFile(const clsBuildContext& context, const std::string& path) {
-    if (FileExists(path) || FolderExists(path))
+    if (StateOf(path) != PathState::Nothing)
         context.ResumeNext({path, "not removed"}, [&] { DeleteFileLogged(context, path); });
     else
         ResumeNext([](const Problem&) {}, {}, [&] { DeleteFileLogged(context, path); });
@@ -64,10 +64,11 @@ void RelocateStockPlugin(clsBuildContext& context, const StockPlugin& plugin) {
     const auto relocate = [&plugin](clsBuildContext& in) {
         RelocatePluginToCategory(in, plugin.inf, plugin.prefix);
     };
-    if (!FolderExists(folder)) {
+    const PathState state = StateOf(folder);
+    if (state == PathState::Nothing || state == PathState::File) {
         clsBuildContext absent = context.Silent();
         absent.ResumeNext({}, [&] { relocate(absent); });
-        if (FileExists(folder))
+        if (state == PathState::File)
             context.report({folder, "not moved into its category", "it is a file"});
         return;
     }
@@ -81,7 +82,8 @@ void PruneStockPlugins(clsBuildContext& context) {
     const std::string isoWriter = context.InstallFolder() + "\\mkisofs.exe";
     context.Log("Renaming File: mkisofs.exe to mymkisofs.exe");
     // What PE Builder's archive did not bring is nothing that was left undone.
-    if (FileExists(isoWriter))
+    const PathState state = StateOf(isoWriter);
+    if (state == PathState::File || state == PathState::Unknown)
         context.ResumeNext({isoWriter, "not renamed"}, [&] {
             MovePath(isoWriter, context.InstallFolder() + "\\mymkisofs.exe");
         });

@@ -1,5 +1,6 @@
 #include "catalogue/clsINI.h"
 
+#include "base/modSystemError.h"
 #include "catalogue/modNameList.h"
 
 #include <windows.h>
@@ -44,6 +45,17 @@ bool clsINI::IsCut(const std::string& section, const std::string& key) const {
     return GetStringValue(section, key).size() == kValueSize - 1 &&
            ReadProfile(section.c_str(), key.c_str(), kRoomForMore, iniFileName).size() >=
                kValueSize;
+}
+
+std::string clsINI::ReadStringValue(const std::string& section, const std::string& key) const {
+    SetLastError(ERROR_SUCCESS);
+    std::string value = GetStringValue(section, key);
+    const DWORD error = GetLastError();
+    const bool isAnswer = error == ERROR_SUCCESS || error == ERROR_FILE_NOT_FOUND ||
+                          error == ERROR_PATH_NOT_FOUND || error == ERROR_MORE_DATA;
+    if (value.empty() && !isAnswer)
+        ThrowSystemError(error, "cannot read", iniFileName);
+    return value;
 }
 
 int clsINI::GetIntValue(const std::string& section, const std::string& key) const {

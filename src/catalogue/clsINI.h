@@ -7,8 +7,9 @@
 namespace vesk {
 
 /// One INI file through the platform's profile functions. Keeps no handle: every call opens and
-/// closes the file. Nothing is thrown; failures give empty results or unwritten values. A path of
-/// MAX_PATH characters or more is never handed to the platform, which would take it for another.
+/// closes the file. Unless told otherwise nothing is thrown; failures give empty results or
+/// unwritten values. A path of MAX_PATH characters or more is never handed to the platform, which
+/// would take it for another.
 class clsINI {
 public:
     clsINI() = default;
@@ -22,6 +23,11 @@ public:
 
     /// True when GetStringValue leaves out the end of a key's value.
     [[nodiscard]] bool IsCut(const std::string& section, const std::string& key) const;
+
+    /// The same where a file that is not read must not pass for one without the key.
+    /// @throws Failure as far as the platform tells
+    [[nodiscard]] std::string ReadStringValue(const std::string& section,
+                                              const std::string& key) const;
 
     /// Value of a key as a number; 0 when missing or not a number.
     [[nodiscard]] int GetIntValue(const std::string& section, const std::string& key) const;

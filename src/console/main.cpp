@@ -76,7 +76,7 @@ std::vector<Problem> TickAll(Catalogue& catalogue, const std::vector<std::string
 /// The Windows source as the options name it, and what it tells.
 SourceCheck TakeSource(const ConsoleOptions& options, SourceState& source) {
     if (!options.source)
-        return {"", true, ""};
+        return {"", true, "", ""};
     try {
         return CheckSourceFolder(AbsolutePath(*options.source), source);
     } catch (const Failure& failure) {
@@ -140,6 +140,8 @@ int RunBuild(const ConsoleOptions& options, const std::string& programPath, Cata
     if (!check.usable)
         frontEnd.ReportProblem(
             {check.path, "not usable as Windows source", "it has no I386 folder of a Windows CD"});
+    if (!check.unread.empty())
+        frontEnd.ReportProblem({check.path, "product and service pack not read", check.unread});
     const BuildOutcome outcome = clsBuildRun(inputs, catalogue, frontEnd).Run();
     const bool isPrinted = clsTerminal::OutputIsWhole();
     if (!isPrinted)

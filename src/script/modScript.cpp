@@ -78,7 +78,7 @@ void ProcessScript(const std::string& scriptPath, const std::string& sectionName
 std::vector<std::string> ReadFileLines(const std::string& path) {
     if (!FileExists(path))
         return {};
-    return SplitScriptLines(ReadWholeFile(path));
+    return SplitScriptLines(ReadFileIfThere(path));
 }
 
 bool IsLineInFile(const std::string& path, const std::string& line) {

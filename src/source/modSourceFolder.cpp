@@ -1,5 +1,7 @@
 #include "source/modSourceFolder.h"
 
+#include "base/Failure.h"
+#include "base/Problem.h"
 #include "base/modFile.h"
 #include "base/modText.h"
 #include "catalogue/clsINI.h"
@@ -39,9 +41,13 @@ SourceCheck CheckSourceFolder(const std::string& chosenPath, SourceState& state)
     if (!check.usable)
         return check; // a source chosen earlier in the same run still counts
     state.valid = true;
-    const SourceProduct product = ReadSourceProduct(i386);
-    ApplySourceProduct(product, state);
-    check.productLabel = product.productName + " " + UpperCase(product.servicePackTag);
+    try {
+        const SourceProduct product = ReadSourceProduct(i386);
+        ApplySourceProduct(product, state);
+        check.productLabel = product.productName + " " + UpperCase(product.servicePackTag);
+    } catch (const Failure& failure) {
+        check.unread = ReasonOf(failure);
+    }
     return check;
 }
 
@@ -52,8 +58,8 @@ bool IsI386Folder(const std::string& folder) {
 
 SourceProduct ReadSourceProduct(const std::string& i386Folder) {
     const clsINI layout(i386Folder + "LAYOUT.INF");
-    return {layout.GetStringValue("Strings", "productname"),
-            ExtensionOf(layout.GetStringValue("Strings", "spcdtagfilei"))};
+    return {layout.ReadStringValue("Strings", "productname"),
+            ExtensionOf(layout.ReadStringValue("Strings", "spcdtagfilei"))};
 }
 
 void ApplySourceProduct(const SourceProduct& product, SourceState& state) {

@@ -12,6 +12,7 @@ struct SourceCheck {
     std::string path;
     bool usable = false;      ///< Shown as green (usable) or dark red text.
     std::string productLabel; ///< Product name and service pack; empty when not usable.
+    std::string unread;       ///< Why product and service pack could not be read; mostly empty.
 };
 
 /// Looks at a folder (or a file in it) that the user chose as Windows source, and takes over what
@@ -21,7 +22,7 @@ SourceCheck CheckSourceFolder(const std::string& chosenPath, SourceState& state)
 /// True when the folder (ending in "\") directly holds the three files that make it an I386 folder.
 bool IsI386Folder(const std::string& folder);
 
-/// What LAYOUT.INF in an I386 folder (ending in "\") tells.
+/// What LAYOUT.INF in an I386 folder (ending in "\") tells. @throws Failure when it is not read
 struct SourceProduct {
     std::string productName;
     std::string servicePackTag; ///< Extension of the spcdtagfilei value, as written; may be empty.

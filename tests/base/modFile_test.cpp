@@ -29,6 +29,27 @@ TEST_CASE("whole files: bytes survive, read-only files are rewritten, an old tai
     CHECK(ReadWholeFile(folder.Path()).empty());
 }
 
+TEST_CASE("what is there and cannot be read does not pass for an empty file") {
+    const TestFolder folder;
+    const std::string path = folder.Write("a.txt", "text");
+    CHECK(ReadFileIfThere(path) == "text");
+    CHECK(ReadFileIfThere(folder / "none").empty());
+    CHECK(ReadFileIfThere(folder / "none\\none").empty());
+    CHECK_THROWS_AS(ReadFileIfThere(folder.Path()), Failure);
+    const FileHandle lock = OpenExclusively(path);
+    CHECK_THROWS_AS(ReadFileIfThere(path), Failure);
+    CHECK(ReadWholeFile(path).empty());
+}
+
+TEST_CASE("what stands under a path") {
+    const TestFolder folder;
+    const std::string path = folder.Write("a.txt", "text");
+    CHECK(StateOf(path) == PathState::File);
+    CHECK(StateOf(folder.Path()) == PathState::Folder);
+    for (const char* missing : {"b.txt", "b\\a.txt", "a?b"})
+        CHECK(StateOf(folder / missing) == PathState::Nothing);
+}
+
 TEST_CASE("a complete file replaces the old one, or leaves it as it was") {
     const TestFolder folder;
     const std::string path = folder.Write("a.ini", "a long old text");

@@ -10,8 +10,9 @@ import unittest
 from program import PROGRAMS, ProgramTest
 
 # What every Windows takes from its own folder, whatever lies beside a program: the libraries that it
-# knows by name, and the controls, which the program's manifest names.
-SAFE = {"advapi32", "comctl32", "comdlg32", "gdi32", "kernel32", "msvcrt", "ole32", "oleaut32",
+# knows by name, and those that stand side by side, which a manifest names: the program's own the
+# controls, the system's own GDI+.
+SAFE = {"advapi32", "comctl32", "comdlg32", "gdi32", "gdiplus", "kernel32", "msvcrt", "ole32", "oleaut32",
         "shell32", "user32", "ws2_32"}
 LOADED = ("advpack", "cabinet", "cryptsp", "rsaenh", "wininet")
 FLAGS = {"HIGH_ENTROPY_VA": 0x20, "DYNAMIC_BASE": 0x40, "NX_COMPAT": 0x100,

@@ -1,0 +1,104 @@
+#!/usr/bin/env python3
+"""Builds, saves the log and saves the catalogue on disks that fill at any moment: it is told, and no
+file stands half under its final name.
+
+    disk_full_test.py PROGRAM SAVE_TOOL LEVELS WINE...
+"""
+
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+
+from failures import Builder, Fault
+from sample import windows_path
+
+BLOCK = 4096
+SKIPPED = 77
+
+
+class Disk:
+    """A small disk in memory, as large as is asked for."""
+
+    def __init__(self, place):
+        self.place = place
+        place.mkdir()
+
+    def mount(self, blocks):
+        self.unmount()
+        return subprocess.run(["mount", "-t", "tmpfs", "-o", f"size={blocks * BLOCK}", "tmpfs",
+                               self.place], capture_output=True, check=False).returncode == 0
+
+    def unmount(self):
+        while self.place.is_mount():
+            subprocess.run(["umount", self.place], check=True)
+
+
+def build(builder, disk, blocks):
+    """A build on a disk that has room for so many blocks beside what is there before."""
+    disk.mount(100000)
+    builder.sample.fill(builder.run_folder, builder.program)
+    used = sum(-(-path.stat().st_size // BLOCK) for path in builder.run_folder.rglob("*")
+               if path.is_file() and not path.is_symlink())
+    disk.mount(used + blocks)
+    run = builder.build(Fault())
+    return run, builder.judge(Fault(), run)
+
+
+def save(tool, wine, sample, disk, blocks):
+    """The catalogue saved where so many blocks are free, the longer text first or second."""
+    disk.mount(16 + blocks)
+    shutil.copy(sample / "veskbuilder.ini", disk.place)
+    (disk.place / "rest").write_bytes(b"x" * BLOCK * 15)
+    code = subprocess.run([*wine, str(tool), windows_path(disk.place) + "\\", "2"], check=False,
+                          stdin=subprocess.DEVNULL, capture_output=True).returncode
+    text = (disk.place / "veskbuilder.ini").read_text("cp1252")
+    whole = text.rstrip().endswith("500=500_security") and "Name6=Pressed" in text
+    left = [path.name for path in disk.place.iterdir()]
+    found = [] if whole else [f"half a catalogue, {len(text)} characters"]
+    found += [] if sorted(left) == ["rest", "veskbuilder.ini"] else [f"left behind: {left}"]
+    return code, found + (["code 0, not saved"] if code == 0 and len(text) < 9000 else [])
+
+
+def main(program, save_tool, levels, *wine):
+    folder = pathlib.Path(tempfile.mkdtemp(prefix="vesk-disk-"))
+    disk = Disk(folder / "small")
+    builder = None
+    try:
+        if not disk.mount(16):
+            print("no small disk can be mounted")
+            return SKIPPED
+        builder = Builder(folder, pathlib.Path(program).resolve(), wine, "build", large=100000)
+        builder.run_folder = disk.place / "run"
+        builder.arguments[1] = windows_path(builder.run_folder / "tree")
+        disk.mount(100000)
+        builder.good = builder.build(Fault())
+        need = sum(-(-size // BLOCK) for _, size, *_ in
+                   (what for what in builder.good.made.values() if what != "folder"))
+        found, whole = [], 0
+        for level in range(int(levels)):
+            blocks = level * (need + 4) // (int(levels) - 1)
+            run, wrong = build(builder, disk, blocks)
+            whole += run.code == 0
+            found += [f"{blocks} blocks: {what}" for what in wrong]
+        saved = 0
+        for blocks in range(8):
+            code, wrong = save(pathlib.Path(save_tool).resolve(), wine,
+                               folder / "build/sample/program", disk, blocks)
+            saved += code == 0
+            found += [f"catalogue, {blocks} blocks: {what}" for what in wrong]
+        print(*found, sep="\n")
+        print(f"{levels} fill levels from 0 to {need + 4} blocks, {whole} builds whole; 8 of the "
+              f"catalogue, {saved} saved; {len(found)} found wrong")
+        # With no room at all nothing can be whole, and with all room everything is.
+        return 1 if found or not 0 < whole < int(levels) or not 0 < saved < 8 else 0
+    finally:
+        if builder:
+            builder.stop()
+        disk.unmount()
+        shutil.rmtree(folder, ignore_errors=True)
+
+
+if __name__ == "__main__":
+    sys.exit(main(*sys.argv[1:]))

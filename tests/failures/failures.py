@@ -1,0 +1,278 @@
+#!/usr/bin/env python3
+"""Makes single calls of a build fail and looks whether the program tells the truth about it.
+
+    failures.py [--all | --every | --one CALL NUMBER REASON] [--only CALLS] [--part 1/2]
+                [--workers N] PROGRAM WINE...
+
+--all tries each call of the functions that are called seldom, and of the others the first one from
+each place in the program, for each reason; --every tries each call; without either one call of each
+function is drawn: the first, the last or one between.
+"""
+
+import argparse
+import dataclasses
+import os
+import pathlib
+import queue
+import random
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+import threading
+
+from sample import Sample, picture, serve, windows_path
+
+SELDOM = 60  # calls of a function of which each is tried
+LAST_LINE = "click 'Finish' to exit"
+ENDS = (0, 1, 2, 3, 5)  # exit codes of runs that began: done, with problems, failed, aborted, no PE
+REFUSALS = (4, 64, 70)
+DISK_FULL = 112
+PRINTING = ("fwrite", "fflush", "fputs")  # what may keep log and problems from being shown
+
+
+@dataclasses.dataclass(frozen=True)
+class Fault:
+    call: str = ""
+    number: int = 0
+    reason: int = 0
+    on: bool = False  # each later call fails as well
+
+    def __str__(self):
+        return f"{self.call} {self.number} {self.reason}{' on' if self.on else ''}"
+
+
+@dataclasses.dataclass
+class Run:
+    code: int | None  # None: it hung
+    lines: list
+    errors: str
+    made: dict
+    calls: dict = dataclasses.field(default_factory=dict)
+    reasons: dict = dataclasses.field(default_factory=dict)
+    places: dict = dataclasses.field(default_factory=dict)
+    open: dict = dataclasses.field(default_factory=dict)
+    values: list = dataclasses.field(default_factory=list)
+
+    def read(self, report):
+        for line in report.read_text("cp1252").splitlines():
+            kind, rest = line.split(" ", 1)
+            if kind == "value":
+                self.values.append(rest)
+                continue
+            name, *numbers = re.match(r"(.*?)((?: -?\d+)+)$", rest).group(1, 2)
+            numbers = [int(number) for number in numbers[0].split()]
+            if kind == "call":
+                self.calls[name], self.reasons[name] = numbers[0], numbers[1:]
+            elif kind == "open":
+                self.open[name] = numbers[0]
+            else:
+                self.places.setdefault(name, []).append(numbers[0])
+
+
+class Builder:
+    """Builds the sample in a folder of its own, with one call failing."""
+
+    def __init__(self, folder, program, wine, name, **sample):
+        self.folder, self.program, self.wine = folder / name, program, wine
+        self.key = f"Software\\Vesk Builder Failures {name}"
+        self.sample = Sample(self.folder / "sample", self.key, **sample)
+        self.server, port = serve(self.folder / "sample")
+        self.run_folder = self.folder / "run"
+        self.arguments = ["--install", windows_path(self.run_folder / "tree"), "--source",
+                          windows_path(self.folder / "sample/source"), "--yes", "--timeout", "3",
+                          "--proxy", f"127.0.0.1:{port}"]
+        self.good = self.build(Fault(), places=True)
+
+    def stop(self):
+        self.server.kill()
+        self.server.stdout.close()
+        self.server.wait()
+
+    def build(self, fault, places=False, fresh=True, after=None):
+        """@param fresh whether program folder and tree are made anew before
+        @param after seconds after which the program is ended"""
+        report = self.folder / "report"
+        report.unlink(missing_ok=True)
+        if fresh:
+            self.sample.fill(self.run_folder, self.program)
+        environment = dict(
+            os.environ, VESK_FAIL_CALL=fault.call, VESK_FAIL_AT=str(fault.number),
+            VESK_FAIL_WITH=str(fault.reason), VESK_FAIL_ON=str(int(fault.on)),
+            VESK_FAIL_REPORT=windows_path(report), VESK_FAIL_KEY=self.key,
+            VESK_FAIL_SHELL=windows_path(self.run_folder / "shell"),
+            VESK_FAIL_PLACES=str(int(places)))
+        process = subprocess.Popen(
+            [*self.wine, str(self.run_folder / "program/veskbuild.exe"), *self.arguments],
+            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+            env=environment)
+        try:
+            output, errors = process.communicate(timeout=60 if after is None else after)
+            code = process.returncode
+        except subprocess.TimeoutExpired:
+            process.kill()
+            output, errors = process.communicate()
+            code = None
+        errors = "".join(line for line in errors.decode("cp1252").splitlines(True)
+                         if line.startswith("veskbuild:"))
+        run = Run(code, output.decode("cp1252").splitlines(), errors, picture(self.run_folder))
+        if report.exists():
+            run.read(report)
+        return run
+
+    def judge(self, fault, run):
+        """What is wrong with a run; nothing when the program told the truth."""
+        if run.code is None:
+            return ["hang"]
+        if not run.calls or run.code not in ENDS + REFUSALS:
+            return [f"crash: exit code {run.code}"]
+        own = ("program/veskbuider.log", "program/veskbuilder-problems.txt")
+        differing = sorted(name for name in run.made.keys() | self.good.made.keys()
+                           if run.made.get(name) != self.good.made.get(name) and name not in own)
+        if run.values != self.good.values:
+            differing.append("registry")
+        told = bool(run.errors) or own[1] in run.made or fault.call in PRINTING
+        found = []
+        if run.code == 0 and (differing or run.errors):
+            found.append(f"false success: {differing[:3]} {run.errors[:200]}")
+        elif run.code != 0 and not told:
+            found.append(f"silent: exit code {run.code}, {differing[:3]}")
+        if run.code in ENDS and run.lines[-1:] != [LAST_LINE] and fault.call not in PRINTING:
+            found.append("log: its last line is missing")
+        if run.code in ENDS and own[0] not in run.made and "veskbuider.log: not saved" not in run.errors:
+            found.append("log: not saved, and not told")
+        for name, content in self.sample.archives.items():
+            path = self.run_folder / "program" / name
+            if path.exists() and path.read_bytes() != content:
+                found.append(f"half an archive: {name}")
+        found += [f"left open: {count} {kind}" for kind, count in run.open.items()
+                  if count > self.good.open[kind]]
+        return found
+
+
+def plan(good, how):
+    """The failures to try, for each function: (call, number, reason)."""
+    draw = random.Random(1)
+    faults = []
+    for call, count in good.calls.items():
+        if count == 0 or not good.reasons[call]:
+            continue
+        numbers = [draw.choice([1, count, draw.randint(1, count)])]
+        if how == "every" or (how == "all" and count <= SELDOM and call != "operator new"):
+            numbers = range(1, count + 1)
+        elif how == "all":
+            numbers = sorted({count} | set(good.places[call]))
+        for number in numbers:
+            reasons = good.reasons[call]
+            if how == "few":
+                reasons = [draw.choice(reasons)]
+            faults += [Fault(call, number, reason) for reason in reasons]
+            if DISK_FULL in reasons and how != "few":
+                faults.append(Fault(call, number, DISK_FULL, True))
+    draw.shuffle(faults)
+    return faults
+
+
+class Campaign:
+    """All planned failures, by several workers."""
+
+    def __init__(self, program, wine, how, workers=1):
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="vesk-failures-"))
+        self.builders = [Builder(self.folder, program, wine, f"w{i}") for i in range(workers)]
+        self.good = self.builders[0].good
+        self.faults = plan(self.good, how)
+        self.tried, self.whole, self.found = {}, {}, []
+
+    def run(self, tell=lambda text: None):
+        waiting = queue.SimpleQueue()
+        for fault in self.faults:
+            waiting.put(fault)
+
+        def work(builder):
+            while True:
+                try:
+                    fault = waiting.get_nowait()
+                except queue.Empty:
+                    return
+                run = builder.build(fault)
+                wrong = builder.judge(fault, run)
+                self.tried[fault.call] = self.tried.get(fault.call, 0) + 1
+                if sum(self.tried.values()) % 100 == 0:
+                    tell(f"{sum(self.tried.values())} tried")
+                if run.code == 0:
+                    self.whole[fault.call] = self.whole.get(fault.call, 0) + 1
+                for what in wrong:
+                    self.found.append((fault, what))
+                    tell(f"{fault}: {what}")
+
+        threads = [threading.Thread(target=work, args=(builder,), daemon=True) for builder in self.builders]
+        for thread in threads:
+            thread.start()
+        for thread in threads:
+            thread.join()
+
+    def close(self):
+        for builder in self.builders:
+            builder.stop()
+        shutil.rmtree(self.folder, ignore_errors=True)
+
+    def table(self):
+        kinds = ("false success", "silent", "crash", "hang", "log", "half an archive", "left open")
+        lines = [f"{'function':32}{'calls':>7}{'tried':>7}{'whole':>7}" +
+                 "".join(f"{kind:>16}" for kind in kinds)]
+        sums = [0] * (3 + len(kinds))
+        for call, tried in self.tried.items():
+            row = [self.good.calls[call], tried, self.whole.get(call, 0)]
+            row += [sum(1 for fault, what in self.found if fault.call == call
+                        and what.startswith(kind)) for kind in kinds]
+            sums = [a + b for a, b in zip(sums, row)]
+            lines.append(f"{call:32}{row[0]:7}{row[1]:7}{row[2]:7}" +
+                         "".join(f"{number:16}" for number in row[3:]))
+        lines.append(f"{'in all':32}{sums[0]:7}{sums[1]:7}{sums[2]:7}" +
+                     "".join(f"{number:16}" for number in sums[3:]))
+        silent = [call for call, count in self.good.calls.items() if count == 0]
+        lines.append("never called by the sample's build: " + ", ".join(silent))
+        return "\n".join(lines)
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("program", type=pathlib.Path)
+    parser.add_argument("wine", nargs="+")
+    parser.add_argument("--all", action="store_const", const="all", dest="how", default="few")
+    parser.add_argument("--every", action="store_const", const="every", dest="how")
+    parser.add_argument("--one", nargs="+")
+    parser.add_argument("--only", default=".")
+    parser.add_argument("--part", default="1/1", help="2/3: the second third of them")
+    parser.add_argument("--workers", type=int, default=2)
+    options = parser.parse_args()
+    workers = 1 if options.one else options.workers
+    campaign = Campaign(options.program.resolve(), options.wine, options.how, workers)
+    try:
+        if options.one:
+            call, number, reason, *on = options.one
+            fault = Fault(call, int(number), int(reason), bool(on))
+            builder = campaign.builders[0]
+            run = builder.build(fault)
+            print("\n".join(run.lines), run.errors, run.code, *builder.judge(fault, run), sep="\n")
+            differing = {name: (run.made.get(name), builder.good.made.get(name))
+                         for name in run.made.keys() | builder.good.made.keys()
+                         if run.made.get(name) != builder.good.made.get(name)}
+            print(*differing.items(), sep="\n")
+            return
+        if campaign.good.code != 0 or campaign.good.errors:
+            sys.exit(f"the build fails without a failure: {campaign.good}")
+        part, parts = map(int, options.part.split("/"))
+        campaign.faults = [fault for fault in campaign.faults
+                           if re.search(options.only, fault.call)][part - 1::parts]
+        print(f"{len(campaign.faults)} failures to try", flush=True)
+        campaign.run(lambda text: print(text, flush=True))
+        print(campaign.table())
+        sys.exit(1 if campaign.found else 0)
+    finally:
+        campaign.close()
+
+
+if __name__ == "__main__":
+    main()

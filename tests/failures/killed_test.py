@@ -1,0 +1,130 @@
+#!/usr/bin/env python3
+"""Ends builds and saves of the catalogue at random moments, downloads included: whatever the moment,
+no file stands half under its final name, and the next build ends whole.
+
+    killed_test.py PROGRAM SAVE_TOOL RUNS SEED WINE...
+"""
+
+import http.server
+import pathlib
+import random
+import shutil
+import subprocess
+import sys
+import tempfile
+import threading
+import time
+
+from failures import LAST_LINE, Builder, Fault
+from sample import picture, windows_path
+
+
+class Slow(http.server.BaseHTTPRequestHandler):
+    """Sends an archive in pieces, so that many moments lie within a download."""
+    protocol_version = "HTTP/1.1"
+    archives = {}
+
+    def do_GET(self):
+        content = self.archives[self.path.rsplit("/", 1)[-1]]
+        self.send_response(200)
+        self.send_header("Content-Length", str(len(content)))
+        self.end_headers()
+        for start in range(0, len(content), 200):
+            try:
+                self.wfile.write(content[start:start + 200])
+            except OSError:
+                return
+            time.sleep(0.02)
+
+    def log_message(self, *_):
+        pass
+
+
+class Killed:
+    def __init__(self, program, save_tool, seed, wine):
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="vesk-killed-"))
+        self.save_tool, self.wine, self.draw = save_tool, wine, random.Random(seed)
+        self.builder = Builder(self.folder, program, wine, "killed")
+        self.builder.stop()
+        Slow.archives = self.builder.sample.archives
+        self.server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Slow)
+        threading.Thread(target=self.server.serve_forever, daemon=True).start()
+        self.builder.arguments[-1] = f"127.0.0.1:{self.server.server_port}"
+        start = time.monotonic()
+        self.good = self.builder.build(Fault())
+        self.length = time.monotonic() - start
+        self.unfinished = self.downloading = 0
+
+    def close(self):
+        self.server.shutdown()
+        self.server.server_close()
+        shutil.rmtree(self.folder, ignore_errors=True)
+
+    def tree(self, made):
+        return {name: what for name, what in made.items() if name.startswith("tree/")}
+
+    def build(self):
+        """One build killed and one that goes through. @return what is wrong"""
+        killed = self.builder.build(Fault(), after=self.draw.uniform(0, self.length))
+        found = []
+        program = self.builder.run_folder / "program"
+        for name, content in self.builder.sample.archives.items():
+            path = program / name
+            if path.exists() and path.read_bytes() != content:
+                found.append(f"half an archive: {name}")
+        self.downloading += any(program.glob("*.zip.*"))
+        log = program / "veskbuider.log"
+        if log.exists() and LAST_LINE not in log.read_text("cp1252"):
+            found.append("half a log")
+        marked = "tree/veskbuild.unfinished" in killed.made
+        self.unfinished += marked
+        tree = self.tree(killed.made)
+        if not marked and tree not in ({}, self.tree(self.good.made), self.old_tree()):
+            found.append(f"a tree that is not whole bears no mark: {sorted(tree)[:5]}")
+        again = self.builder.build(Fault(), fresh=False)
+        if again.code != 0 or again.errors or self.tree(again.made) != self.tree(self.good.made):
+            differing = [name for name in again.made.keys() | self.good.made.keys()
+                         if again.made.get(name) != self.good.made.get(name)]
+            found.append(f"the next build: {again.code} {again.errors} {differing[:5]}")
+        return found
+
+    def old_tree(self):
+        """What a build finds; the tree's own folder made or marked is no difference."""
+        place = self.folder / "old"
+        self.builder.sample.fill(place, self.builder.program)
+        return self.tree(picture(place))
+
+    def save(self):
+        """The catalogue saved over and over until killed: it is one of the two that are saved."""
+        place = self.folder / "catalogue"
+        shutil.rmtree(place, ignore_errors=True)
+        shutil.copytree(self.folder / "killed/sample/program", place)
+        process = subprocess.Popen([*self.wine, str(self.save_tool), windows_path(place) + "\\"],
+                                   stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                                   stderr=subprocess.DEVNULL)
+        time.sleep(self.draw.uniform(0, 0.4))
+        process.kill()
+        process.wait()
+        text = (place / "veskbuilder.ini").read_text("cp1252")
+        whole = text.rstrip().endswith("500=500_security") and "Name6=Pressed" in text
+        return [] if whole else [f"half a catalogue: {len(text)} characters"]
+
+
+def main(program, save_tool, runs, seed, *wine):
+    killed = Killed(pathlib.Path(program).resolve(), pathlib.Path(save_tool).resolve(), int(seed),
+                    list(wine))
+    try:
+        found = []
+        for i in range(int(runs)):
+            found += [f"run {i}: {what}" for what in killed.build() + killed.save()]
+        print(*found, sep="\n")
+        print(f"{runs} builds and {runs} saves killed; {killed.unfinished} left a marked tree, "
+              f"{killed.downloading} a part of a download; {len(found)} found wrong")
+        # If no kill hit a build at work, the moments were drawn from the wrong span.
+        return 1 if found or killed.unfinished == 0 else 0
+    finally:
+        killed.close()
+
+
+if __name__ == "__main__":
+    sys.exit(main(*sys.argv[1:]))
