@@ -2,6 +2,9 @@
 
 #include <windows.h>
 
+#include <delayimp.h>
+
+#include <cstdlib>
 #include <string>
 
 namespace vesk {
@@ -14,7 +17,19 @@ Function KernelFunction(const char* name) {
         reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("kernel32.dll"), name)));
 }
 
+void (*missingLibraryHandler)(const char* library) = nullptr;
+
+FARPROC WINAPI EndForMissingLibrary(unsigned /*stage*/, PDelayLoadInfo info) {
+    missingLibraryHandler(info->szDll);
+    std::_Exit(EXIT_FAILURE);
+}
+
 } // namespace
+
+void OnMissingLibrary(void (*handler)(const char* library)) {
+    missingLibraryHandler = handler;
+    __pfnDliFailureHook2 = &EndForMissingLibrary;
+}
 
 void LoadFromSystemOnly() {
     constexpr DWORD kSystemFolder = 0x800;

@@ -6,6 +6,11 @@ namespace vesk {
 /// beside a downloaded program must not become a part of it. To be called first thing.
 void LoadFromSystemOnly();
 
+/// Sets what is done when a library that is loaded at the first call of one of its functions cannot
+/// be had. That call cannot be taken back: after the handler the program ends in any case.
+/// @param handler is given the library's name; it may call kernel32 and the runtime only
+void OnMissingLibrary(void (*handler)(const char* library));
+
 /// Address of a function in a library of the system's own folder ("version.dll"), which is loaded
 /// and stays loaded. Null when there is none.
 void* FindSystemFunction(const char* library, const char* function);

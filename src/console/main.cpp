@@ -19,6 +19,7 @@
 #include <windows.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <optional>
 #include <string>
 #include <vector>
@@ -237,5 +238,11 @@ int Main(int count, const wchar_t* const* words) {
 
 int wmain(int count, wchar_t** words) {
     vesk::LoadFromSystemOnly();
+    vesk::OnMissingLibrary([](const char* library) {
+        std::fprintf(stderr, "veskbuild: the program itself failed: %s cannot be loaded\n",
+                     library);
+        std::fflush(stderr);
+        std::_Exit(vesk::kProgramFailed);
+    });
     return vesk::Main(count, words);
 }

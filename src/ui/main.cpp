@@ -109,6 +109,7 @@ int Main(const char* commandLine) {
 
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR lpCmdLine, int) {
     vesk::LoadFromSystemOnly();
+    vesk::OnMissingLibrary([](const char* library) { FatalAppExitA(0, library); });
     try {
         return vesk::Main(lpCmdLine);
     } catch (const std::exception& failure) {

@@ -15,6 +15,7 @@
 #include <fdi.h>
 #include <shellapi.h>
 #include <shlobj.h>
+#include <wincrypt.h>
 #include <wininet.h>
 
 #include <algorithm>

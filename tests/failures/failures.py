@@ -125,6 +125,8 @@ class Builder:
         """What is wrong with a run; nothing when the program told the truth."""
         if run.code is None:
             return ["hang"]
+        if run.code == 70 and run.errors and not run.calls:
+            return []  # ended where it stood, and told why: a library of the system was not there
         if not run.calls or run.code not in ENDS + REFUSALS:
             return [f"crash: exit code {run.code}"]
         own = ("program/veskbuider.log", "program/veskbuilder-problems.txt")
