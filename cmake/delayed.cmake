@@ -1,6 +1,6 @@
 # Libraries of the system that are loaded when the first of their functions is called. They make
 # most of a program's start (user32 alone half of it in Wine), and much that it is started for needs
-# none of them: veskbuild --version, --help, --list, a word that is mistyped.
+# none of them: veskbuild --version, --help, --list, a word that is mistyped. In 64 bits only, see below.
 #
 # delayed::NAME is NAME.dll with the functions that cmake/delayed/NAME.def lists; one that is not
 # listed there is linked in the ordinary way and has the library loaded at the start again, which
@@ -18,16 +18,16 @@ function(vesk_delay library)
         target_link_options(delayed_${library} INTERFACE /DELAYLOAD:${library}.dll)
         return()
     endif()
-    set(listed ${PROJECT_SOURCE_DIR}/cmake/delayed/${library}.def)
-    set_property(DIRECTORY ${PROJECT_SOURCE_DIR} APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${listed})
-    file(READ ${listed} definitions)
-    if(CMAKE_SIZEOF_VOID_P EQUAL 8)
-        # Only 32-bit names say how many bytes their arguments take.
-        string(REGEX REPLACE "@[0-9]+" "" definitions "${definitions}")
+    # The thunks that dlltool makes for 32-bit programs hold no address: a call ends them.
+    if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+        target_link_libraries(delayed_${library} INTERFACE ${library} delayimp)
+        return()
     endif()
+    set(listed ${PROJECT_SOURCE_DIR}/cmake/delayed/${library}.def)
     set(folder ${PROJECT_BINARY_DIR}/delayed)
-    file(WRITE ${folder}/${library}.def "${definitions}")
-    execute_process(COMMAND ${CMAKE_DLLTOOL} --kill-at --input-def ${folder}/${library}.def
+    file(MAKE_DIRECTORY ${folder})
+    set_property(DIRECTORY ${PROJECT_SOURCE_DIR} APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${listed})
+    execute_process(COMMAND ${CMAKE_DLLTOOL} --kill-at --input-def ${listed}
         --output-delaylib ${folder}/lib${library}.a WORKING_DIRECTORY ${folder}
         COMMAND_ERROR_IS_FATAL ANY)
     target_link_libraries(delayed_${library} INTERFACE
