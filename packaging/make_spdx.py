@@ -22,6 +22,8 @@ COMPONENTS = [
     (r"/lib(stdc\+\+|gcc|gcc_eh|supc\+\+)\.a$|/gcc/.*/crt\w+\.o$", "GCC runtime libraries",
      "GPL-3.0-or-later WITH GCC-exception-3.1", "https://gcc.gnu.org"),
     (r"/lib(win)?pthread\.a$", "winpthreads", "MIT AND BSD-3-Clause", "https://www.mingw-w64.org"),
+    # Thunks that dlltool writes, for what is loaded late; the code that they call is the runtime's.
+    (r"\bdelayed/lib\w+\.a$", "mingw-w64 runtime", "ZPL-2.1", "https://www.mingw-w64.org"),
     (r"-w64-mingw32/lib/", "mingw-w64 runtime", "ZPL-2.1", "https://www.mingw-w64.org"),
 ]
 OWN = re.compile(r"/libvesk_\w+\.a$|^(src/)?libvesk_\w+\.a$|\.obj$|^src/")
