@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Makes single calls of a build fail and looks whether the program tells the truth about it.
 
-    failures.py [--all | --every | --one CALL NUMBER REASON] [--only CALLS] [--part 1/2]
+    failures.py [--all | --every | --one CALL NUMBER REASON] [--only CALLS] [--share 1/2]
                 [--workers N] PROGRAM WINE...
 
 --all tries each call of the functions that are called seldom, and of the others the first one from
@@ -246,7 +246,7 @@ def main():
     parser.add_argument("--every", action="store_const", const="every", dest="how")
     parser.add_argument("--one", nargs="+")
     parser.add_argument("--only", default=".")
-    parser.add_argument("--part", default="1/1", help="2/3: the second third of them")
+    parser.add_argument("--share", default="1/1", help="2/3: the second third of them")
     parser.add_argument("--workers", type=int, default=2)
     options = parser.parse_args()
     workers = 1 if options.one else options.workers
@@ -265,9 +265,9 @@ def main():
             return
         if campaign.good.code != 0 or campaign.good.errors:
             sys.exit(f"the build fails without a failure: {campaign.good}")
-        part, parts = map(int, options.part.split("/"))
+        share, shares = map(int, options.share.split("/"))
         campaign.faults = [fault for fault in campaign.faults
-                           if re.search(options.only, fault.call)][part - 1::parts]
+                           if re.search(options.only, fault.call)][share - 1::shares]
         print(f"{len(campaign.faults)} failures to try", flush=True)
         campaign.run(lambda text: print(text, flush=True))
         print(campaign.table())
