@@ -48,6 +48,9 @@ std::string ProgramName() {
     return FileNameOf(path.data());
 }
 
+/// Where notes are looked for, the one that is tried first to make them in first.
+constexpr std::array kSpaces{"Global\\", "Local\\"};
+
 std::string WhoHas(const MappingHandle& note) {
     const MappedView view(MapViewOfFile(note.Get(), FILE_MAP_READ, 0, 0, 0));
     const auto* text = static_cast<const char*>(view.Get());
@@ -64,9 +67,15 @@ void SignNote(const MappingHandle& note) {
               static_cast<int>(kNoteSize));
 }
 
+/// For all sessions of the machine; where that is not allowed, for this one.
+/// GetLastError tells afterwards whether it was there already.
 MappingHandle MakeNote(const std::string& name) {
-    return MappingHandle(CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0,
-                                            kNoteSize, name.c_str()));
+    const auto make = [&name](const char* space) {
+        return CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, kNoteSize,
+                                  (space + name).c_str());
+    };
+    const HANDLE everywhere = make(kSpaces[0]);
+    return MappingHandle(everywhere != nullptr ? everywhere : make(kSpaces[1]));
 }
 
 } // namespace
@@ -105,13 +114,13 @@ void clsBuildLock::NoteFolder() {
 }
 
 void clsBuildLock::Sign(const std::string& name) {
-    notes_.push_back(MakeNote("Local\\" + name));
+    notes_.push_back(MakeNote(name));
     if (notes_.back())
         SignNote(notes_.back());
 }
 
 void clsBuildLock::Take(const std::string& name) {
-    MappingHandle note = MakeNote("Local\\" + name);
+    MappingHandle note = MakeNote(name);
     const bool taken = GetLastError() == ERROR_ALREADY_EXISTS;
     if (!note)
         throw FolderRefused("It cannot be told whether another build works in " + path_);
@@ -122,9 +131,11 @@ void clsBuildLock::Take(const std::string& name) {
 }
 
 void clsBuildLock::RefuseIfTaken(const std::string& name) const {
-    const MappingHandle note(OpenFileMappingA(FILE_MAP_READ, FALSE, ("Local\\" + name).c_str()));
-    if (note)
-        throw FolderRefused("Another build is at work around " + path_ + ": " + WhoHas(note));
+    for (const char* space : kSpaces) {
+        const MappingHandle note(OpenFileMappingA(FILE_MAP_READ, FALSE, (space + name).c_str()));
+        if (note)
+            throw FolderRefused("Another build is at work around " + path_ + ": " + WhoHas(note));
+    }
 }
 
 } // namespace vesk

@@ -308,7 +308,8 @@ void clsBuildRun::Steps::InstallPlugins() {
 }
 
 std::string CatalogueRefusal(const Catalogue& catalogue, bool isWhole) {
-    if (catalogue.baseComponents.empty())
+    // An editor's empty list comes back from its file as one entry without anything in it.
+    if (catalogue.baseComponents.empty() || catalogue.baseComponents.front() == CatalogueEntry())
         return "The catalogue names no base component, so there is nothing to build. Start "
                "veskbuilder.exe -setup to make one.";
     // A checksum that was not read matches nothing, and the good archive would be replaced.

@@ -101,6 +101,8 @@ void RequireConsent(const clsInstallFolder& folder, const ConsoleOptions& option
 BuildInputs MakeInputs(const ConsoleOptions& options, const std::string& programPath,
                        const Catalogue& catalogue, const std::string& sourceFolder,
                        const SourceState& source) {
+    if (!options.install && catalogue.installRoot.empty())
+        throw UsageError("the system names no folder for programs: name the folder with --install");
     const std::string folder =
         options.install.value_or(catalogue.installRoot + "\\" + catalogue.installFolder);
     return {clsInstallFolder(folder, clsFolderGuard::OfSystem(programPath, sourceFolder)),

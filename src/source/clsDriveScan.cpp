@@ -1,5 +1,6 @@
 #include "source/clsDriveScan.h"
 
+#include "base/Failure.h"
 #include "base/UniqueHandle.h"
 #include "base/modFileVersion.h"
 #include "source/modSourceFolder.h"
@@ -111,7 +112,12 @@ void clsDriveScan::ReportFound(const std::string& i386Folder) {
     source_.valid = true; // before the version is asked for: the flag is for everything found
     if (!HasFileVersion(i386Folder + "NTDLL.DLL"))
         return;
-    const SourceProduct product = ReadSourceProduct(i386Folder);
+    SourceProduct product;
+    try {
+        product = ReadSourceProduct(i386Folder);
+    } catch (const Failure&) {
+        // The find stands, without the name that could not be read; the search goes on.
+    }
     events_.OnFound({i386Folder.substr(0, i386Folder.size() - kI386.size()), product.productName,
                      product.servicePackTag});
 }

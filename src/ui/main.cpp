@@ -91,6 +91,8 @@ bool ProgramFolderIsFit() {
     return false;
 }
 
+/// There is one kind of build, so that what is tested is what is released: the question whether to
+/// show the editor, which a build for developers would ask here, is left to "-setup".
 int Main(const char* commandLine) {
     if (!SystemIsFit())
         return 1;

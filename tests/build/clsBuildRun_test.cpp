@@ -309,6 +309,8 @@ TEST_CASE_FIXTURE(Fixture, "a tree whose build was cut off is known as one") {
 
 TEST_CASE_FIXTURE(Fixture, "a catalogue without base components builds nothing") {
     const std::string old = folder.Write("tree\\pebuilder.exe", "x");
+    catalogue.baseComponents = {CatalogueEntry()}; // what the editor leaves of an empty list
+    CHECK(Run() == BuildEnding::Aborted);
     catalogue.baseComponents.clear();
     CHECK_FALSE(CatalogueRefusal(catalogue).empty());
     CHECK(Run() == BuildEnding::Aborted);

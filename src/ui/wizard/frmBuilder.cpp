@@ -73,7 +73,7 @@ void frmBuilder::Form_Load() {
 /// The wizard opens with what was read; where that is not enough to build from, it offers the way
 /// to a catalogue.
 void frmBuilder::ExplainCatalogue() {
-    if (!catalogue_.baseComponents.empty()) {
+    if (CatalogueRefusal(catalogue_, true).empty()) {
         if (!load_.sentence.empty())
             ShowMessage(Window(), load_.sentence, kProductName, MB_OK | MB_ICONERROR);
         return;

@@ -1,5 +1,6 @@
 #include "ui/wizard/frmSelOS.h"
 
+#include "ui/kit/ScopeFlag.h"
 #include "ui/kit/modWindow.h"
 #include "ui/resources/ids.h"
 
@@ -44,14 +45,15 @@ void frmSelOS::OnCreated() {
 void frmSelOS::Scan() {
     if (scanning_)
         return; // the scan before has not noticed yet that it was stopped: it starts anew itself
-    scanning_ = true;
-    do {
-        found_.clear();
-        ShowScanning();
-        restart_ = false;
-        scan_.Run(SearchableDrives(GetLogicalDrives()));
-    } while (restart_ && !closed_);
-    scanning_ = false;
+    {
+        const ScopeFlag scanning(scanning_);
+        do {
+            found_.clear();
+            ShowScanning();
+            restart_ = false;
+            scan_.Run(SearchableDrives(GetLogicalDrives()));
+        } while (restart_ && !closed_);
+    }
     if (!closed_)
         ShowResult();
 }

@@ -96,8 +96,10 @@ void pagBaseComponents::FocusInstallFolder() const {
 
 void pagBaseComponents::CheckSource(const std::string& chosen) {
     const SourceCheck check = CheckSourceFolder(chosen, source_);
-    ShowSource(check.path, check.productLabel,
-               check.usable ? SourceColour::Usable : SourceColour::Unusable);
+    const std::string product = check.unread.empty()
+                                    ? check.productLabel
+                                    : "Product and service pack not read: " + check.unread;
+    ShowSource(check.path, product, check.usable ? SourceColour::Usable : SourceColour::Unusable);
 }
 
 void pagBaseComponents::ShowSource(const std::string& folder, const std::string& product,
