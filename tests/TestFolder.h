@@ -20,8 +20,10 @@ public:
         std::array<char, MAX_PATH> temp{};
         REQUIRE(GetTempPathA(static_cast<DWORD>(temp.size()), temp.data()) != 0);
         static int count = 0;
-        path_ = std::string(temp.data()) + "vesk-" + std::to_string(GetCurrentProcessId()) + "-" +
-                std::to_string(++count);
+        do { // a test that was killed may have left its folder, and its number comes again
+            path_ = std::string(temp.data()) + "vesk-" + std::to_string(GetCurrentProcessId()) +
+                    "-" + std::to_string(++count);
+        } while (FolderExists(path_));
         CreateFolderPath(path_);
     }
     TestFolder(const TestFolder&) = delete;
