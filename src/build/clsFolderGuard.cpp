@@ -127,11 +127,12 @@ clsFolderGuard::clsFolderGuard(const std::vector<GuardedPlace>& places,
 clsFolderGuard clsFolderGuard::OfSystem(const std::string& programPath,
                                         const std::string& sourceFolder) {
     using Reach = GuardedPlace::Reach;
-    std::vector<GuardedPlace> places{{programPath, "this program", Reach::Holding},
-                                     {sourceFolder, "the Windows source", Reach::Within}};
+    std::vector<GuardedPlace> places{
+        {programPath, "this program", Reach::Holding},
+        {sourceFolder, "the folder chosen as Windows source", Reach::Within}};
     if (!sourceFolder.empty()) // which may be a whole drive
-        places.push_back(
-            {WithTrailingBackslash(sourceFolder) + "I386", "the Windows source", Reach::Within});
+        places.push_back({WithTrailingBackslash(sourceFolder) + "I386",
+                          "the folder chosen as Windows source", Reach::Within});
     struct Row {
         SpecialFolder folder;
         const char* name;

@@ -26,6 +26,7 @@ CatalogueLoad clsCatalogueFile::Load(Catalogue& catalogue) {
     CatalogueLoad load = LoadCatalogueReporting(programPath_, catalogue);
     state_ = load.state;
     mayLose_ = state_ != CatalogueState::Whole && load.isThere && !IsEmptyFile(Path());
+    surplus_ = load.surplus;
     return load;
 }
 
@@ -37,8 +38,10 @@ std::string clsCatalogueFile::LossBySaving() const {
                "over it ?";
     if (mayLose_)
         return "Not all of the catalogue's file could be read. What was not read is lost when it "
-               "is "
-               "written anew. Write it ?";
+               "is written anew. Write it ?";
+    if (!surplus_.empty())
+        return "The catalogue's file holds something besides the catalogue, " + surplus_ +
+               ", which is lost when it is written anew. Write it ?";
     return {};
 }
 
@@ -47,6 +50,7 @@ void clsCatalogueFile::Save(const Catalogue& catalogue) {
     held_ = ReadWholeFile(Path());
     state_ = CatalogueState::Whole;
     mayLose_ = false;
+    surplus_.clear();
 }
 
 } // namespace vesk

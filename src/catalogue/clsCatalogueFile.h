@@ -34,6 +34,7 @@ private:
     std::string held_; ///< The file's text when it was last loaded or saved.
     CatalogueState state_ = CatalogueState::Absent;
     bool mayLose_ = false; ///< The file holds something that could not be read.
+    std::string surplus_;  ///< What it holds besides the catalogue.
 };
 
 } // namespace vesk

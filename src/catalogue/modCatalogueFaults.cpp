@@ -80,7 +80,7 @@ std::string InstallFault(const IniSection& section) {
                                 [&](std::string_view name) { return EqualNoCase(key.name, name); }))
             return PlaceFault(section, key, std::string(kInstallKeys.at(i)));
     }
-    if (section.keys.size() != kInstallKeys.size())
+    if (section.keys.size() < kInstallKeys.size())
         return "section [" + section.name + "] has " + std::to_string(section.keys.size()) +
                " keys where the folder and the path are expected";
     return {};
@@ -129,6 +129,15 @@ std::string CatalogueFault(const IniText& file) {
         if (std::string fault = SectionFault(sections, i); !fault.empty())
             return fault;
     }
+    return {};
+}
+
+std::string CatalogueSurplus(const IniText& file) {
+    if (file.sections.size() > kSections)
+        return "section [" + file.sections[kSections].name + "]";
+    if (!file.sections.empty() && file.sections[0].keys.size() > kInstallKeys.size())
+        return "key " + file.sections[0].keys[kInstallKeys.size()].name + " of section [" +
+               file.sections[0].name + "]";
     return {};
 }
 

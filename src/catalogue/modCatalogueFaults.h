@@ -11,4 +11,8 @@ namespace vesk {
 /// file is read as it was written. A category that is gone altogether leaves no trace.
 std::string CatalogueFault(const IniText& file);
 
+/// The first thing in a catalogue's file that no reader by position looks at, and that is gone when
+/// the file is written anew: "key X of section [Y]", or a section; empty when there is none.
+std::string CatalogueSurplus(const IniText& file);
+
 } // namespace vesk

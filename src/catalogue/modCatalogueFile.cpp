@@ -212,6 +212,19 @@ CatalogueLoad OpenOrExplain(const std::string& path) {
                   "See who may read it, and who has it open.", true);
 }
 
+/// The archives in a folder (its path ends in "\"), for CheckCatalogue.
+ArchiveSource ArchivesIn(const std::string& programPath, const ExtractionOwner& owner) {
+    const auto archives = std::make_shared<clsProgramArchives>(programPath);
+    return {[archives](const std::string& name) { return archives->Facts(name); },
+            [programPath, owner](const std::string& name) {
+                std::vector<std::string> lines;
+                for (const MemberFailure& failure : InspectArchive(programPath + name, owner))
+                    lines.push_back((failure.member.empty() ? "" : failure.member + ": ") +
+                                    failure.what + ", " + failure.reason);
+                return lines;
+            }};
+}
+
 } // namespace
 
 void LoadCatalogue(const std::string& programPath, Catalogue& catalogue) {
@@ -257,10 +270,11 @@ CatalogueLoad LoadCatalogueReporting(const std::string& programPath, Catalogue& 
         if (fault.empty())
             fault = failure.what();
     }
+    const std::string surplus = CatalogueSurplus(file);
     if (fault.empty())
-        return {};
+        return {.sentence = {}, .surplus = surplus};
     fault = path + ": " + fault;
-    return {CatalogueState::Partial, fault + ". " + kWriteAnew, true, fault};
+    return {CatalogueState::Partial, fault + ". " + kWriteAnew, true, fault, surplus};
 }
 
 void DeriveInstallPaths(Catalogue& catalogue, const std::string& programFilesFolder) {
@@ -275,28 +289,21 @@ std::string CategoryCaption(const std::string& value, const std::string& key) {
     return ProperCase(TrimBlanks(ReplaceAll(ReplaceAll(value, "_", " "), key, " ")));
 }
 
-ArchiveSource ArchivesIn(const std::string& programPath, const ExtractionOwner& owner) {
-    const auto archives = std::make_shared<clsProgramArchives>(programPath);
-    return {[archives](const std::string& name) { return archives->Facts(name); },
-            [programPath, owner](const std::string& name) {
-                std::vector<std::string> lines;
-                for (const MemberFailure& failure : InspectArchive(programPath + name, owner))
-                    lines.push_back((failure.member.empty() ? "" : failure.member + ": ") +
-                                    failure.what + ", " + failure.reason);
-                return lines;
-            }};
-}
-
-CatalogueCheck CheckCatalogueFile(const std::string& programPath, const Catalogue& catalogue,
-                                  const ExtractionOwner& owner) {
-    CatalogueCheck check =
-        CheckCatalogue(catalogue, ArchivesIn(programPath, owner),
-                       SectionNames(ReadWholeFile(programPath + kCatalogueFileName)));
+CatalogueCheck CheckWithProgramFolder(const std::string& programPath, const Catalogue& catalogue,
+                                      const ExtractionOwner& owner,
+                                      const std::vector<std::string>& sectionNames) {
+    CatalogueCheck check = CheckCatalogue(catalogue, ArchivesIn(programPath, owner), sectionNames);
     const clsSha256List list(programPath);
     for (const Problem& problem : list.Problems())
         check.problems.push_back({CatalogueProblemKind::Sha256List, kSha256FileName,
                                   problem.what + ", " + problem.reason, std::nullopt});
     return check;
+}
+
+CatalogueCheck CheckCatalogueFile(const std::string& programPath, const Catalogue& catalogue,
+                                  const ExtractionOwner& owner) {
+    return CheckWithProgramFolder(programPath, catalogue, owner,
+                                  SectionNames(ReadWholeFile(programPath + kCatalogueFileName)));
 }
 
 void SaveCatalogue(const std::string& programPath, const Catalogue& catalogue) {

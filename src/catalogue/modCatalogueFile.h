@@ -35,6 +35,9 @@ struct CatalogueLoad {
     /// The part of the sentence that says what is wrong, without what to do and without a full
     /// stop.
     std::string fault = {};
+
+    /// What the file holds besides a catalogue, by its name; empty for nothing.
+    std::string surplus = {};
 };
 
 /// Loads the catalogue for a front end, which shows with what was read. Throws nothing.
@@ -52,12 +55,14 @@ void DeriveInstallPaths(Catalogue& catalogue, const std::string& programFilesFol
 /// "System Tools".
 std::string CategoryCaption(const std::string& value, const std::string& key);
 
-/// The archives in a folder (its path ends in "\"), for CheckCatalogue.
+/// What would go wrong in a build of a catalogue with what lies in the program path.
 /// @param owner asked for passwords, and called now and then while an archive is tested
-ArchiveSource ArchivesIn(const std::string& programPath, const ExtractionOwner& owner = {});
+/// @param sectionNames as for CheckCatalogue
+CatalogueCheck CheckWithProgramFolder(const std::string& programPath, const Catalogue& catalogue,
+                                      const ExtractionOwner& owner,
+                                      const std::vector<std::string>& sectionNames = {});
 
-/// What would go wrong in a build of a catalogue that was loaded from the program path.
-/// @param owner as for ArchivesIn
+/// The same for a catalogue that was loaded from the file there.
 CatalogueCheck CheckCatalogueFile(const std::string& programPath, const Catalogue& catalogue,
                                   const ExtractionOwner& owner = {});
 

@@ -18,8 +18,10 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <vector>
@@ -71,6 +73,15 @@ std::vector<Problem> TickAll(Catalogue& catalogue, const std::vector<std::string
         if (!found)
             throw UsageError("the catalogue has no component or plug-in named \"" + name + "\"");
     }
+    return problems;
+}
+
+/// What the options say of the ticks. @return what the catalogue does not take
+std::vector<Problem> ApplyTicks(const ConsoleOptions& options, Catalogue& catalogue,
+                                clsTerminal& terminal) {
+    std::vector<Problem> problems = TickAll(catalogue, options.enable, true, terminal);
+    std::ranges::move(TickAll(catalogue, options.disable, false, terminal),
+                      std::back_inserter(problems));
     return problems;
 }
 
@@ -128,18 +139,15 @@ int RunBuild(const ConsoleOptions& options, const std::string& programPath, Cata
         throw UsageError(load.sentence + " --partial builds with what could be read.");
     if (!load.sentence.empty())
         terminal.Complain(load.sentence);
-    const std::vector<Problem> locked = TickAll(catalogue, options.enable, true, terminal);
-    const std::vector<Problem> alsoLocked = TickAll(catalogue, options.disable, false, terminal);
+    const std::vector<Problem> locked = ApplyTicks(options, catalogue, terminal);
     SourceState source;
     const SourceCheck check = TakeSource(options, source);
     const BuildInputs inputs = MakeInputs(options, programPath, catalogue, check.path, source);
     RequireConsent(inputs.installFolder, options);
     WatchForInterrupt();
     clsConsoleFrontEnd frontEnd(options, programPath, terminal);
-    for (const auto* problems : {&locked, &alsoLocked}) {
-        for (const Problem& problem : *problems)
-            frontEnd.ReportProblem(problem);
-    }
+    for (const Problem& problem : locked)
+        frontEnd.ReportProblem(problem);
     if (!check.usable)
         frontEnd.ReportProblem(
             {check.path, "not usable as Windows source", "it has no I386 folder of a Windows CD"});
@@ -152,13 +160,40 @@ int RunBuild(const ConsoleOptions& options, const std::string& programPath, Cata
     return ExitCodeOf(outcome, frontEnd.HasProblems() || !isRead || !isPrinted);
 }
 
+/// Ticks as a build with these options would, for what only shows the catalogue.
+/// @return false when the catalogue does not take all of it, which was told
+bool TickToShow(const ConsoleOptions& options, Catalogue& catalogue, const CatalogueLoad& load,
+                clsTerminal& terminal) {
+    if (load.state == CatalogueState::Absent) // which is told; there is nothing to tick
+        return true;
+    const std::vector<Problem> locked = ApplyTicks(options, catalogue, terminal);
+    for (const Problem& problem : locked)
+        terminal.Complain(problem.Line());
+    return locked.empty();
+}
+
+/// Prints the catalogue as a table.
+int PrintTable(const ConsoleOptions& options, const std::string& programPath, Catalogue& catalogue,
+               const CatalogueLoad& load, clsTerminal& terminal) {
+    if (!load.sentence.empty())
+        terminal.Complain(load.sentence);
+    const bool isTicked = TickToShow(options, catalogue, load, terminal);
+    clsProgramArchives archives(programPath);
+    const auto stateOf = [&](const CatalogueEntry& entry, const EntryPlace& place) {
+        return JudgeArchive(entry, place, archives.Facts(entry.zip));
+    };
+    std::fputs(CatalogueTable(catalogue, stateOf).c_str(), stdout);
+    return isTicked && load.state == CatalogueState::Whole ? kDone : kDoneWithWarnings;
+}
+
 /// Prints what would go wrong in a build, a line each, or what the check vouches for.
 int PrintProblems(const ConsoleOptions& options, const std::string& programPath,
-                  const Catalogue& catalogue, const CatalogueLoad& load, clsTerminal& terminal) {
+                  Catalogue& catalogue, const CatalogueLoad& load, clsTerminal& terminal) {
     if (!load.sentence.empty())
         terminal.PrintLine(load.sentence);
     if (load.state == CatalogueState::Absent)
         return kDoneWithWarnings;
+    const bool isTicked = TickToShow(options, catalogue, load, terminal);
     ExtractionOwner owner;
     owner.password = [&options](bool wrongBefore) {
         return wrongBefore ? std::nullopt : options.password;
@@ -169,7 +204,7 @@ int PrintProblems(const ConsoleOptions& options, const std::string& programPath,
     if (load.state != CatalogueState::Whole || !check.problems.empty())
         return kDoneWithWarnings;
     terminal.PrintLine(check.Verdict());
-    return kDone;
+    return isTicked ? kDone : kDoneWithWarnings;
 }
 
 int RunAction(const ConsoleOptions& options, clsTerminal& terminal) {
@@ -191,16 +226,9 @@ int RunAction(const ConsoleOptions& options, clsTerminal& terminal) {
     const CatalogueLoad load = LoadCatalogueReporting(programPath, catalogue);
     if (options.action == ConsoleOptions::Action::Check)
         return PrintProblems(options, programPath, catalogue, load, terminal);
-    if (options.action == ConsoleOptions::Action::Build)
-        return RunBuild(options, programPath, catalogue, load, terminal);
-    if (!load.sentence.empty())
-        terminal.Complain(load.sentence);
-    clsProgramArchives archives(programPath);
-    const auto stateOf = [&](const CatalogueEntry& entry, const EntryPlace& place) {
-        return JudgeArchive(entry, place, archives.Facts(entry.zip));
-    };
-    std::fputs(CatalogueTable(catalogue, stateOf).c_str(), stdout);
-    return load.state == CatalogueState::Whole ? kDone : kDoneWithWarnings;
+    if (options.action == ConsoleOptions::Action::List)
+        return PrintTable(options, programPath, catalogue, load, terminal);
+    return RunBuild(options, programPath, catalogue, load, terminal);
 }
 
 /// The words behind the program's name. As narrow ones they would come with similar characters in
@@ -240,6 +268,7 @@ int Main(int count, const wchar_t* const* words) {
 
 int wmain(int count, wchar_t** words) {
     vesk::LoadFromSystemOnly();
+    vesk::KeepSystemBoxesAway();
     vesk::OnMissingLibrary([](const char* library) {
         std::fprintf(stderr, "veskbuild: the program itself failed: %s cannot be loaded\n",
                      library);

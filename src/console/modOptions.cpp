@@ -124,7 +124,7 @@ std::string HelpText() {
 veskbuild [--install FOLDER] [--source FOLDER] [--enable NAME]... [--disable NAME]...
           [--yes | --no] [--replace-foreign] [--partial] [--password TEXT]
           [--proxy HOST:PORT] [--timeout SECONDS] [--quiet]
-veskbuild --list | --check
+veskbuild --list | --check  [--enable NAME]... [--disable NAME]... [--password TEXT]
 veskbuild --help | --version
 
   --install FOLDER   build into this folder, which is emptied first, in place of the catalogue's

@@ -32,6 +32,10 @@ ProgramPaths FindProgramPaths() {
             ReadEnvironmentVariable("Temp") + "\\"};
 }
 
+void KeepSystemBoxesAway() {
+    SetErrorMode(SEM_FAILCRITICALERRORS);
+}
+
 std::string ReadEnvironmentVariable(const std::string& name) {
     constexpr DWORD kLongest = 254;
     std::string value(32767, '\0'); // the system's own limit

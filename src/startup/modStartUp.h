@@ -12,6 +12,10 @@ struct ProgramPaths {
 
 ProgramPaths FindProgramPaths();
 
+/// A drive without a disk answers with an error from now on: the system's own box about it would
+/// stop a scan of all drives at each empty card reader, and an unattended build for ever.
+void KeepSystemBoxesAway();
+
 /// Value of an environment variable, cut at 254 characters; empty when unset.
 std::string ReadEnvironmentVariable(const std::string& name);
 

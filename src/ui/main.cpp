@@ -111,6 +111,7 @@ int Main(const char* commandLine) {
 
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR lpCmdLine, int) {
     vesk::LoadFromSystemOnly();
+    vesk::KeepSystemBoxesAway();
     vesk::OnMissingLibrary([](const char* library) { FatalAppExitA(0, library); });
     try {
         return vesk::Main(lpCmdLine);

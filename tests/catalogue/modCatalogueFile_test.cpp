@@ -2,6 +2,8 @@
 
 #include "TestFolder.h"
 #include "base/UniqueHandle.h"
+#include "base/modText.h"
+#include "catalogue/clsCatalogueFile.h"
 #include "catalogue/clsINI.h"
 
 #include <algorithm>
@@ -188,7 +190,6 @@ TEST_CASE("a catalogue with one line changed for the worse says which") {
              Row{"Zip1=m.zip ", "Zip0=m.zip ", "key Zip0 twice"},
              Row{"Zip1=m.zip ", "Zip3=m.zip ", "key Zip3: it stands where Zip1 is expected"},
              Row{"200=200_more", "100=200_more", "key 100 twice"},
-             Row{"Path=0", "Path=0\r\nFolder2=x", "has 3 keys"},
              Row{"Folder=VeskLive", "Path2=x\r\nFolder=VeskLive", "where Path is expected"},
              Row{"200=200_more", "200=200_more\r\n" + manySections, "the list of sections has"},
          }) {
@@ -211,6 +212,28 @@ TEST_CASE("a catalogue with one line changed for the worse says which") {
     Catalogue catalogue;
     CHECK(LoadText(folder, many, catalogue).sentence.find("list of keys of section [Categories]") !=
           std::string::npos);
+}
+
+TEST_CASE("what stands beside a catalogue is no fault, and is not lost without a question") {
+    const TestFolder folder;
+    const std::string programPath = folder.Path() + "\\";
+    Catalogue catalogue = GoodCatalogue();
+    SaveCatalogue(programPath, catalogue);
+    const std::string good = ReadWholeFile(folder / "veskbuilder.ini");
+    const std::string skin = ReplaceAll(good, "Path=0", "Path=0\r\nSkin=blue");
+    for (const auto& [text, words] : std::initializer_list<std::pair<std::string, std::string>>{
+             {good, ""},
+             {skin, "key Skin of section [Install]"},
+             {good + "[Notes]\r\nx=1\r\n", "section [Notes]"}}) {
+        folder.Write("veskbuilder.ini", text);
+        clsCatalogueFile file(programPath);
+        CHECK(file.Load(catalogue).state == CatalogueState::Whole);
+        CAPTURE(file.LossBySaving());
+        CHECK(file.LossBySaving().empty() == words.empty());
+        CHECK(file.LossBySaving().find(words) != std::string::npos);
+        file.Save(catalogue);
+        CHECK(file.LossBySaving().empty());
+    }
 }
 
 TEST_CASE("a catalogue that cannot be read at all says why and what to do") {

@@ -17,7 +17,7 @@ class Console(ProgramTest):
         self.write_small_catalogue()
         for arguments, words in (
                 (["--wrong"], '"--wrong"'), (["--install"], "--install needs a value"),
-                (["--enable", "Nobody"], '"Nobody"'), (["--yes", "--no"], "exclude each other"),
+                (["--enable", "Nobody"], '"Nobody"'), (["--list", "--disable", "No"], '"No"'), (["--yes", "--no"], "exclude each other"),
                 (["--install", "--yes"], 'not "--yes"'), (["--timeout", "-1"], "seconds"),
                 (["--timeout", "soon"], "seconds"), (["--install", "x" * 1600], "too long"),
                 (["--install", "Q:\\x"], "no such drive"), (["--install", "C:\\a|b"], "name"),
@@ -97,6 +97,9 @@ class Console(ProgramTest):
             "base yes yes PE Builder pebuilder3110a.zip good".split(),
             "plug-in yes no 100 One one.zip CRC differs".split(),
             "plug-in no yes 100 Locked locked.zip missing".split()])
+        code, lines, errors = self.run_program("--list", "--disable", "One", "--enable", "locked")
+        self.assertEqual((code, lines[2].split()[:2]), (1, ["plug-in", "no"]))
+        self.assertIn("stays unticked", errors)
         code, lines, errors = self.build("--enable", "Locked")
         self.assertIn('"Locked" is locked and stays unticked', errors)
         self.assertNotIn("   Locked", lines)

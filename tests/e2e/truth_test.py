@@ -234,6 +234,9 @@ class Truth(ProgramTest):
             self.assertEqual(len(problems), 0 if whole else 1, problems)
             self.assertTrue((locked.parent / "plain.inf").exists())
         self.assertTrue(problems[0].startswith("safe.zip: locked.txt: not extracted, "), problems)
+        for password, told in (("open sesame", False), ("wrong", True)):
+            _, lines, _ = self.run_program("--check", "--password", password)
+            self.assertEqual("locked.txt" in "\n".join(lines), told, lines)
 
     def test_passwords_on_a_terminal(self):
         locked = self.add_locked()

@@ -289,7 +289,7 @@ void frmSetup::cmdCheck_Click() {
         const WaitCursor wait;
         ExtractionOwner owner;
         owner.progress = [](double) { LetWindowsPaint(); };
-        check = CheckCatalogue(editor_.Edited(), ArchivesIn(paths_.programPath, owner));
+        check = CheckWithProgramFolder(paths_.programPath, editor_.Edited(), owner);
     }
     if (const auto place = frmCheck(std::move(check)).Show(Window()))
         GoTo(*place);

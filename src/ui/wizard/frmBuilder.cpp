@@ -407,6 +407,7 @@ INT_PTR frmBuilder::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
         Form_QueryUnload();
         return TRUE;
     case WM_QUERYENDSESSION:
+        // Who ends the session has decided; a wizard that is not building holds nothing to lose.
         return Answer(AnswerClosing(closing_) != ClosingAnswer::Refuse);
     case WM_DESTROY:
         PostQuitMessage(0);

@@ -1,5 +1,7 @@
 #include "ui/wizard/modChosenFolder.h"
 
+#include "base/Failure.h"
+#include "base/Problem.h"
 #include "ui/kit/modWindow.h"
 
 namespace vesk {
@@ -11,10 +13,25 @@ std::string ChosenFolder::Warning() const {
            ". Everything in it is deleted for good when the build starts.";
 }
 
+namespace {
+
+/// @throws FolderRefused when what was typed as the Windows source, and is to be kept from being
+/// emptied, is no path at all
+clsFolderGuard GuardOf(const std::string& programPath, const std::string& sourceFolder) {
+    try {
+        return clsFolderGuard::OfSystem(programPath, sourceFolder);
+    } catch (const Failure& failure) {
+        throw FolderRefused("The folder of the Windows source cannot be looked at: " +
+                            ReasonOf(failure) + ". Choose another one, or empty its field.");
+    }
+}
+
+} // namespace
+
 ChosenFolder LookAtFolder(const std::string& text, const std::string& programPath,
                           const std::string& sourceFolder) {
     const WaitCursor wait;
-    const clsInstallFolder folder(text, clsFolderGuard::OfSystem(programPath, sourceFolder));
+    const clsInstallFolder folder(text, GuardOf(programPath, sourceFolder));
     ChosenFolder chosen{folder, folder.Content()};
     if (chosen.IsForeign() && folder.KeepsForeign())
         throw FolderRefused(

@@ -26,11 +26,12 @@ std::optional<std::size_t> CharacterAt(HWND textBox, POINT point) {
     if (at >= text.size() || corner == -1)
         return std::nullopt;
     const SIZE letter = TextSize(textBox, text.substr(at, 1));
+    // The nearest one begins right of the point when that is on the right half of the one before.
+    const SIZE before = TextSize(textBox, text.substr(at == 0 ? 0 : at - 1, 1));
     const int left = static_cast<short>(LOWORD(corner));
     const int top = static_cast<short>(HIWORD(corner));
-    // The nearest one may begin right of the point by a part of a letter.
     const bool inside = point.y >= top && point.y < top + letter.cy &&
-                        point.x >= left - letter.cx && point.x < left + letter.cx;
+                        point.x >= left - before.cx && point.x < left + letter.cx;
     return inside ? std::optional(at) : std::nullopt;
 }
 
