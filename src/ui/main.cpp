@@ -70,7 +70,8 @@ int RunWizard(const ProgramPaths& paths) {
 }
 
 /// The program works with paths in the system's code page. Tells when that cannot hold the one of
-/// its own folder: nothing would be found there. @return false when it does
+/// its own folder: nothing would be found there, and a wizard without a catalogue would not say
+/// why. @return false when it does
 bool ProgramFolderIsFit() {
     std::wstring path(32768, L'\0'); // the system's own limit
     path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));

@@ -254,7 +254,8 @@ void clsComponentList::Walk() {
         ShowState(line);
 }
 
-/// The lines that the walk does not reach show what the catalogue says, and so what is built.
+/// The lines that the walk does not reach show what the catalogue says, and so what is built: in
+/// grey, with their ticks, because an enabled entry is installed whether or not its tick is taken.
 void clsComponentList::RefuseBehind(int line) {
     for (int beyond = line; beyond < LineCount(); ++beyond) {
         const bool enabled = EntryAt(beyond).enabled;
@@ -296,18 +297,27 @@ void clsComponentList::AttachTip() {
     SendMessageA(tip_, TTM_SETDELAYTIME, TTDT_AUTOPOP, 30000);
 }
 
-void clsComponentList::FollowMouse(POINT position) {
+int clsComponentList::LineAt(POINT position) const {
     LVHITTESTINFO hit{};
     hit.pt = position;
-    const int line = static_cast<int>(
+    return static_cast<int>(
         SendMessageA(list_, LVM_SUBITEMHITTEST, 0, reinterpret_cast<LPARAM>(&hit)));
+}
+
+void clsComponentList::FollowMouse(POINT position) {
+    const int line = LineAt(position);
     if (line == tipLine_)
         return;
     tipLine_ = line;
     SendMessageA(tip_, TTM_POP, 0, 0);
 }
 
+/// Looks under the mouse anew: the keyboard may have scrolled the list since it moved.
 void clsComponentList::AnswerTip(NMTTDISPINFOA& info) {
+    POINT position{};
+    GetCursorPos(&position);
+    ScreenToClient(list_, &position);
+    tipLine_ = LineAt(position);
     const bool onLine = tipLine_ >= 0 && tipLine_ < LineCount();
     tipText_ =
         onLine ? EntryTip(EntryAt(tipLine_), PlaceAt(tipLine_), StateAt(tipLine_)) : std::string();

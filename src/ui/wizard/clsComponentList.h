@@ -59,6 +59,7 @@ private:
     void OnDoubleClick(POINT position);
     LRESULT Draw(const NMLVCUSTOMDRAW& draw) const;
     void AttachTip();
+    [[nodiscard]] int LineAt(POINT position) const;
     void FollowMouse(POINT position);
     void AnswerTip(NMTTDISPINFOA& info);
 

@@ -106,6 +106,7 @@ void clsLogList::SelectAll() const {
 
 void clsLogList::SaveToLog() const {
     SelectAll();
+    // Nothing is shown when it worked; a failure is, by the box for what a handler throws.
     SaveBuildLog(programPath_, SelectedText());
 }
 

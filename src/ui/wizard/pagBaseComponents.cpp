@@ -41,6 +41,7 @@ pagBaseComponents::pagBaseComponents(HWND wizard, Catalogue& catalogue, SourceSt
 
 void pagBaseComponents::OnCreated() {
     list_.Attach(Control(IDC_LST_BASE));
+    // Without a folder for programs there is no root, and "\VeskLive" would mean the current drive.
     if (!catalogue_.installRoot.empty())
         SetText(Control(IDC_TXT_PROG_PATH),
                 InstallFolderOf(catalogue_.installRoot + "\\" + catalogue_.installFolder));

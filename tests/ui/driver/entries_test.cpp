@@ -149,6 +149,7 @@ TEST_CASE("the check goes through the edited catalogue and leads to the entry") 
         program.catalogue.categories.push_back({std::string(key) + "_x", key, ""});
     program.catalogue.plugins[1].cat = "gone";
     program.Save();
+    const std::string digests = program.Folder().Write("program\\veskbuilder.sha256", "none\n");
     const Editor editor(program);
     editor.Choose(IDC_CMB_BASE_PLUGIN, 1);
     CHECK(editor.Items(IDC_CMB_BASE_PLUGIN + kCategory).back() == "gone (no such category)");
@@ -161,7 +162,8 @@ TEST_CASE("the check goes through the edited catalogue and leads to the entry") 
     editor.Click(IDC_CMD_CHECK);
     const HWND dialog = editor.AwaitDialog("Check");
     const HWND list = GetDlgItem(dialog, IDC_LST_PROBLEMS);
-    CHECK(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0) == 2); // the present archive, the category
+    // The present archive, the category, the list of digests.
+    CHECK(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0) == 3);
     CHECK(editor.CellText(list, 1, 0) == "plug-in \"Beta\"");
     CHECK(TextIn(dialog, IDC_TXT_PROBLEM).starts_with("base component \"PE Builder\": "));
     const LONG listWidth = Width(list);
@@ -177,6 +179,7 @@ TEST_CASE("the check goes through the edited catalogue and leads to the entry") 
     REQUIRE(editor.Says("Edits dropped."));
     editor.Choose(IDC_CMB_BASE_PLUGIN, 1);
     editor.Choose(IDC_CMB_BASE_PLUGIN + kCategory, 0);
+    RemoveFile(digests);
     editor.Click(IDC_CMD_CHECK);
     editor.AnswerBox("Check",
                      "No fault found: the entries are complete, and 5 archives are present with "
