@@ -15,6 +15,7 @@ clsCategoryEditor::clsCategoryEditor(const std::vector<CategoryRecord>& categori
 
 std::vector<CategoryRecord> clsCategoryEditor::Categories() const {
     std::vector<CategoryRecord> categories;
+    categories.reserve(rows_.size());
     for (const Row& row : rows_)
         categories.push_back(row.record);
     return categories;

@@ -32,7 +32,8 @@ TEST_CASE("the system's and the user's own folders are guarded") {
         CHECK(guard.Objection(SpecialFolderPath(whole) + "\\new\\tree").find("lies in") !=
               std::string::npos);
     CHECK(guard.Objection(folder.Path()).find("holds this program") != std::string::npos);
-    CHECK(guard.Objection(folder / "cd").find("holds the folder chosen as Windows source") != std::string::npos);
+    CHECK(guard.Objection(folder / "cd").find("holds the folder chosen as Windows source") !=
+          std::string::npos);
     CHECK(guard.Objection(folder / "program\\tree").empty());
     // The catalogue may place the tree among the programs, but nothing else goes there.
     const std::string amongPrograms = SpecialFolderPath(SpecialFolder::ProgramFiles) + "\\VeskLive";
