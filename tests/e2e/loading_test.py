@@ -44,6 +44,7 @@ class Loading(ProgramTest):
 
     def look_at_resources(self, name, data):
         self.assertIn(f'level="{RIGHTS[name]}"'.encode(), data)
+        self.assertEqual(b">PerMonitorV2, system<" in data, name == "veskbuilder")
         wanted = re.search(r"project\(\w+ VERSION (\S+)", (TOP / "CMakeLists.txt").read_text())[1]
         record = data.index(struct.pack("<I", 0xFEEF04BD))
         minor, major, tweak, patch = struct.unpack_from("<4H", data, record + 8)
