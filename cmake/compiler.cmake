@@ -20,11 +20,15 @@ if(WIN32)
     # Windows XP is the oldest system served; declaring no more than it has keeps newer functions out.
     target_compile_definitions(vesk_options INTERFACE
         WINVER=0x0501 _WIN32_WINNT=0x0501 WIN32_LEAN_AND_MEAN NOMINMAX STRICT)
-    if(NOT MSVC)
+    if(MSVC)
+        target_link_options(vesk_options INTERFACE /LARGEADDRESSAWARE)
+    else()
         # Not every linker sets these by itself.
         set(hardening -Wl,--dynamicbase,--nxcompat,--tsaware)
         if(CMAKE_SIZEOF_VOID_P EQUAL 8)
             list(APPEND hardening -Wl,--high-entropy-va)
+        else()
+            list(APPEND hardening -Wl,--large-address-aware) # 4 GB instead of 2 in a 64-bit system
         endif()
         target_link_options(vesk_options INTERFACE
             -static -Wl,--gc-sections,--no-insert-timestamp ${hardening} $<$<CONFIG:Release>:-s>)

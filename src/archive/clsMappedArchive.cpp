@@ -15,7 +15,8 @@ clsMappedArchive::clsMappedArchive(const std::string& path)
         ThrowLastError("cannot open", path);
     if (size.QuadPart == 0)
         return; // cannot be mapped, and holds no archive anyway
-    if (static_cast<std::uint64_t>(size.QuadPart) > std::numeric_limits<std::size_t>::max())
+    // Not std::size_t: a 32-bit program has more addresses than the difference of two can tell.
+    if (size.QuadPart > std::numeric_limits<std::ptrdiff_t>::max())
         ThrowSystemError(ERROR_NOT_ENOUGH_MEMORY, "cannot read", path);
     mapping_.Reset(CreateFileMappingW(file_.Get(), nullptr, PAGE_READONLY, 0, 0, nullptr));
     if (mapping_)

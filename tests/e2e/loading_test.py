@@ -1,13 +1,14 @@
 #!/usr/bin/env python3
-"""The delivered programs cannot be led to code of others: by what lies beside them, or by where
-things stand in memory."""
+"""What the system reads of the delivered programs: rights, version, icon. They cannot be led to code
+of others: by what lies beside them, or by where things stand in memory."""
 
 import re
+import struct
 import subprocess
 import sys
 import unittest
 
-from program import PROGRAMS, ProgramTest
+from program import PROGRAMS, TOP, ProgramTest
 
 # What every Windows takes from its own folder, whatever lies beside a program: the libraries that it
 # knows by name, and those that stand side by side, which a manifest names: the program's own the
@@ -17,6 +18,8 @@ SAFE = {"advapi32", "comctl32", "comdlg32", "gdi32", "gdiplus", "kernel32", "msv
 LOADED = ("advpack", "cabinet", "cryptsp", "rsaenh", "wininet")
 FLAGS = {"HIGH_ENTROPY_VA": 0x20, "DYNAMIC_BASE": 0x40, "NX_COMPAT": 0x100,
          "TERMINAL_SERVICE_AWARE": 0x8000}
+RIGHTS = {"veskbuild": "asInvoker", "veskbuilder": "requireAdministrator"}
+ICON, VERSION, MANIFEST = 14, 16, 24  # kinds of resources
 
 
 class Loading(ProgramTest):
@@ -34,6 +37,20 @@ class Loading(ProgramTest):
                 self.assertIn(".reloc", text)  # without which nothing can stand elsewhere
                 self.assertIn("kernel32", libraries)
                 self.assertEqual(libraries - SAFE, set())
+                self.assertIn("large address aware", text)
+                kinds = {int(kind, 16) for kind in re.findall(r"(?m)^0.. +Entry: ID: 0x(\w+)", text)}
+                self.assertEqual({ICON, VERSION, MANIFEST} - kinds, set())
+                self.look_at_resources(program.stem, program.read_bytes())
+
+    def look_at_resources(self, name, data):
+        self.assertIn(f'level="{RIGHTS[name]}"'.encode(), data)
+        self.assertEqual(b">PerMonitorV2, system<" in data, name == "veskbuilder")
+        wanted = re.search(r"project\(\w+ VERSION (\S+)", (TOP / "CMakeLists.txt").read_text())[1]
+        record = data.index(struct.pack("<I", 0xFEEF04BD))
+        minor, major, tweak, patch = struct.unpack_from("<4H", data, record + 8)
+        self.assertEqual(f"{major}.{minor}.{patch}.{tweak}", wanted)
+        for text in (wanted, f"{name}.exe"):
+            self.assertIn(f"\0{text}\0".encode("utf-16-le"), data[record:])
 
     def test_what_lies_beside_the_program(self):
         digest = "0" * 64

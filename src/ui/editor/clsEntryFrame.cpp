@@ -9,6 +9,7 @@
 #include "ui/kit/ScopeFlag.h"
 #include "ui/kit/frmBrowse.h"
 #include "ui/kit/modEnable.h"
+#include "ui/kit/modResolution.h"
 #include "ui/kit/modWindow.h"
 #include "ui/resources/ids.h"
 
@@ -118,7 +119,7 @@ void clsEntryFrame::WidenSelector() const {
             longest = entry.name;
     }
     const int width = TextWidth(Combo(kSelector), longest.substr(0, kManyLetters)) +
-                      2 * GetSystemMetrics(SM_CXVSCROLL);
+                      2 * ScrollBarWidth(Combo(kSelector));
     SendMessageA(Combo(kSelector), CB_SETDROPPEDWIDTH, static_cast<WPARAM>(width), 0);
 }
 

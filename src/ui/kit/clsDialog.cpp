@@ -20,6 +20,7 @@ clsDialog::~clsDialog() {
 
 void clsDialog::Create(HWND owner, int resourceId) {
     const DialogTemplate dialog(resourceId, owner);
+    points_ = dialog.Points();
     if (!CreateDialogIndirectParamW(ProgramInstance(), dialog.Get(), owner, Procedure,
                                     reinterpret_cast<LPARAM>(this)))
         ThrowLastError("create dialog", std::to_string(resourceId));
@@ -27,6 +28,7 @@ void clsDialog::Create(HWND owner, int resourceId) {
 
 INT_PTR clsDialog::RunModal(HWND owner, int resourceId) {
     const DialogTemplate dialog(resourceId, owner);
+    points_ = dialog.Points();
     const INT_PTR result = DialogBoxIndirectParamW(ProgramInstance(), dialog.Get(), owner,
                                                    Procedure, reinterpret_cast<LPARAM>(this));
     if (result == -1)
@@ -51,7 +53,9 @@ INT_PTR CALLBACK clsDialog::Procedure(HWND window, UINT message, WPARAM wparam, 
     }
     if (message == WM_INITDIALOG) {
         SetWindowLongPtrA(window, DWLP_USER, lparam);
-        reinterpret_cast<clsDialog*>(lparam)->window_ = window;
+        auto* const made = reinterpret_cast<clsDialog*>(lparam);
+        made->window_ = window;
+        made->scale_.Attach(window, made->points_);
         if ((GetWindowLongPtrA(window, GWL_STYLE) & WS_CHILD) == 0)
             FollowDarkMode(window);
     }
@@ -61,14 +65,26 @@ INT_PTR CALLBACK clsDialog::Procedure(HWND window, UINT message, WPARAM wparam, 
     if (message == WM_NCDESTROY) {
         SetWindowLongPtrA(window, DWLP_USER, 0);
         self->window_ = nullptr;
+        self->scale_.Detach();
         return FALSE;
     }
     return self->HandleSafely(message, wparam, lparam);
 }
 
+/// A page that opens within a scaled dialog has that one's font already.
+void clsDialog::ScaleTo(int dpi, const RECT& place) {
+    scale_.ChangeTo(dpi, place);
+    Scaled();
+}
+
 INT_PTR clsDialog::HandleSafely(UINT message, WPARAM wparam, LPARAM lparam) {
+    constexpr UINT kDpiChanged = 0x02E0; // WM_DPICHANGED
     const HWND window = window_;
     try {
+        if (message == kDpiChanged) {
+            ScaleTo(LOWORD(wparam), *reinterpret_cast<const RECT*>(lparam));
+            return Answer(0);
+        }
         return Handle(message, wparam, lparam);
     } catch (const std::exception& failure) {
         ShowFailure(window, failure); // `this` may be gone by now

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ui/kit/clsDialogScale.h"
+
 #include <windows.h>
 
 #include <optional>
@@ -40,12 +42,20 @@ protected:
     /// The same where there may be nothing to answer.
     [[nodiscard]] INT_PTR Answer(std::optional<LRESULT> result) const;
 
+    /// Told after everything was scaled to a monitor of another resolution: what the dialog has
+    /// derived from its font is to be made anew.
+    virtual void Scaled() {}
+
 private:
     static INT_PTR CALLBACK Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
 
     INT_PTR HandleSafely(UINT message, WPARAM wparam, LPARAM lparam);
 
+    void ScaleTo(int dpi, const RECT& place);
+
     HWND window_ = nullptr;
+    int points_ = 0; ///< Of its template's font.
+    clsDialogScale scale_;
 };
 
 } // namespace vesk

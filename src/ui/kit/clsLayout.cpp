@@ -1,5 +1,6 @@
 #include "ui/kit/clsLayout.h"
 
+#include "ui/kit/modResolution.h"
 #include "ui/kit/modWindow.h"
 
 #include <algorithm>
@@ -8,6 +9,7 @@ namespace vesk {
 
 void clsLayout::Attach(HWND dialog) {
     dialog_ = dialog;
+    dpi_ = DpiOf(dialog);
     client_ = InnerSize(dialog);
     RECT whole{};
     GetWindowRect(dialog, &whole);
@@ -18,18 +20,24 @@ void clsLayout::Add(HWND control, unsigned follows) {
     items_.push_back({control, AreaOf(control), follows});
 }
 
+int clsLayout::Scaled(LONG pixels) const {
+    return MulDiv(static_cast<int>(pixels), DpiOf(dialog_), dpi_);
+}
+
 void clsLayout::OnSize() const {
     if (!dialog_ || IsIconic(dialog_))
         return;
     const SIZE now = InnerSize(dialog_);
-    const LONG gainX = std::max<LONG>(0, now.cx - client_.cx);
-    const LONG gainY = std::max<LONG>(0, now.cy - client_.cy);
+    const LONG gainX = std::max<LONG>(0, now.cx - Scaled(client_.cx));
+    const LONG gainY = std::max<LONG>(0, now.cy - Scaled(client_.cy));
     for (const Item& item : items_) {
         const auto does = [&](unsigned what) { return (item.follows & what) != 0; };
-        SetWindowPos(item.control, nullptr, item.area.left + (does(kMoveX) ? gainX : 0),
-                     item.area.top + (does(kMoveY) ? gainY : 0),
-                     item.area.right - item.area.left + (does(kGrowX) ? gainX : 0),
-                     item.area.bottom - item.area.top + (does(kGrowY) ? gainY : 0),
+        const LONG left = Scaled(item.area.left);
+        const LONG top = Scaled(item.area.top);
+        SetWindowPos(item.control, nullptr, left + (does(kMoveX) ? gainX : 0),
+                     top + (does(kMoveY) ? gainY : 0),
+                     Scaled(item.area.right) - left + (does(kGrowX) ? gainX : 0),
+                     Scaled(item.area.bottom) - top + (does(kGrowY) ? gainY : 0),
                      SWP_NOZORDER | SWP_NOACTIVATE);
     }
     RedrawWindow(dialog_, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
@@ -47,7 +55,7 @@ bool clsLayout::Handle(UINT message, LPARAM lparam) const {
 
 void clsLayout::LimitSize(MINMAXINFO& info) const {
     if (dialog_)
-        info.ptMinTrackSize = {window_.cx, window_.cy};
+        info.ptMinTrackSize = {Scaled(window_.cx), Scaled(window_.cy)};
 }
 
 } // namespace vesk

@@ -28,6 +28,8 @@ public:
     void LimitSize(MINMAXINFO& info) const;
 
 private:
+    [[nodiscard]] int Scaled(LONG pixels) const;
+
     struct Item {
         HWND control;
         RECT area; ///< In the dialog's client coordinates, while that has its first size.
@@ -35,6 +37,7 @@ private:
     };
 
     HWND dialog_ = nullptr;
+    int dpi_ = 96; ///< That all measures here are for.
     SIZE client_{};
     SIZE window_{};
     std::vector<Item> items_;

@@ -1,6 +1,6 @@
 #include "ui/kit/clsListNote.h"
 
-#include "ui/kit/modWindow.h"
+#include "ui/kit/modResolution.h"
 
 #include <commctrl.h>
 
@@ -33,7 +33,8 @@ void clsListNote::Paint() const {
     RECT header{};
     GetWindowRect(ListView_GetHeader(list_), &header);
     area.top += header.bottom - header.top;
-    InflateRect(&area, -ScalePixels(kMargin), -ScalePixels(kMargin));
+    const int margin = ScalePixels(list_, kMargin);
+    InflateRect(&area, -margin, -margin);
     const HDC dc = GetDC(list_);
     const HGDIOBJ before =
         SelectObject(dc, reinterpret_cast<HGDIOBJ>(SendMessageA(list_, WM_GETFONT, 0, 0)));

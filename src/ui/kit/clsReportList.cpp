@@ -1,6 +1,7 @@
 #include "ui/kit/clsReportList.h"
 
 #include "ui/kit/modColumns.h"
+#include "ui/kit/modResolution.h"
 #include "ui/kit/modWindow.h"
 
 #include <algorithm>
@@ -47,7 +48,7 @@ int clsReportList::WantedWidth(int column) const {
     for (std::size_t line = 0; line < lines; ++line)
         width = std::max(width,
                          TextWidth(list_, content_.cell(line, column).substr(0, kMeasuredLetters)));
-    return width + ScalePixels(kCellMargin);
+    return width + ScalePixels(list_, kCellMargin);
 }
 
 /// What is left over goes to the last column, whose texts are sentences.
@@ -61,7 +62,7 @@ void clsReportList::FitColumns() const {
     int width = InnerSize(list_).cx;
     if ((GetWindowLongPtrA(list_, GWL_STYLE) & WS_VSCROLL) == 0 &&
         static_cast<int>(content_.count()) > ListView_GetCountPerPage(list_))
-        width -= GetSystemMetrics(SM_CXVSCROLL);
+        width -= ScrollBarWidth(list_);
     const std::vector<int> widths = ShareWidth(std::move(wanted), width);
     for (int column = 0; column < columns; ++column)
         ListView_SetColumnWidth(list_, column,

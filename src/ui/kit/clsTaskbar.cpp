@@ -2,7 +2,8 @@
 
 namespace vesk {
 
-clsTaskbar::clsTaskbar(HWND window) : window_(window) {
+void clsTaskbar::Connect() {
+    isConnected_ = true;
     void* taskbar = nullptr;
     if (SUCCEEDED(CoCreateInstance(CLSID_TaskbarList, nullptr, CLSCTX_INPROC_SERVER,
                                    IID_ITaskbarList3, &taskbar)))
@@ -12,6 +13,8 @@ clsTaskbar::clsTaskbar(HWND window) : window_(window) {
 }
 
 void clsTaskbar::SetProgress(std::size_t done, std::size_t total) {
+    if (!isConnected_)
+        Connect();
     if (taskbar_ && total > 0)
         taskbar_->SetProgressValue(window_, done, total);
 }

@@ -14,8 +14,9 @@ namespace vesk {
 /// elsewhere.
 class clsTaskbar {
 public:
-    /// Connects to the taskbar. COM must be ready on this thread. @param window a top-level window
-    explicit clsTaskbar(HWND window);
+    /// Connects to the taskbar when there is something to show. COM must be ready on this thread
+    /// then. @param window a top-level window
+    explicit clsTaskbar(HWND window) : window_(window) {}
 
     void SetProgress(std::size_t done, std::size_t total);
 
@@ -26,7 +27,10 @@ public:
     void Clear();
 
 private:
+    void Connect();
+
     HWND window_;
+    bool isConnected_ = false; ///< Or cannot be.
     ComPointer<ITaskbarList3> taskbar_;
 };
 

@@ -1,5 +1,6 @@
 #include "ui/kit/clsToolTips.h"
 
+#include "ui/kit/modResolution.h"
 #include "ui/kit/modWindow.h"
 
 #include <commctrl.h>
@@ -16,7 +17,7 @@ void clsToolTips::Attach(HWND dialog) {
     dialog_ = dialog;
     tips_ = CreateWindowExA(WS_EX_TOPMOST, TOOLTIPS_CLASSA, nullptr, WS_POPUP | TTS_NOPREFIX, 0, 0,
                             0, 0, dialog, nullptr, ProgramInstance(), nullptr);
-    SendMessageA(tips_, TTM_SETMAXTIPWIDTH, 0, ScalePixels(kTipWidth));
+    SendMessageA(tips_, TTM_SETMAXTIPWIDTH, 0, ScalePixels(dialog, kTipWidth));
 }
 
 void clsToolTips::Add(int controlId, const char* text) const {

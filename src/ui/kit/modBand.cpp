@@ -1,10 +1,12 @@
 #include "ui/kit/modBand.h"
 
+#include "ui/kit/clsDialogScale.h"
+
 namespace vesk {
 
 LRESULT PaintBand(HWND dialog, HDC dc, int height) {
     RECT band{0, 0, 0, height};
-    MapDialogRect(dialog, &band);
+    MapUnits(dialog, band);
     return PaintBandTo(dialog, dc, band.bottom);
 }
 

@@ -1,6 +1,8 @@
 #include "ui/kit/modDialogTemplate.h"
 
 #include "base/modSystemError.h"
+#include "ui/kit/clsDialogScale.h"
+#include "ui/kit/modResolution.h"
 #include "ui/kit/modWindow.h"
 
 #include <cstring>
@@ -29,7 +31,7 @@ DialogFont SystemMessageFont() {
         return font;
     const LOGFONTW& found = metrics.lfMessageFont;
     const int points =
-        MulDiv(found.lfHeight < 0 ? -found.lfHeight : found.lfHeight, 72, ScalePixels(96));
+        MulDiv(found.lfHeight < 0 ? -found.lfHeight : found.lfHeight, 72, SystemDpi());
     if (points < kSmallestFont || points > kLargestFont || found.lfFaceName[0] == L'\0')
         return font;
     font.points = static_cast<WORD>(points);
@@ -97,10 +99,10 @@ struct Header {
 };
 
 /// Pixels that a dialog takes with its frame, in a font.
-SIZE SizeInFont(const Header& dialog, const DialogFont& font) {
+SIZE SizeInFont(const Header& dialog, const DialogFont& font, int dpi) {
     constexpr const char* kLetters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
     LOGFONTW description{};
-    description.lfHeight = -MulDiv(font.points, ScalePixels(96), 72);
+    description.lfHeight = -MulDiv(font.points, dpi, 72);
     description.lfWeight = font.weight;
     description.lfCharSet = font.charset;
     lstrcpynW(description.lfFaceName, font.face.c_str(), LF_FACESIZE);
@@ -121,7 +123,7 @@ SIZE SizeInFont(const Header& dialog, const DialogFont& font) {
 void MakeFit(const Header& dialog, HWND owner, DialogFont& font) {
     const RECT work = WorkAreaOf(owner);
     const auto fits = [&] {
-        const SIZE size = SizeInFont(dialog, font);
+        const SIZE size = SizeInFont(dialog, font, DpiOf(owner));
         return size.cx <= work.right - work.left && size.cy <= work.bottom - work.top;
     };
     while (font.points > kSmallestFont && !fits())
@@ -131,9 +133,8 @@ void MakeFit(const Header& dialog, HWND owner, DialogFont& font) {
 /// The size of a dialog's font, as its template gave it.
 WORD PointsOf(HWND dialog) {
     LOGFONTA description{};
-    GetObjectA(reinterpret_cast<HGDIOBJ>(SendMessageA(dialog, WM_GETFONT, 0, 0)),
-               sizeof description, &description);
-    return static_cast<WORD>(MulDiv(-description.lfHeight, 72, ScalePixels(96)));
+    GetObjectA(FontOf(dialog), sizeof description, &description);
+    return static_cast<WORD>(MulDiv(-description.lfHeight, 72, DpiOf(dialog)));
 }
 
 constexpr std::size_t kFixedPart = 26; // of an extended template: up to its menu
@@ -175,6 +176,7 @@ DialogTemplate::DialogTemplate(int resourceId, HWND owner) {
     else
         MakeFit(header, owner, chosen);
 
+    points_ = chosen.points;
     TemplateWriter writer;
     writer.Bytes(start, font);
     writer.Font(chosen);

@@ -21,7 +21,11 @@ public:
         return reinterpret_cast<LPCDLGTEMPLATEW>(words_.data());
     }
 
+    /// Size of the font in it.
+    [[nodiscard]] int Points() const { return points_; }
+
 private:
+    int points_ = 0;
     std::vector<std::uint32_t> words_; ///< The system wants a template aligned to four bytes.
 };
 

@@ -54,10 +54,12 @@ clsPictureView::Library::~Library() {
         Gdiplus::GdiplusShutdown(token_);
 }
 
-clsPictureView::clsPictureView(int resourceId) {
-    const auto picture = PictureFromBytes(ResourceBytes("JPG", resourceId));
+void clsPictureView::Load() {
+    isLoaded_ = true;
+    library_.emplace();
+    const auto picture = PictureFromBytes(ResourceBytes("JPG", resourceId_));
     OLE_HANDLE handle = 0;
-    if (!library_.IsReady() || !picture || FAILED(picture->get_Handle(&handle)))
+    if (!library_->IsReady() || !picture || FAILED(picture->get_Handle(&handle)))
         return;
     auto* const bitmap = reinterpret_cast<HBITMAP>(static_cast<ULONG_PTR>(handle));
     image_.emplace(bitmap, nullptr); // a copy: the picture goes
@@ -68,6 +70,8 @@ clsPictureView::clsPictureView(int resourceId) {
 clsPictureView::~clsPictureView() = default;
 
 void clsPictureView::Paint(HDC target, const RECT& area) {
+    if (!isLoaded_)
+        Load();
     const auto width = static_cast<Gdiplus::REAL>(area.right - area.left);
     const auto height = static_cast<Gdiplus::REAL>(area.bottom - area.top);
     if (!image_ || width <= 0 || height <= 0)

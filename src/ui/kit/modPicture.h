@@ -23,8 +23,9 @@ ComPointer<IPicture> PictureFromBytes(std::span<const std::byte> bytes);
 /// A picture of the program's resources that covers the control it is painted on.
 class clsPictureView {
 public:
-    /// @param resourceId number of a "JPG" resource; without a picture nothing is painted
-    explicit clsPictureView(int resourceId);
+    /// The picture is read when it is painted first. @param resourceId number of a "JPG" resource;
+    /// without a picture nothing is painted
+    explicit clsPictureView(int resourceId) : resourceId_(resourceId) {}
     clsPictureView(const clsPictureView&) = delete;
     clsPictureView& operator=(const clsPictureView&) = delete;
     ~clsPictureView();
@@ -49,7 +50,11 @@ private:
         bool isReady_ = false;
     };
 
-    Library library_; // before the image, which must go first
+    void Load();
+
+    int resourceId_;
+    bool isLoaded_ = false;          ///< Or cannot be.
+    std::optional<Library> library_; // before the image, which must go first
     std::optional<Gdiplus::Bitmap> image_;
 };
 

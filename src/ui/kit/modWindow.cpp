@@ -20,6 +20,10 @@ bool IsDialogWindow(HWND window) {
 
 using GlobalMemory = UniqueHandle<::GlobalFree, HGLOBAL>;
 
+LONG HeightOf(const RECT& area) {
+    return area.bottom - area.top;
+}
+
 LOGFONTA DescribeFont(HFONT font) {
     LOGFONTA description{};
     GetObjectA(font, sizeof description, &description);
@@ -56,16 +60,6 @@ bool HoldsForeignLetters(HWND window) {
 void SetText(HWND window, const std::string& text) {
     if (TextOf(window) != text)
         SetWindowTextA(window, text.c_str());
-}
-
-int ScalePixels(int pixels) {
-    static const int dpi = [] {
-        const HDC screen = GetDC(nullptr);
-        const int found = GetDeviceCaps(screen, LOGPIXELSX);
-        ReleaseDC(nullptr, screen);
-        return found;
-    }();
-    return MulDiv(pixels, dpi, 96);
 }
 
 void SetTopMost(HWND window, bool onTop) {
@@ -220,19 +214,18 @@ void SetComboSelection(HWND combo, int item) {
     SendMessageA(combo, CB_SETCURSEL, static_cast<WPARAM>(item), 0);
 }
 
-void MatchHeight(HWND combo, HWND textField) {
-    const auto heightOf = [](HWND window) {
-        RECT area{};
-        GetWindowRect(window, &area);
-        return area.bottom - area.top;
-    };
+void SetClosedHeight(HWND combo, LONG pixels) {
     constexpr auto kSelectionField = static_cast<WPARAM>(-1);
+    LRESULT inner = SendMessageA(combo, CB_GETITEMHEIGHT, kSelectionField, 0);
     // Twice: with its first own height a box may also get another border around it.
     for (int pass = 0; pass < 2; ++pass) {
-        const LRESULT inner = SendMessageA(combo, CB_GETITEMHEIGHT, kSelectionField, 0);
-        SendMessageA(combo, CB_SETITEMHEIGHT, kSelectionField,
-                     inner + heightOf(textField) - heightOf(combo));
+        inner += pixels - HeightOf(AreaOf(combo));
+        SendMessageA(combo, CB_SETITEMHEIGHT, kSelectionField, inner);
     }
+}
+
+void MatchHeight(HWND combo, HWND textField) {
+    SetClosedHeight(combo, HeightOf(AreaOf(textField)));
 }
 
 GdiHandle DerivedFont(HFONT font, LONG weight, int percent) {

@@ -29,9 +29,6 @@ bool HoldsForeignLetters(HWND window);
 /// Sets the text only when it differs, so that nothing flickers.
 void SetText(HWND window, const std::string& text);
 
-/// Pixels of the present screen resolution for a measure given in pixels at 96 DPI.
-int ScalePixels(int pixels);
-
 /// Keeps the window in front of all others, or ends that; position and size stay.
 void SetTopMost(HWND window, bool onTop);
 
@@ -90,6 +87,9 @@ void SetComboItems(HWND combo, const std::vector<std::string>& items);
 /// Number of a combo box's selected item; -1 for none.
 int ComboSelection(HWND combo);
 void SetComboSelection(HWND combo, int item);
+
+/// Gives a closed combo box this height.
+void SetClosedHeight(HWND combo, LONG pixels);
 
 /// Makes a combo box as high as a text field: the system makes it as high as its font needs, which
 /// at high resolutions is less.

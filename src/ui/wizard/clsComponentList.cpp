@@ -3,6 +3,7 @@
 #include "base/Failure.h"
 #include "ui/kit/ScopeFlag.h"
 #include "ui/kit/modColumns.h"
+#include "ui/kit/modResolution.h"
 #include "ui/kit/modWindow.h"
 #include "ui/wizard/frmItems.h"
 #include "ui/wizard/modListWalk.h"
@@ -43,8 +44,8 @@ int FittingWidth(HWND list, int column) {
     const auto titleWidth = static_cast<int>(
         SendMessageA(list, LVM_GETSTRINGWIDTHA, 0, reinterpret_cast<LPARAM>(title.data())));
     ListView_SetColumnWidth(list, column, LVSCW_AUTOSIZE);
-    return std::max(titleWidth + ScalePixels(kTitleMargin),
-                    ListView_GetColumnWidth(list, column) + ScalePixels(kTextMargin));
+    return std::max(titleWidth + ScalePixels(list, kTitleMargin),
+                    ListView_GetColumnWidth(list, column) + ScalePixels(list, kTextMargin));
 }
 
 } // namespace
@@ -113,7 +114,7 @@ void clsComponentList::AddColumns() {
     for (int column = 0; column < static_cast<int>(titles.size()); ++column) {
         LVCOLUMNA description{};
         description.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_SUBITEM;
-        description.cx = ScalePixels(100);
+        description.cx = ScalePixels(list_, 100);
         description.iSubItem = column;
         description.pszText = const_cast<char*>(titles[static_cast<std::size_t>(column)]);
         SendMessageA(list_, LVM_INSERTCOLUMNA, static_cast<WPARAM>(column),
@@ -187,7 +188,7 @@ void clsComponentList::FitColumns() {
     int width = InnerSize(list_).cx;
     if (LineCount() > ListView_GetCountPerPage(list_) &&
         (GetWindowLongPtrA(list_, GWL_STYLE) & WS_VSCROLL) == 0)
-        width -= GetSystemMetrics(SM_CXVSCROLL);
+        width -= ScrollBarWidth(list_);
     const int columns = kind_ == Kind::Plugins ? 4 : 3;
     std::vector<int> wanted;
     wanted.reserve(static_cast<std::size_t>(columns));
@@ -293,7 +294,7 @@ void clsComponentList::AttachTip() {
     tool.uId = reinterpret_cast<UINT_PTR>(list_);
     tool.lpszText = LPSTR_TEXTCALLBACKA;
     SendMessageA(tip_, TTM_ADDTOOLA, 0, reinterpret_cast<LPARAM>(&tool));
-    SendMessageA(tip_, TTM_SETMAXTIPWIDTH, 0, ScalePixels(kTipWidth));
+    SendMessageA(tip_, TTM_SETMAXTIPWIDTH, 0, ScalePixels(list_, kTipWidth));
     SendMessageA(tip_, TTM_SETDELAYTIME, TTDT_AUTOPOP, 30000);
 }
 

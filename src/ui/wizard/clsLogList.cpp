@@ -1,6 +1,7 @@
 #include "ui/wizard/clsLogList.h"
 
 #include "build/modSaveLog.h"
+#include "ui/kit/modResolution.h"
 #include "ui/kit/modWindow.h"
 #include "ui/resources/ids.h"
 
@@ -39,7 +40,7 @@ void clsLogList::ShowLines(const std::vector<std::string>& lines) {
 }
 
 void clsLogList::Widen(const std::string& line) {
-    const int width = TextWidth(list_, line) + ScalePixels(kLineMargin);
+    const int width = TextWidth(list_, line) + ScalePixels(list_, kLineMargin);
     if (width <= widest_)
         return;
     widest_ = width;
@@ -60,7 +61,7 @@ POINT clsLogList::CurrentLinePosition() const {
     RECT line{};
     const auto current = static_cast<WPARAM>(SendMessageA(list_, LB_GETCARETINDEX, 0, 0));
     SendMessageA(list_, LB_GETITEMRECT, current, reinterpret_cast<LPARAM>(&line));
-    POINT position{ScalePixels(kLineMargin), line.bottom};
+    POINT position{ScalePixels(list_, kLineMargin), line.bottom};
     ClientToScreen(list_, &position);
     return position;
 }

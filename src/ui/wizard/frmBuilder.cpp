@@ -51,12 +51,16 @@ void frmBuilder::SetButtonFace(const std::string& face) {
         SendMessageA(Control(id), WM_SETFONT, reinterpret_cast<WPARAM>(buttonFont_.Get()), TRUE);
 }
 
+/// Also when the resolution has changed: the next page's heading is to have them.
+void frmBuilder::MakeFonts() {
+    largeFont_ = DerivedFont(FontOf(Window()), FW_BOLD, 145);
+    boldFont_ = DerivedFont(FontOf(Window()), FW_BOLD, 100);
+}
+
 void frmBuilder::Form_Load() {
     load_ = LoadCatalogueReporting(paths_.programPath, catalogue_);
     SetWindowIcon(Window());
-    auto* const font = reinterpret_cast<HFONT>(SendMessageA(Window(), WM_GETFONT, 0, 0));
-    largeFont_ = DerivedFont(font, FW_BOLD, 145);
-    boldFont_ = DerivedFont(font, FW_BOLD, 100);
+    MakeFonts();
     SendMessageA(Control(IDC_LBL_HEADING_SM), WM_SETFONT, reinterpret_cast<WPARAM>(boldFont_.Get()),
                  FALSE);
     CreatePages();
@@ -143,7 +147,7 @@ clsDialog& frmBuilder::PageWindow(Page page) {
 
 RECT frmBuilder::DialogUnits(int left, int top, int width, int height) const {
     RECT area{left, top, left + width, top + height};
-    MapDialogRect(Window(), &area);
+    MapUnits(Window(), area);
     return area;
 }
 

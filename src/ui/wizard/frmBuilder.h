@@ -48,6 +48,8 @@ private:
     // What the window does.
     INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;
     void Form_Load();
+    void MakeFonts();
+    void Scaled() override { MakeFonts(); }
     void SetButtonFace(const std::string& face);
     void Form_QueryUnload();
     void cmdButtons_Click(WizardButton button);

@@ -43,7 +43,7 @@ void pagSummary::SetWarning(const std::string& text) {
 
 RECT pagSummary::DialogUnits(int left, int top, int right, int bottom) const {
     RECT area{left, top, right, bottom};
-    MapDialogRect(Window(), &area);
+    MapUnits(Window(), area);
     return area;
 }
 

@@ -233,6 +233,16 @@ std::string WizardDriver::CellText(HWND list, int line, int column) const {
     return text.substr(0, text.find('\0'));
 }
 
+void WizardDriver::ChangeDpi(HWND dialog, int dpi, const RECT& place) const {
+    constexpr UINT kDpiChanged = 0x02E0;
+    void* const there =
+        VirtualAllocEx(process_.Get(), nullptr, sizeof place, MEM_COMMIT, PAGE_READWRITE);
+    REQUIRE(there);
+    WriteProcessMemory(process_.Get(), there, &place, sizeof place, nullptr);
+    SendMessageA(dialog, kDpiChanged, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(there));
+    VirtualFreeEx(process_.Get(), there, 0, MEM_RELEASE);
+}
+
 std::string WizardDriver::AwaitTip() const {
     HWND tip = nullptr;
     REQUIRE(WaitUntil([&] {

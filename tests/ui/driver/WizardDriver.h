@@ -75,6 +75,10 @@ public:
     /// What a cell of a list view shows, in any dialog of the program.
     [[nodiscard]] std::string CellText(HWND list, int line, int column) const;
 
+    /// Tells a dialog of the program that it is on a monitor of this resolution now, and the place
+    /// that it should take there.
+    void ChangeDpi(HWND dialog, int dpi, const RECT& place) const;
+
     /// Waits for a tool tip. @return its text
     [[nodiscard]] std::string AwaitTip() const;
 

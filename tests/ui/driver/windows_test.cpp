@@ -1,3 +1,4 @@
+#include "EditorDriver.h"
 #include "WizardSteps.h"
 
 #include <commctrl.h>
@@ -91,6 +92,41 @@ private:
     std::string before_;
 };
 
+/// Where everything that is shown in a dialog stands within its parent.
+std::vector<RECT> LayoutOf(HWND dialog) {
+    std::vector<RECT> areas;
+    const auto visit = [](HWND window, LPARAM list) -> BOOL {
+        if (!IsWindowVisible(window))
+            return TRUE;
+        RECT area = AreaOf(window);
+        MapWindowPoints(nullptr, GetParent(window), reinterpret_cast<POINT*>(&area), 2);
+        reinterpret_cast<std::vector<RECT>*>(list)->push_back(area);
+        return TRUE;
+    };
+    EnumChildWindows(dialog, visit, reinterpret_cast<LPARAM>(&areas));
+    return areas;
+}
+
+/// Takes a dialog to a monitor with one and a half times the resolution, looks, and takes it back.
+template <class Look>
+void OnFinerMonitor(const WizardDriver& program, HWND dialog, const Look& look) {
+    const RECT place = AreaOf(dialog);
+    const std::vector<RECT> before = LayoutOf(dialog);
+    const auto scaled = [](LONG pixels) { return pixels * 3 / 2; };
+    program.ChangeDpi(
+        dialog, 144,
+        {20, 20, 20 + scaled(place.right - place.left), 20 + scaled(place.bottom - place.top)});
+    const std::vector<RECT> after = LayoutOf(dialog);
+    REQUIRE(after.size() == before.size());
+    look();
+    program.ChangeDpi(dialog, 96, place);
+    const std::vector<RECT> back = LayoutOf(dialog);
+    for (std::size_t i = 0; i < before.size(); ++i) {
+        CAPTURE(i);
+        CHECK(EqualRect(&before[i], &back[i]));
+    }
+}
+
 /// Presses a key as the keyboard does, together with Ctrl if wanted.
 void PressKey(const WizardDriver& wizard, BYTE key, bool withControl = false) {
     SetForegroundWindow(wizard.Window());
@@ -152,6 +188,29 @@ TEST_CASE("at the largest text sizes every window still fits on the screen") {
     CHECK(IsInside(wizard.Control(IDC_CMD_SCAN), AreaOf(wizard.Window())));
     CHECK(AreaOf(wizard.Control(IDC_CMD_SCAN)).bottom <
           AreaOf(wizard.Control(IDC_LINE_BOTTOM)).top);
+}
+
+TEST_CASE("on a monitor of another resolution everything is scaled, and back to what it was") {
+    const ProgramFolder program;
+    program.Save();
+    const WizardDriver wizard(program.Wizard());
+    const HWND cancel = wizard.Control(IDCANCEL);
+    const LONG width = WidthOf(cancel);
+    wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
+    const HWND list = wizard.Control(IDC_LST_BASE);
+    const auto lineHeight = [&] { return HIWORD(SendMessageA(list, LVM_GETITEMSPACING, TRUE, 0)); };
+    const auto line = lineHeight();
+    OnFinerMonitor(wizard, wizard.Window(), [&] {
+        CHECK(WidthOf(cancel) == doctest::Approx(1.5 * width).epsilon(0.02));
+        CHECK(lineHeight() > line * 5 / 4);
+        wizard.GoTo(IDC_CMD_NEXT, kPluginsHeading);
+        wizard.GoTo(IDC_CMD_BACK, kBaseHeading);
+    });
+    const Editor editor(program);
+    OnFinerMonitor(editor, editor.Window(), [&] {
+        const HWND combo = editor.Control(IDC_CMB_INSTALL_PATH);
+        CHECK(HeightOf(combo) == HeightOf(editor.Control(IDC_TXT_FOLDER)));
+    });
 }
 
 TEST_CASE("the keyboard gets out of a text that is only read") {
