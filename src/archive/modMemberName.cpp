@@ -1,5 +1,8 @@
 #include "archive/modMemberName.h"
 
+#include "base/CodePage.h"
+#include "base/modText.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -100,24 +103,26 @@ struct Joined {
     std::string_view objection;
 };
 
+/// @param plain the name, where each character that looks like a separator is one
 template <class Char>
-Joined<Char> Join(std::basic_string_view<Char> folder, std::basic_string_view<Char> name) {
+Joined<Char> Join(std::basic_string_view<Char> folder, std::basic_string_view<Char> name,
+                  std::basic_string_view<Char> plain) {
     if (name.size() > kLongestMemberName)
         return {{}, "its name is too long"};
     if (!name.empty() && IsSeparator(name[0]))
         return {{}, "its name is an absolute path"};
-    while (folder.ends_with(Char{'\\'}))
-        folder.remove_suffix(1);
     std::basic_string<Char> path(folder);
     path.reserve(folder.size() + 1 + name.size());
     for (std::size_t depth = 0; !name.empty();) {
-        const auto end = std::ranges::find_if(name, IsSeparator<Char>);
-        const auto size = static_cast<std::size_t>(end - name.begin());
+        const auto end = std::ranges::find_if(plain, IsSeparator<Char>);
+        const auto size = static_cast<std::size_t>(end - plain.begin());
         const std::basic_string_view<Char> part = name.substr(0, size);
+        const std::basic_string_view<Char> plainPart = plain.substr(0, size);
         name.remove_prefix(std::min(size + 1, name.size()));
+        plain.remove_prefix(std::min(size + 1, plain.size()));
         if (part.empty() || (part.size() == 1 && part[0] == '.'))
             continue;
-        if (const std::string_view objection = ObjectionTo(part); !objection.empty())
+        if (const std::string_view objection = ObjectionTo(plainPart); !objection.empty())
             return {{}, objection};
         if (++depth > kDeepestMemberName)
             return {{}, "its name leads through too many folders"};
@@ -131,7 +136,9 @@ Joined<Char> Join(std::basic_string_view<Char> folder, std::basic_string_view<Ch
 } // namespace
 
 std::optional<std::string> PathInside(std::string_view folder, std::string_view memberName) {
-    Joined<char> joined = Join(folder, memberName);
+    const std::string plain = WithoutTrailBytes(memberName);
+    Joined<char> joined = Join(std::string_view(WithoutTrailingBackslash(folder)), memberName,
+                               std::string_view(plain));
     if (!joined.objection.empty())
         return std::nullopt;
     return std::move(joined.path);
@@ -139,7 +146,9 @@ std::optional<std::string> PathInside(std::string_view folder, std::string_view 
 
 std::optional<std::wstring> PathInside(std::wstring_view folder, std::wstring_view memberName,
                                        std::string* objection) {
-    Joined<wchar_t> joined = Join(folder, memberName);
+    while (folder.ends_with(L'\\'))
+        folder.remove_suffix(1);
+    Joined<wchar_t> joined = Join(folder, memberName, memberName);
     if (objection != nullptr)
         *objection = joined.objection;
     if (!joined.objection.empty())

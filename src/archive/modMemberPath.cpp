@@ -11,23 +11,6 @@
 
 namespace vesk {
 
-namespace {
-
-/// Whether the name means the same to the ANSI functions, with which the rest of the program works:
-/// they take "\" for other strokes and ":" for other colons.
-bool MeansTheSameInAnsi(std::wstring_view folder, std::wstring_view name,
-                        const std::wstring& path) {
-    if (std::ranges::all_of(name, [](wchar_t c) { return c < 0x80; }))
-        return true;
-    const std::wstring seen = AsAnsiSees(name);
-    if (seen == name)
-        return true;
-    const auto seenPath = PathInside(folder, seen);
-    return seenPath && std::ranges::count(*seenPath, L'\\') == std::ranges::count(path, L'\\');
-}
-
-} // namespace
-
 std::wstring MemberPath(std::wstring_view folder, std::wstring_view name, bool isFolder) {
     if (isFolder && NamesFolderItself(name))
         return std::wstring(folder);
@@ -35,8 +18,6 @@ std::wstring MemberPath(std::wstring_view folder, std::wstring_view name, bool i
     auto path = PathInside(folder, name, &objection);
     if (!path)
         throw ArchiveProblem(objection);
-    if (!MeansTheSameInAnsi(folder, name, *path))
-        throw ArchiveProblem("a part of its name has another meaning in the system's code page");
     return std::move(*path);
 }
 

@@ -29,22 +29,22 @@ std::size_t ExistingLength(const std::wstring& path) {
     return length;
 }
 
-std::wstring LongNames(const std::wstring& path) {
-    std::wstring names(kLongest, L'\0');
-    names.resize(GetLongPathNameW(LongPath(path).c_str(), names.data(), kLongest));
-    return names.empty() ? path : WithoutLongPrefix(names);
-}
-
 /// Where an existing path leads; the path itself when the system cannot tell.
 std::wstring Resolved(const std::wstring& path) {
     const FileHandle file(CreateFileW(LongPath(path).c_str(), 0,
                                       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                                       nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
     const std::wstring real = file ? RealPathOf(file.Get()) : std::wstring();
-    return real.empty() ? LongNames(path) : real;
+    return real.empty() ? WithLongNames(path) : real;
 }
 
 } // namespace
+
+std::wstring WithLongNames(const std::wstring& path) {
+    std::wstring names(kLongest, L'\0');
+    names.resize(GetLongPathNameW(LongPath(path).c_str(), names.data(), kLongest));
+    return names.empty() ? path : WithoutLongPrefix(names);
+}
 
 std::wstring RealPathOf(void* handle) {
     using Function = DWORD(WINAPI*)(HANDLE, LPWSTR, DWORD, DWORD);

@@ -14,4 +14,7 @@ std::wstring RealPath(const std::wstring& path);
 /// @return empty where the system cannot tell
 std::wstring RealPathOf(void* handle);
 
+/// The path with the long form of each short name in it; as it is where the system cannot tell.
+std::wstring WithLongNames(const std::wstring& path);
+
 } // namespace vesk

@@ -2,6 +2,7 @@
 
 #include "base/Failure.h"
 #include "base/FolderEntries.h"
+#include "base/RealPath.h"
 #include "base/UniqueHandle.h"
 #include "base/clsLinkDetector.h"
 #include "base/modSystemError.h"
@@ -188,7 +189,8 @@ void RemoveFile(const std::string& path) {
 bool PlainFileExists(const std::string& path) {
     if (!FileExists(path))
         return false;
-    const std::wstring wide = Widen(AbsolutePath(path));
+    // A file whose name the code page lacks is known by its short one.
+    const std::wstring wide = WithLongNames(Widen(AbsolutePath(path)));
     const std::size_t slash = wide.rfind(L'\\');
     return !clsLinkDetector().IsFileLink(wide.substr(0, slash), wide.substr(slash + 1),
                                          GetFileAttributesA(path.c_str()));

@@ -1,5 +1,7 @@
 #include "base/modText.h"
 
+#include "base/CodePage.h"
+
 #include <algorithm>
 
 namespace vesk {
@@ -13,10 +15,19 @@ char Upper(char c) {
     return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
 
+/// The second byte of a character is no letter.
 std::string Mapped(std::string_view text, char (*map)(char)) {
+    const std::string plain = WithoutTrailBytes(text);
     std::string result(text);
-    std::ranges::transform(result, result.begin(), map);
+    for (std::size_t i = 0; i < result.size(); ++i) {
+        if (plain[i] == result[i])
+            result[i] = map(result[i]);
+    }
     return result;
+}
+
+std::size_t LastBackslash(std::string_view path) {
+    return WithoutTrailBytes(path).rfind('\\');
 }
 
 using Finder = std::size_t (*)(std::string_view text, std::string_view what, std::size_t from);
@@ -52,7 +63,8 @@ std::string UpperCase(std::string_view text) {
 }
 
 bool EqualNoCase(std::string_view left, std::string_view right) {
-    return std::ranges::equal(left, right, {}, Lower, Lower);
+    return left.size() == right.size() && std::ranges::equal(left, right, {}, Lower, Lower) &&
+           (CurrentCodePage().isLeadByte == nullptr || LowerCase(left) == LowerCase(right));
 }
 
 bool StartsWithNoCase(std::string_view text, std::string_view start) {
@@ -97,11 +109,11 @@ std::vector<std::string> Split(std::string_view text, char separator) {
 }
 
 std::string FileNameOf(std::string_view path) {
-    return std::string(path.substr(path.rfind('\\') + 1)); // npos + 1 is 0: the whole text
+    return std::string(path.substr(LastBackslash(path) + 1)); // npos + 1 is 0: the whole text
 }
 
 std::string ParentOf(std::string_view path) {
-    const std::size_t at = path.rfind('\\');
+    const std::size_t at = LastBackslash(path);
     return at == std::string_view::npos ? std::string() : std::string(path.substr(0, at));
 }
 
@@ -117,12 +129,12 @@ std::string BaseNameOf(std::string_view path) {
 }
 
 std::string WithoutTrailingBackslash(std::string_view path) {
-    return std::string(path.substr(0, path.find_last_not_of('\\') + 1));
+    return std::string(path.substr(0, WithoutTrailBytes(path).find_last_not_of('\\') + 1));
 }
 
 std::string WithTrailingBackslash(std::string_view path) {
     std::string result(path);
-    if (result.empty() || result.back() != '\\')
+    if (!WithoutTrailBytes(path).ends_with('\\'))
         result += '\\';
     return result;
 }

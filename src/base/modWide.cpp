@@ -1,5 +1,6 @@
 #include "base/modWide.h"
 
+#include "base/CodePage.h"
 #include "base/modSystemError.h"
 
 #include <windows.h>
@@ -8,9 +9,8 @@ namespace vesk {
 
 namespace {
 
-/// @param standIn for characters without a similar one; null for the system's own
 /// @param replaced where to tell that a character had to be replaced; may be null
-std::string ToAnsi(std::wstring_view wide, DWORD flags, const char* standIn, BOOL* replaced) {
+std::string ToAnsi(std::wstring_view wide, DWORD flags, BOOL* replaced) {
     const int size = static_cast<int>(wide.size());
     const int length =
         WideCharToMultiByte(CP_ACP, flags, wide.data(), size, nullptr, 0, nullptr, nullptr);
@@ -18,7 +18,7 @@ std::string ToAnsi(std::wstring_view wide, DWORD flags, const char* standIn, BOO
     // A name that turned empty would be another one.
     if (size != 0 &&
         (length == 0 || WideCharToMultiByte(CP_ACP, flags, wide.data(), size, text.data(), length,
-                                            standIn, replaced) == 0))
+                                            nullptr, replaced) == 0))
         ThrowLastError("cannot turn into the system's code page:", "a text");
     return text;
 }
@@ -35,6 +35,21 @@ std::wstring FromCodePage(std::string_view text, UINT codePage) {
 
 } // namespace
 
+void UseSystemCodePage() {
+    CPINFO info{};
+    CodePage page;
+    // UTF-8 has no such bytes: none of its later bytes looks like a character of its own.
+    if (GetCPInfo(CP_ACP, &info) != 0 && info.MaxCharSize == 2)
+        page.isLeadByte = [](unsigned char byte) { return IsDBCSLeadByte(byte) != FALSE; };
+    page.poundAndNegation.clear();
+    for (const wchar_t sign : {L'\u00A3', L'\u00AC'}) {
+        const auto narrow = NarrowedExactly(std::wstring(1, sign));
+        if (narrow && narrow->size() == 1)
+            page.poundAndNegation += *narrow;
+    }
+    SetCodePage(page);
+}
+
 std::wstring Widen(std::string_view text) {
     return FromCodePage(text, CP_ACP);
 }
@@ -44,7 +59,7 @@ std::wstring WidenFromOem(std::string_view text) {
 }
 
 std::string Narrowed(std::wstring_view wide) {
-    return wide.empty() ? std::string() : ToAnsi(wide, 0, nullptr, nullptr);
+    return wide.empty() ? std::string() : ToAnsi(wide, 0, nullptr);
 }
 
 std::optional<std::string> NarrowedExactly(std::wstring_view wide) {
@@ -53,17 +68,10 @@ std::optional<std::string> NarrowedExactly(std::wstring_view wide) {
     // A system whose ANSI code page is UTF-8 knows no "exact", and needs none.
     const bool utf8 = GetACP() == CP_UTF8;
     BOOL replaced = FALSE;
-    std::string text =
-        ToAnsi(wide, utf8 ? 0 : WC_NO_BEST_FIT_CHARS, nullptr, utf8 ? nullptr : &replaced);
+    std::string text = ToAnsi(wide, utf8 ? 0 : WC_NO_BEST_FIT_CHARS, utf8 ? nullptr : &replaced);
     if (replaced != FALSE)
         return std::nullopt;
     return text;
-}
-
-std::wstring AsAnsiSees(std::wstring_view wide) {
-    if (wide.empty() || GetACP() == CP_UTF8) // which has every character
-        return std::wstring(wide);
-    return Widen(ToAnsi(wide, 0, "_", nullptr));
 }
 
 std::wstring LongPath(std::wstring_view absolute) {

@@ -8,6 +8,10 @@
 /// system does.
 namespace vesk {
 
+/// Makes the portable operations on text work in the system's code page. To be called once, before
+/// any of them is.
+void UseSystemCodePage();
+
 std::wstring Widen(std::string_view text);
 
 /// The same from the code page of DOS, in which old archives have their names.
@@ -19,10 +23,6 @@ std::string Narrowed(std::wstring_view wide);
 /// The same, but nothing when the code page cannot hold all of it exactly: for names that have to
 /// find their file again.
 std::optional<std::string> NarrowedExactly(std::wstring_view wide);
-
-/// The text as a function of the ANSI code page sees it that is handed it: what the code page lacks
-/// has become a similar character, where it has one, and "_" elsewhere.
-std::wstring AsAnsiSees(std::wstring_view wide);
 
 /// A path for the file system's UTF-16 functions that may be longer than MAX_PATH and is not
 /// changed on its way ("\\?\C:\..."). @param absolute without ".", ".." and "/"

@@ -32,8 +32,10 @@ void SearchFolder(const std::wstring& folder, const std::wstring& pattern, const
         [&](const FolderEntry& entry) {
             if (entry.size == 0)
                 return;
-            if (const auto name = UsableName(entry))
-                found.paths.push_back(Narrowed(folder + *name));
+            const auto name = UsableName(entry);
+            // A similar path, of a folder above it that has no such name, may be another file's.
+            if (const auto path = name ? NarrowedExactly(folder + *name) : std::nullopt)
+                found.paths.push_back(*path);
             else
                 found.problems.push_back({Narrowed(folder + entry.name), what,
                                           "the system's code page cannot hold its name"});

@@ -2,6 +2,7 @@
 
 #include "base/modFile.h"
 #include "base/modSpecialFolder.h"
+#include "base/modSystemError.h"
 #include "base/modText.h"
 #include "build/clsReportedIni.h"
 #include "build/clsShellLink.h"
@@ -21,6 +22,9 @@ void CopyReadMe(const clsBuildContext& context) {
     const std::string& folder = context.InstallFolder();
     context.Log("Copying file: " + program + "Readme.txt to " + folder + "\\Readme.txt");
     context.ResumeNext({folder + "\\readme.txt", "not written"}, [&] {
+        // One that came out of an archive stays where there is nothing to put in its place.
+        if (StateOf(program + "readme.txt") == PathState::Nothing)
+            ThrowSystemError(ERROR_FILE_NOT_FOUND, "cannot copy", program + "readme.txt");
         RequireInTree(context, folder + "\\readme.txt");
         RemoveOwnFile(folder + "\\readme.txt");
         CopyFileOver(program + "readme.txt", folder + "\\readme.txt");

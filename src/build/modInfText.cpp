@@ -1,5 +1,6 @@
 #include "build/modInfText.h"
 
+#include "base/CodePage.h"
 #include "base/Failure.h"
 #include "base/RunTimeError.h"
 #include "base/modText.h"
@@ -42,9 +43,10 @@ std::string AppendMenuFile(std::string_view text) {
 }
 
 std::string StripLeadingNumbering(std::string_view name) {
-    // With the pound and the negation sign of the ANSI code page, and without the blank.
-    constexpr std::string_view kNumbering = "0123456789\\,./?~#'@;:{}=+-_()*&^%$\xA3!`\xAC";
-    const std::size_t start = name.find_first_not_of(kNumbering);
+    // Without the blank.
+    const std::string numbering =
+        "0123456789\\,./?~#'@;:{}=+-_()*&^%$!`" + CurrentCodePage().poundAndNegation;
+    const std::size_t start = name.find_first_not_of(numbering);
     return start == kNone ? std::string() : TrimBlanks(name.substr(start));
 }
 

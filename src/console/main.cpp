@@ -268,7 +268,7 @@ int Main(int count, const wchar_t* const* words) {
 
 int wmain(int count, wchar_t** words) {
     vesk::LoadFromSystemOnly();
-    vesk::KeepSystemBoxesAway();
+    vesk::PrepareProcess();
     vesk::OnMissingLibrary([](const char* library) {
         std::fprintf(stderr, "veskbuild: the program itself failed: %s cannot be loaded\n",
                      library);

@@ -26,7 +26,7 @@ std::string WithoutScheme(std::string_view url) {
 bool IsRequestable(std::string_view url) {
     return std::ranges::none_of(url, [](char c) {
         const auto byte = static_cast<unsigned char>(c);
-        return byte <= ' ' || byte == 0x7F;
+        return byte < ' ' || byte == 0x7F;
     });
 }
 

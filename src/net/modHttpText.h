@@ -27,8 +27,8 @@ struct ProxySettings {
 /// The port of every direct connection.
 inline constexpr std::int32_t kHttpPort = 80;
 
-/// False for a URL that must not become a part of a request: a blank, line end or other control
-/// character in it would end its line or begin a new one.
+/// False for a URL that must not become a part of a request: a line end or other control character
+/// in it would end its line or begin a new one. What becomes of a blank is the server's matter.
 bool IsRequestable(std::string_view url);
 
 /// Host of a URL: without a leading "http://" (lower case only) and without what follows the first

@@ -2,6 +2,7 @@
 
 #include "base/modSystemLibrary.h"
 #include "base/modText.h"
+#include "base/modWide.h"
 
 #include <windows.h>
 
@@ -32,7 +33,8 @@ ProgramPaths FindProgramPaths() {
             ReadEnvironmentVariable("Temp") + "\\"};
 }
 
-void KeepSystemBoxesAway() {
+void PrepareProcess() {
+    UseSystemCodePage();
     SetErrorMode(SEM_FAILCRITICALERRORS);
 }
 

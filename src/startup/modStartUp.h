@@ -12,9 +12,10 @@ struct ProgramPaths {
 
 ProgramPaths FindProgramPaths();
 
-/// A drive without a disk answers with an error from now on: the system's own box about it would
-/// stop a scan of all drives at each empty card reader, and an unattended build for ever.
-void KeepSystemBoxesAway();
+/// Sets what belongs to the process as a whole: texts are in the system's code page, and a drive
+/// without a disk answers with an error. The system's own box about that would stop a scan of all
+/// drives at each empty card reader, and an unattended build for ever.
+void PrepareProcess();
 
 /// Value of an environment variable, cut at 254 characters; empty when unset.
 std::string ReadEnvironmentVariable(const std::string& name);

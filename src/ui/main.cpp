@@ -112,7 +112,7 @@ int Main(const char* commandLine) {
 
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR lpCmdLine, int) {
     vesk::LoadFromSystemOnly();
-    vesk::KeepSystemBoxesAway();
+    vesk::PrepareProcess();
     vesk::OnMissingLibrary([](const char* library) { FatalAppExitA(0, library); });
     try {
         return vesk::Main(lpCmdLine);

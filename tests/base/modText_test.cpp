@@ -1,5 +1,7 @@
 #include "base/modText.h"
 
+#include "base/CodePage.h"
+
 #include <doctest/doctest.h>
 
 using namespace vesk;
@@ -58,4 +60,25 @@ TEST_CASE("only blanks are trimmed, only the first word is taken") {
     CHECK(FirstWord(" \t-SETUP more", 1) == "-SETUP");
     CHECK(FirstWord(" \t", 1).empty());
     CHECK(FirstWord("word", 0).empty());
+}
+
+TEST_CASE("the second byte of a character is no backslash and no letter") {
+    struct Restore {
+        CodePage before = CurrentCodePage();
+        ~Restore() { SetCodePage(before); }
+    } const restore;
+    SetCodePage({[](unsigned char byte) { return byte >= 0x81 && byte <= 0x9F; }, ""});
+    CHECK(FileNameOf("C:\\a\x95\\b") == "a\x95\\b");
+    CHECK(ParentOf("C:\\a\x95\\") == "C:");
+    CHECK(WithoutTrailingBackslash("C:\\\x95\\\\") == "C:\\\x95\\");
+    CHECK(WithTrailingBackslash("\x95\\") == "\x95\\\\");
+    CHECK_FALSE(EqualNoCase("\x83"
+                            "A",
+                            "\x83"
+                            "a"));
+    CHECK(EqualNoCase("\x83"
+                      "AB",
+                      "\x83"
+                      "Ab"));
+    CHECK(WithoutTrailBytes("a\x95") == "a\x95");
 }

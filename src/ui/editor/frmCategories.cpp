@@ -26,44 +26,38 @@ bool frmCategories::Show(HWND owner) {
 }
 
 void frmCategories::OnCreated() {
-    SetWindowIcon(Window());
     FollowSize();
-    list_.Attach(Control(IDC_LST_CATEGORIES), {.titles = {"Key", "Folder", "Title"},
-                                               .count = [this] { return categories_.Count(); },
-                                               .cell =
-                                                   [this](std::size_t line, int column) {
-                                                       const CategoryRecord& category =
-                                                           categories_.At(line);
-                                                       return column == 0   ? category.key
-                                                              : column == 1 ? category.value
-                                                                            : category.caption;
-                                                   },
-                                               .whenEmpty = "There are no categories."});
+    List().Attach(Control(IDC_LST_CATEGORIES), {.titles = {"Key", "Folder", "Title"},
+                                                .count = [this] { return categories_.Count(); },
+                                                .cell =
+                                                    [this](std::size_t line, int column) {
+                                                        const CategoryRecord& category =
+                                                            categories_.At(line);
+                                                        return column == 0   ? category.key
+                                                               : column == 1 ? category.value
+                                                                             : category.caption;
+                                                    },
+                                                .whenEmpty = "There are no categories."});
     CheckDlgButton(Window(), IDC_CHK_SHOW_CATEGORIES,
                    editor_.ShowCategories() ? BST_CHECKED : BST_UNCHECKED);
     ShowList();
-    CenterWindow(Window());
 }
 
 void frmCategories::FollowSize() {
-    layout_.Attach(Window());
-    layout_.Add(Control(IDC_LST_CATEGORIES), clsLayout::kGrowX | clsLayout::kGrowY);
-    for (const int id : {IDC_CMD_CATEGORY_ADD, IDC_CMD_CATEGORY_REMOVE, IDC_CMD_CATEGORY_UP,
-                         IDC_CMD_CATEGORY_DOWN})
-        layout_.Add(Control(id), clsLayout::kMoveX);
-    for (const int id : {IDC_LBL_CATEGORY_KEY, IDC_TXT_CATEGORY_KEY, IDC_LBL_CATEGORY_FOLDER,
-                         IDC_CHK_SHOW_CATEGORIES})
-        layout_.Add(Control(id), clsLayout::kMoveY);
-    layout_.Add(Control(IDC_TXT_CATEGORY_FOLDER), clsLayout::kGrowX | clsLayout::kMoveY);
-    for (const int id : {IDOK, IDCANCEL})
-        layout_.Add(Control(id), clsLayout::kMoveX | clsLayout::kMoveY);
+    Follow(clsLayout::kGrowX | clsLayout::kGrowY, {IDC_LST_CATEGORIES});
+    Follow(clsLayout::kMoveX, {IDC_CMD_CATEGORY_ADD, IDC_CMD_CATEGORY_REMOVE, IDC_CMD_CATEGORY_UP,
+                               IDC_CMD_CATEGORY_DOWN});
+    Follow(clsLayout::kMoveY, {IDC_LBL_CATEGORY_KEY, IDC_TXT_CATEGORY_KEY, IDC_LBL_CATEGORY_FOLDER,
+                               IDC_CHK_SHOW_CATEGORIES});
+    Follow(clsLayout::kGrowX | clsLayout::kMoveY, {IDC_TXT_CATEGORY_FOLDER});
+    Follow(clsLayout::kMoveX | clsLayout::kMoveY, {IDOK, IDCANCEL});
 }
 
 void frmCategories::ShowList() {
     const ScopeFlag showing(showing_);
-    list_.Refresh();
+    List().Refresh();
     static_assert(clsReportList::kNone == clsCategoryEditor::kNoSelection);
-    list_.Select(categories_.Selected());
+    List().Select(categories_.Selected());
     ShowCurrent();
 }
 
@@ -81,7 +75,7 @@ void frmCategories::EnableWhatWorks() const {
     EnableWindow(Control(IDC_TXT_CATEGORY_FOLDER), any);
     EnableControl(Control(IDC_CMD_CATEGORY_REMOVE), any, Control(IDC_CMD_CATEGORY_ADD));
     EnablePair(Control(IDC_CMD_CATEGORY_UP), categories_.CanMoveUp(),
-               Control(IDC_CMD_CATEGORY_DOWN), categories_.CanMoveDown(), list_.Window());
+               Control(IDC_CMD_CATEGORY_DOWN), categories_.CanMoveDown(), List().Window());
 }
 
 void frmCategories::OnField(int id) {
@@ -92,13 +86,13 @@ void frmCategories::OnField(int id) {
         categories_.SetKey(text);
     else
         categories_.SetValue(text);
-    list_.Refresh();
+    List().Refresh();
 }
 
 void frmCategories::OnSelected() {
     if (showing_)
         return;
-    categories_.Select(list_.Selected());
+    categories_.Select(List().Selected());
     ShowCurrent();
 }
 
@@ -169,27 +163,9 @@ void frmCategories::OnCommand(int id, int notification) {
         Do(id);
 }
 
-INT_PTR frmCategories::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
-    switch (message) {
-    case WM_INITDIALOG:
-        OnCreated();
-        SetFocus(list_.Window());
-        return FALSE;
-    case WM_COMMAND:
-        OnCommand(LOWORD(wparam), HIWORD(wparam));
-        return TRUE;
-    case WM_NOTIFY:
-        if (const auto& header = *reinterpret_cast<NMHDR*>(lparam);
-            !list_.HandleNotify(header) && header.hwndFrom == list_.Window() &&
-            (header.code == LVN_ITEMCHANGED || header.code == LVN_ODSTATECHANGED))
-            OnSelected();
-        return TRUE;
-    default:
-        if (!layout_.Handle(message, lparam))
-            return FALSE;
-        list_.FitColumns();
-        return TRUE;
-    }
+void frmCategories::OnListNotify(const NMHDR& header) {
+    if (header.code == LVN_ITEMCHANGED || header.code == LVN_ODSTATECHANGED)
+        OnSelected();
 }
 
 } // namespace vesk

@@ -2,9 +2,7 @@
 
 #include "catalogue/clsCatalogueEditor.h"
 #include "catalogue/clsCategoryEditor.h"
-#include "ui/kit/clsDialog.h"
-#include "ui/kit/clsLayout.h"
-#include "ui/kit/clsReportList.h"
+#include "ui/kit/clsListDialog.h"
 
 #include <string>
 
@@ -12,7 +10,7 @@ namespace vesk {
 
 /// Edits the catalogue's categories: what the plug-in folder is divided into, and whether PE
 /// Builder shows it.
-class frmCategories : public clsDialog {
+class frmCategories : public clsListDialog {
 public:
     /// @param editor outlives the dialog; takes over the categories when OK is pressed
     explicit frmCategories(clsCatalogueEditor& editor);
@@ -21,10 +19,10 @@ public:
     bool Show(HWND owner);
 
 private:
-    INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;
-    void OnCreated();
+    void OnCreated() override;
+    void OnCommand(int id, int notification) override;
+    void OnListNotify(const NMHDR& header) override;
     void FollowSize();
-    void OnCommand(int id, int notification);
     void OnField(int id);
     void OnSelected();
     void Do(int button);
@@ -36,8 +34,6 @@ private:
 
     clsCatalogueEditor& editor_;
     clsCategoryEditor categories_;
-    clsLayout layout_;
-    clsReportList list_;
     bool showing_ = false; ///< Controls change because something is shown, not by the user.
 };
 

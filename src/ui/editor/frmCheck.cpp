@@ -20,29 +20,25 @@ std::optional<EntryPlace> frmCheck::Show(HWND owner) {
 }
 
 void frmCheck::OnCreated() {
-    SetWindowIcon(Window());
-    layout_.Attach(Window());
-    layout_.Add(Control(IDC_LST_PROBLEMS), clsLayout::kGrowX | clsLayout::kGrowY);
-    layout_.Add(Control(IDC_TXT_PROBLEM), clsLayout::kGrowX | clsLayout::kMoveY);
-    layout_.Add(Control(IDC_CMD_CHECK_COPY), clsLayout::kMoveY);
-    for (const int id : {IDC_CMD_GO_TO, IDCANCEL})
-        layout_.Add(Control(id), clsLayout::kMoveX | clsLayout::kMoveY);
-    list_.Attach(Control(IDC_LST_PROBLEMS),
-                 {.titles = {"Where", "What"},
-                  .count = [this] { return problems_.size(); },
-                  .cell =
-                      [this](std::size_t line, int column) {
-                          return column == 0 ? problems_[line].entry : problems_[line].sentence;
-                      },
-                  .whole = [this](std::size_t line) { return problems_[line].Line(); }});
+    Follow(clsLayout::kGrowX | clsLayout::kGrowY, {IDC_LST_PROBLEMS});
+    Follow(clsLayout::kGrowX | clsLayout::kMoveY, {IDC_TXT_PROBLEM});
+    Follow(clsLayout::kMoveY, {IDC_CMD_CHECK_COPY});
+    Follow(clsLayout::kMoveX | clsLayout::kMoveY, {IDC_CMD_GO_TO, IDCANCEL});
+    List().Attach(Control(IDC_LST_PROBLEMS),
+                  {.titles = {"Where", "What"},
+                   .count = [this] { return problems_.size(); },
+                   .cell =
+                       [this](std::size_t line, int column) {
+                           return column == 0 ? problems_[line].entry : problems_[line].sentence;
+                       },
+                   .whole = [this](std::size_t line) { return problems_[line].Line(); }});
     MakePlainText(whole_, Control(IDC_TXT_PROBLEM));
-    list_.Select(0);
+    List().Select(0);
     ShowSelected();
-    CenterWindow(Window());
 }
 
 const CatalogueProblem* frmCheck::Selected() const {
-    const auto line = static_cast<std::size_t>(list_.Selected());
+    const auto line = static_cast<std::size_t>(List().Selected());
     return line < problems_.size() ? &problems_[line] : nullptr;
 }
 
@@ -60,12 +56,12 @@ void frmCheck::GoTo() {
     EndDialog(Window(), IDOK);
 }
 
-void frmCheck::OnCommand(int id) {
+void frmCheck::OnCommand(int id, int) {
     switch (id) {
     case IDC_CMD_GO_TO:
         return GoTo();
     case IDC_CMD_CHECK_COPY:
-        return list_.Copy();
+        return List().Copy();
     case IDCANCEL:
         EndDialog(Window(), IDCANCEL);
         return;
@@ -74,33 +70,11 @@ void frmCheck::OnCommand(int id) {
     }
 }
 
-void frmCheck::OnNotify(const NMHDR& header) {
-    if (list_.HandleNotify(header) || header.hwndFrom != list_.Window())
-        return;
+void frmCheck::OnListNotify(const NMHDR& header) {
     if (header.code == NM_DBLCLK)
         GoTo();
     else if (header.code == LVN_ITEMCHANGED)
         ShowSelected();
-}
-
-INT_PTR frmCheck::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
-    switch (message) {
-    case WM_INITDIALOG:
-        OnCreated();
-        SetFocus(list_.Window());
-        return FALSE;
-    case WM_COMMAND:
-        OnCommand(LOWORD(wparam));
-        return TRUE;
-    case WM_NOTIFY:
-        OnNotify(*reinterpret_cast<const NMHDR*>(lparam));
-        return TRUE;
-    default:
-        if (!layout_.Handle(message, lparam))
-            return FALSE;
-        list_.FitColumns();
-        return TRUE;
-    }
 }
 
 } // namespace vesk

@@ -1,9 +1,7 @@
 #pragma once
 
 #include "catalogue/modCatalogueCheck.h"
-#include "ui/kit/clsDialog.h"
-#include "ui/kit/clsLayout.h"
-#include "ui/kit/clsReportList.h"
+#include "ui/kit/clsListDialog.h"
 #include "ui/kit/clsSubclass.h"
 
 #include <optional>
@@ -14,7 +12,7 @@ namespace vesk {
 
 /// Lists what would go wrong in a build, a line each, with the line at hand shown whole below; the
 /// user can go from a line to its entry.
-class frmCheck : public clsDialog {
+class frmCheck : public clsListDialog {
 public:
     explicit frmCheck(CatalogueCheck check);
 
@@ -22,10 +20,9 @@ public:
     std::optional<EntryPlace> Show(HWND owner);
 
 private:
-    INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;
-    void OnCreated();
-    void OnCommand(int id);
-    void OnNotify(const NMHDR& header);
+    void OnCreated() override;
+    void OnCommand(int id, int notification) override;
+    void OnListNotify(const NMHDR& header) override;
     void ShowSelected() const;
     void GoTo();
     [[nodiscard]] const CatalogueProblem* Selected() const;
@@ -33,8 +30,6 @@ private:
     std::vector<CatalogueProblem> problems_;
     std::string verdict_; ///< What is said when there are none.
     std::optional<EntryPlace> chosen_;
-    clsLayout layout_;
-    clsReportList list_;
     clsSubclass whole_;
 };
 

@@ -9,7 +9,6 @@
 #include "ui/kit/ScopeFlag.h"
 #include "ui/kit/modBand.h"
 #include "ui/kit/modBoxText.h"
-#include "ui/kit/modContrast.h"
 #include "ui/kit/modEnable.h"
 #include "ui/resources/ids.h"
 
@@ -416,10 +415,7 @@ INT_PTR frmSetup::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
         }
     case WM_DRAWITEM: {
         const auto& item = *reinterpret_cast<const DRAWITEMSTRUCT*>(lparam);
-        if (IsDark(GetSysColor(COLOR_WINDOW)))
-            FillRect(item.hDC, &item.rcItem, GetSysColorBrush(COLOR_WINDOW)); // drawn on white
-        else
-            logoSmall_.Paint(item.hDC, item.rcItem);
+        logoSmall_.PaintOnWhite(item.hDC, item.rcItem);
         return TRUE;
     }
     default:

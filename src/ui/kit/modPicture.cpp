@@ -1,5 +1,7 @@
 #include "ui/kit/modPicture.h"
 
+#include "ui/kit/modContrast.h"
+
 #include <olectl.h>
 
 #include <algorithm>
@@ -89,6 +91,13 @@ void clsPictureView::Paint(HDC target, const RECT& area) {
                                       static_cast<Gdiplus::REAL>(area.top), width, height),
                        0, whole.Height - step * height, step * width, step * height,
                        Gdiplus::UnitPixel, &edges);
+}
+
+void clsPictureView::PaintOnWhite(HDC target, const RECT& area) {
+    if (IsDark(GetSysColor(COLOR_WINDOW)))
+        FillRect(target, &area, GetSysColorBrush(COLOR_WINDOW));
+    else
+        Paint(target, area);
 }
 
 } // namespace vesk

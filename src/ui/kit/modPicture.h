@@ -34,6 +34,10 @@ public:
     /// or the right of the picture is left out.
     void Paint(HDC target, const RECT& area);
 
+    /// The same for a picture that is drawn on white: where windows are dark it would be a white
+    /// square, and nothing but the window's colour is painted.
+    void PaintOnWhite(HDC target, const RECT& area);
+
 private:
     /// The system's library of pictures, for as long as one is in use.
     class Library {

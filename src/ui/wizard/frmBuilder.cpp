@@ -3,8 +3,6 @@
 #include "base/Version.h"
 #include "base/modFile.h"
 #include "base/modSystemError.h"
-#include "ui/kit/modBand.h"
-#include "ui/kit/modContrast.h"
 #include "ui/kit/modProgramVersion.h"
 #include "ui/resources/ids.h"
 #include "ui/wizard/clsBuildGate.h"
@@ -29,9 +27,7 @@ constexpr std::array<int, 4> kButtonIds{IDC_CMD_HELP, IDC_CMD_BACK, IDC_CMD_NEXT
 
 } // namespace
 
-frmBuilder::frmBuilder(ProgramPaths paths)
-
-    : paths_(std::move(paths)), logo_(IDR_LOGO), logoSmall_(IDR_LOGO_SMALL) {}
+frmBuilder::frmBuilder(ProgramPaths paths) : paths_(std::move(paths)) {}
 
 frmBuilder::~frmBuilder() = default;
 
@@ -51,18 +47,10 @@ void frmBuilder::SetButtonFace(const std::string& face) {
         SendMessageA(Control(id), WM_SETFONT, reinterpret_cast<WPARAM>(buttonFont_.Get()), TRUE);
 }
 
-/// Also when the resolution has changed: the next page's heading is to have them.
-void frmBuilder::MakeFonts() {
-    largeFont_ = DerivedFont(FontOf(Window()), FW_BOLD, 145);
-    boldFont_ = DerivedFont(FontOf(Window()), FW_BOLD, 100);
-}
-
 void frmBuilder::Form_Load() {
     load_ = LoadCatalogueReporting(paths_.programPath, catalogue_);
     SetWindowIcon(Window());
-    MakeFonts();
-    SendMessageA(Control(IDC_LBL_HEADING_SM), WM_SETFONT, reinterpret_cast<WPARAM>(boldFont_.Get()),
-                 FALSE);
+    heading_.Attach(Window());
     CreatePages();
     FollowSize();
     const auto stored = ResourceBytes("TXT", IDR_WELCOME_TEXT);
@@ -145,46 +133,15 @@ clsDialog& frmBuilder::PageWindow(Page page) {
     return *welcomePage_;
 }
 
-RECT frmBuilder::DialogUnits(int left, int top, int width, int height) const {
-    RECT area{left, top, left + width, top + height};
-    MapUnits(Window(), area);
-    return area;
-}
-
-void frmBuilder::ShowControl(int id, bool shown) const {
-    ShowWindow(Control(id), shown ? SW_SHOW : SW_HIDE);
-}
-
 void frmBuilder::GoTo(Page page) {
     if (page == Page::Summary)
         ShowSummary();
     page_ = page;
-    ShowHeading(page);
+    heading_.Show(page);
     ShowPageWindow(page);
     EnableWindow(Control(IDC_CMD_BACK), NextStep(page, WizardButton::Back) != NavigationStep{});
     if (IsWindowVisible(Window()))
         FocusPage();
-}
-
-void frmBuilder::ShowHeading(Page page) {
-    const bool welcome = page == Page::Welcome;
-    const bool build = page == Page::Build;
-    const HWND heading = Control(IDC_LBL_HEADING);
-    const RECT area = welcome ? DialogUnits(122, 12, 244, 24) : DialogUnits(11, 6, 300, 10);
-    const GdiHandle& font = welcome ? largeFont_ : boldFont_;
-    SendMessageA(heading, WM_SETFONT, reinterpret_cast<WPARAM>(font.Get()), FALSE);
-    SetWindowPos(heading, nullptr, area.left, area.top, area.right - area.left,
-                 area.bottom - area.top, SWP_NOZORDER | SWP_NOACTIVATE);
-    SetText(build ? Control(IDC_LBL_HEADING_SM) : heading, PageHeading(page, kVersionText));
-    SetText(Control(build ? IDC_LBL_HEADING_SM2 : IDC_LBL_SUBHEADING), PageSubheading(page));
-
-    ShowControl(IDC_IMG_LOGO, welcome);
-    ShowControl(IDC_LBL_HEADING, !build);
-    ShowControl(IDC_LBL_SUBHEADING, !welcome && !build);
-    ShowControl(IDC_IMG_LOGO_SMALL, !welcome);
-    ShowControl(IDC_LINE_TOP, !welcome);
-    ShowControl(IDC_LBL_HEADING_SM, build);
-    ShowControl(IDC_LBL_HEADING_SM2, build);
 }
 
 void frmBuilder::ShowPageWindow(Page page) {
@@ -266,30 +223,6 @@ void frmBuilder::OnCommand(int id) {
     }
 }
 
-/// The welcome page is white down to the line above the buttons.
-INT_PTR frmBuilder::PaintBackground(HDC dc) const {
-    return Answer(page_ == Page::Welcome
-                      ? PaintBandTo(Window(), dc, AreaOf(Control(IDC_LINE_BOTTOM)).top)
-                      : PaintBand(Window(), dc, kBandHeight));
-}
-
-INT_PTR frmBuilder::ColourOf(HDC dc, HWND control) {
-    const int id = GetDlgCtrlID(control);
-    if (id < IDC_LBL_HEADING || id > IDC_LBL_HEADING_SM2)
-        return FALSE;
-    return OnWhite(dc);
-}
-
-INT_PTR frmBuilder::DrawPicture(const DRAWITEMSTRUCT& item) {
-    if (item.CtlID == IDC_IMG_LOGO)
-        logo_.Paint(item.hDC, item.rcItem);
-    else if (IsDark(GetSysColor(COLOR_WINDOW)))
-        FillRect(item.hDC, &item.rcItem, GetSysColorBrush(COLOR_WINDOW)); // it is drawn on white
-    else
-        logoSmall_.Paint(item.hDC, item.rcItem);
-    return TRUE;
-}
-
 void frmBuilder::Refuse(const FolderRefused& refusal) const {
     ShowMessage(Window(), refusal.what(), kProductName, MB_OK | MB_ICONWARNING);
 }
@@ -358,7 +291,7 @@ void frmBuilder::StartBuild() {
     if (!PrepareBuild())
         return;
     closing_.busy = true;
-    ShowHeading(Page::Build);
+    heading_.Show(Page::Build);
     ShowPageWindow(Page::Build);
     EnableButtons(false);
     buildPage_->FocusLog();
@@ -379,11 +312,9 @@ void frmBuilder::OnBuildEnded(const BuildOutcome& outcome) {
     closing_.busy = false;
     closing_.finished = true;
     const std::size_t problems = build_->Problems().size();
-    const EndingHeading heading = HeadingOf(outcome);
-    SetText(Control(IDC_LBL_HEADING_SM), heading.title);
-    SetText(Control(IDC_LBL_HEADING_SM2), heading.sentence);
+    heading_.ShowEnding(HeadingOf(outcome));
     SetText(Control(IDC_CMD_PROBLEMS), "&Problems (" + std::to_string(problems) + ")...");
-    ShowControl(IDC_CMD_PROBLEMS, problems > 0);
+    ShowWindow(Control(IDC_CMD_PROBLEMS), problems > 0 ? SW_SHOW : SW_HIDE);
     EnableButtons(true);
     SetText(Control(IDC_CMD_NEXT), "&Finish");
     SendMessageA(Window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Control(IDC_CMD_NEXT)), TRUE);
@@ -417,11 +348,13 @@ INT_PTR frmBuilder::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
         PostQuitMessage(0);
         return TRUE;
     case WM_ERASEBKGND:
-        return PaintBackground(reinterpret_cast<HDC>(wparam));
+        return Answer(heading_.PaintBackground(reinterpret_cast<HDC>(wparam)));
     case WM_CTLCOLORSTATIC:
-        return ColourOf(reinterpret_cast<HDC>(wparam), reinterpret_cast<HWND>(lparam));
+        return clsPageHeading::ColourOf(reinterpret_cast<HDC>(wparam),
+                                        reinterpret_cast<HWND>(lparam));
     case WM_DRAWITEM:
-        return DrawPicture(*reinterpret_cast<const DRAWITEMSTRUCT*>(lparam));
+        heading_.DrawPicture(*reinterpret_cast<const DRAWITEMSTRUCT*>(lparam));
+        return TRUE;
     case kRunBuildMessage:
         build_->Run();
         return TRUE;

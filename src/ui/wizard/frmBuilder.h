@@ -7,8 +7,8 @@
 #include "startup/modStartUp.h"
 #include "ui/kit/clsDialog.h"
 #include "ui/kit/clsLayout.h"
-#include "ui/kit/modPicture.h"
 #include "ui/kit/modWindow.h"
+#include "ui/wizard/clsPageHeading.h"
 #include "ui/wizard/modNavigation.h"
 
 #include <cstddef>
@@ -48,29 +48,22 @@ private:
     // What the window does.
     INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;
     void Form_Load();
-    void MakeFonts();
-    void Scaled() override { MakeFonts(); }
+    void Scaled() override { heading_.MakeFonts(); }
     void SetButtonFace(const std::string& face);
     void Form_QueryUnload();
     void cmdButtons_Click(WizardButton button);
     void OnCommand(int id);
     bool ConfirmExit();
     void ShowHelp();
-    INT_PTR PaintBackground(HDC dc) const;
-    static INT_PTR ColourOf(HDC dc, HWND control);
-    INT_PTR DrawPicture(const DRAWITEMSTRUCT& item);
 
     // Pages.
     void ExplainCatalogue();
     void CreatePages();
     void FollowSize();
     void GoTo(Page page);
-    void ShowHeading(Page page);
     void ShowPageWindow(Page page);
     void FocusPage();
     [[nodiscard]] clsDialog& PageWindow(Page page);
-    [[nodiscard]] RECT DialogUnits(int left, int top, int width, int height) const;
-    void ShowControl(int id, bool shown) const;
 
     // The build.
     void Refuse(const FolderRefused& refusal) const;
@@ -93,10 +86,7 @@ private:
     ClosingState closing_;
 
     clsLayout layout_;
-    clsPictureView logo_;
-    clsPictureView logoSmall_;
-    GdiHandle largeFont_;
-    GdiHandle boldFont_;
+    clsPageHeading heading_;
     GdiHandle buttonFont_;
 
     std::unique_ptr<pagWelcome> welcomePage_;

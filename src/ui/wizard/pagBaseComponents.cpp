@@ -13,8 +13,6 @@
 #include "ui/wizard/frmSelOS.h"
 #include "ui/wizard/modWizardText.h"
 
-#include <initializer_list>
-
 namespace vesk {
 
 namespace {
@@ -33,30 +31,24 @@ std::string NearestFolder(std::string folder) {
 
 pagBaseComponents::pagBaseComponents(HWND wizard, Catalogue& catalogue, SourceState& source,
                                      const std::string& programPath)
-    : catalogue_(catalogue),
-      source_(source),
-      list_(clsComponentList::Kind::BaseComponents, catalogue, programPath) {
+    : clsComponentPage(clsComponentList::Kind::BaseComponents, catalogue, programPath, IDC_LST_BASE,
+                       IDC_CMD_BASE_DETAILS),
+      catalogue_(catalogue),
+      source_(source) {
     Create(wizard, IDD_PAGE_BASE);
 }
 
 void pagBaseComponents::OnCreated() {
-    list_.Attach(Control(IDC_LST_BASE));
     // Without a folder for programs there is no root, and "\VeskLive" would mean the current drive.
     if (!catalogue_.installRoot.empty())
         SetText(Control(IDC_TXT_PROG_PATH),
                 InstallFolderOf(catalogue_.installRoot + "\\" + catalogue_.installFolder));
-    EnableWindow(Control(IDC_CMD_BASE_DETAILS), list_.LineCount() > 0);
-    layout_.Attach(Window());
-    const auto follow = [this](unsigned how, std::initializer_list<int> ids) {
-        for (const int id : ids)
-            layout_.Add(Control(id), how);
-    };
-    follow(clsLayout::kGrowX | clsLayout::kGrowY, {IDC_PIC_FRAME1, IDC_LST_BASE});
-    follow(clsLayout::kMoveX, {IDC_CMD_BASE_DETAILS});
-    follow(clsLayout::kMoveY, {IDC_LBL_PROG_PATH, IDC_LBL_WIN_PATH});
-    follow(clsLayout::kGrowX | clsLayout::kMoveY,
+    Follow(clsLayout::kGrowX | clsLayout::kGrowY, {IDC_PIC_FRAME1});
+    Follow(clsLayout::kMoveX, {IDC_CMD_BASE_DETAILS});
+    Follow(clsLayout::kMoveY, {IDC_LBL_PROG_PATH, IDC_LBL_WIN_PATH});
+    Follow(clsLayout::kGrowX | clsLayout::kMoveY,
            {IDC_PIC_FRAME2, IDC_TXT_PROG_PATH, IDC_TXT_WIN_PATH, IDC_LBL_WIN_PRODUCT});
-    follow(clsLayout::kMoveX | clsLayout::kMoveY,
+    Follow(clsLayout::kMoveX | clsLayout::kMoveY,
            {IDC_CMD_PROG_PATH, IDC_CMD_WIN_PATH, IDC_CMD_SCAN});
 }
 
@@ -152,7 +144,7 @@ INT_PTR pagBaseComponents::OnCommand(int id, int notification) {
         return TRUE;
     switch (id) {
     case IDC_CMD_BASE_DETAILS:
-        list_.OpenSelected();
+        OpenSelected();
         return TRUE;
     case IDC_CMD_PROG_PATH:
         cmdProgPath_Click();
@@ -179,27 +171,14 @@ INT_PTR pagBaseComponents::OnColour(HDC dc, HWND control) const {
 
 INT_PTR pagBaseComponents::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
     switch (message) {
-    case WM_INITDIALOG:
-        OnCreated();
-        return FALSE;
     case WM_COMMAND:
         if (LOWORD(wparam) != IDC_TXT_PROG_PATH && LOWORD(wparam) != IDC_TXT_WIN_PATH)
             FollowFocus(reinterpret_cast<HWND>(lparam), HIWORD(wparam), IDC_CMD_NEXT);
         return OnCommand(LOWORD(wparam), HIWORD(wparam));
     case WM_CTLCOLOREDIT:
         return OnColour(reinterpret_cast<HDC>(wparam), reinterpret_cast<HWND>(lparam));
-    case WM_SIZE:
-        layout_.OnSize();
-        list_.FitColumns();
-        return TRUE;
-    case WM_SHOWWINDOW:
-        if (wparam != FALSE)
-            list_.RefreshStates();
-        return FALSE;
-    case WM_NOTIFY:
-        return Answer(list_.HandleNotify(*reinterpret_cast<const NMHDR*>(lparam)));
     default:
-        return FALSE;
+        return clsComponentPage::Handle(message, wparam, lparam);
     }
 }
 

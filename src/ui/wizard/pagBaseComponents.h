@@ -2,16 +2,14 @@
 
 #include "catalogue/Catalogue.h"
 #include "source/SourceState.h"
-#include "ui/kit/clsDialog.h"
-#include "ui/kit/clsLayout.h"
-#include "ui/wizard/clsComponentList.h"
+#include "ui/wizard/clsComponentPage.h"
 
 #include <string>
 
 namespace vesk {
 
 /// The page with the base components and the two folders of a build.
-class pagBaseComponents : public clsDialog {
+class pagBaseComponents : public clsComponentPage {
 public:
     /// Catalogue and source state outlive the page, which keeps the catalogue's ticks and the
     /// source's codes up to date.
@@ -44,7 +42,7 @@ private:
     INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;
     INT_PTR OnCommand(int id, int notification);
     INT_PTR OnColour(HDC dc, HWND control) const;
-    void OnCreated();
+    void OnCreated() override;
     void cmdProgPath_Click();
     void cmdWinPath_Click();
     void cmdScan_Click();
@@ -53,8 +51,6 @@ private:
 
     Catalogue& catalogue_;
     SourceState& source_;
-    clsComponentList list_;
-    clsLayout layout_;
     std::string checkedSource_; ///< The text that the colour and the product label belong to.
     SourceColour sourceColour_ = SourceColour::Plain;
 };

@@ -6,42 +6,23 @@
 namespace vesk {
 
 pagPlugins::pagPlugins(HWND wizard, Catalogue& catalogue, const std::string& programPath)
-    : list_(clsComponentList::Kind::Plugins, catalogue, programPath) {
+    : clsComponentPage(clsComponentList::Kind::Plugins, catalogue, programPath, IDC_LST_PLUGINS,
+                       IDC_CMD_PLUGIN_DETAILS) {
     Create(wizard, IDD_PAGE_PLUGINS);
 }
 
 void pagPlugins::OnCreated() {
-    list_.Attach(Control(IDC_LST_PLUGINS));
-    EnableWindow(Control(IDC_CMD_PLUGIN_DETAILS), list_.LineCount() > 0);
-    layout_.Attach(Window());
-    layout_.Add(Control(IDC_PIC_FRAME3), clsLayout::kGrowX | clsLayout::kGrowY);
-    layout_.Add(Control(IDC_LST_PLUGINS), clsLayout::kGrowX | clsLayout::kGrowY);
-    layout_.Add(Control(IDC_CMD_PLUGIN_DETAILS), clsLayout::kMoveX | clsLayout::kMoveY);
+    Follow(clsLayout::kGrowX | clsLayout::kGrowY, {IDC_PIC_FRAME3});
+    Follow(clsLayout::kMoveX | clsLayout::kMoveY, {IDC_CMD_PLUGIN_DETAILS});
 }
 
 INT_PTR pagPlugins::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
-    switch (message) {
-    case WM_INITDIALOG:
-        OnCreated();
-        return FALSE;
-    case WM_SIZE:
-        layout_.OnSize();
-        list_.FitColumns();
-        return TRUE;
-    case WM_COMMAND:
-        FollowFocus(reinterpret_cast<HWND>(lparam), HIWORD(wparam), IDC_CMD_NEXT);
-        if (wparam == MAKEWPARAM(IDC_CMD_PLUGIN_DETAILS, BN_CLICKED))
-            list_.OpenSelected();
-        return FALSE;
-    case WM_SHOWWINDOW:
-        if (wparam != FALSE)
-            list_.RefreshStates();
-        return FALSE;
-    case WM_NOTIFY:
-        return Answer(list_.HandleNotify(*reinterpret_cast<const NMHDR*>(lparam)));
-    default:
-        return FALSE;
-    }
+    if (message != WM_COMMAND)
+        return clsComponentPage::Handle(message, wparam, lparam);
+    FollowFocus(reinterpret_cast<HWND>(lparam), HIWORD(wparam), IDC_CMD_NEXT);
+    if (wparam == MAKEWPARAM(IDC_CMD_PLUGIN_DETAILS, BN_CLICKED))
+        OpenSelected();
+    return FALSE;
 }
 
 } // namespace vesk

@@ -1,0 +1,37 @@
+#include "base/CodePage.h"
+
+#include <cstddef>
+#include <utility>
+
+namespace vesk {
+
+namespace {
+
+CodePage& Current() {
+    static CodePage page;
+    return page;
+}
+
+} // namespace
+
+const CodePage& CurrentCodePage() {
+    return Current();
+}
+
+void SetCodePage(CodePage page) {
+    Current() = std::move(page);
+}
+
+std::string WithoutTrailBytes(std::string_view text) {
+    std::string plain(text);
+    const auto isLeadByte = CurrentCodePage().isLeadByte;
+    if (isLeadByte == nullptr)
+        return plain;
+    for (std::size_t i = 0; i + 1 < plain.size(); ++i) {
+        if (isLeadByte(static_cast<unsigned char>(plain[i])))
+            plain[++i] = 'x';
+    }
+    return plain;
+}
+
+} // namespace vesk
