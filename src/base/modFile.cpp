@@ -10,7 +10,9 @@
 
 #include <windows.h>
 
+#include <cstddef>
 #include <ranges>
+#include <utility>
 #include <vector>
 
 namespace vesk {

@@ -1,6 +1,7 @@
 #include "base/modText.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace vesk {
 

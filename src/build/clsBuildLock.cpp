@@ -8,6 +8,10 @@
 #include <windows.h>
 
 #include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <utility>
 
 namespace vesk {
 

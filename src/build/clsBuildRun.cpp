@@ -18,6 +18,10 @@
 #include <wininet.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <exception>
+#include <optional>
+#include <utility>
 
 namespace vesk {
 

@@ -10,6 +10,7 @@
 #include "script/modScript.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <utility>
 
 namespace vesk {

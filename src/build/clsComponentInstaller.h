@@ -4,6 +4,7 @@
 #include "build/clsArchiveFetcher.h"
 #include "build/clsBuildContext.h"
 
+#include <cstddef>
 #include <functional>
 #include <map>
 #include <set>

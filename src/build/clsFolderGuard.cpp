@@ -12,7 +12,7 @@
 #include <algorithm>
 #include <array>
 #include <set>
-#include <utility>
+#include <string_view>
 
 namespace vesk {
 

@@ -5,6 +5,7 @@
 #include "base/modText.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <vector>
 
 namespace vesk {

@@ -6,8 +6,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <span>
 #include <string_view>
+#include <vector>
 
 namespace vesk {
 

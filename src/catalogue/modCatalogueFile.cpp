@@ -19,9 +19,12 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <map>
 #include <memory>
+#include <optional>
+#include <string_view>
 
 namespace vesk {
 

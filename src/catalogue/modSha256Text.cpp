@@ -2,7 +2,7 @@
 
 #include "base/modText.h"
 
-#include <algorithm>
+#include <cstddef>
 #include <optional>
 #include <set>
 #include <utility>

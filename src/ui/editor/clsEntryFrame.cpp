@@ -14,6 +14,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <iterator>
 #include <utility>
 
 namespace vesk {

@@ -9,6 +9,9 @@
 #include "ui/resources/ids.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <string>
+#include <vector>
 
 namespace vesk {
 

@@ -6,8 +6,6 @@
 #include "ui/kit/clsLayout.h"
 #include "ui/kit/clsReportList.h"
 
-#include <string>
-
 namespace vesk {
 
 /// Edits the catalogue's categories: what the plug-in folder is divided into, and whether PE

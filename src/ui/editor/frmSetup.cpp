@@ -17,7 +17,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <exception>
 #include <initializer_list>
+#include <utility>
 
 namespace vesk {
 

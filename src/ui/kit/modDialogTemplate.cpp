@@ -3,6 +3,7 @@
 #include "base/modSystemError.h"
 #include "ui/kit/modWindow.h"
 
+#include <cstddef>
 #include <cstring>
 #include <string>
 

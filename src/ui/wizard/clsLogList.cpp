@@ -5,6 +5,7 @@
 #include "ui/resources/ids.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <utility>
 
 namespace vesk {

@@ -7,6 +7,7 @@
 #include "ui/wizard/frmPassword.h"
 #include "ui/wizard/frmProgress.h"
 
+#include <cstddef>
 #include <exception>
 #include <utility>
 

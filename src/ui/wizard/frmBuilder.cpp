@@ -18,6 +18,7 @@
 #include "ui/wizard/pagWelcome.h"
 
 #include <array>
+#include <cstddef>
 #include <initializer_list>
 #include <utility>
 

@@ -11,7 +11,6 @@
 #include "ui/kit/modWindow.h"
 #include "ui/wizard/modNavigation.h"
 
-#include <cstddef>
 #include <memory>
 #include <string>
 

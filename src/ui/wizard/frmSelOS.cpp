@@ -4,6 +4,9 @@
 #include "ui/kit/modWindow.h"
 #include "ui/resources/ids.h"
 
+#include <cstddef>
+#include <string>
+
 namespace vesk {
 
 namespace {

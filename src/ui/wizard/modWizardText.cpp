@@ -3,10 +3,7 @@
 #include "base/modText.h"
 #include "net/modDownloadText.h"
 
-#include <algorithm>
-#include <array>
 #include <cctype>
-#include <cstdio>
 #include <vector>
 
 namespace vesk {
