@@ -65,7 +65,7 @@ public:
     };
 
     /// Sets the stamps of the folders, the innermost first.
-    /// @param notSet told of each member whose times could not be set, and the system's error code
+    /// @param notSet receives each member whose times could not be set, and the system's error code
     void FinishFolders(const std::function<void(std::size_t member, std::uint32_t error)>& notSet);
 
 private:

@@ -11,7 +11,7 @@
 
 namespace vesk {
 
-/// One member and what tells its bytes from another's.
+/// One member and what distinguishes its bytes from another's.
 struct MemberContent {
     std::size_t number = 0; ///< Its place in the archive's directory.
     std::uint64_t size = 0;

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-/// Archives of both kinds, told apart by the extension of their names.
+/// Archives of both kinds, distinguished by the extension of their names.
 namespace vesk {
 
 /// What the extraction of an archive asks of its caller. Everything may be left empty.

@@ -17,7 +17,7 @@ struct UnzipCallbacks {
     std::function<Replace(const std::string& fileName)> replace;
 
     /// Asked for the password of the archive, up to three times while it is wrong; nothing means
-    /// there is none to be had, and no further member asks. @param wrongBefore not the first time
+    /// there is none, and no further member asks. @param wrongBefore not the first time
     std::function<std::optional<std::string>(bool wrongBefore)> password;
 
     /// Called after each member, and now and then within large ones, so that a window stays alive.
@@ -52,7 +52,7 @@ ExtractionOutcome SingleEntryUnzip(const DCL& options, const UnzipCallbacks& cal
 ExtractionOutcome UnzipFile(const std::string& zipPath, const std::string& targetFolder,
                             const UnzipCallbacks& callbacks = {});
 
-/// Does all that UnzipFile does but for the writing: members are unpacked and their CRCs compared,
+/// Does all that UnzipFile does except the writing: members are unpacked and their CRCs compared,
 /// a piece at a time. What stands in a target folder is not known to it.
 ExtractionOutcome TestZip(const std::string& zipPath, const UnzipCallbacks& callbacks = {});
 

@@ -130,7 +130,7 @@ std::optional<Directory> FindDirectory(Bytes archive) {
     return std::nullopt;
 }
 
-/// What the members' own headers tell, for an archive that was cut off.
+/// What the members' own headers say, for an archive that was cut off.
 ZipDirectory WithoutDirectory(Bytes archive) {
     ZipDirectory directory;
     directory.members = MembersByLocalHeaders(archive);

@@ -37,7 +37,7 @@ std::wstring LongNames(const std::wstring& path) {
     return names.empty() ? path : WithoutLongPrefix(names);
 }
 
-/// Where an existing path leads; the path itself when the system cannot tell.
+/// Where an existing path leads; the path itself when the system does not say.
 std::wstring Resolved(const std::wstring& path) {
     const FileHandle file(CreateFileW(LongPath(path).c_str(), 0,
                                       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,

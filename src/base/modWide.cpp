@@ -11,7 +11,7 @@ namespace vesk {
 namespace {
 
 /// @param standIn for characters without a similar one; null for the system's own
-/// @param replaced where to tell that a character had to be replaced; may be null
+/// @param replaced receives whether a character had to be replaced; may be null
 std::string ToAnsi(std::wstring_view wide, DWORD flags, const char* standIn, BOOL* replaced) {
     const int size = static_cast<int>(wide.size());
     const int length =

@@ -20,7 +20,7 @@ std::string Narrowed(std::wstring_view wide);
 /// find their file again.
 std::optional<std::string> NarrowedExactly(std::wstring_view wide);
 
-/// The text as a function of the ANSI code page sees it that is handed it: what the code page lacks
+/// The text as an ANSI function sees it: what the code page lacks
 /// has become a similar character, where it has one, and "_" elsewhere.
 std::wstring AsAnsiSees(std::wstring_view wide);
 

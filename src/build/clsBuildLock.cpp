@@ -31,7 +31,7 @@ std::string NumberOf(const std::optional<FolderIdentity>& identity) {
     return std::to_string(identity ? identity->index : 0);
 }
 
-/// A folder by the one that it lies in and its name there: a build makes the folder itself anew.
+/// A folder by the one that it lies in and its name there: a build replaces the folder itself.
 std::string AtName(const FolderLevel& above, const std::wstring& path) {
     const std::size_t start = above.path.size() + (above.path.ends_with(L'\\') ? 0 : 1);
     return "VeskBuilder-at-" + NumberOf(above.identity) + "-" + NumberOf(path.substr(start));
@@ -72,7 +72,7 @@ void SignNote(const MappingHandle& note) {
 }
 
 /// For all sessions of the machine; where that is not allowed, for this one.
-/// GetLastError tells afterwards whether it was there already.
+/// GetLastError says afterwards whether it was there already.
 MappingHandle MakeNote(const std::string& name) {
     const auto make = [&name](const char* space) {
         return CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, kNoteSize,

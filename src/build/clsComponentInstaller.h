@@ -16,7 +16,7 @@ namespace vesk {
 class clsComponentInstaller {
 public:
     /// @param context, fetcher must outlive the object
-    /// @param progress told how much of the component at hand is done, 0 to 1
+    /// @param progress called with how much of the component at hand is done, 0 to 1
     clsComponentInstaller(clsBuildContext& context, const clsArchiveFetcher& fetcher,
                           std::function<void(double fraction)> progress);
 

@@ -168,7 +168,7 @@ clsFolderGuard clsFolderGuard::OfSystem(const std::string& programPath,
         places.push_back({temporary.data(), "the temporary folder", Reach::Holding});
     std::vector<std::string> programs = {SpecialFolderPath(SpecialFolder::ProgramFiles),
                                          SpecialFolderPath(SpecialFolder::ProgramFilesX86)};
-    // The shell tells a 32-bit program only of the 32-bit ones.
+    // The shell shows a 32-bit program only the 32-bit ones.
     std::array<char, MAX_PATH> wide{};
     if (GetEnvironmentVariableA("ProgramW6432", wide.data(), static_cast<DWORD>(wide.size())) <
         wide.size())

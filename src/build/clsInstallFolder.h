@@ -26,7 +26,7 @@ struct FolderContent {
 
     Kind kind = Kind::Missing;
     std::size_t files = 0;   ///< At any depth; kMostCounted when there are more.
-    bool unreadable = false; ///< What stands in it cannot be told.
+    bool unreadable = false; ///< What it holds cannot be read.
 
     static constexpr std::size_t kMostCounted = 100000;
 

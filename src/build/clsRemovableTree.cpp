@@ -86,7 +86,7 @@ private:
         if (Delete(path, RemoveDirectoryW))
             return;
         const DWORD error = GetLastError();
-        // What is left in it was told already, and is why the folders above are left as well.
+        // What is left in it was reported already, and is why the folders above are left as well.
         if (error == ERROR_DIR_NOT_EMPTY && holding_.contains(path))
             holding_.insert(ParentOf(path));
         else

@@ -260,7 +260,7 @@ private:
         const std::string folder = parent + BaseNameOf(entry.zip);
         const auto [first, isNew] =
             folders_.try_emplace(LowerCase(folder), std::pair(about_, LowerCase(entry.zip)));
-        // One archive twice is told of already.
+        // One archive twice is reported already.
         if (!isNew && !entry.zip.empty() && first->second.second != LowerCase(entry.zip))
             Report(Kind::SameFolder, "it is extracted into the folder " + Quoted(folder) +
                                          ", and so is " + first->second.first);

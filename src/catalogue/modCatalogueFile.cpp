@@ -107,7 +107,7 @@ std::string ProperCase(std::string text) {
 
 constexpr std::string_view kUtf8("\xEF\xBB\xBF");
 
-/// Some programs write such files in Unicode; the profile functions take them all the same.
+/// Some programs write such files in Unicode; the profile functions accept them anyway.
 std::string InCodePage(std::string text) {
     if (text.starts_with(kUtf16Mark)) {
         std::wstring wide((text.size() - kUtf16Mark.size()) / sizeof(wchar_t), L'\0');
@@ -170,7 +170,7 @@ void FillCatalogue(const std::vector<IniSection>& sections, Catalogue& catalogue
     catalogue.installFolder = install.Text(0);
     catalogue.installPathFlag = install.Text(1);
     DeriveInstallPaths(catalogue, SpecialFolderPath(SpecialFolder::ProgramFiles));
-    // By position and not by name: renamed sections are read all the same.
+    // By position and not by name: renamed sections are read as well.
     if (sections.size() > 1)
         ReadEntries(PositionalSection(sections[1]), false, catalogue.baseComponents);
     if (sections.size() > 2)

@@ -40,7 +40,7 @@ enum ExitCode : int {
     kProgramFailed = 70,
 };
 
-/// @return what the option asks for and the entry does not take; nothing when it takes it
+/// @return why the entry does not take what the option asks for; nothing when it takes it
 std::optional<Problem> Tick(CatalogueEntry& entry, bool enabled) {
     if (entry.lock && entry.enabled != enabled)
         return Problem{entry.name, enabled ? "not ticked" : "not unticked",
@@ -75,7 +75,7 @@ std::vector<Problem> TickAll(Catalogue& catalogue, const std::vector<std::string
     return problems;
 }
 
-/// The Windows source as the options name it, and what it tells.
+/// The Windows source as the options name it, and what it says of itself.
 SourceCheck TakeSource(const ConsoleOptions& options, SourceState& source) {
     if (!options.source)
         return {"", true, "", ""};
@@ -86,7 +86,7 @@ SourceCheck TakeSource(const ConsoleOptions& options, SourceState& source) {
     }
 }
 
-/// A folder that holds what no build made is emptied only when the user says so in so many words.
+/// A folder that holds what no build made is emptied only when the user says so explicitly.
 void RequireConsent(const clsInstallFolder& folder, const ConsoleOptions& options) {
     const FolderContent content = folder.Content();
     if (content.kind != FolderContent::Kind::Foreign || options.answer == false)
@@ -153,7 +153,7 @@ int RunBuild(const ConsoleOptions& options, const std::string& programPath, Cata
     return ExitCodeOf(outcome, frontEnd.HasProblems() || !isRead || !isPrinted);
 }
 
-/// Prints what would go wrong in a build, a line each, or what the check vouches for.
+/// Prints what would go wrong in a build, one line each, or what the check covers.
 int PrintProblems(const ConsoleOptions& options, const std::string& programPath,
                   const Catalogue& catalogue, const CatalogueLoad& load, clsTerminal& terminal) {
     if (!load.sentence.empty())

@@ -8,7 +8,7 @@ namespace vesk {
 
 /// One archive to download.
 struct DownloadRequest {
-    std::string urls;        ///< One address, or several parted by ",".
+    std::string urls;        ///< One address, or several separated by ",".
     std::string destination; ///< Full path of the file.
     std::string crc;         ///< Expected CRC-32 text, to match exactly; empty for any.
     std::string sha256 = {}; ///< Expected SHA-256, in lower case; empty for any.

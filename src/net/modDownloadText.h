@@ -28,7 +28,7 @@ std::string DownloadCaption(double received, std::int32_t fileSize, const DigitG
 /// "999 B", "1.2 kB", "34.5 MB".
 std::string ByteAmount(double bytes);
 
-/// Seconds without a byte from which on that is told.
+/// Seconds without a byte after which that is shown.
 inline constexpr std::uint32_t kSilenceTold = 5;
 
 /// What a download waits for, "connecting to host" or "no data for 30 s"; empty while bytes come.

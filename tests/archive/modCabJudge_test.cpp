@@ -29,7 +29,7 @@ Judged Judge(const std::string& bytes) {
     return judged;
 }
 
-/// The reason why the whole is not read, or each member's refusal, parted by "|".
+/// The reason why the whole is not read, or each member's refusal, separated by "|".
 std::string Verdict(const std::string& bytes) {
     try {
         std::string verdict;

@@ -69,7 +69,7 @@ TEST_CASE("sections and keys count by position, whatever their names") {
 }
 
 TEST_CASE("what cannot be read ends the reading with a sentence; what came before stays") {
-    // A missing key shifts the rest: an address stands where a truth value should.
+    // A missing key shifts the rest: an address is where a truth value should be.
     auto [shifted, problem] = Load(kInstall + std::string("[B]\r\n") + kEntry +
                                    "n2=S\r\ne2=1\r\nl2=0\r\n" + kPlugins + kCategories);
     CHECK(problem.find("section [B]") != std::string::npos);

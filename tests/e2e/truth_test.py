@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""What a build did not do is told, each thing once, and nothing else is: on the error output, in the
+"""What a build did not do is reported, each thing once, and nothing else is: on the error output, in the
 exit code, and in the file beside the log."""
 
 import hashlib
@@ -60,7 +60,7 @@ class Truth(ProgramTest):
         return code, problems, lines
 
     def damaged_archives(self):
-        """Archives that cannot be extracted whole, with the places and words they are told in."""
+        """Archives that cannot be extracted whole, with the places and words in their problems."""
         good = {"tool.inf": INF, "files/big.bin": BIG}
         path = self.add("bit.zip", members=good)
         content = bytearray(path.read_bytes())
@@ -187,7 +187,7 @@ class Truth(ProgramTest):
         self.assertIn("veskbuilder.sha256: not read in full, line 3 is no SHA-256 digest and name",
                       self.run_program("--check")[1])
 
-        # PE Builder's own archive is asked for anew, as after any difference.
+        # PE Builder's own archive is asked for again, as after any difference.
         listed.write_text(f"{digest}  pebuilder3110a.zip\n")
         code, problems, lines = self.build_plugins("--yes")
         self.assertIn("Downloading: pebuilder3110a.zip", lines)

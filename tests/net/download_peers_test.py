@@ -148,7 +148,7 @@ class ScriptedAnswers(unittest.TestCase):
             reset(connection)
 
         lines = self.through(self.serve(script), "--times", 3)
-        # Wine tells of a reset as if it were an ordinary end.
+        # Wine reports a reset as if it were an ordinary end.
         self.assertTrue(re.fullmatch(
             r"(Starting 5000 \d+ HTTP/1.1 200 OK;(Completed|Error 10054 \[Connection reset by "
             r"peer\.\]);Bytes 1000;?){3}", ";".join(lines)), lines)

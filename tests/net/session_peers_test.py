@@ -144,7 +144,7 @@ class Sessions(unittest.TestCase):
                     self.target.write_bytes(OLD)
                     continue
                 self.assertEqual(size, str(len(OLD)))
-                # Wine tells of a reset as if it were an ordinary end.
+                # Wine reports a reset as if it were an ordinary end.
                 self.assertRegex(why, "connection reset by peer|" + (
                     f"{came:,} of 4,096 bytes came$" if came >= 0 else
                     "closed without an answer$" if came == -len(HEAD) else "no HTTP header, a text"))
@@ -252,7 +252,7 @@ class Sessions(unittest.TestCase):
         for crc, expected in ((CRC, CRC_DIFFERS), (None, FAILED)):
             (result, _, partial, why), = self.run_tool(proxy, [(crc, "http://h/x")])
             self.assertEqual((result, partial), (expected, "512"))
-            # Wine tells of a reset as if it were an ordinary end.
+            # Wine reports a reset as if it were an ordinary end.
             self.assertRegex(why, "(connection reset by peer, )?512 of 4,096 bytes came$")
 
     def test_files(self):

@@ -183,7 +183,7 @@ void frmSetup::EnableWhatWorks() {
     baseFrame_.EnableButtons();
     pluginFrame_.EnableButtons();
     const bool modified = editor_.IsModified();
-    // A damaged file can be written anew as it is shown, without an edit.
+    // A damaged file can be saved as it is shown, without an edit.
     const bool maySave = modified || !file_.IsWhole();
     const HWND heir = lastField_ && IsWindowEnabled(lastField_) ? lastField_ : Control(IDCANCEL);
     // The caret is to stay where it was: not through WM_NEXTDLGCTL, which selects the whole text.
@@ -265,7 +265,7 @@ void frmSetup::cmdButtons_Click(int index) {
     ShowState("");
 }
 
-/// Who moves entries with the mouse is told where they are by now.
+/// Shows whoever moves entries with the mouse where they are by now.
 void frmSetup::ShowPlaceTip() {
     KillTimer(Window(), kTimer1);
     POINT cursor{};
@@ -277,7 +277,7 @@ void frmSetup::ShowPlaceTip() {
 void frmSetup::cmdActions_Click(int index) {
     switch (index) {
     case 0:
-        (void)Apply(); // a failure was told
+        (void)Apply(); // a failure was shown
         return;
     case 1:
         return Discard();

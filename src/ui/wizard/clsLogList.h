@@ -25,7 +25,7 @@ public:
     /// Shows lines that were added to the log and makes the last one the current line.
     void ShowLines(const std::vector<std::string>& lines);
 
-    /// Makes the first line that tells of something wrong the current line, so that it is in sight.
+    /// Makes the first line that reports something wrong the current line, so that it is in sight.
     void ShowFirstWarning() const;
 
     /// Opens the context menu. @param position of the mouse on the screen; (-1, -1) when the
