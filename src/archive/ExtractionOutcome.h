@@ -8,7 +8,7 @@ namespace vesk {
 
 /// One member of an archive, or the whole of it, that was not extracted.
 struct MemberFailure {
-    std::string member; ///< Its name, separated by "\\"; empty for the archive as a whole.
+    std::string member; ///< Its name, separated by "\"; empty for the archive as a whole.
     std::string what;   ///< What was not done: "not written".
     std::string reason; ///< Why, as AsReason gives it.
 

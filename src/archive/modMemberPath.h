@@ -8,7 +8,7 @@
 namespace vesk {
 
 /// The reason for a folder's name with bytes behind it.
-constexpr const char* kFolderWithContent = "is a folder and has content all the same";
+constexpr const char* kFolderWithContent = "it is a folder but has content";
 
 /// The path of a member below the folder. The gate judges the name as the file system gets it, and
 /// as the functions of the ANSI code page would see it.

@@ -127,9 +127,10 @@ void clsBuildLock::Take(const std::string& name) {
     MappingHandle note = MakeNote(name);
     const bool taken = GetLastError() == ERROR_ALREADY_EXISTS;
     if (!note)
-        throw FolderRefused("It cannot be told whether another build works in " + path_);
+        throw FolderRefused("Whether another build is running there cannot be determined: " +
+                            path_);
     if (taken)
-        throw FolderRefused("Another build is at work in " + path_ + ": " + WhoHas(note));
+        throw FolderRefused("Another build is running in " + path_ + ": " + WhoHas(note));
     SignNote(note);
     notes_.push_back(std::move(note));
 }
@@ -138,7 +139,8 @@ void clsBuildLock::RefuseIfTaken(const std::string& name) const {
     for (const char* space : kSpaces) {
         const MappingHandle note(OpenFileMappingA(FILE_MAP_READ, FALSE, (space + name).c_str()));
         if (note)
-            throw FolderRefused("Another build is at work around " + path_ + ": " + WhoHas(note));
+            throw FolderRefused("Another build is running in a folder above or below " + path_ +
+                                ": " + WhoHas(note));
     }
 }
 

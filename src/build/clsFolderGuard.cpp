@@ -86,11 +86,11 @@ std::string OwnObjection(const std::vector<FolderLevel>& way) {
     if (!folder.IsMissing() && !folder.Has(FILE_ATTRIBUTE_DIRECTORY))
         return "The installation folder is a file";
     if (folder.Has(FILE_ATTRIBUTE_REPARSE_POINT))
-        return std::string(kEmptied) + "and this one is a link to another place";
+        return std::string(kEmptied) + "but this one is a link to another place";
     for (const FolderLevel& level : way) {
         const bool isRoot = &level == &way.back();
         if (!isRoot && level.Has(FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM))
-            return std::string(kEmptied) + "and this one belongs to the system (" +
+            return std::string(kEmptied) + "but this one belongs to the system (" +
                    Narrowed(level.path) + " is marked so)";
         if (!level.IsMissing() && !level.Has(FILE_ATTRIBUTE_DIRECTORY))
             return "The installation folder cannot be made: " + Narrowed(level.path) + " is a file";
@@ -190,7 +190,7 @@ std::string clsFolderGuard::Objection(const std::string& folder) const {
     }
     for (const Known::Place& known : known_->places) {
         if (const char* relation = Relation(ways, known.ways, known.place.reach))
-            return std::string(kEmptied) + "and this one " + relation +
+            return std::string(kEmptied) + "but this one " + relation +
                    (std::string_view(relation).ends_with(' ') ? known.place.name : "");
     }
     return {};

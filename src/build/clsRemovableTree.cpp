@@ -142,7 +142,7 @@ clsRemovableTree clsRemovableTree::Below(const clsInstallFolder& folder,
         ThrowSystemError(ERROR_INVALID_NAME, "cannot delete", folder.Path() + relative);
     // Whether the tree itself may be emptied was asked before it was made.
     return {*path, [top = ParentOf(folder.Path()), path = *path] {
-                return HasLinkBelow(top, path) ? std::string("a link stands on the way to it")
+                return HasLinkBelow(top, path) ? std::string("its path leads through a link")
                                                : std::string();
             }};
 }

@@ -30,7 +30,7 @@ clsReportedIni::clsReportedIni(const clsBuildContext& context, const std::string
 
 void clsReportedIni::TellCut(const std::string& section, const std::string& key) const {
     if (ini_.IsCut(section, key))
-        context_.report({Path(), "not taken over whole, [" + section + "] " + key,
+        context_.report({Path(), "not taken over in full, [" + section + "] " + key,
                          "it is longer than 254 characters"});
 }
 

@@ -73,7 +73,7 @@ public:
     /// through.
     void Apply(const std::function<void(const Catalogue&)>& save);
 
-    /// Drops all edits since the last Apply and selects the first entries.
+    /// Discards all edits since the last Apply and selects the first entries.
     void Revert();
 
 private:

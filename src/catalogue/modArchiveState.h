@@ -37,7 +37,7 @@ enum class ArchiveState {
     Empty,        ///< There, but nothing can be read from it: left out.
     Missing,      ///< Not there, and no build downloads it: left out.
     ToDownload,   ///< Not there; a build downloads it, in the case of a plug-in when it is ticked.
-    ToReplace,    ///< There and not right; the build downloads it anew.
+    ToReplace,    ///< There and not right; the build downloads it again.
     BadName,      ///< Its name is not a plain file name: neither downloaded nor extracted.
     NotPeBuilder, ///< The first base component's, under another name than a build looks for.
     WrongType,    ///< Neither .zip nor .cab: not extracted.

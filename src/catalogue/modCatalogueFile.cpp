@@ -212,7 +212,7 @@ CatalogueLoad OpenOrExplain(const std::string& path) {
         return absent("it is a folder",
                       "Remove it, and start veskbuilder.exe -setup to make a file.", true);
     return absent("it cannot be read, " + AsReason(SystemErrorText(error)),
-                  "See who may read it, and who has it open.", true);
+                  "Check who may read it and which program has it open.", true);
 }
 
 } // namespace
@@ -255,7 +255,7 @@ CatalogueLoad LoadCatalogueReporting(const std::string& programPath, Catalogue& 
     try {
         FillCatalogue(sections, catalogue);
         if (fault.empty() && sections != file.sections)
-            fault = "the system does not read it as it is written";
+            fault = "Windows reads it differently from what it says";
     } catch (const Failure& failure) {
         if (fault.empty())
             fault = failure.what();

@@ -93,9 +93,10 @@ void RequireConsent(const clsInstallFolder& folder, const ConsoleOptions& option
         return;
     const std::string sentence = folder.Path() + " would be emptied, and " + content.ForeignWords();
     if (folder.KeepsForeign())
-        throw UsageError(sentence + ", which nothing replaces among installed programs");
+        throw UsageError(sentence +
+                         "; among installed programs only a folder that a build made is emptied");
     if (!options.replaceForeign)
-        throw UsageError(sentence + ": --replace-foreign empties it all the same");
+        throw UsageError(sentence + "; --replace-foreign empties it anyway");
 }
 
 /// Folders as the user's choices make them: the catalogue's own, or what the options name.
@@ -103,7 +104,8 @@ BuildInputs MakeInputs(const ConsoleOptions& options, const std::string& program
                        const Catalogue& catalogue, const std::string& sourceFolder,
                        const SourceState& source) {
     if (!options.install && catalogue.installRoot.empty())
-        throw UsageError("the system names no folder for programs: name the folder with --install");
+        throw UsageError(
+            "Windows has no Program Files folder to build in; give a folder with --install");
     const std::string folder =
         options.install.value_or(catalogue.installRoot + "\\" + catalogue.installFolder);
     return {clsInstallFolder(folder, clsFolderGuard::OfSystem(programPath, sourceFolder)),
@@ -149,7 +151,7 @@ int RunBuild(const ConsoleOptions& options, const std::string& programPath, Cata
     const BuildOutcome outcome = clsBuildRun(inputs, catalogue, frontEnd).Run();
     const bool isPrinted = clsTerminal::OutputIsWhole();
     if (!isPrinted)
-        terminal.Complain("the log could not be printed whole; the saved one is");
+        terminal.Complain("the log could not be printed in full; the saved one is complete");
     return ExitCodeOf(outcome, frontEnd.HasProblems() || !isRead || !isPrinted);
 }
 
@@ -224,7 +226,7 @@ int Main(int count, const wchar_t* const* words) {
         clsTerminal terminal(options.quiet);
         return RunAction(options, terminal);
     } catch (const UsageError& error) {
-        clsTerminal(true).Complain(std::string(error.what()) + " (veskbuild --help tells more)");
+        clsTerminal(true).Complain(std::string(error.what()) + " (see veskbuild --help)");
         return kUsage;
     } catch (const FolderRefused& error) {
         clsTerminal(true).Complain(error.what());

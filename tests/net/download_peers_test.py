@@ -115,7 +115,7 @@ class ScriptedAnswers(unittest.TestCase):
             split = answer(b"gone", "Location: " + where, status="HTTP/1.1 302 Found")
             server = self.expect(
                 lambda c, _, text=split: c.sendall(text),
-                ["Error 400 [The server leads to an address with a blank or a control character in "
+                ["Error 400 [The server redirects to an address with a blank or a control character in "
                  "it]", "Bytes 0"], b"")
             self.assertEqual(len(server.requests), 1)
         server = self.expect(lambda c, _: c.sendall(page), ["Cancelled", "Bytes 0"] * 3, None,

@@ -112,7 +112,7 @@ class Sessions(unittest.TestCase):
              "HTTP/1.1 404 Not Found"),
             ("led into a request", page(b"", status="HTTP/1.1 302 Found\r\n"
                                         "Location: http://h/x\nX-Evil: 1"), FAILED, FAILED,
-             "HTTP/1.1 302 Found, the server leads to an address with a blank or a control "
+             "HTTP/1.1 302 Found, the server redirects to an address with a blank or a control "
              "character in it"),
         ])
 

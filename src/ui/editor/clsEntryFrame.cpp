@@ -233,7 +233,8 @@ void clsEntryFrame::TakeSha256(const std::string& path) const {
         UpdateSha256List(programPath_, FileNameOf(path));
     } catch (const Failure& failure) {
         ShowMessage(dialog_,
-                    std::string("The archive's SHA-256 is not noted: ") + failure.what() + ".",
+                    std::string("The archive's SHA-256 could not be recorded: ") + failure.what() +
+                        ".",
                     kTitle, MB_OK | MB_ICONWARNING);
     }
 }
@@ -250,7 +251,7 @@ std::string clsEntryFrame::BroughtHere(const std::string& path) const {
         return {};
     }
     const std::string replaced =
-        FileExists(here) ? "\r\nThe file of that name that is there now is replaced." : "";
+        FileExists(here) ? "\r\nThe file of that name that is there now will be replaced." : "";
     const int answer =
         ShowMessage(dialog_,
                     path +

@@ -101,7 +101,7 @@ void frmSetup::BeginFromNothing() {
 }
 
 void frmSetup::ExplainCatalogue() const {
-    const char* const advice = "Only what could be read is shown. Apply asks before it writes over "
+    const char* const advice = "Only what could be read is shown. Apply asks before it overwrites "
                                "the rest.";
     if (told_)
         SetText(Control(IDC_LBL_STATE), "Not all of the file could be read.");
@@ -162,7 +162,7 @@ void frmSetup::AddTips() {
     tips_.Add(IDC_CMD_CHECK, "Lists what would go wrong in a build");
     tips_.Add(IDC_CMD_CATEGORIES, "What the plug-in folder is divided into");
     tips_.Add(IDC_CMD_APPLY, "Writes the catalogue file");
-    tips_.Add(IDC_CMD_DISCARD, "Drops all edits since the last Apply");
+    tips_.Add(IDC_CMD_DISCARD, "Discards all edits since the last Apply");
 }
 
 void frmSetup::ShowAll() {
@@ -232,7 +232,7 @@ bool frmSetup::Apply() {
 void frmSetup::Discard() {
     editor_.Revert();
     ShowAll();
-    ShowState("Edits dropped.");
+    ShowState("Edits discarded.");
 }
 
 bool frmSetup::MayLeave() {
