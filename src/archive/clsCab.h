@@ -22,10 +22,10 @@ public:
     /// A member is about to be written; setting `cancel` keeps it from that.
     virtual void OnBeforeExtract(bool& /*cancel*/, const std::string& /*name*/) {}
 
-    /// A member stands complete at its target path.
+    /// A member is complete at its target path.
     virtual void OnAfterExtract(const std::string& /*targetPath*/) {}
 
-    /// What of a member was not done, and why: it does not stand at its target path, or, after
+    /// What of a member was not done, and why: it is not at its target path, or, after
     /// OnAfterExtract, not all of it was kept. One of this and OnAfterExtract follows each
     /// OnBeforeExtract that is not answered with `cancel`.
     virtual void OnNotExtracted(const MemberFailure& /*failure*/) {}

@@ -26,7 +26,7 @@ private:
 /// `refusal` only.
 class clsZipMemberReader {
 public:
-    /// Takes the next piece of a member's content. @param packedDone packed bytes used up to here
+    /// Takes the next piece of a member's content. @param packedDone packed bytes used so far
     using Sink = std::function<void(std::span<const std::byte> piece, std::uint64_t packedDone)>;
 
     /// Members of this size and larger are to be read in pieces: inflated whole they would take
@@ -48,7 +48,7 @@ public:
     /// the next call. @throws ArchiveProblem, std::bad_alloc
     std::span<const std::byte> Read(const ZipMember& member);
 
-    /// The same in pieces, of which some may be empty. Only when it returns were they right.
+    /// The same in pieces, some of which may be empty. They are right only if it returns.
     /// @throws ArchiveProblem, std::bad_alloc, what the sink throws
     void Stream(const ZipMember& member, const Sink& sink);
 

@@ -47,13 +47,13 @@ ExtractionOutcome SingleEntryUnzip(const DCL& options, const UnzipCallbacks& cal
 
 /// Extracts every member of a ZIP archive below the target folder, with its stored folders, times
 /// and attributes, over existing files and without a question. With an empty target folder the
-/// archive is listed instead. What could not be extracted stands in the result, and as a line in
+/// archive is listed instead. What could not be extracted is in the result, and a line in
 /// the message buffer; the rest is extracted. Throws nothing but what a callback throws.
 ExtractionOutcome UnzipFile(const std::string& zipPath, const std::string& targetFolder,
                             const UnzipCallbacks& callbacks = {});
 
 /// Does all that UnzipFile does except the writing: members are unpacked and their CRCs compared,
-/// a piece at a time. What stands in a target folder is not known to it.
+/// a piece at a time. It does not know what is in a target folder.
 ExtractionOutcome TestZip(const std::string& zipPath, const UnzipCallbacks& callbacks = {});
 
 /// What the last run had to say: a line for each member refused or failed, the listing, and a

@@ -41,8 +41,8 @@ public:
     virtual std::optional<std::string> AskPassword(const std::string& archiveName,
                                                    bool wrongBefore) = 0;
 
-    /// Downloads one archive and checks it. It is written to PartialPath(destination) and stands
-    /// under its own name only when it is done; what is left of a download that is not is the
+    /// Downloads one archive and checks it. It is written to PartialPath(destination) and gets
+    /// its own name only when it is done; what is left of a download that is not is the
     /// caller's to remove.
     virtual DownloadOutcome DownloadFile(const DownloadRequest& request) = 0;
 

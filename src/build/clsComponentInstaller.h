@@ -22,7 +22,7 @@ public:
 
     /// Installs a base component and runs the script that it brings. With the first one, PE Builder
     /// itself, the tree is made and its stock plug-ins are sorted.
-    /// @return why it is not in the tree; empty when it is, be it with problems
+    /// @return why it is not in the tree; empty when it is, with or without problems
     std::string InstallBaseComponent(std::size_t index);
 
     /// Installs a plug-in and edits its INF files.
@@ -46,7 +46,7 @@ private:
     /// Scripts that hold a part for the plug-ins, by the index of their base component. Collected
     /// for that stage; the run itself does nothing with them.
     std::map<std::size_t, std::string> pendingScripts_;
-    std::set<std::string> unreadScripts_;        ///< Of a kind that is not carried out.
+    std::set<std::string> unreadScripts_;        ///< Of a kind that is not run.
     std::map<std::string, std::string> folders_; ///< Of plug-ins, in lower case, to their archives.
     std::set<std::string> toldPlaces_;           ///< Where the search for scripts could not look.
 };

@@ -24,7 +24,7 @@ struct DownloadOutcome {
 };
 
 /// Where a download is written until it is complete and right: beside its destination, so that
-/// nothing stands under the archive's own name that is not the archive.
+/// nothing has the archive's own name that is not the archive.
 inline std::string PartialPath(const std::string& destination) {
     return destination + ".vesk-part";
 }

@@ -65,7 +65,7 @@ public:
     [[nodiscard]] const std::string& URL() const { return url_; }
     void SetURL(const std::string& url);
 
-    /// Full path of the file; what stands there is replaced once the connection is made.
+    /// Full path of the file; what is there is replaced once the connection is made.
     [[nodiscard]] const std::string& Destination() const { return destination_; }
     void SetDestination(const std::string& destination);
 

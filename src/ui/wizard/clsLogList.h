@@ -16,7 +16,7 @@ namespace vesk {
 class clsLogList {
 public:
     /// @param log outlives the list
-    /// @param programPath where the log file lies
+    /// @param programPath folder of the log file
     clsLogList(const clsBuildLog& log, std::string programPath);
 
     /// Takes over a multi-selection list box of a dialog.
