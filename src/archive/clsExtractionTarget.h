@@ -83,7 +83,7 @@ private:
     AddedFile Take(const std::wstring& path, const MemberContent& content, Write write);
 
     std::wstring folder_;
-    clsNameTree names_; ///< Only what exists: plain folders, and files of this run.
+    clsNameTree names_; ///< What is in it exists: plain folders, and files of this run.
     std::vector<StampedFolder> stampedFolders_;
 };
 

@@ -48,7 +48,7 @@ public:
     /// the next call. @throws ArchiveProblem, std::bad_alloc
     std::span<const std::byte> Read(const ZipMember& member);
 
-    /// The same in pieces, some of which may be empty. They are right only if it returns.
+    /// The same in pieces, of which some may be empty. Only when it returns were they right.
     /// @throws ArchiveProblem, std::bad_alloc, what the sink throws
     void Stream(const ZipMember& member, const Sink& sink);
 

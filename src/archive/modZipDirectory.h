@@ -61,7 +61,7 @@ struct ZipDirectory {
 /// Reads the central directory, finds each member's data and judges each member. What was claimed
 /// by the archive and does not fit the bytes that are there ends as a `refusal` of the member; no
 /// memory is given for a claim. Where the directory is damaged, what can be read of it is given;
-/// where it is missing, what the members' own headers say; and `problem` says so.
+/// where it is missing, what the members' own headers tell; and `problem` says so.
 /// @throws ArchiveProblem when the bytes hold no readable archive at all.
 ZipDirectory ReadZipDirectory(std::span<const std::byte> archive);
 

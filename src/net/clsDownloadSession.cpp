@@ -79,7 +79,7 @@ void clsDownloadSession::Start() {
         if (FileExists(partial_))
             RemoveFile(partial_);
     } catch (const Failure&) {
-        // Then it cannot be opened either, and that is reported.
+        // Then it cannot be opened either, and that is told.
     }
     rate_.Add(0, GetTickCount());
     StartAddress();

@@ -53,7 +53,7 @@ public:
     [[nodiscard]] std::string FailureSoFar() const;
 
     /// What became of it, to be asked once: reads the whole file where its checksum decides, so let
-    /// pending events run first, and moves a good one to its destination, over what is there.
+    /// pending events run first, and moves a good one to its destination, over what stands there.
     /// Any other stays at PartialPath, and the destination as it was. Cancelled whatever else
     /// happened, once Cancel was called. @param meanwhile called every few megabytes of the file
     [[nodiscard]] DownloadOutcome Outcome(const std::function<void()>& meanwhile = {});

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The delivered programs cannot be led to code of others: by what is in their folder, or by where
+"""The delivered programs cannot be led to code of others: by what lies beside them, or by where
 things stand in memory."""
 
 import re
