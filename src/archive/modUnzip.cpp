@@ -96,7 +96,7 @@ public:
             const clsMappedArchive archive(options_.Zip);
             directory_ = ReadZipDirectory(archive.Bytes());
             if (!directory_.problem.empty())
-                Tell({"", "not read in full", directory_.problem});
+                Tell({"", "not read whole", directory_.problem});
             totals_.commentLength = directory_.comment.size();
             if (options_.nvflag)
                 List();

@@ -130,15 +130,14 @@ std::optional<Directory> FindDirectory(Bytes archive) {
     return std::nullopt;
 }
 
-/// What the members' own headers say, for an archive that was cut off.
+/// What the members' own headers tell, for an archive that was cut off.
 ZipDirectory WithoutDirectory(Bytes archive) {
     ZipDirectory directory;
     directory.members = MembersByLocalHeaders(archive);
     if (directory.members.empty())
         throw ArchiveProblem("no central directory: not a ZIP archive, or its end is missing");
-    directory.problem = "its end is missing or damaged; only the " +
-                        std::to_string(directory.members.size()) +
-                        " members found without it are extracted";
+    directory.problem = "its end is missing or damaged; only what was found without it, " +
+                        std::to_string(directory.members.size()) + " members, is extracted";
     JudgeMembers(archive, directory.members);
     return directory;
 }
@@ -172,7 +171,7 @@ bool ReadMember(clsByteReader& reader, ZipMember& member) {
     member.folder = IsFolderEntry(member, host);
     ApplyExtraFields(extra, member, disk);
     if (disk != 0)
-        member.refusal = "it is on another disk of the archive";
+        member.refusal = "lies on another disk of the archive";
     return true;
 }
 
@@ -196,7 +195,7 @@ ZipDirectory ReadZipDirectory(Bytes archive) {
         return WithoutDirectory(archive);
     Directory& found = *located;
     if (found.end.spansDisks)
-        throw ArchiveProblem("it is one part of an archive that spans several disks");
+        throw ArchiveProblem("one part of an archive that spans several disks");
     ZipDirectory directory;
     directory.comment = std::move(found.end.comment);
     const std::uint64_t shift = found.start - found.end.directoryOffset;

@@ -298,7 +298,7 @@ TEST_CASE("a damaged archive gives what it holds, and the rest is told") {
     CHECK(outcome.extracted == 2);
     REQUIRE(outcome.failures.size() == 1);
     CHECK(outcome.failures[0].member == "");
-    CHECK(outcome.failures[0].what == "not read in full");
+    CHECK(outcome.failures[0].what == "not read whole");
     CHECK(InspectArchive(cut) == outcome.failures);
     CHECK(ReadWholeFile(folder / "out\\b") == "22");
 }
