@@ -1,4 +1,4 @@
-"""The map of ARCHITECTURE.md against the sources: arrows between rooms, names, units."""
+"""The map of ARCHITECTURE.md against the sources: arrows between layers, names, units."""
 import pathlib
 import re
 import unittest
@@ -11,12 +11,12 @@ UNITS = [path for path in sorted(SRC.rglob("*")) if path.suffix in (".h", ".cpp"
 PREFIXES = ("frm", "pag", "cls", "mod")
 
 
-def room(path):
+def layer(path):
     return path.parent.relative_to(SRC).as_posix()
 
 
 def drawn_arrows():
-    """The picture: a line for each room, the rooms that it stands on after the arrow."""
+    """The picture: a line for each layer, and after the arrow the layers that it uses."""
     picture = re.search(r"```\n((?:\S+ +->.*\n)+)```", MAP).group(1)
     rows = (line.split("->") for line in picture.splitlines())
     return {name.strip(): targets.split() for name, targets in rows}
@@ -25,9 +25,9 @@ def drawn_arrows():
 def included_arrows():
     arrows = {}
     for path in UNITS:
-        targets = arrows.setdefault(room(path), set())
+        targets = arrows.setdefault(layer(path), set())
         for include in re.findall(r'#include "([^"]+)/[^/"]+"', path.read_text(encoding="utf-8")):
-            if include != room(path):
+            if include != layer(path):
                 targets.add(include)
     return arrows
 
@@ -68,7 +68,7 @@ class Names(unittest.TestCase):
             with self.subTest(path.relative_to(SRC)):
                 if path.stem.startswith(PREFIXES[:3]):
                     self.assertIn(path.stem, declared)
-                elif not path.stem.startswith("mod") and room(path) != "base":
+                elif not path.stem.startswith("mod") and layer(path) != "base":
                     self.assertFalse(path.with_suffix(".cpp").exists(),
                                      "plain data and interfaces have no source")
 

@@ -27,7 +27,7 @@ def masked(text):
 
 
 def closing(text, at):
-    """Where the parenthesis that opens at a place is closed; where the commas between stand."""
+    """Where the parenthesis opened at a place is closed, and where the commas between them are."""
     depth, commas = 0, []
     for i in range(at, len(text)):
         if text[i] in "([{":

@@ -8,7 +8,7 @@
 
 namespace vesk {
 
-/// Bytes that lie somewhere and are fetched by position.
+/// Bytes that are stored somewhere and read by position.
 class ByteSource {
 public:
     virtual ~ByteSource() = default;

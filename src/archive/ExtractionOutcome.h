@@ -8,7 +8,7 @@ namespace vesk {
 
 /// One member of an archive, or the whole of it, that was not extracted.
 struct MemberFailure {
-    std::string member; ///< Name in the archive, parted by "\"; empty for the archive as a whole.
+    std::string member; ///< Its name, separated by "\"; empty for the archive as a whole.
     std::string what;   ///< What was not done: "not written".
     std::string reason; ///< Why, as AsReason gives it.
 
@@ -18,7 +18,7 @@ struct MemberFailure {
 /// What became of the extraction of one archive. Everything that is not among the failures was
 /// done.
 struct ExtractionOutcome {
-    std::size_t extracted = 0; ///< Members that stand whole in the target folder.
+    std::size_t extracted = 0; ///< Members that are complete in the target folder.
     std::vector<MemberFailure> failures;
 };
 

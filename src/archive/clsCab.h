@@ -9,8 +9,8 @@
 
 namespace vesk {
 
-/// What a cabinet tells its owner while it is read. An event may destroy the cabinet object: no
-/// further event follows, and the running method returns after the member at hand. What an event
+/// What a cabinet reports to its owner while it is read. An event may destroy the cabinet object:
+/// no further event follows, and the running method returns after the member at hand. What an event
 /// throws ends the iteration and reaches the method's caller.
 class CabEvents {
 public:
@@ -22,10 +22,10 @@ public:
     /// A member is about to be written; setting `cancel` keeps it from that.
     virtual void OnBeforeExtract(bool& /*cancel*/, const std::string& /*name*/) {}
 
-    /// A member stands complete at its target path.
+    /// A member is complete at its target path.
     virtual void OnAfterExtract(const std::string& /*targetPath*/) {}
 
-    /// What of a member was not done, and why: it does not stand at its target path, or, after
+    /// What of a member was not done, and why: it is not at its target path, or, after
     /// OnAfterExtract, not all of it was kept. One of this and OnAfterExtract follows each
     /// OnBeforeExtract that is not answered with `cancel`.
     virtual void OnNotExtracted(const MemberFailure& /*failure*/) {}
@@ -43,7 +43,7 @@ public:
 /// otherwise the system's error code. A cabinet that continues in another one ends where it ends.
 class clsCab {
 public:
-    /// @param owner told of the members; may be null, must outlive this object
+    /// @param owner receives the events; may be null, must outlive this object
     explicit clsCab(CabEvents* owner = nullptr);
 
     std::string CabName;           ///< Full path of the cabinet.
@@ -57,10 +57,10 @@ public:
     /// existing files (read-only ones, too), and creates the folders it needs. Members get their
     /// stored names, times and attributes; of two with one name the later one stays. A member whose
     /// name leads elsewhere is left out. One that is damaged or cannot be written ends nothing but
-    /// itself; the method throws what befell the first of those when it is through.
+    /// itself; when it is through, the method throws the failure of the first of those.
     void Extract();
 
-    /// Does and tells all that Extract does but for the writing, with the names for target paths.
+    /// Does and reports all that Extract does except the writing, with the names for target paths.
     /// Members in LZX and Quantum are not unpacked: of them the data's checksums are compared.
     void Test();
 
@@ -71,7 +71,7 @@ public:
     std::string GetXML();
 
 private:
-    std::shared_ptr<CabEvents*> owner_; ///< Its end tells a running iteration that this is gone.
+    std::shared_ptr<CabEvents*> owner_; ///< Its end shows a running iteration that this is gone.
 };
 
 } // namespace vesk

@@ -108,7 +108,7 @@ void clsCabExtraction::ExtractGroup() {
     HandleUnreadUpTo(group_.size());
 }
 
-/// Deals with the members that the reader passed by, or was not told of.
+/// Deals with the members that the reader passed over, or was not given.
 void clsCabExtraction::HandleUnreadUpTo(std::size_t end) {
     while (cursor_ < end)
         HandleUnread(cursor_++);
@@ -155,7 +155,7 @@ bool clsCabExtraction::Begin(std::size_t place) {
         CountAsDone(entry);
         return false;
     }
-    Open(entry); // when that fails, the member is still among those to be told of
+    Open(entry); // when that fails, the member is still among those to be reported
     ++cursor_;
     begun_ = true;
     return true;

@@ -29,7 +29,7 @@ private:
     /// Why a member is not extracted.
     struct Trouble {
         std::uint32_t number = 0; ///< None for what is not raised at the end.
-        MemberFailure failure;    ///< Its member's name is filled in when it is told.
+        MemberFailure failure;    ///< Its member's name is filled in when it is reported.
     };
 
     void Prepare();

@@ -11,8 +11,8 @@
 
 namespace vesk {
 
-/// Ends an iteration whose owner threw or is gone. No std::exception: nobody takes it for the
-/// failure of a member.
+/// Ends an iteration whose owner threw or is gone. Not a std::exception, so that it is not caught
+/// as the failure of a member.
 struct CabStopped {};
 
 /// One pass over a cabinet, whatever it is for. It works on copies of the cabinet object's
@@ -51,7 +51,7 @@ public:
             throw CabStopped();
     }
 
-    /// Does the work, and throws what the owner threw in it.
+    /// Does the work, and throws again what the owner threw in it.
     template <class Work>
     void Run(Work work) {
         try {

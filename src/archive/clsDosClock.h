@@ -10,8 +10,8 @@ namespace vesk {
 /// day stored: whether summer time is on today does not matter.
 class clsDosClock {
 public:
-    /// @param error why the system does not tell; left alone for a day that does not exist
-    /// @return nothing for a day or time that does not exist, and when the system does not tell
+    /// @param error why the system cannot convert it; left alone for a day that does not exist
+    /// @return nothing for a day or time that does not exist, and when the system cannot convert it
     std::optional<FILETIME> FileTimeOf(WORD dosDate, WORD dosTime, DWORD& error);
 
 private:

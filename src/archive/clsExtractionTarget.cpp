@@ -51,9 +51,9 @@ void CreatePlainFolder(const std::wstring& path) {
     if (attributes == INVALID_FILE_ATTRIBUTES)
         ThrowSystemError(error, "cannot create", Narrowed(WithoutLongPrefix(path)));
     if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0)
-        throw ArchiveProblem("a link stands on the way to it");
+        throw ArchiveProblem("its path leads through a link");
     if ((attributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
-        throw ArchiveProblem("a file stands on the way to it");
+        throw ArchiveProblem("its path leads through a file");
 }
 
 /// A file system may take long to find out that it cannot hold a file.

@@ -11,19 +11,19 @@
 
 namespace vesk {
 
-/// What became of a file besides being there.
+/// What else is to be said of a file that was written.
 struct AddedFile {
-    std::optional<Overwriting> overwriting; ///< Another member whose bytes are lost by its name.
+    std::optional<Overwriting> overwriting; ///< Another member whose name and bytes it replaces.
     std::uint32_t stampError = 0;           ///< Why its times are not set; 0 when they are.
 };
 
 /// The folder that an archive is extracted into. Paths given to it come from MemberPath for this
-/// folder, members are known by numbers. Nothing is written through a junction or link that stands
-/// below the folder; what stands in the way of a file is replaced, not written through. Of two
-/// members with one name the one with the greater number stays, whatever the order they come in.
+/// folder, members are known by numbers. Nothing is written through a junction or link below the
+/// folder; a file that is there is replaced, not written through. Of two members with one name the
+/// one with the greater number is kept, in whatever order they come.
 class clsExtractionTarget {
 public:
-    /// A target that writes nothing and answers as one would that is empty before.
+    /// A target that writes nothing and answers as an empty folder would.
     clsExtractionTarget() = default;
 
     /// Creates the folder. @throws Failure
@@ -42,8 +42,8 @@ public:
     AddedFile AddFile(const std::wstring& path, const MemberContent& content,
                       std::span<const std::byte> bytes, const FileStamp& stamp);
 
-    /// A file that comes in pieces: it stands under its name when Keep() was called, and is deleted
-    /// again otherwise.
+    /// A file that comes in pieces: it gets its name when Keep() is called, and is deleted again if
+    /// it is not.
     class LargeFile {
     public:
         /// @param target must outlive this object @param size of what is to come
@@ -65,7 +65,7 @@ public:
     };
 
     /// Sets the stamps of the folders, the innermost first.
-    /// @param notSet told of each member whose times could not be set, and the system's error code
+    /// @param notSet receives each member whose times could not be set, and the system's error code
     void FinishFolders(const std::function<void(std::size_t member, std::uint32_t error)>& notSet);
 
 private:

@@ -23,7 +23,7 @@ std::size_t clsNameTree::EnterFolder(std::wstring_view path, std::size_t top,
                 nodes_.emplace(std::move(key), Node{true, MemberContent{++folders_, 0, {}}}).first;
         }
         if (!node->second.isFolder)
-            throw ArchiveProblem("a file stands on the way to it");
+            throw ArchiveProblem("its path leads through a file");
         folder = node->second.content.number;
     }
     lastPath_ = path;
@@ -47,7 +47,7 @@ std::optional<Overwriting> clsNameTree::PutFile(std::size_t folder, std::wstring
     if (isNew)
         return std::nullopt;
     if (node->second.isFolder)
-        throw ArchiveProblem("a folder stands in its place");
+        throw ArchiveProblem("there is a folder in its place");
     MemberContent& standing = node->second.content;
     const Overwriting both{std::max(content.number, standing.number),
                            std::min(content.number, standing.number)};

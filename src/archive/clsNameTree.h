@@ -11,7 +11,7 @@
 
 namespace vesk {
 
-/// One member and what tells its bytes from another's.
+/// One member and what distinguishes its bytes from another's.
 struct MemberContent {
     std::size_t number = 0; ///< Its place in the archive's directory.
     std::uint64_t size = 0;
@@ -38,16 +38,16 @@ public:
     /// Goes down to a folder.
     /// @param path of the folder @param top how much of it stands for the target folder
     /// @param create called with the path of each folder on the way that is new here
-    /// @return the folder's number @throws ArchiveProblem when a member's file stands on the way
+    /// @return the folder's number @throws ArchiveProblem when a member's file is in the path
     std::size_t EnterFolder(std::wstring_view path, std::size_t top,
                             const std::function<void(std::wstring_view path)>& create);
 
-    /// Whether the name is that of a file of a member with a greater number, which is to stay.
+    /// Whether a member with a greater number has brought a file of this name, which is to stay.
     [[nodiscard]] bool IsTakenByLater(std::size_t folder, std::wstring_view name,
                                       std::size_t number) const;
 
     /// Remembers a member's file. Of two with one name the one with the greater number counts.
-    /// @return the two, when bytes are lost with the other one
+    /// @return the two, when the bytes of the other one are lost
     /// @throws ArchiveProblem when a folder has this name
     std::optional<Overwriting> PutFile(std::size_t folder, std::wstring_view name,
                                        const MemberContent& content);

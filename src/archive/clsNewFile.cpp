@@ -22,9 +22,9 @@ void CheckReplaceable(const std::wstring& path) {
     if (attributes == INVALID_FILE_ATTRIBUTES)
         ThrowFor("cannot replace", path);
     if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0)
-        throw ArchiveProblem("a link stands in its place");
+        throw ArchiveProblem("there is a link in its place");
     if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
-        throw ArchiveProblem("a folder stands in its place");
+        throw ArchiveProblem("there is a folder in its place");
 }
 
 /// A file that is in use is refused to a move without saying so.

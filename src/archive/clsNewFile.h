@@ -10,29 +10,29 @@
 
 namespace vesk {
 
-/// What is restored of a member besides its content.
+/// What is restored of a member in addition to its content.
 struct FileStamp {
     DWORD attributes = FILE_ATTRIBUTE_ARCHIVE; ///< Read-only, hidden and system as stored.
     std::optional<FILETIME> modified, accessed, created;
     DWORD error = ERROR_SUCCESS; ///< Why a time that is stored is not among them.
 };
 
-/// Sets the times of a file or folder that the stamp has.
+/// Sets those times of a file or folder that the stamp has.
 /// @return the system's error code, 0 when all is well
 std::uint32_t SetTimes(HANDLE handle, const FileStamp& stamp);
 
-/// A file being written; deleted again unless Keep() is reached. Where a file stands already, the
-/// new one is written beside it and moved over it when complete: the old one is never half
-/// overwritten, and never written through should it be a second name of a file elsewhere.
+/// A file being written; deleted again unless Keep() is called. Where there is a file already, the
+/// new one is written next to it and moved over it when complete: the old one is never overwritten
+/// in part, nor written to if it is a hard link to a file elsewhere.
 class clsNewFile {
 public:
     enum class Place {
-        UnderItsName, ///< Unless something stands there. For what is written at one stroke.
+        UnderItsName, ///< Unless something is there. For what is written in one call.
         Beside        ///< So that no part of it is ever seen under its name.
     };
 
     /// @param path absolute, as LongPath gives it; must outlive the object, as must the stamp
-    /// @throws Failure, ArchiveProblem when what stands in the way is no plain file
+    /// @throws Failure, ArchiveProblem when what is there is not a plain file
     clsNewFile(const std::wstring& path, const FileStamp& stamp, Place place);
     clsNewFile(const clsNewFile&) = delete;
     clsNewFile& operator=(const clsNewFile&) = delete;

@@ -26,7 +26,7 @@ private:
 /// `refusal` only.
 class clsZipMemberReader {
 public:
-    /// Takes the next piece of a member's content. @param packedDone packed bytes used up to here
+    /// Takes the next piece of a member's content. @param packedDone packed bytes used so far
     using Sink = std::function<void(std::span<const std::byte> piece, std::uint64_t packedDone)>;
 
     /// Members of this size and larger are to be read in pieces: inflated whole they would take

@@ -83,7 +83,7 @@ ZipCipher clsZipPasswords::Ask(const ZipMember& member, const Check& check) {
             ask_ ? ask_(std::exchange(asked_, true)) : std::nullopt;
         if (!password) {
             askMore_ = false;
-            lockedReason_ = "is encrypted, no right password given";
+            lockedReason_ = "it is encrypted, and no correct password was given";
             break;
         }
         const auto cipher = Try(member, *password);

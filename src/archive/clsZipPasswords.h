@@ -28,7 +28,7 @@ private:
 /// The passwords of one archive: usually one, asked for once.
 class clsZipPasswords {
 public:
-    /// @param wrongBefore an answer before was wrong @return nothing when there is none to be had
+    /// @param wrongBefore an earlier answer was wrong @return nothing when there is none
     using Source = std::function<std::optional<std::string>(bool wrongBefore)>;
 
     /// Reads or inflates a member under a cipher. @throws ZipContentProblem

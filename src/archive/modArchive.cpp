@@ -14,7 +14,7 @@ namespace vesk {
 
 namespace {
 
-constexpr const char* kNothingInIt = "there is nothing in it";
+constexpr const char* kNothingInIt = "it is empty";
 
 UnzipCallbacks CallbacksOf(const ExtractionOwner& owner) {
     UnzipCallbacks callbacks;

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-/// Archives of both kinds, told apart by the extension of their names.
+/// Archives of both kinds, distinguished by the extension of their names.
 namespace vesk {
 
 /// What the extraction of an archive asks of its caller. Everything may be left empty.
@@ -22,8 +22,9 @@ struct ExtractionOwner {
     std::function<void(double fraction)> progress;
 };
 
-/// True for a name that can be an archive's in the program folder: a plain file name, so that
-/// nothing elsewhere is read, written or deleted under it, and none of the program's own files.
+/// True for a name that an archive in the program folder can have: a plain file name, so that
+/// nothing elsewhere is read, written or deleted through it, and not that of one of the program's
+/// own files.
 bool IsPlainArchiveName(std::string_view name);
 
 /// Extracts every member below the folder, over existing files; what cannot be extracted does not

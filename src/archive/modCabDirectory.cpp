@@ -63,7 +63,7 @@ struct Header {
 Header ReadHeader(clsByteReader reader) {
     constexpr std::uint32_t kSignature = 0x4643534D;
     if (reader.U32() != kSignature)
-        Refuse("it is no cabinet");
+        Refuse("it is not a cabinet");
     Header header;
     // The size of the whole, too, is left aside: what is there counts, whatever was appended.
     reader.Skip(12);
@@ -73,7 +73,7 @@ Header ReadHeader(clsByteReader reader) {
     const unsigned major = reader.U8();
     if (major != 1)
         Refuse("cabinets of format " + std::to_string(major) + "." + std::to_string(minor) +
-               " are not known");
+               " are not supported");
     header.folders = reader.U16();
     header.entries = reader.U16();
     header.flags = reader.U16();
@@ -133,7 +133,7 @@ void ReadEntries(ByteWindow& cabinet, const Header& header, std::vector<CabEntry
 
 CabDirectory ReadCabDirectory(ByteWindow& cabinet) {
     if (cabinet.Size() < kHeaderSize)
-        Refuse("it is no cabinet");
+        Refuse("it is not a cabinet");
     HeaderCursor cursor(cabinet, 0);
     Header header = ReadHeader(cursor.Take(kHeaderSize));
     CabDirectory directory;

@@ -134,7 +134,7 @@ std::string RefusalByFolder(const CabEntry& entry, const CabDirectory& directory
         return fault;
     if (std::uint64_t{entry.offset} + entry.size <= folder.goodUnpacked)
         return {};
-    return folder.fault.empty() ? "the cabinet has not enough data for it" : folder.fault;
+    return folder.fault.empty() ? "the cabinet does not have enough data for it" : folder.fault;
 }
 
 /// Refuses what shares bytes with a member before it.

@@ -17,9 +17,9 @@ constexpr std::size_t kCabBlockSize = 32768;
 /// @throws Failure when the source does
 void JudgeCabData(ByteWindow& cabinet, CabDirectory& directory, const std::function<void()>& tick);
 
-/// Sets the `refusal` of each member that cannot be had: another cabinet's, of no folder, packed in
-/// an unknown way, sharing bytes with one before it, or without undamaged data. To be called after
-/// JudgeCabData.
+/// Sets the `refusal` of each member that cannot be extracted: another cabinet's, of no folder,
+/// packed in an unknown way, sharing bytes with one before it, or without undamaged data. To be
+/// called after JudgeCabData.
 /// @return the members in the order in which they are to be read: folder by folder, front to back;
 /// those of no folder last
 std::vector<std::size_t> JudgeCabEntries(CabDirectory& directory);

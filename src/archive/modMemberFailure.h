@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <exception>
 
-/// The words in which the members of an archive are told of, whatever its kind.
+/// The words in which failures of members are reported, whatever the archive's kind.
 namespace vesk {
 
 /// A member that is kept from extraction. @param member empty for the archive as a whole
@@ -15,10 +15,10 @@ MemberFailure NotExtracted(const std::string& member, const std::string& reason)
 /// could not do "not written".
 MemberFailure FailureOf(const std::string& member, const std::exception& thrown);
 
-/// Of two members with one name only the later one stands.
+/// Of two members with one name only the later one is kept.
 MemberFailure WrittenOver(const std::string& later, const std::string& earlier);
 
-/// A member that stands, but without its stored time or attributes.
+/// A member that was written, but without its stored time or attributes.
 /// @param error the system's error code
 MemberFailure NotStamped(const std::string& member, std::uint32_t error);
 

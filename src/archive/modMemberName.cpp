@@ -85,14 +85,14 @@ std::string_view ObjectionTo(std::basic_string_view<Char> part) {
     if (part == std::basic_string<Char>(2, Char{'.'}))
         return "its name leads out of the folder";
     if (part.back() == '.' || part.back() == ' ') // which Windows cuts
-        return "a dot or blank ends a part of its name";
+        return "a part of its name ends in a dot or a blank";
     if (std::ranges::any_of(part, IsReserved<Char>))
         return "its name holds a character that no file name can";
     if constexpr (std::is_same_v<Char, wchar_t>)
         if (HasHalfPair(part))
             return "its name holds a character that no file name can";
     if (IsDeviceName(part))
-        return "its name is a device's";
+        return "its name is a device name";
     return {};
 }
 

@@ -9,7 +9,7 @@ namespace vesk {
 
 /// Longest name of a member that becomes a path, and how many folders and files it may pass
 /// through: as many as the classic path of 260 characters can. File systems take more, but no
-/// archive in use has more, and making each folder costs as much as it lies deep.
+/// archive in use has more, and making a folder costs more the deeper it is.
 constexpr std::size_t kLongestMemberName = 4096;
 constexpr std::size_t kDeepestMemberName = 128;
 
@@ -25,7 +25,7 @@ std::optional<std::string> PathInside(std::string_view folder, std::string_view 
 
 /// The same for a name as the file system gets it, in UTF-16; halves of surrogate pairs are refused
 /// too.
-/// @param objection where to tell why a name is refused; may be null
+/// @param objection receives why a name is refused; may be null
 std::optional<std::wstring> PathInside(std::wstring_view folder, std::wstring_view memberName,
                                        std::string* objection = nullptr);
 

@@ -8,7 +8,7 @@
 namespace vesk {
 
 /// The reason for a folder's name with bytes behind it.
-constexpr const char* kFolderWithContent = "is a folder and has content all the same";
+constexpr const char* kFolderWithContent = "it is a folder but has content";
 
 /// The path of a member below the folder. The gate judges the name as the file system gets it, and
 /// as the functions of the ANSI code page would see it.
@@ -16,7 +16,7 @@ constexpr const char* kFolderWithContent = "is a folder and has content all the 
 /// @return the folder itself for the folder "./" @throws ArchiveProblem when the name is refused
 std::wstring MemberPath(std::wstring_view folder, std::wstring_view name, bool isFolder);
 
-/// A member's name for people: parted by "\", in the ANSI code page as far as that goes, "?" for
+/// A member's name for people: separated by "\", in the ANSI code page as far as that goes, "?" for
 /// control characters, its end left out when it is very long. Never empty.
 std::string ShownName(std::wstring_view name);
 

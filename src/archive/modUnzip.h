@@ -17,7 +17,7 @@ struct UnzipCallbacks {
     std::function<Replace(const std::string& fileName)> replace;
 
     /// Asked for the password of the archive, up to three times while it is wrong; nothing means
-    /// there is none to be had, and no further member asks. @param wrongBefore not the first time
+    /// there is none, and no further member asks. @param wrongBefore not the first time
     std::function<std::optional<std::string>(bool wrongBefore)> password;
 
     /// Called after each member, and now and then within large ones, so that a window stays alive.
@@ -47,13 +47,13 @@ ExtractionOutcome SingleEntryUnzip(const DCL& options, const UnzipCallbacks& cal
 
 /// Extracts every member of a ZIP archive below the target folder, with its stored folders, times
 /// and attributes, over existing files and without a question. With an empty target folder the
-/// archive is listed instead. What could not be extracted stands in the result, and as a line in
+/// archive is listed instead. What could not be extracted is in the result, and a line in
 /// the message buffer; the rest is extracted. Throws nothing but what a callback throws.
 ExtractionOutcome UnzipFile(const std::string& zipPath, const std::string& targetFolder,
                             const UnzipCallbacks& callbacks = {});
 
-/// Does all that UnzipFile does but for the writing: members are unpacked and their CRCs compared,
-/// a piece at a time. What stands in a target folder is not known to it.
+/// Does all that UnzipFile does except the writing: members are unpacked and their CRCs compared,
+/// a piece at a time. It does not know what is in a target folder.
 ExtractionOutcome TestZip(const std::string& zipPath, const UnzipCallbacks& callbacks = {});
 
 /// What the last run had to say: a line for each member refused or failed, the listing, and a

@@ -132,13 +132,13 @@ bool IsSpecial(const ZipMember& member) {
 
 std::string RefusalByDescription(const ZipMember& member) {
     if (IsSpecial(member))
-        return "is a link or a special file";
+        return "it is a link or a special file";
     if (member.IsFolder())
         return {};
     if ((member.flags & (kFlagStrongEncryption | kFlagMasked)) != 0)
         return "its kind of encryption is not supported";
     if ((member.flags & kFlagPatch) != 0)
-        return "is a patch, not a file";
+        return "it is a patch, not a file";
     if (member.method != 0 && !member.IsDeflated())
         return "compression method " + std::to_string(member.method) + " (" +
                MethodName(member.method) + ") is not supported";

@@ -7,8 +7,8 @@
 
 namespace vesk {
 
-/// One thing that a run did not do, and why. The build log's lines are fixed and do not tell; this
-/// does.
+/// One thing that a run did not do, and why: what the build log, whose lines are fixed, does not
+/// say.
 struct Problem {
     std::string place;  ///< A step, an archive ("a.zip"), a member ("a.zip: dir\b.txt"), or a path.
     std::string what;   ///< What was not done: "not written".
@@ -20,7 +20,7 @@ struct Problem {
     [[nodiscard]] std::string Line() const;
 };
 
-/// Who is told of problems.
+/// Receives problems.
 using ProblemReport = std::function<void(const Problem& problem)>;
 
 /// A sentence as the end of another one: without the full stop at its end, the first word in lower

@@ -5,6 +5,8 @@
 
 #include <windows.h>
 
+#include <cstddef>
+
 namespace vesk {
 
 namespace {
@@ -29,7 +31,7 @@ std::size_t ExistingLength(const std::wstring& path) {
     return length;
 }
 
-/// Where an existing path leads; the path itself when the system cannot tell.
+/// Where an existing path leads; the path itself when the system does not say.
 std::wstring Resolved(const std::wstring& path) {
     const FileHandle file(CreateFileW(LongPath(path).c_str(), 0,
                                       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,

@@ -6,12 +6,12 @@ namespace vesk {
 
 /// The path that a path leads to: without links, short names and drives that stand for folders on
 /// its way, in UTF-16. What is missing at its end stays as it is; so does all of it where the
-/// system cannot tell (before Windows Vista, short names excepted).
+/// system does not say (before Windows Vista, short names excepted).
 /// @param path absolute
 std::wstring RealPath(const std::wstring& path);
 
 /// The same of a file or folder that is open. @param handle of the system
-/// @return empty where the system cannot tell
+/// @return empty where the system does not say
 std::wstring RealPathOf(void* handle);
 
 /// The path with the long form of each short name in it; as it is where the system cannot tell.

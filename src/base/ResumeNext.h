@@ -8,7 +8,7 @@
 
 namespace vesk {
 
-/// What a statement is about to do, in the words in which its failure is told.
+/// What a statement is about to do, in the words in which its failure is reported.
 struct Attempt {
     std::string place; ///< See Problem::place.
     std::string what;  ///< What was not done when it fails: "not removed".

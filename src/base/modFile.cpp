@@ -11,7 +11,9 @@
 
 #include <windows.h>
 
+#include <cstddef>
 #include <ranges>
+#include <utility>
 #include <vector>
 
 namespace vesk {

@@ -14,15 +14,15 @@ std::string ReadFileIfThere(const std::string& path);
 
 /// Writes the text over the file's beginning, a read-only file included. Nothing happens for an
 /// empty text, nothing is thrown, and a longer old file keeps its tail: every caller writes at
-/// least as much as it read. Programs that need more care use WriteCompleteFile.
-/// @return false when it was not written whole; the thread's last error then tells why
+/// least as much as it read. Where more care is needed, use WriteCompleteFile.
+/// @return false when it was not written whole; the thread's last error then says why
 bool WriteWholeFile(const std::string& path, const std::string& text);
 
 /// Makes `path` hold exactly `text`: written beside it first and moved into place when complete, so
 /// that the old content survives every failure. Throws.
 void WriteCompleteFile(const std::string& path, const std::string& text);
 
-/// What stands under a path. What the system does not let be looked at may be there.
+/// What there is under a path. Unknown: the system does not say, so something may be there.
 enum class PathState { Nothing, File, Folder, Unknown };
 PathState StateOf(const std::string& path);
 
@@ -38,7 +38,7 @@ bool FolderExists(const std::string& path);
 bool HasLinkBelow(const std::string& folder, const std::string& path);
 
 /// True when the folder, or anything at any depth in it, is a junction or symbolic link. For what
-/// is left of a tree that was removed: an empty folder in it may be removed by asking.
+/// is left of a tree that was removed: an empty folder in it may be removed by this call.
 bool HoldsLink(const std::string& folder);
 
 /// Takes the read-only attribute from a file, if there is one; everything else stays.
@@ -50,8 +50,8 @@ void RemoveFile(const std::string& path);
 /// True when the path is a file and no link to one.
 bool PlainFileExists(const std::string& path);
 
-/// Deletes a file that is about to be made anew, if there is one. Should it be a second name of a
-/// file elsewhere, that one stays as it is; a link stays too, and is a failure. Throws.
+/// Deletes a file that is about to be written again, if there is one. Should it be a second name of
+/// a file elsewhere, that one stays as it is; a link stays too, and is a failure. Throws.
 void RemoveOwnFile(const std::string& path);
 
 /// Creates one folder, whose parent must exist. Throws, also when it exists already.

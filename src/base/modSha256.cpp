@@ -10,6 +10,7 @@
 #include <wincrypt.h>
 
 #include <array>
+#include <cstddef>
 #include <string_view>
 #include <vector>
 

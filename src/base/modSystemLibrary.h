@@ -2,12 +2,13 @@
 
 namespace vesk {
 
-/// Keeps the program's and the current folder out of every later search for a library: what lies
-/// beside a downloaded program must not become a part of it. To be called first thing.
+/// Keeps the program's and the current folder out of every later search for a library: what is in
+/// the folder of a downloaded program must not become a part of it. Where the system cannot do that
+/// (before Windows 8 and updates of 7), only the current folder is left out. Call it first thing.
 void LoadFromSystemOnly();
 
 /// Sets what is done when a library that is loaded at the first call of one of its functions cannot
-/// be had. That call cannot be taken back: after the handler the program ends in any case.
+/// be loaded. That call cannot be undone: after the handler the program ends in any case.
 /// @param handler is given the library's name; it may call kernel32 and the runtime only
 void OnMissingLibrary(void (*handler)(const char* library));
 

@@ -3,6 +3,7 @@
 #include "base/CodePage.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace vesk {
 

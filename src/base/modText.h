@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -45,7 +46,7 @@ std::string WithoutTrailingBackslash(std::string_view path);
 /// The text with a backslash at its end, added only when there is none.
 std::string WithTrailingBackslash(std::string_view path);
 
-/// The first word of a command line, words being parted by blanks and tabs; empty when there is
+/// The first word of a command line, words being separated by blanks and tabs; empty when there is
 /// none. At most `maxWords` words are looked at, so 0 gives an empty text.
 std::string FirstWord(std::string_view commandLine, int maxWords);
 
@@ -59,7 +60,7 @@ bool IsUtf16(std::string_view text);
 /// Why such a text was left alone, as Problem::reason has it.
 inline constexpr const char* kIsUtf16 = "it is UTF-16 text";
 
-/// Text in UTF-16, little end first, with "?" for each character that is no ASCII.
+/// Text in UTF-16, little end first, with "?" for each character that is not ASCII.
 std::string AsciiOfUtf16(std::string_view text);
 
 } // namespace vesk

@@ -1,5 +1,6 @@
 #include "base/modUtf8.h"
 
+#include <cstddef>
 #include <cstdint>
 
 namespace vesk {

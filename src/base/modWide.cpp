@@ -5,11 +5,13 @@
 
 #include <windows.h>
 
+#include <cstddef>
+
 namespace vesk {
 
 namespace {
 
-/// @param replaced where to tell that a character had to be replaced; may be null
+/// @param replaced receives whether a character had to be replaced; may be null
 std::string ToAnsi(std::wstring_view wide, DWORD flags, BOOL* replaced) {
     const int size = static_cast<int>(wide.size());
     const int length =

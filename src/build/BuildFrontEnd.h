@@ -27,7 +27,7 @@ public:
     /// Adds one line to the build log; an empty text is an empty line.
     virtual void AddLogLine(const std::string& text, LogMode mode) = 0;
 
-    /// Tells of something that was not done, as it happens. The log does not say it.
+    /// Reports something that was not done, as it happens. The log does not say it.
     virtual void ReportProblem(const Problem& problem) = 0;
 
     /// Shows what is being done, in a few words.
@@ -37,12 +37,12 @@ public:
     virtual bool AskYesNo(const std::string& question, const std::string& title) = 0;
 
     /// Asks for the password of an archive. @param wrongBefore the last answer was a wrong one
-    /// @return nothing when there is none to be had: what it locks is then left out
+    /// @return nothing when there is no password: what it protects is then left out
     virtual std::optional<std::string> AskPassword(const std::string& archiveName,
                                                    bool wrongBefore) = 0;
 
-    /// Downloads one archive and checks it. It is written to PartialPath(destination) and stands
-    /// under its own name only when it is done; what is left of a download that is not is the
+    /// Downloads one archive and checks it. It is written to PartialPath(destination) and gets
+    /// its own name only when it is done; what is left of a download that is not is the
     /// caller's to remove.
     virtual DownloadOutcome DownloadFile(const DownloadRequest& request) = 0;
 

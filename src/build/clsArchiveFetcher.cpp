@@ -19,7 +19,7 @@ DownloadOutcome clsArchiveFetcher::Fetch(const CatalogueEntry& component) {
                             context_.sha256.Expected(component.zip)});
                    });
     else
-        outcome.reason = "the catalogue's name for it cannot be an archive's";
+        outcome.reason = "its name in the catalogue cannot be an archive's";
     if (TrimBlanks(component.url).empty())
         outcome.reason = "the catalogue has no address for it";
     if (outcome.result == DownloadResult::Done)
@@ -28,7 +28,7 @@ DownloadOutcome clsArchiveFetcher::Fetch(const CatalogueEntry& component) {
     if (wasThere) {
         const std::string fault = context_.ArchiveFault(archive, component);
         outcome.reason +=
-            "; the file that was there is removed" + (fault.empty() ? "" : ", " + fault);
+            "; the file that was there was removed" + (fault.empty() ? "" : ", " + fault);
     }
     context_.report({component.zip, "not downloaded", outcome.reason});
     notFetched_.insert(component.zip);

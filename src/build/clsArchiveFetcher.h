@@ -13,7 +13,7 @@ public:
     /// @param context must outlive the object
     explicit clsArchiveFetcher(const clsBuildContext& context) : context_(context) {}
 
-    /// Downloads a component's archive. What is not good does not stay and is reported; a failure
+    /// Downloads a component's archive. What is not right is removed and reported; a failure
     /// and a cancel are logged, a difference of the CRC is the caller's to log.
     DownloadOutcome Fetch(const CatalogueEntry& component);
 

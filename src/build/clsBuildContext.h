@@ -25,7 +25,7 @@ struct clsBuildContext {
     Catalogue& catalogue;
     BuildFrontEnd& frontEnd;
     std::vector<MenuRecord> menuRecords;
-    ProblemReport report; ///< Tells the front end.
+    ProblemReport report; ///< Goes to the front end.
     const clsSha256List& sha256;
 
     void Log(const std::string& line) const { frontEnd.AddLogLine(line, LogMode::Line); }
@@ -57,7 +57,7 @@ struct clsBuildContext {
                                            const CatalogueEntry& component) const;
 
     /// Marks the build tree as unfinished. The mark is no part of what the user asked for: where it
-    /// cannot be made, what follows fails and is told.
+    /// cannot be made, what follows fails and is reported.
     void MarkTree() const;
 
     /// Runs a statement that may fail, see vesk::ResumeNext.

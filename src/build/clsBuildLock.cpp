@@ -8,6 +8,10 @@
 #include <windows.h>
 
 #include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <utility>
 
 namespace vesk {
 
@@ -27,7 +31,7 @@ std::string NumberOf(const std::optional<FolderIdentity>& identity) {
     return std::to_string(identity ? identity->index : 0);
 }
 
-/// A folder by the one that it lies in and its name there: a build makes the folder itself anew.
+/// A folder by the one that it lies in and its name there: a build replaces the folder itself.
 std::string AtName(const FolderLevel& above, const std::wstring& path) {
     const std::size_t start = above.path.size() + (above.path.ends_with(L'\\') ? 0 : 1);
     return "VeskBuilder-at-" + NumberOf(above.identity) + "-" + NumberOf(path.substr(start));
@@ -68,7 +72,7 @@ void SignNote(const MappingHandle& note) {
 }
 
 /// For all sessions of the machine; where that is not allowed, for this one.
-/// GetLastError tells afterwards whether it was there already.
+/// GetLastError says afterwards whether it was there already.
 MappingHandle MakeNote(const std::string& name) {
     const auto make = [&name](const char* space) {
         return CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, kNoteSize,
@@ -123,9 +127,10 @@ void clsBuildLock::Take(const std::string& name) {
     MappingHandle note = MakeNote(name);
     const bool taken = GetLastError() == ERROR_ALREADY_EXISTS;
     if (!note)
-        throw FolderRefused("It cannot be told whether another build works in " + path_);
+        throw FolderRefused("Whether another build is running there cannot be determined: " +
+                            path_);
     if (taken)
-        throw FolderRefused("Another build is at work in " + path_ + ": " + WhoHas(note));
+        throw FolderRefused("Another build is running in " + path_ + ": " + WhoHas(note));
     SignNote(note);
     notes_.push_back(std::move(note));
 }
@@ -134,7 +139,8 @@ void clsBuildLock::RefuseIfTaken(const std::string& name) const {
     for (const char* space : kSpaces) {
         const MappingHandle note(OpenFileMappingA(FILE_MAP_READ, FALSE, (space + name).c_str()));
         if (note)
-            throw FolderRefused("Another build is at work around " + path_ + ": " + WhoHas(note));
+            throw FolderRefused("Another build is running in a folder above or below " + path_ +
+                                ": " + WhoHas(note));
     }
 }
 

@@ -25,7 +25,7 @@ public:
     /// What a saved log holds: each line ended by CR LF.
     [[nodiscard]] const std::string& SavedText() const { return savedText_; }
 
-    /// True when a line tells of something that went wrong in the run.
+    /// True when a line reports something that went wrong in the run.
     [[nodiscard]] bool HasWarnings() const { return hasWarnings_; }
 
 private:
@@ -34,7 +34,7 @@ private:
     bool hasWarnings_ = false;
 };
 
-/// True for a line that tells of something that went wrong: a warning, an error, a missing archive.
+/// True for a line that reports something that went wrong: a warning, an error, a missing archive.
 bool IsWarningLine(const std::string& line);
 
 } // namespace vesk

@@ -18,6 +18,10 @@
 #include <wininet.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <exception>
+#include <optional>
+#include <utility>
 
 namespace vesk {
 
@@ -243,7 +247,7 @@ std::string clsBuildRun::Steps::ChangeSinceAsked() const {
         return content.ForeignWords();
     const auto now = folder.Identity();
     if (asked_ && now && *asked_ != *now)
-        return "another folder stands in its place since the build began";
+        return "another folder took its place after the build began";
     if (!asked_ && content.kind == FolderContent::Kind::EarlierBuild)
         return "it was made while the build ran";
     return {};
@@ -310,7 +314,7 @@ void clsBuildRun::Steps::InstallPlugins() {
 std::string CatalogueRefusal(const Catalogue& catalogue, bool isWhole) {
     // An editor's empty list comes back from its file as one entry without anything in it.
     if (catalogue.baseComponents.empty() || catalogue.baseComponents.front() == CatalogueEntry())
-        return "The catalogue names no base component, so there is nothing to build. Start "
+        return "The catalogue has no base component, so there is nothing to build. Start "
                "veskbuilder.exe -setup to make one.";
     // A checksum that was not read matches nothing, and the good archive would be replaced.
     if (!isWhole && catalogue.baseComponents.front().crc.empty())

@@ -19,7 +19,7 @@ struct BuildInputs {
     std::string programPath;        ///< The program's own folder, ending in "\".
     SourceState source;
 
-    /// The user was told that the folder holds what no build made, and wants it emptied.
+    /// The user was warned that the folder holds what no build made, and wants it emptied.
     bool replaceForeign = false;
 };
 

@@ -10,6 +10,7 @@
 #include "script/modScript.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <utility>
 
 namespace vesk {
@@ -28,7 +29,7 @@ bool clsComponentInstaller::ArchiveIsThere(const CatalogueEntry& component) {
     if (!fetcher_.HasTold(component.zip))
         context_.report({component.zip, "not installed",
                          plain ? "there is no such archive in the program folder"
-                               : "the catalogue's name for it cannot be an archive's"});
+                               : "its name in the catalogue cannot be an archive's"});
     return false;
 }
 
@@ -74,7 +75,7 @@ std::string clsComponentInstaller::ExtractBase(const CatalogueEntry& component) 
 void clsComponentInstaller::ReportMissingProgram(const CatalogueEntry& component) const {
     if (!FileExists(context_.InstallFolder() + "\\pebuilder.exe"))
         context_.report({component.zip, "pebuilder.exe not in the tree",
-                         "the shortcuts lead to nothing without it"});
+                         "without it the shortcuts lead nowhere"});
 }
 
 void clsComponentInstaller::CreateTree() {
@@ -155,7 +156,7 @@ void clsComponentInstaller::RunBaseScript(std::size_t index) {
 }
 
 void clsComponentInstaller::RunScriptSection(const std::string& script) {
-    context_.ResumeNext({script, "not carried out to its end"}, [&] {
+    context_.ResumeNext({script, "not run to its end"}, [&] {
         ProcessScript(script, "[base]",
                       {[this](const std::string& line) { context_.Log(line); },
                        [&](const std::string& what, const std::string& reason) {

@@ -4,6 +4,7 @@
 #include "build/clsArchiveFetcher.h"
 #include "build/clsBuildContext.h"
 
+#include <cstddef>
 #include <functional>
 #include <map>
 #include <set>
@@ -15,13 +16,13 @@ namespace vesk {
 class clsComponentInstaller {
 public:
     /// @param context, fetcher must outlive the object
-    /// @param progress told how much of the component at hand is done, 0 to 1
+    /// @param progress called with how much of the component at hand is done, 0 to 1
     clsComponentInstaller(clsBuildContext& context, const clsArchiveFetcher& fetcher,
                           std::function<void(double fraction)> progress);
 
     /// Installs a base component and runs the script that it brings. With the first one, PE Builder
     /// itself, the tree is made and its stock plug-ins are sorted.
-    /// @return why it is not in the tree; empty when it is, be it with problems
+    /// @return why it is not in the tree; empty when it is, with or without problems
     std::string InstallBaseComponent(std::size_t index);
 
     /// Installs a plug-in and edits its INF files.
@@ -45,7 +46,7 @@ private:
     /// Scripts that hold a part for the plug-ins, by the index of their base component. Collected
     /// for that stage; the run itself does nothing with them.
     std::map<std::size_t, std::string> pendingScripts_;
-    std::set<std::string> unreadScripts_;        ///< Of a kind that is not carried out.
+    std::set<std::string> unreadScripts_;        ///< Of a kind that is not run.
     std::map<std::string, std::string> folders_; ///< Of plug-ins, in lower case, to their archives.
     std::set<std::string> toldPlaces_;           ///< Where the search for scripts could not look.
 };

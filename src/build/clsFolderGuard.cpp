@@ -12,7 +12,7 @@
 #include <algorithm>
 #include <array>
 #include <set>
-#include <utility>
+#include <string_view>
 
 namespace vesk {
 
@@ -86,11 +86,11 @@ std::string OwnObjection(const std::vector<FolderLevel>& way) {
     if (!folder.IsMissing() && !folder.Has(FILE_ATTRIBUTE_DIRECTORY))
         return "The installation folder is a file";
     if (folder.Has(FILE_ATTRIBUTE_REPARSE_POINT))
-        return std::string(kEmptied) + "and this one is a link to another place";
+        return std::string(kEmptied) + "but this one is a link to another place";
     for (const FolderLevel& level : way) {
         const bool isRoot = &level == &way.back();
         if (!isRoot && level.Has(FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM))
-            return std::string(kEmptied) + "and this one belongs to the system (" +
+            return std::string(kEmptied) + "but this one belongs to the system (" +
                    Narrowed(level.path) + " is marked so)";
         if (!level.IsMissing() && !level.Has(FILE_ATTRIBUTE_DIRECTORY))
             return "The installation folder cannot be made: " + Narrowed(level.path) + " is a file";
@@ -169,7 +169,7 @@ clsFolderGuard clsFolderGuard::OfSystem(const std::string& programPath,
         places.push_back({temporary.data(), "the temporary folder", Reach::Holding});
     std::vector<std::string> programs = {SpecialFolderPath(SpecialFolder::ProgramFiles),
                                          SpecialFolderPath(SpecialFolder::ProgramFilesX86)};
-    // The shell tells a 32-bit program only of the 32-bit ones.
+    // The shell shows a 32-bit program only the 32-bit ones.
     std::array<char, MAX_PATH> wide{};
     if (GetEnvironmentVariableA("ProgramW6432", wide.data(), static_cast<DWORD>(wide.size())) <
         wide.size())
@@ -191,7 +191,7 @@ std::string clsFolderGuard::Objection(const std::string& folder) const {
     }
     for (const Known::Place& known : known_->places) {
         if (const char* relation = Relation(ways, known.ways, known.place.reach))
-            return std::string(kEmptied) + "and this one " + relation +
+            return std::string(kEmptied) + "but this one " + relation +
                    (std::string_view(relation).ends_with(' ') ? known.place.name : "");
     }
     return {};

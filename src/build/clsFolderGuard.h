@@ -10,8 +10,8 @@ namespace vesk {
 struct GuardedPlace {
     enum class Reach {
         Holding,  ///< A folder that is it, or holds it, is refused.
-        Within,   ///< So is one that lies inside it.
-        Siblings, ///< So is one that lies beside it: other users' profiles.
+        Within,   ///< So is one inside it.
+        Siblings, ///< So is one next to it: other users' profiles.
     };
 
     std::string path; ///< Absolute; an empty one guards nothing.
@@ -19,8 +19,9 @@ struct GuardedPlace {
     Reach reach = Reach::Holding;
 };
 
-/// Tells which folders must not be emptied. Folders are compared by what the system opens under
-/// their names, so that no other spelling, short name, drive made by "subst" or link gets round it.
+/// Knows which folders must not be emptied. Folders are compared by what the system opens under
+/// their names, so that no other spelling, short name, drive made by "subst" or link gets around
+/// it.
 class clsFolderGuard {
 public:
     /// @param programs folders that programs are installed into: a folder below one is refused when

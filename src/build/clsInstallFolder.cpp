@@ -44,7 +44,7 @@ std::string WithBackslashes(std::string text) {
 void RefuseSpelling(const std::string& text) {
     const std::string path = WithBackslashes(text);
     if (path.empty())
-        throw FolderRefused("No installation folder is named.");
+        throw FolderRefused("No installation folder is given.");
     if (HasControlCharacter(path))
         throw FolderRefused("The installation folder's name holds a control character.");
     if (path.starts_with(R"(\\?\)") || path.starts_with(R"(\\.\)") || path.starts_with(R"(\??\)"))
@@ -102,18 +102,18 @@ std::string CheckedPath(const std::string& typed) {
         path = AbsolutePath(text);
     } catch (const Failure&) {
         RefuseLength(text.size());
-        throw FolderRefused("The installation folder's name is not a path: " + text);
+        throw FolderRefused("The installation folder is not a valid path: " + text);
     }
     RefuseLength(path.size());
     if (path.starts_with(R"(\\.\)"))
-        throw FolderRefused("The installation folder's name is a device's: " + text);
+        throw FolderRefused("The installation folder's name is a device name: " + text);
     RefuseRoot(path, text);
     const std::size_t root = RootLength(path);
     path = path.substr(0, root) + WithoutTrailingBackslash(path.substr(root));
     if (path.size() == root)
         RefuseRoot(path.substr(0, root), text);
     if (!PathInside(path.substr(0, root), path.substr(root)))
-        throw FolderRefused("The installation folder's name cannot be a folder's: " + text);
+        throw FolderRefused("The installation folder's name is not a valid folder name: " + text);
     return path;
 }
 
@@ -138,7 +138,7 @@ std::size_t CountFiles(const std::string& top, std::size_t most) {
 
 std::string FolderContent::ForeignWords() const {
     if (unreadable)
-        return "it cannot be told what it holds";
+        return "what it holds cannot be determined";
     const std::string number = std::to_string(files);
     if (files == 0)
         return "it holds folders that no build made";
@@ -183,7 +183,7 @@ void clsInstallFolder::Mark() const {
         return;
     CreateFolderPath(path_);
     if (HasLinkBelow(ParentOf(path_), path_) || FileExists(path_ + "\\" + kMarkName))
-        throw Failure(ERROR_CANT_RESOLVE_FILENAME, "Mark", "a link stands in its place");
+        throw Failure(ERROR_CANT_RESOLVE_FILENAME, "Mark", "there is a link in its place");
     WriteCompleteFile(path_ + "\\" + kMarkName, "This tree is being built.\r\n");
 }
 

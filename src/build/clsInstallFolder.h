@@ -15,7 +15,7 @@ struct FolderRefused : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// What stands in an installation folder before a build.
+/// What is in an installation folder before a build.
 struct FolderContent {
     enum class Kind {
         Missing,      ///< There is no such folder.
@@ -26,7 +26,7 @@ struct FolderContent {
 
     Kind kind = Kind::Missing;
     std::size_t files = 0;   ///< At any depth; kMostCounted when there are more.
-    bool unreadable = false; ///< What stands in it cannot be told.
+    bool unreadable = false; ///< What it holds cannot be read.
 
     static constexpr std::size_t kMostCounted = 100000;
 
@@ -34,15 +34,16 @@ struct FolderContent {
     [[nodiscard]] std::string ForeignWords() const;
 };
 
-/// A folder that a build may empty: the only thing that can be handed to the removal of a tree. It
-/// is made once, from the user's text, and means the same whatever becomes of the current folder.
+/// A folder that a build may empty; clsRemovableTree takes it and no text. It is made once, from
+/// the user's text, and means the same place when the current folder changes.
 class clsInstallFolder {
 public:
     /// Name of the file by which a build marks its tree while it works on it.
     static constexpr const char* kMarkName = "veskbuild.unfinished";
 
     /// @param text as the user gave it: absolute, or relative to the current folder
-    /// @throws FolderRefused for what is no folder's name, for a place that cannot hold a tree, and
+    /// @throws FolderRefused for what is not a folder's name, for a place that cannot hold a tree,
+    /// and
     ///         for a folder that must not be emptied
     clsInstallFolder(const std::string& text, clsFolderGuard guard);
 

@@ -12,6 +12,7 @@
 
 #include <windows.h>
 
+#include <cstddef>
 #include <unordered_set>
 #include <utility>
 
@@ -85,7 +86,7 @@ private:
         if (Delete(path, RemoveDirectoryW))
             return;
         const DWORD error = GetLastError();
-        // What is left in it was told already, and is why the folders above are left as well.
+        // What is left in it was reported already, and is why the folders above are left as well.
         if (error == ERROR_DIR_NOT_EMPTY && holding_.contains(path))
             holding_.insert(ParentOf(path));
         else
@@ -141,7 +142,7 @@ clsRemovableTree clsRemovableTree::Below(const clsInstallFolder& folder,
         ThrowSystemError(ERROR_INVALID_NAME, "cannot delete", folder.Path() + relative);
     // Whether the tree itself may be emptied was asked before it was made.
     return {*path, [top = ParentOf(folder.Path()), path = *path] {
-                return HasLinkBelow(top, path) ? std::string("a link stands on the way to it")
+                return HasLinkBelow(top, path) ? std::string("its path leads through a link")
                                                : std::string();
             }};
 }

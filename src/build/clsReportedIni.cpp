@@ -30,7 +30,7 @@ clsReportedIni::clsReportedIni(const clsBuildContext& context, const std::string
 
 void clsReportedIni::TellCut(const std::string& section, const std::string& key) const {
     if (ini_.IsCut(section, key))
-        context_.report({Path(), "not taken over whole, [" + section + "] " + key,
+        context_.report({Path(), "not taken over in full, [" + section + "] " + key,
                          "it is longer than 254 characters"});
 }
 
@@ -46,7 +46,7 @@ void clsReportedIni::SetValue(const std::string& section, const std::string& key
         if (!HoldsKey(ReadFileIfThere(Path()), key))
             ThrowSystemError(ERROR_DISK_FULL, "cannot write", Path());
     };
-    // Later values are tried all the same, but one file is one problem.
+    // Later values are still tried, but one file is one problem.
     const ProblemReport silent = [](const Problem&) {};
     const Attempt attempt{Path(), "not written, [" + section + "] " + key};
     if (!ResumeNext(told_ ? silent : context_.report, attempt, write))

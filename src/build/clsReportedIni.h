@@ -27,7 +27,7 @@ public:
         return ini_.ReadStringValue(section, key);
     }
 
-    /// To be called when a value is used: reports when it is longer than GetStringValue gives it.
+    /// To be called when a value is used: reports when GetStringValue cut it.
     void TellCut(const std::string& section, const std::string& key) const;
 
     /// Writes a value, into a read-only file too: archives bring such files.

@@ -8,6 +8,8 @@
 
 #include <shlobj.h>
 
+#include <cstdint>
+
 namespace vesk {
 
 namespace {

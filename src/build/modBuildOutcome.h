@@ -8,7 +8,7 @@ namespace vesk {
 /// How a build run ended, as the last lines of its log say.
 enum class BuildEnding { Done, InstallFailed, Aborted };
 
-/// What a build run came to, as far as its log's last lines and beyond them.
+/// What a build run came to: what its log's last lines say, and more.
 struct BuildOutcome {
     BuildEnding ending = BuildEnding::Done;
     bool treeMade = false;     ///< The run came as far as making a tree.

@@ -10,6 +10,11 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <utility>
 
 namespace vesk {
 
@@ -66,12 +71,12 @@ bool IsInTree(const clsBuildContext& context, const std::string& path) {
 void RequireInTree(const clsBuildContext& context, const std::string& path) {
     if (!IsInTree(context, path))
         throw Failure(ERROR_INVALID_NAME, "RequireInTree",
-                      "the catalogue's folder name cannot be one inside the build folder");
+                      "the folder name in the catalogue is not one inside the build tree");
     if (HasLinkBelow(ParentOf(context.InstallFolder()), path))
         throw Failure(ERROR_CANT_RESOLVE_FILENAME, "RequireInTree",
-                      "a link stands on the way to it");
+                      "its path leads through a link");
     if (FileExists(path) && !PlainFileExists(path))
-        throw Failure(ERROR_CANT_RESOLVE_FILENAME, "RequireInTree", "a link stands in its place");
+        throw Failure(ERROR_CANT_RESOLVE_FILENAME, "RequireInTree", "there is a link in its place");
 }
 
 void DeleteFileLogged(const clsBuildContext& context, const std::string& path) {

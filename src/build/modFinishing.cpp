@@ -10,6 +10,7 @@
 
 #include <windows.h>
 
+#include <cstddef>
 #include <stdexcept>
 #include <string>
 
@@ -39,7 +40,7 @@ bool RenewStartMenu(const clsBuildContext& context, const std::string& startMenu
         if (state == PathState::Folder || state == PathState::Unknown)
             DeleteFolderLogged(context, old);
         if (HasLinkBelow(ParentOf(old.Path()), old.Path()))
-            throw std::runtime_error("a link stands in its place");
+            throw std::runtime_error("there is a link in its place");
         CreateFolderPath(old.Path());
     });
 }

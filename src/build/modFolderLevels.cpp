@@ -7,6 +7,8 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <utility>
 
 namespace vesk {
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-/// Folders compared by what the system opens under their names: no other spelling, short name,
-/// drive that stands for a folder, or link makes two of one.
+/// Folders compared by what the system opens under their names: another spelling, a short name, a
+/// drive that stands for a folder, or a link does not make two of one.
 namespace vesk {
 
 /// What the system opened.
@@ -41,7 +41,7 @@ struct FolderLevel {
 /// Reads levels. One reader looks at each folder once, so it answers for one moment only.
 class FolderReader {
 public:
-    /// A folder and those that it lies in, the folder first. @param folder absolute path
+    /// A folder and the folders above it, the folder first. @param folder absolute path
     std::vector<FolderLevel> WayUp(const std::wstring& folder);
 
     /// The ways up from a folder: by its name first; then, where the system leads elsewhere under

@@ -6,6 +6,7 @@
 #include "base/modText.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <vector>
 
 namespace vesk {

@@ -21,8 +21,8 @@ std::string StripLeadingNumbering(std::string_view name);
 /// The name with the category prefix in front; nothing when its first word has the prefix already.
 std::optional<std::string> PrefixedName(std::string_view name, std::string_view prefix);
 
-/// True when an item of the list parted by "," equals the code. Items are not trimmed: "0, 1" holds
-/// "0" and " 1", and the latter never matches. Plug-ins in use rely on that.
+/// True when an item of the comma-separated list equals the code. Items are not trimmed: "0, 1"
+/// holds "0" and " 1", and the latter never matches. Plug-ins in use rely on that.
 bool ListHolds(std::string_view list, std::string_view code);
 
 /// Name of a category's heading in the plug-in list.

@@ -12,6 +12,8 @@
 
 #include <windows.h>
 
+#include <utility>
+
 namespace vesk {
 
 namespace {

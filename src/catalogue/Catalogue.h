@@ -15,7 +15,7 @@ struct CatalogueEntry {
     std::string cat;      ///< Key of the plug-in's category; empty for base components.
     bool enabled = false; ///< Ticked.
     bool lock = false;    ///< The user cannot change the tick.
-    std::string url;      ///< Where the archive is downloaded from; several are parted by ",".
+    std::string url;      ///< Where the archive is downloaded from; several are separated by ",".
     std::string crc;      ///< Expected CRC-32, upper-case hexadecimal without leading zeros.
 
     bool operator==(const CatalogueEntry&) const = default;

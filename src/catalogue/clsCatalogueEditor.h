@@ -52,7 +52,7 @@ public:
     /// How many plug-ins carry a category's key.
     [[nodiscard]] std::size_t PluginsIn(const std::string& categoryKey) const;
 
-    /// Begins anew with another catalogue, as one more edit.
+    /// Starts over with another catalogue, as one more edit.
     void Offer(const Catalogue& catalogue);
 
     /// What the category combo offers: the categories in their order and, when the selected plug-in
@@ -73,7 +73,7 @@ public:
     /// through.
     void Apply(const std::function<void(const Catalogue&)>& save);
 
-    /// Drops all edits since the last Apply and selects the first entries.
+    /// Discards all edits since the last Apply and selects the first entries.
     void Revert();
 
 private:

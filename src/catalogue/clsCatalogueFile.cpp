@@ -34,14 +34,14 @@ std::string clsCatalogueFile::LossBySaving() const {
     if (!FileExists(Path()))
         return {};
     if (ReadWholeFile(Path()) != held_)
-        return "The catalogue's file was changed by another program since it was read here. Write "
-               "over it ?";
+        return "The catalogue file was changed by another program since it was read here. "
+               "Overwrite it ?";
     if (mayLose_)
-        return "Not all of the catalogue's file could be read. What was not read is lost when it "
-               "is written anew. Write it ?";
+        return "Not all of the catalogue file could be read. What was not read is lost when it "
+               "is saved. Save it ?";
     if (!surplus_.empty())
-        return "The catalogue's file holds something besides the catalogue, " + surplus_ +
-               ", which is lost when it is written anew. Write it ?";
+        return "The catalogue file holds something besides the catalogue, " + surplus_ +
+               ", which is lost when it is saved. Save it ?";
     return {};
 }
 

@@ -24,7 +24,7 @@ struct EditorPrompt {
 };
 
 /// What one frame of the catalogue editor does to its list, base components and plug-ins alike. The
-/// form shows entries and selection anew after each action.
+/// form shows entries and selection again after each action.
 class clsEntryEditor {
 public:
     static constexpr int kNoSelection = -1;

@@ -2,12 +2,13 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace vesk {
 
 /// One INI file through the platform's profile functions. Keeps no handle: every call opens and
-/// closes the file. Unless told otherwise nothing is thrown; failures give empty results or
+/// closes the file. Unless stated otherwise nothing is thrown; failures give empty results or
 /// unwritten values. A path of MAX_PATH characters or more is never handed to the platform, which
 /// would take it for another.
 class clsINI {
@@ -25,7 +26,7 @@ public:
     [[nodiscard]] bool IsCut(const std::string& section, const std::string& key) const;
 
     /// The same where a file that is not read must not pass for one without the key.
-    /// @throws Failure as far as the platform tells
+    /// @throws Failure as far as the platform reports it
     [[nodiscard]] std::string ReadStringValue(const std::string& section,
                                               const std::string& key) const;
 
@@ -41,7 +42,7 @@ public:
 
     /// Replaces a value in place, or adds the key at the end of its section and the section at the
     /// end of the file. Without a value the key is deleted; an empty value stays with its key.
-    /// @return false when it was not written; the thread's last error then tells why
+    /// @return false when it was not written; the thread's last error then says why
     bool SetValue(const std::string& section, const std::string& key,
                   const std::optional<std::string>& value) const;
 };

@@ -6,6 +6,7 @@
 
 #include <windows.h>
 
+#include <optional>
 #include <utility>
 
 namespace vesk {

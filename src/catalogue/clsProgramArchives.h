@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 
 namespace vesk {
@@ -20,11 +21,11 @@ public:
     /// @param name file name as an entry has it
     [[nodiscard]] ArchiveFacts Known(const std::string& name) const;
 
-    /// All of it. Reads the whole file when nobody has asked before.
+    /// All of it. Reads the whole file the first time.
     [[nodiscard]] ArchiveFacts Facts(const std::string& name);
 
 private:
-    /// What tells one content of a file from the next.
+    /// What distinguishes one content of a file from the next.
     struct Stamp {
         std::uint64_t size = 0;
         std::uint64_t written = 0;

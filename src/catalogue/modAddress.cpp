@@ -22,20 +22,20 @@ bool IsHostCharacter(char c) {
 std::string AddressFault(std::string_view address) {
     constexpr std::string_view kScheme = "http://";
     if (std::ranges::any_of(address, IsControlOrBlank))
-        return "it contains a blank or a control character";
+        return "it holds a blank or a control character";
     const bool hasScheme = address.starts_with(kScheme);
     if (hasScheme)
         address.remove_prefix(kScheme.size());
     const std::string_view host = address.substr(0, address.find('/'));
     if (!hasScheme && address.find("://") != std::string_view::npos)
-        return "only \"http://\" in lower case is understood";
+        return "only \"http://\" in lower case is supported";
     if (host.empty())
         return "there is no host";
     if (host.find('@') != std::string_view::npos)
-        return "user names are not understood";
+        return "user names are not supported";
     if (host.find(':') != std::string_view::npos)
-        return "port 80 is used and no other can be named";
-    return std::ranges::all_of(host, IsHostCharacter) ? "" : "its host is no name of a computer";
+        return "only port 80 is supported, and no port can be given";
+    return std::ranges::all_of(host, IsHostCharacter) ? "" : "its host is not a valid host name";
 }
 
 } // namespace vesk

@@ -41,7 +41,7 @@ std::string StateWords(const CatalogueEntry& entry, const EntryPlace& place, Arc
     case ArchiveState::NotPeBuilder:
         return "wrong name";
     case ArchiveState::WrongType:
-        return "no .zip or .cab";
+        return "not .zip or .cab";
     }
     return {};
 }
@@ -111,8 +111,7 @@ std::string ArchiveSentence(const CatalogueEntry& entry, const EntryPlace& place
         return "The archive is in the program folder. Its CRC-32 is not checked yet.";
     case ArchiveState::CrcDiffers:
         return "The archive is there, but its CRC-32 differs from the catalogue's: it is left out "
-               "of "
-               "the build.";
+               "of the build.";
     case ArchiveState::OtherSha256:
         return "The archive is there, but its SHA-256 is not the one in the program folder's list: "
                "it is left out of the build.";
@@ -127,9 +126,10 @@ std::string ArchiveSentence(const CatalogueEntry& entry, const EntryPlace& place
         return DownloadSentence(entry, place);
     case ArchiveState::ToReplace:
         return "The archive is there, but its CRC-32 differs from the catalogue's: the build "
-               "downloads it anew.";
+               "downloads it again.";
     case ArchiveState::BadName:
-        return "The archive's name is no plain file name: it is neither downloaded nor extracted.";
+        return "The archive's name is not a plain file name: it is neither downloaded nor "
+               "extracted.";
     case ArchiveState::NotPeBuilder:
         return std::string("The first base component's archive has to be named ") +
                kFirstArchiveName +

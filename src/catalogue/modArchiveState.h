@@ -37,8 +37,8 @@ enum class ArchiveState {
     Empty,        ///< There, but nothing can be read from it: left out.
     Missing,      ///< Not there, and no build downloads it: left out.
     ToDownload,   ///< Not there; a build downloads it, in the case of a plug-in when it is ticked.
-    ToReplace,    ///< There and not right; the build downloads it anew.
-    BadName,      ///< Its name is no plain file name: neither downloaded nor extracted.
+    ToReplace,    ///< There and not right; the build downloads it again.
+    BadName,      ///< Its name is not a plain file name: neither downloaded nor extracted.
     NotPeBuilder, ///< The first base component's, under another name than a build looks for.
     WrongType,    ///< Neither .zip nor .cab: not extracted.
 };
@@ -47,11 +47,11 @@ enum class ArchiveState {
 ArchiveState JudgeArchive(const CatalogueEntry& entry, const EntryPlace& place,
                           const ArchiveFacts& facts);
 
-/// True when a build that includes the entry installs it, as far as anybody can tell beforehand:
+/// True when a build that includes the entry installs it, as far as can be known beforehand:
 /// the archive is good, or is to be downloaded.
 bool ComesIntoBuild(ArchiveState state);
 
-/// The state in a few words, for a table: "good", "CRC differs", "missing". They tell what a build
+/// The state in a few words, for a table: "good", "CRC differs", "missing". They say what a build
 /// does, so the entry's tick counts: a plug-in is downloaded only when it is ticked, and a base
 /// component is built whether it is ticked or not.
 std::string ArchiveWords(const CatalogueEntry& entry, const EntryPlace& place, ArchiveState state);

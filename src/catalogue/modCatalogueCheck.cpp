@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <map>
-#include <set>
 #include <string_view>
 #include <utility>
 
@@ -45,7 +44,7 @@ std::string CrcFormFault(const std::string& crc) {
     const bool isNumber = IsHexadecimal(crc);
     const std::string canonical = isNumber ? CanonicalCrc(crc) : "";
     if (!isNumber || canonical.size() > kLongestCrc)
-        return Quoted(crc) + " is no CRC-32: up to eight hexadecimal digits are expected";
+        return Quoted(crc) + " is not a CRC-32: up to eight hexadecimal digits are expected";
     if (canonical != crc)
         return "the CRC-32 " + Quoted(crc) + " never matches: it has to be written " +
                Quoted(canonical);
@@ -105,7 +104,7 @@ private:
         if (folder.empty())
             Report(Kind::InstallFolder, "there is none");
         else if (!PathInside("", folder))
-            Report(Kind::InstallFolder, Quoted(folder) + " cannot be a folder's name");
+            Report(Kind::InstallFolder, Quoted(folder) + " is not a valid folder name");
         CheckText("name", folder);
     }
 
@@ -133,7 +132,7 @@ private:
             Report(Kind::NoComponents, "there is none, so there is nothing to build");
         if (entries.size() > kMostLines)
             Report(Kind::TooMany, "there are " + std::to_string(entries.size()) +
-                                      ", and the wizard's list ends in an overflow behind " +
+                                      ", and the wizard's list overflows after " +
                                       std::to_string(kMostLines));
         for (std::size_t i = 0; i < entries.size(); ++i) {
             if (IsPlaceholder(entries[i]))
@@ -185,7 +184,7 @@ private:
                                                           "be extracted");
         if (entry.zip.find_first_of("\\/") != std::string::npos || !PathInside("", entry.zip))
             Report(Kind::ArchiveName, Quoted(entry.zip) +
-                                          " is no plain file name: it is neither downloaded nor "
+                                          " is not a plain file name: it is neither downloaded nor "
                                           "extracted");
         const auto [first, isNew] = owners_.try_emplace(LowerCase(entry.zip), about_);
         if (!isNew)
@@ -261,7 +260,7 @@ private:
         const std::string folder = parent + BaseNameOf(entry.zip);
         const auto [first, isNew] =
             folders_.try_emplace(LowerCase(folder), std::pair(about_, LowerCase(entry.zip)));
-        // One archive twice is told of already.
+        // One archive twice is reported already.
         if (!isNew && !entry.zip.empty() && first->second.second != LowerCase(entry.zip))
             Report(Kind::SameFolder, "it is extracted into the folder " + Quoted(folder) +
                                          ", and so is " + first->second.first);
@@ -286,11 +285,11 @@ std::string Counted(std::size_t count, const std::string& what) {
 } // namespace
 
 std::string CatalogueCheck::Verdict() const {
-    std::string text = "No fault found: the entries are complete, and " +
+    std::string text = "No faults found: the entries are complete, and " +
                        Counted(archivesGood, "archive") + (archivesGood == 1 ? " is" : " are") +
-                       " present with the right CRC-32 and sound to the last member.";
+                       " present, with the right CRC-32 and undamaged members.";
     if (archivesToDownload > 0)
-        text += " Nothing is known of the " + Counted(archivesToDownload, "archive") +
+        text += " Not checked: the " + Counted(archivesToDownload, "archive") +
                 " that a build downloads.";
     return text;
 }

@@ -15,7 +15,7 @@ enum class CatalogueProblemKind {
     ValueForm,        ///< A text that the file does not keep: quotes around it are lost.
     ValueTooLong,     ///< Longer than the reader takes; the rest would be cut off.
     ArchiveType,      ///< No archive, or neither .zip nor .cab.
-    ArchiveName,      ///< No plain file name: such an archive is neither fetched nor extracted.
+    ArchiveName,      ///< No plain file name: such an archive is neither downloaded nor extracted.
     ArchiveMissing,   ///< Not there, and no build downloads it.
     ArchiveContent,   ///< Something in it would not be extracted.
     DuplicateArchive, ///< Two entries with one archive.
@@ -60,7 +60,7 @@ struct CatalogueCheck {
     std::size_t archivesGood = 0;       ///< Present, with the right checksum.
     std::size_t archivesToDownload = 0; ///< Absent; a build would fetch them.
 
-    /// For a check without problems: what it vouches for, and what not.
+    /// For a check without problems: what it covers, and what not.
     [[nodiscard]] std::string Verdict() const;
 };
 

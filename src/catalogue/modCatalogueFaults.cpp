@@ -6,8 +6,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <span>
 #include <string_view>
+#include <vector>
 
 namespace vesk {
 
@@ -51,7 +53,7 @@ bool IsWritersName(std::string_view name, std::span<const std::string_view> stem
 /// Keys may have other names than the writer's; but the writer's, at another place, means that
 /// something is missing or in disorder.
 std::string PlaceFault(const IniSection& section, const IniKey& key, const std::string& expected) {
-    return Place(section, key) + "it stands where " + expected + " is expected";
+    return Place(section, key) + "it is where " + expected + " is expected";
 }
 
 std::string EntriesFault(const IniSection& section, std::span<const std::string_view> stems) {

@@ -19,9 +19,12 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <map>
 #include <memory>
+#include <optional>
+#include <string_view>
 
 namespace vesk {
 
@@ -104,7 +107,7 @@ std::string ProperCase(std::string text) {
 
 constexpr std::string_view kUtf8("\xEF\xBB\xBF");
 
-/// Some programs write such files in Unicode; the profile functions take them all the same.
+/// Some programs write such files in Unicode; the profile functions accept them anyway.
 std::string InCodePage(std::string text) {
     if (text.starts_with(kUtf16Mark)) {
         std::wstring wide((text.size() - kUtf16Mark.size()) / sizeof(wchar_t), L'\0');
@@ -167,7 +170,7 @@ void FillCatalogue(const std::vector<IniSection>& sections, Catalogue& catalogue
     catalogue.installFolder = install.Text(0);
     catalogue.installPathFlag = install.Text(1);
     DeriveInstallPaths(catalogue, SpecialFolderPath(SpecialFolder::ProgramFiles));
-    // By position and not by name: renamed sections are read all the same.
+    // By position and not by name: renamed sections are read as well.
     if (sections.size() > 1)
         ReadEntries(PositionalSection(sections[1]), false, catalogue.baseComponents);
     if (sections.size() > 2)
@@ -209,7 +212,7 @@ CatalogueLoad OpenOrExplain(const std::string& path) {
         return absent("it is a folder",
                       "Remove it, and start veskbuilder.exe -setup to make a file.", true);
     return absent("it cannot be read, " + AsReason(SystemErrorText(error)),
-                  "See who may read it, and who has it open.", true);
+                  "Check who may read it and which program has it open.", true);
 }
 
 /// The archives in a folder (its path ends in "\"), for CheckCatalogue.
@@ -265,7 +268,7 @@ CatalogueLoad LoadCatalogueReporting(const std::string& programPath, Catalogue& 
     try {
         FillCatalogue(sections, catalogue);
         if (fault.empty() && sections != file.sections)
-            fault = "the system does not read it as it is written";
+            fault = "Windows reads it differently from what it says";
     } catch (const Failure& failure) {
         if (fault.empty())
             fault = failure.what();

@@ -2,6 +2,7 @@
 
 #include "base/modText.h"
 
+#include <cstddef>
 #include <cstdlib>
 #include <map>
 #include <utility>

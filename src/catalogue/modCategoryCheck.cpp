@@ -22,13 +22,13 @@ std::string KeyFault(const std::string& key) {
     if (TrimBlanks(key).empty())
         return "it has no key";
     if (key != TrimBlanks(key))
-        return "its key has a blank at an end, which the file does not keep";
+        return "its key begins or ends with a blank, which the file does not keep";
     if (EqualNoCase(key, kShowCategoriesKey))
         return "the file has another use for the key " + Quoted(key);
     if (key.front() == '[' || key.front() == ';' || key.find('=') != std::string::npos)
-        return R"(its key must hold no "=" and not begin with "[" or ";")";
+        return R"(its key must not hold "=" or begin with "[" or ";")";
     if (std::ranges::any_of(key, [](char c) { return static_cast<unsigned char>(c) < ' '; }))
-        return "its key contains a control character";
+        return "its key holds a control character";
     return key.size() > kLongestIniValue
                ? "its key is longer than " + std::to_string(kLongestIniValue) + " characters"
                : std::string();
@@ -39,7 +39,7 @@ std::string FolderFault(const std::string& value) {
     if (value.empty())
         return "it has no folder";
     if (value.find_first_of("\\/") != std::string::npos || !PathInside("", value))
-        return Quoted(value) + " cannot be a folder's name";
+        return Quoted(value) + " is not a valid folder name";
     return value.size() > kLongestIniValue ? "its folder's name is longer than " +
                                                  std::to_string(kLongestIniValue) + " characters"
                                            : std::string();

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <set>
+#include <utility>
 
 namespace vesk {
 
@@ -90,7 +91,7 @@ private:
         const std::size_t equals = line.find('=');
         if (equals == std::string_view::npos || equals == 0 || ini_.sections.empty())
             return Lose("line " + std::to_string(number_) + " is " +
-                        (ini_.sections.empty() ? "before the first section" : "no key"));
+                        (ini_.sections.empty() ? "before the first section" : "not a key"));
         const std::string_view name = WithoutSpaceAround(line.substr(0, equals));
         const std::string_view value = WithoutSpaceAround(line.substr(equals + 1));
         ini_.linesArePlain &= IsPlainName(name) && name.size() == equals &&

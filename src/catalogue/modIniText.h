@@ -27,16 +27,16 @@ struct IniSection {
 struct IniText {
     std::vector<IniSection> sections;
 
-    /// Nothing in the text could be read in another way: the profile functions of every system
-    /// read it exactly so. When false, only they know how they read it.
+    /// The text can be read in one way only, and the profile functions of every system read it so.
+    /// When false, only they know how they read it.
     bool isPlain = true;
 
     /// The same apart from the lists of names, which the profile functions cut when they are long:
     /// the values that they return are those in the text.
     bool linesArePlain = true;
 
-    /// The first thing that is lost on a reader: a line that is no section, key or comment, or a
-    /// name that stands twice. A sentence without a full stop; empty when there is nothing.
+    /// The first thing that a reader loses: a line that is no section, key or comment, or a
+    /// name that occurs twice. A sentence without a full stop; empty when there is nothing.
     std::string lost;
 };
 

@@ -1,5 +1,7 @@
 #include "catalogue/modNameList.h"
 
+#include <cstddef>
+
 namespace vesk {
 
 std::vector<std::string> SplitNameList(std::string_view buffer) {

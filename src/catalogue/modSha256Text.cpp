@@ -2,7 +2,7 @@
 
 #include "base/modText.h"
 
-#include <algorithm>
+#include <cstddef>
 #include <optional>
 #include <set>
 #include <utility>
@@ -50,13 +50,13 @@ Sha256Text ParseSha256Text(std::string_view text) {
         const std::string place = "line " + std::to_string(number);
         const auto entry = DigestAndName(line);
         if (!entry) {
-            list.faults.push_back(place + " is no SHA-256 digest and name");
+            list.faults.push_back(place + " is not a SHA-256 digest and a name");
             continue;
         }
         const auto [known, isNew] = list.digests.try_emplace(entry->second, entry->first);
         if (isNew || known->second == entry->first)
             continue;
-        list.faults.push_back(place + " has another digest for " + entry->second +
+        list.faults.push_back(place + " gives another digest for " + entry->second +
                               " than a line before it");
         contested.insert(entry->second);
     }

@@ -12,7 +12,8 @@ struct Sha256Text {
     /// Digest in lower case, by the file's name in lower case.
     std::map<std::string, std::string> digests;
 
-    /// What is wrong with it, a sentence without a full stop each: "line 3 is no digest and name".
+    /// What is wrong with it, a sentence without a full stop each: "line 3 is not a digest and a
+    /// name".
     std::vector<std::string> faults;
 };
 

@@ -3,6 +3,7 @@
 #include "console/clsTerminal.h"
 #include "net/clsDownloadSession.h"
 
+#include <cstdint>
 #include <string>
 
 namespace vesk {

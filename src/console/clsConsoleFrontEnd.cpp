@@ -35,7 +35,7 @@ std::optional<std::string> clsConsoleFrontEnd::AskPassword(const std::string& ar
                                                            bool wrongBefore) {
     if (options_.password)
         return wrongBefore ? std::nullopt : options_.password;
-    return terminal_.AskSecret((wrongBefore ? "Wrong. Password of " : "Password of ") +
+    return terminal_.AskSecret((wrongBefore ? "Wrong password. Password of " : "Password of ") +
                                archiveName + ":");
 }
 

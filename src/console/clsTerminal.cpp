@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-#include <array>
+#include <cstddef>
 #include <cstdio>
 #include <iostream>
 #include <vector>

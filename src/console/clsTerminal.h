@@ -6,7 +6,7 @@
 namespace vesk {
 
 /// The program's three streams. Lines of the log go to the standard output and nothing else does;
-/// what is drawn while something lasts goes to the error output, and only when that is a terminal.
+/// progress is drawn on the error output, and only when that is a terminal.
 class clsTerminal {
 public:
     /// @param quiet leaves the error output to errors

@@ -21,6 +21,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <iterator>
 #include <optional>
 #include <string>
@@ -41,7 +42,7 @@ enum ExitCode : int {
     kProgramFailed = 70,
 };
 
-/// @return what the option asks for and the entry does not take; nothing when it takes it
+/// @return why the entry does not take what the option asks for; nothing when it takes it
 std::optional<Problem> Tick(CatalogueEntry& entry, bool enabled) {
     if (entry.lock && entry.enabled != enabled)
         return Problem{entry.name, enabled ? "not ticked" : "not unticked",
@@ -85,7 +86,7 @@ std::vector<Problem> ApplyTicks(const ConsoleOptions& options, Catalogue& catalo
     return problems;
 }
 
-/// The Windows source as the options name it, and what it tells.
+/// The Windows source as the options name it, and what it says of itself.
 SourceCheck TakeSource(const ConsoleOptions& options, SourceState& source) {
     if (!options.source)
         return {"", true, "", ""};
@@ -96,16 +97,17 @@ SourceCheck TakeSource(const ConsoleOptions& options, SourceState& source) {
     }
 }
 
-/// A folder that holds what no build made is emptied only when the user says so in so many words.
+/// A folder that holds what no build made is emptied only when the user says so explicitly.
 void RequireConsent(const clsInstallFolder& folder, const ConsoleOptions& options) {
     const FolderContent content = folder.Content();
     if (content.kind != FolderContent::Kind::Foreign || options.answer == false)
         return;
     const std::string sentence = folder.Path() + " would be emptied, and " + content.ForeignWords();
     if (folder.KeepsForeign())
-        throw UsageError(sentence + ", which nothing replaces among installed programs");
+        throw UsageError(sentence +
+                         "; among installed programs only a folder that a build made is emptied");
     if (!options.replaceForeign)
-        throw UsageError(sentence + ": --replace-foreign empties it all the same");
+        throw UsageError(sentence + "; --replace-foreign empties it anyway");
 }
 
 /// Folders as the user's choices make them: the catalogue's own, or what the options name.
@@ -113,7 +115,8 @@ BuildInputs MakeInputs(const ConsoleOptions& options, const std::string& program
                        const Catalogue& catalogue, const std::string& sourceFolder,
                        const SourceState& source) {
     if (!options.install && catalogue.installRoot.empty())
-        throw UsageError("the system names no folder for programs: name the folder with --install");
+        throw UsageError(
+            "Windows has no Program Files folder to build in; give a folder with --install");
     const std::string folder =
         options.install.value_or(catalogue.installRoot + "\\" + catalogue.installFolder);
     return {clsInstallFolder(folder, clsFolderGuard::OfSystem(programPath, sourceFolder)),
@@ -156,7 +159,7 @@ int RunBuild(const ConsoleOptions& options, const std::string& programPath, Cata
     const BuildOutcome outcome = clsBuildRun(inputs, catalogue, frontEnd).Run();
     const bool isPrinted = clsTerminal::OutputIsWhole();
     if (!isPrinted)
-        terminal.Complain("the log could not be printed whole; the saved one is");
+        terminal.Complain("the log could not be printed in full; the saved one is complete");
     return ExitCodeOf(outcome, frontEnd.HasProblems() || !isRead || !isPrinted);
 }
 
@@ -186,7 +189,7 @@ int PrintTable(const ConsoleOptions& options, const std::string& programPath, Ca
     return isTicked && load.state == CatalogueState::Whole ? kDone : kDoneWithWarnings;
 }
 
-/// Prints what would go wrong in a build, a line each, or what the check vouches for.
+/// Prints what would go wrong in a build, one line each, or what the check covers.
 int PrintProblems(const ConsoleOptions& options, const std::string& programPath,
                   Catalogue& catalogue, const CatalogueLoad& load, clsTerminal& terminal) {
     if (!load.sentence.empty())
@@ -251,7 +254,7 @@ int Main(int count, const wchar_t* const* words) {
         clsTerminal terminal(options.quiet);
         return RunAction(options, terminal);
     } catch (const UsageError& error) {
-        clsTerminal(true).Complain(std::string(error.what()) + " (veskbuild --help tells more)");
+        clsTerminal(true).Complain(std::string(error.what()) + " (see veskbuild --help)");
         return kUsage;
     } catch (const FolderRefused& error) {
         clsTerminal(true).Complain(error.what());

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstddef>
 #include <functional>
 #include <map>
 #include <string_view>
@@ -42,8 +43,8 @@ ProxyAddress ParseProxy(const std::string& text) {
             proxy.port <= kHighestPort)
             return proxy;
     }
-    throw UsageError("--proxy takes HOST:PORT of an HTTP proxy, a name or address without user and "
-                     "path and a port from 1 to 65535, not \"" +
+    throw UsageError("--proxy takes the HOST:PORT of an HTTP proxy, a host name or address without "
+                     "user name or path and a port from 1 to 65535, not \"" +
                      text + "\"");
 }
 
@@ -119,7 +120,7 @@ ConsoleOptions ParseOptions(const std::vector<std::string>& arguments) {
 }
 
 std::string HelpText() {
-    return R"(veskbuild builds what the catalogue in its own folder says and prints the build log.
+    return R"(veskbuild builds from the catalogue in its own folder and prints the build log.
 
 veskbuild [--install FOLDER] [--source FOLDER] [--enable NAME]... [--disable NAME]...
           [--yes | --no] [--replace-foreign] [--partial] [--password TEXT]
@@ -127,28 +128,29 @@ veskbuild [--install FOLDER] [--source FOLDER] [--enable NAME]... [--disable NAM
 veskbuild --list | --check  [--enable NAME]... [--disable NAME]... [--password TEXT]
 veskbuild --help | --version
 
-  --install FOLDER   build into this folder, which is emptied first, in place of the catalogue's
+  --install FOLDER   build into this folder, not the catalogue's; it is emptied first
   --source FOLDER    the Windows installation source, the folder that holds I386
   --enable NAME      tick a component or plug-in, by its name in the catalogue
   --disable NAME     untick one
   --yes, --no        the answer to every question; without a console to ask, the answer is No
-  --replace-foreign  empty the folder even when it holds files that no build made
-  --partial          build although the catalogue could not be read in full
+  --replace-foreign  empty the folder even if it holds files that no build made
+  --partial          build even if the catalogue could not be read in full
   --password TEXT    the password of encrypted archives
   --proxy HOST:PORT  download through this HTTP proxy
-  --timeout SECONDS  give a download up after so long without a byte; 0: never (120)
-  --quiet            print nothing on the error output but errors and problems
+  --timeout SECONDS  give a download up after this long without a byte (120; 0: never)
+  --quiet            print only errors and problems on the error output
   --list             print the catalogue as a table
-  --check            print what in the catalogue would go wrong in a build, a line each
+  --check            print what would go wrong in a build, one line each
 
 Exit codes:
    0  done, and everything is in the tree (--check: nothing was found that would go wrong)
-   1  done, with warnings or problems, a line each on the error output
-   2  install failed: PE Builder's archive arrived damaged
+   1  done, with warnings or problems (--check: something is wrong; --list: the catalogue
+      was not read in full)
+   2  install failed: PE Builder's archive arrived damaged; the old tree was not touched
    3  aborted: the answer No, Ctrl+C, or an old tree that could not be replaced safely
-   4  refused at start-up: no Windows NT, or no administrator
+   4  refused at start-up: not Windows NT, or not an administrator
    5  PE Builder's archive is not in the tree
-  64  wrong usage, or a folder or catalogue that cannot be built with
+  64  wrong usage, or an unusable folder or catalogue; nothing was changed
   70  the program itself failed
 )";
 }

@@ -16,8 +16,8 @@ enum class DownloadStage {
 struct DownloadProgress {
     double received = 0;           ///< Bytes, of all addresses tried.
     std::int32_t fileSize = 0;     ///< Bytes announced; 0 when unknown.
-    double bytesPerSecond = 0;     ///< 0 while it cannot be told.
-    std::int64_t secondsLeft = -1; ///< -1 while it cannot be told.
+    double bytesPerSecond = 0;     ///< 0 while it is unknown.
+    std::int64_t secondsLeft = -1; ///< -1 while it is unknown.
     DownloadStage stage = DownloadStage::Receiving;
     std::string server; ///< Who is asked, for people.
     std::uint32_t silence =

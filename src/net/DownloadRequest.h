@@ -8,7 +8,7 @@ namespace vesk {
 
 /// One archive to download.
 struct DownloadRequest {
-    std::string urls;        ///< One address, or several parted by ",".
+    std::string urls;        ///< One address, or several separated by ",".
     std::string destination; ///< Full path of the file.
     std::string crc;         ///< Expected CRC-32 text, to match exactly; empty for any.
     std::string sha256 = {}; ///< Expected SHA-256, in lower case; empty for any.
@@ -24,7 +24,7 @@ struct DownloadOutcome {
 };
 
 /// Where a download is written until it is complete and right: beside its destination, so that
-/// nothing stands under the archive's own name that is not the archive.
+/// nothing has the archive's own name that is not the archive.
 inline std::string PartialPath(const std::string& destination) {
     return destination + ".vesk-part";
 }

@@ -188,7 +188,7 @@ void clsDownload::OnHeader(const std::string& header) {
     // A line end that reached the next request would end its line and begin another one.
     if (!IsRequestable(location))
         return Fail(kBadAddress,
-                    "The server leads to an address with a blank or a control character in it");
+                    "The server redirects to an address with a blank or a control character in it");
     // However many: a circle ends when the owner gives up waiting for the first byte of a file.
     if (!location.empty()) {
         Cancel();

@@ -36,7 +36,7 @@ public:
 ///
 /// Everything that goes wrong arrives as OnError, a file that cannot be written included. A header
 /// longer than 16 MB is given up with kHeaderTooLong; so is an answer without a header that is,
-/// because it can only be told from one at its end.
+/// because only its end shows that it has none.
 class clsDownload : private SocketEvents {
 public:
     /// Number of the error for a header that does not end.
@@ -65,7 +65,7 @@ public:
     [[nodiscard]] const std::string& URL() const { return url_; }
     void SetURL(const std::string& url);
 
-    /// Full path of the file; what stands there is replaced once the connection is made.
+    /// Full path of the file; what is there is replaced once the connection is made.
     [[nodiscard]] const std::string& Destination() const { return destination_; }
     void SetDestination(const std::string& destination);
 

@@ -15,7 +15,7 @@ namespace vesk {
 /// which address is tried after an error, what became of it all.
 class clsDownloadDecisions {
 public:
-    /// @param urls one address, or several parted by ","; blanks around each do not matter, an
+    /// @param urls one address, or several separated by ","; blanks around each do not matter, an
     /// empty one keeps its place
     explicit clsDownloadDecisions(std::string_view urls);
 

@@ -24,7 +24,7 @@ enum class SocketState : std::int16_t {
 
 enum class SocketProtocol : std::int16_t { TCP = 0, UDP = 1 };
 
-/// An error of the system, as the owner of a socket hears of it.
+/// An error of the system, as the owner of a socket receives it.
 struct SocketErrorInfo {
     std::int32_t number = 0;      ///< The system's code.
     std::string description;      ///< Its text.
@@ -34,8 +34,8 @@ struct SocketErrorInfo {
     std::int32_t helpContext = 0; ///< Always 0.
 };
 
-/// The owner of a socket object overrides what it wants to hear. Inside every event it may close,
-/// reconnect or destroy the object.
+/// The owner of a socket object overrides the events that it wants. Inside every event it may
+/// close, reconnect or destroy the object.
 class SocketEvents {
 public:
     virtual ~SocketEvents() = default;

@@ -13,10 +13,10 @@ public:
     /// wrap.
     void Add(double received, std::uint32_t milliseconds);
 
-    /// Bytes a second; 0 until there is enough to tell.
+    /// Bytes a second; 0 until enough is known.
     [[nodiscard]] double BytesPerSecond() const;
 
-    /// Seconds until `total` bytes have come; nothing when that cannot be told.
+    /// Seconds until `total` bytes have come; nothing while that is unknown.
     [[nodiscard]] std::optional<std::int64_t> SecondsLeft(double total) const;
 
 private:

@@ -14,7 +14,7 @@ struct DownloadFacts {
     std::string url;
     ProxySettings proxy;
     std::string statusLine;             ///< First line of the answer's header; empty for none.
-    std::int32_t errorNumber = 0;       ///< What the download reported; 0: that it is complete.
+    std::int32_t errorNumber = 0;       ///< What the download reported; 0: it was complete.
     std::string errorText;              ///< The description that came with it.
     bool failedHere = false;            ///< The error was on this machine.
     std::uint32_t secondsOfSilence = 0; ///< After which it was given up; 0 when it was not.
@@ -24,7 +24,7 @@ struct DownloadFacts {
     std::string content;                ///< How the file begins.
 };
 
-/// How much of a file's beginning is worth to look at.
+/// How much of a file's beginning is worth looking at.
 inline constexpr std::size_t kContentLooked = 8192;
 
 /// Who is connected to: "host", or "proxy name".
@@ -37,7 +37,7 @@ std::string WhyFailed(const DownloadFacts& facts);
 std::string WhyCrcDiffers(const DownloadFacts& facts, const std::string& expected,
                           const std::string& found);
 
-/// The same where another check found what came to be something else. @param fault what it found
+/// The same where another check found that something else came. @param fault what it found
 std::string WhyNotExpected(const DownloadFacts& facts, const std::string& fault);
 
 /// The first words of a text or an HTML page (tags, scripts and styles left out, at most some 60

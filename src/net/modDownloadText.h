@@ -12,13 +12,13 @@ namespace vesk {
 /// Puts the separators of the user's locale between the digits of a whole number.
 using DigitGrouping = std::function<std::string(const std::string& digits)>;
 
-/// Title of the dialog before the first data arrive.
+/// Title of the dialog before the first data arrives.
 inline constexpr const char* kDownloadCaption = "Downloading";
 
 /// Width of the full bar in twips.
 inline constexpr double kFullBarWidth = 3885;
 
-/// "Bytes" below 999, "Kb" below 999999, "Mb" from there on. The odd limits are meant.
+/// "Bytes" below 999, "Kb" below 999999, "Mb" from there on. The odd limits are intended.
 std::string DownloadUnit(double count);
 
 /// Title with the bytes received and the file's size, for example "Downloading - 1,234 Mb of 5,678
@@ -28,7 +28,7 @@ std::string DownloadCaption(double received, std::int32_t fileSize, const DigitG
 /// "999 B", "1.2 kB", "34.5 MB".
 std::string ByteAmount(double bytes);
 
-/// Seconds without a byte from which on that is told.
+/// Seconds without a byte after which that is shown.
 inline constexpr std::uint32_t kSilenceTold = 5;
 
 /// What a download waits for, "connecting to host" or "no data for 30 s"; empty while bytes come.

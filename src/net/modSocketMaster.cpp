@@ -218,7 +218,7 @@ void CancelLookup(std::uintptr_t request) {
     const auto found = registry.lookups.find(LookupKey(request));
     if (found == registry.lookups.end())
         return;
-    // The answer may come all the same, so the entry stays to receive it.
+    // The answer may still come, so the entry stays to receive it.
     found->second.target.reset();
     WSACancelAsyncRequest(reinterpret_cast<HANDLE>(request));
 }

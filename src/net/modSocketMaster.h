@@ -10,7 +10,7 @@
 #include <string>
 
 /// What all socket objects share: the system's socket service, the hidden window that receives
-/// every notification, and who is to be told of it. One thread only.
+/// every notification, and who receives it. One thread only.
 namespace vesk {
 
 using SocketOwner = UniqueHandle<::closesocket, SOCKET, -1>;
@@ -58,7 +58,7 @@ void AddAccepted(SOCKET socket);
 /// Takes a connection off that list. @return false when it was not on it
 bool TakeAccepted(SOCKET socket);
 
-/// Keeps service and message window between one download and the next, which would make them anew:
+/// Keeps service and message window between one download and the next, which would make them again:
 /// for a run of many small files that is half of its time. Where the system refuses, whoever wants
 /// a socket is told; this is not.
 class SocketServiceHold {

@@ -152,7 +152,7 @@ void clsRegistry::GetFileTypes(std::vector<std::string>& list) {
 bool clsRegistry::SetKeyValue(std::uint32_t root, const std::string& keyPath,
                               const std::string& valueName, const RegistryData& data,
                               std::uint32_t type) {
-    // Without a key the data is converted all the same, and only the write fails.
+    // Without a key the data is still converted, and only the write fails.
     const RegistryKey key = OpenKey(root, keyPath);
     const DWORD openError = GetLastError();
     const bool isWritten = type == kRegistryText || type == kRegistryBinary ||

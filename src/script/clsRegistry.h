@@ -52,7 +52,7 @@ public:
                           const std::string& subKey);
 
     /// Creates a key with all missing levels above it; one that exists already is left as it is.
-    /// @return false when the registry refuses; the thread's last error then tells why
+    /// @return false when the registry refuses; the thread's last error then says why
     static bool CreateNewKey(std::uint32_t root, const std::string& keyPath);
 
     /// True when no value of the key has a name; the unnamed default value does not count.

@@ -10,7 +10,7 @@ namespace vesk {
 struct ScriptContext {
     std::function<void(const std::string& line)> addLogLine;
 
-    /// Told of what did not end the script but was not done, and why.
+    /// Receives what was not done although the script went on, and why.
     std::function<void(const std::string& what, const std::string& reason)> report;
     std::string installFolder; ///< Stands for %ProgramPath%.
     std::string sourceFolder;  ///< Stands for %SourcePath%.

@@ -8,6 +8,7 @@
 #include <windows.h>
 
 #include <cstring>
+#include <string_view>
 #include <utility>
 
 namespace vesk {

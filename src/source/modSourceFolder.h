@@ -16,13 +16,13 @@ struct SourceCheck {
 };
 
 /// Looks at a folder (or a file in it) that the user chose as Windows source, and takes over what
-/// it tells of product and service pack. A folder that is no source leaves the state as it was.
+/// it says of product and service pack. A folder that is no source leaves the state as it was.
 SourceCheck CheckSourceFolder(const std::string& chosenPath, SourceState& state);
 
 /// True when the folder (ending in "\") directly holds the three files that make it an I386 folder.
 bool IsI386Folder(const std::string& folder);
 
-/// What LAYOUT.INF in an I386 folder (ending in "\") tells. @throws Failure when it is not read
+/// What LAYOUT.INF in an I386 folder (ending in "\") says. @throws Failure when it is not read
 struct SourceProduct {
     std::string productName;
     std::string servicePackTag; ///< Extension of the spcdtagfilei value, as written; may be empty.

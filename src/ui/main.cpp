@@ -79,8 +79,8 @@ bool ProgramFolderIsFit() {
         return true;
     const std::wstring reason =
         path.size() < MAX_PATH
-            ? L"The name of this program's folder holds characters that programs in this system's "
-              L"code page cannot read."
+            ? L"The name of this program's folder holds characters that the system's code page "
+              L"lacks."
             : L"The path of this program's folder is too long.";
     MessageBoxW(nullptr,
                 (reason +

@@ -10,7 +10,7 @@
 
 namespace vesk::test {
 
-/// One data block of a cabinet, right unless told otherwise.
+/// One data block of a cabinet, right unless stated otherwise.
 struct TestBlock {
     std::string data; ///< As it stands in the file.
     std::optional<std::uint32_t> checksum = std::nullopt;

@@ -307,8 +307,8 @@ TEST_CASE("what stands in a member's way is that member's trouble only") {
     f.folder.Write("out\\a\\inside", "kept");
     f.folder.Write("out\\b", "kept");
     CHECK_THROWS_WITH(f.cab.Extract(), "The directory or file cannot be created.");
-    CHECK(f.owner.failures == Events{"a: not extracted, a folder stands in its place",
-                                     "b\\c: not extracted, a file stands on the way to it"});
+    CHECK(f.owner.failures == Events{"a: not extracted, there is a folder in its place",
+                                     "b\\c: not extracted, its path leads through a file"});
     CHECK(f.Out("a\\inside") == "kept");
     CHECK(f.Out("b") == "kept");
     CHECK(f.Out("d") == "3");
@@ -424,7 +424,7 @@ TEST_CASE("a cabinet as an archive: what is not extracted, and what would not be
     CHECK(outcome.extracted == 1);
     const std::vector<MemberFailure> refused{
         {"..", "not extracted", "its name leads out of the folder"},
-        {"filled\\", "not extracted", "is a folder and has content all the same"}};
+        {"filled\\", "not extracted", "it is a folder but has content"}};
     clsCab plain;
     plain.CabName = folder / "x.CAB";
     plain.DestinationFolder = folder / "again";

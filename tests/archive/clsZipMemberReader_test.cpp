@@ -123,12 +123,14 @@ TEST_CASE("encrypted members: asked until right, once for all members, never aft
              Row{{"wrong", "bad", "pass"}, "a=secret text;b=secret text;c=open;", 3},
              Row{{"pass"}, "a=secret text;b=secret text;c=open;", 1},
              Row{{},
-                 "a!is encrypted, no right password given;b!is encrypted, no right password "
-                 "given;c=open;",
+                 "a!it is encrypted, and no correct password was given;b!it is encrypted, and no "
+                 "correct password "
+                 "was given;c=open;",
                  1},
              Row{{"wrong"},
-                 "a!is encrypted, no right password given;b!is encrypted, no right password "
-                 "given;c=open;",
+                 "a!it is encrypted, and no correct password was given;b!it is encrypted, and no "
+                 "correct password "
+                 "was given;c=open;",
                  2},
              Row{{"wrong", "wrong", "wrong", "pass"},
                  "a!wrong password;b!wrong password;c=open;",
@@ -146,9 +148,8 @@ TEST_CASE("encrypted members: asked until right, once for all members, never aft
             CHECK(asked == row.asked);
         }
     }
-    CHECK(
-        ReadAll(archive) ==
-        "a!is encrypted, no right password given;b!is encrypted, no right password given;c=open;");
+    CHECK(ReadAll(archive) == "a!it is encrypted, and no correct password was given;b!it is "
+                              "encrypted, and no correct password was given;c=open;");
 }
 
 TEST_CASE("a wrong password that passes the early check is still a wrong one") {
@@ -174,7 +175,7 @@ TEST_CASE("a wrong password that passes the early check is still a wrong one") {
     const std::string one = MakeZip({Encrypted("a")});
     const std::string three = MakeZip({damaged, Encrypted("b"), Encrypted("c")});
     CHECK(ReadAll(one, answer({lucky, "pass"})) == "a=secret text;");
-    CHECK(ReadAll(one, answer({lucky})) == "a!is encrypted, no right password given;");
+    CHECK(ReadAll(one, answer({lucky})) == "a!it is encrypted, and no correct password was given;");
     CHECK(ReadAll(one, answer({lucky, lucky})) == "a!wrong password, or its data is damaged;");
     // Where it opens other members as well it is right, and the data is not.
     CHECK(ReadAll(three, answer({"pass"})) == "damaged!wrong CRC;b=secret text;c=secret text;");

@@ -29,7 +29,7 @@ Judged Judge(const std::string& bytes) {
     return judged;
 }
 
-/// The reason why the whole is not read, or each member's refusal, parted by "|".
+/// The reason why the whole is not read, or each member's refusal, separated by "|".
 std::string Verdict(const std::string& bytes) {
     try {
         std::string verdict;
@@ -70,11 +70,11 @@ void CheckRows(const std::vector<Row>& rows) {
 } // namespace
 
 TEST_CASE("a cabinet whose headers cannot be read is refused with the reason") {
-    CHECK(Verdict("") == "none: it is no cabinet");
-    CHECK(Verdict("this is no cabinet, only a text of some length") == "none: it is no cabinet");
+    CHECK(Verdict("") == "none: it is not a cabinet");
+    CHECK(Verdict("this is no cabinet, only a text of some length") == "none: it is not a cabinet");
     CheckRows({
-        {"none: it is no cabinet", [](TestCab& cab) { cab.signature = "MSCG"; }},
-        {"none: cabinets of format 2.3 are not known",
+        {"none: it is not a cabinet", [](TestCab& cab) { cab.signature = "MSCG"; }},
+        {"none: cabinets of format 2.3 are not supported",
          [](TestCab& cab) { cab.version = "\x03\x02"; }},
         {"none: it lists files but holds no data for them",
          [](TestCab& cab) { cab.folders.clear(); }},
@@ -129,11 +129,11 @@ TEST_CASE("damage is the trouble of those members only whose data it meets") {
              cab.folders[1].blocks[0].packed = cab.folders[1].blocks[0].unpacked = 9;
          }},
         {"ok|ok|its data is cut short", [](TestCab& cab) { cab.folders[1].dataAt = 0xFFFFFFFF; }},
-        {"ok|the cabinet has not enough data for it|ok",
+        {"ok|the cabinet does not have enough data for it|ok",
          [](TestCab& cab) { cab.members[1].size = 6; }},
-        {"ok|the cabinet has not enough data for it|ok",
+        {"ok|the cabinet does not have enough data for it|ok",
          [](TestCab& cab) { cab.members[1].offset = cab.members[1].size = 0xFFFFFFFF; }},
-        {"ok|the cabinet has not enough data for it|ok",
+        {"ok|the cabinet does not have enough data for it|ok",
          [](TestCab& cab) { cab.folders[0].blockCount = 1; }},
         {"ok|the cabinet has no data for it|ok", [](TestCab& cab) { cab.members[1].folder = 2; }},
         {"ok|it begins in another cabinet|ok",

@@ -13,7 +13,7 @@ using namespace vesk::test;
 
 namespace {
 
-/// Joins what it is told: "[name]" at a begin, the bytes, "." at an end.
+/// Joins what it receives: "[name]" at a begin, the bytes, "." at an end.
 struct Text : CabSink {
     std::string text;
     std::size_t passedOver = 99;

@@ -149,7 +149,7 @@ TEST_CASE("what is refused is told once, the rest is extracted") {
                   "line?break: not extracted, its name holds a character that no file name can\n"
                   "..\\outside\\: not extracted, its name leads out of the folder\n"
                   "method: not extracted, compression method 14 (LZMA) is not supported\n"
-                  "filled\\: not extracted, is a folder and has content all the same\n"
+                  "filled\\: not extracted, it is a folder but has content\n"
                   "(no name): not extracted, it has no name\n" +
                       ReplaceAll(deep.substr(0, 300), "/", "\\") +
                       "...: not extracted, its name is too long\n");
@@ -195,8 +195,8 @@ TEST_CASE("two members of one name: the last one stays, and what is lost is told
     const std::string told =
         "SUB\\.\\A: written over another member, has the same name as sub\\a\n"
         "\xC4: written over another member, has the same name as \xE4\n"
-        "sub: not extracted, a folder stands in its place\n"
-        "sub\\a\\b: not extracted, a file stands on the way to it\n"
+        "sub: not extracted, there is a folder in its place\n"
+        "sub\\a\\b: not extracted, its path leads through a file\n"
         "sub\\\\a: written over another member, has the same name as SUB\\.\\A\n";
     CHECK(unzip.Extract() == told);
     CHECK(Unzipping::Lines(InspectArchive(unzip.Zip())) == told);
@@ -279,11 +279,11 @@ TEST_CASE("what stands in the way is told") {
     SetFileAttributesA(locked.c_str(), FILE_ATTRIBUTE_READONLY);
     const FileHandle lock(
         CreateFileA(locked.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
-    CHECK(unzip.Extract() == "folder: not extracted, a folder stands in its place\n"
-                             "file\\sub: not extracted, a file stands on the way to it\n"
+    CHECK(unzip.Extract() == "folder: not extracted, there is a folder in its place\n"
+                             "file\\sub: not extracted, its path leads through a file\n"
                              "locked: not written, " +
                                  AsReason(SystemErrorText(ERROR_SHARING_VIOLATION)) +
-                                 "\nfile\\: not extracted, a file stands on the way to it\n");
+                                 "\nfile\\: not extracted, its path leads through a file\n");
     CHECK(unzip.Read("fine") == "x");
     CHECK(unzip.Names().size() == 4);
     CHECK((GetFileAttributesA(locked.c_str()) & FILE_ATTRIBUTE_READONLY) != 0);
@@ -318,7 +318,7 @@ TEST_CASE("the password of an archive is asked of its owner") {
     CHECK(asked.size() == 4);
     const ExtractionOutcome locked = ExtractArchive(unzip.Zip(), unzip / "locked", {});
     CHECK(Unzipping::Lines(locked.failures) ==
-          "secret: not extracted, is encrypted, no right password given\n");
+          "secret: not extracted, it is encrypted, and no correct password was given\n");
     CHECK(InspectArchive(unzip.Zip()) == locked.failures);
     CHECK(locked.extracted == 1);
 }

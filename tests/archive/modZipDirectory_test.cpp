@@ -279,7 +279,7 @@ TEST_CASE("times come from the finest field there is") {
     CHECK(timesOf(ntfs + unixTime).modified == 111);
     CHECK(timesOf(ntfs).accessed == 222);
     CHECK_FALSE(timesOf(ntfs).created);
-    // 32 bits with a sign end in January 2038; the date of DOS tells which time is meant.
+    // 32 bits with a sign end in January 2038; the DOS date says which time is meant.
     struct Row {
         std::uint32_t seconds;
         std::uint16_t date;

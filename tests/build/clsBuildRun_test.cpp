@@ -369,8 +369,7 @@ TEST_CASE_FIXTURE(Fixture, "an empty checksum matches nothing") {
 TEST_CASE_FIXTURE(Fixture, "an archive with nothing in it is told") {
     catalogue.plugins[0].crc = WriteArchive("one.zip", {});
     CHECK(Run() == BuildEnding::Done);
-    CHECK(frontEnd.problems ==
-          std::vector<std::string>{"one.zip: not extracted, there is nothing in it"});
+    CHECK(frontEnd.problems == std::vector<std::string>{"one.zip: not extracted, it is empty"});
     catalogue.baseComponents[0].crc = WriteArchive("pebuilder3110a.zip", {});
     Run();
     CHECK(VerdictOf(*frontEnd.outcome) == BuildVerdict::NotUsable);

@@ -60,7 +60,7 @@ TEST_CASE("no build works in, below or above another one's folder") {
             CHECK_THROWS_AS(lock("a"), FolderRefused);
         CHECK_NOTHROW(lock("a\\other"));
         CHECK_NOTHROW(lock("a\\tree2"));
-        // The build removes its folder and makes it anew.
+        // The build removes its folder and makes it again.
         TestFolder::RemoveTree(folder / "a\\tree");
         CHECK_THROWS_AS(lock("a\\tree"), FolderRefused);
         CreateFolderPath(folder / "a\\tree");
@@ -92,7 +92,7 @@ TEST_CASE("an installation folder tells what stands in it") {
         CHECK(tree.Content().kind == Kind::EarlierBuild);
         RemoveFile(path);
     }
-    // The mark stays until something else tells that a build made the tree.
+    // The mark stays until something else shows that a build made the tree.
     tree.Mark();
     CHECK(tree.Content().kind == Kind::EarlierBuild);
     tree.Unmark();

@@ -48,7 +48,7 @@ TEST_CASE("a good catalogue has no problems, and the verdict says what it vouche
         CheckCatalogue(catalogue, {factsOf, {}}, {"Install", "Base", "Plugin", "Categories"});
     CHECK(check.problems.empty());
     CHECK(check.archivesGood == 1);
-    CHECK(check.Verdict().ends_with("known of the 1 archive that a build downloads."));
+    CHECK(check.Verdict().ends_with("Not checked: the 1 archive that a build downloads."));
     // What an emptied list keeps is no entry.
     catalogue.plugins = {CatalogueEntry()};
     CHECK(CheckCatalogue(catalogue, {factsOf, {}}).problems.empty());

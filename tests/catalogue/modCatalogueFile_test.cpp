@@ -71,7 +71,7 @@ TEST_CASE("sections and keys count by position, whatever their names") {
 }
 
 TEST_CASE("what cannot be read ends the reading with a sentence; what came before stays") {
-    // A missing key shifts the rest: an address stands where a truth value should.
+    // A missing key shifts the rest: an address is where a truth value should be.
     auto [shifted, problem] = Load(kInstall + std::string("[B]\r\n") + kEntry +
                                    "n2=S\r\ne2=1\r\nl2=0\r\n" + kPlugins + kCategories);
     CHECK(problem.find("section [B]") != std::string::npos);
@@ -185,10 +185,10 @@ TEST_CASE("a catalogue with one line changed for the worse says which") {
              Row{"Name0=Base ", "Name0=" + longText, "of the value's 255 characters only 254"},
              Row{"[Plugin]", "[Base]", "two sections [Base]"},
              Row{"[Plugin]", "[Base]x", "two sections [Base]"},
-             Row{"[Plugin]", "Plugin", "is no key"},
+             Row{"[Plugin]", "Plugin", "is not a key"},
              Row{"[Plugin]", "[Plugin", "has no \"]\""},
              Row{"Zip1=m.zip ", "Zip0=m.zip ", "key Zip0 twice"},
-             Row{"Zip1=m.zip ", "Zip3=m.zip ", "key Zip3: it stands where Zip1 is expected"},
+             Row{"Zip1=m.zip ", "Zip3=m.zip ", "key Zip3: it is where Zip1 is expected"},
              Row{"200=200_more", "100=200_more", "key 100 twice"},
              Row{"Folder=VeskLive", "Path2=x\r\nFolder=VeskLive", "where Path is expected"},
              Row{"200=200_more", "200=200_more\r\n" + manySections, "the list of sections has"},
@@ -284,7 +284,7 @@ TEST_CASE("a catalogue in another encoding is read as the system reads it") {
     text.replace(text.find("b.zip"), 5, std::string("b\0zip", 5));
     const CatalogueLoad cut = LoadText(folder, text, catalogue);
     CHECK(cut.state == CatalogueState::Partial);
-    CHECK(cut.sentence.find("does not read it as it is written") != std::string::npos);
+    CHECK(cut.sentence.find("reads it differently") != std::string::npos);
 }
 
 TEST_CASE("section names beyond the list's 254 characters are cut off") {

@@ -27,7 +27,7 @@ TEST_CASE("a list of digests is read as sha256sum writes it, and what is not is 
         const Sha256Text bad = ParseSha256Text("\n" + line + "\n");
         CHECK(bad.digests.empty());
         REQUIRE(bad.faults.size() == 1);
-        CHECK(bad.faults[0] == "line 2 is no SHA-256 digest and name");
+        CHECK(bad.faults[0] == "line 2 is not a SHA-256 digest and a name");
     }
     const Sha256Text both = ParseSha256Text(kOne + "  a.zip\n" + kTwo + "  A.zip\n");
     CHECK(both.faults.size() == 1);

@@ -223,7 +223,7 @@ class Builds(ProgramTest):
         self.assertEqual(contents_below(self.tree), local)
 
 
-# Which is told apart from the second by what it writes; "[ab]" is too short to end a section.
+# It differs from the second in what it writes; "[ab]" is too short to end a section.
 FIRST_SCRIPT = script(
     "[Other]", "dirmake,%ProgramPath%\\never", "[BASE]",
     "regwrite,HKCU,0x0,Software\\Vesk Builder Test",

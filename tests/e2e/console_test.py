@@ -55,7 +55,7 @@ class Console(ProgramTest):
         for arguments in (["--yes"], [], ["--yes", "--quiet"]):
             code, lines, errors = self.build(*arguments)
             self.assertEqual((code, lines), (64, []))
-            self.assertIn("it holds 2 files that no build made: --replace-foreign", errors)
+            self.assertIn("it holds 2 files that no build made; --replace-foreign", errors)
             self.assertEqual(sorted(contents_below(self.tree)), ["letter.txt", "sub/photo.jpg"])
         code, _, errors = self.build("--no", "--replace-foreign")
         self.assertEqual(code, 3)
@@ -123,7 +123,7 @@ class Console(ProgramTest):
             self.program / "pebuilder3110a.zip", {"pebuilder.exe": "x"}))], [entry], categories)
         code, lines, errors = self.run_program("--check")
         self.assertEqual((code, len(lines), errors), (0, 1, ""))
-        self.assertIn("2 archives are present with the right CRC-32", lines[0])
+        self.assertIn("2 archives are present, with the right CRC-32", lines[0])
         (self.program / "two.zip").write_bytes(b"damaged")
         code, lines, errors = self.run_program("--check", "--quiet")
         self.assertEqual((code, len(lines), errors), (1, 2, ""), lines)
@@ -157,7 +157,7 @@ class Console(ProgramTest):
         self.write_small_catalogue()
         text = catalogue.read_text()
         catalogue.write_text(text.replace("CRC0=", "CRC0", 1))  # PE Builder's would be unknown
-        refused("is no key")
+        refused("is not a key")
         catalogue.write_text(text.replace("Enabled1=0", "Enabled1=maybe"))
         refused('key Enabled1: "maybe"')
         code, lines, errors = self.build("--yes", "--replace-foreign", "--partial")
@@ -209,7 +209,7 @@ class Console(ProgramTest):
             connection.close()
             first.wait(50)
         self.assertEqual((code, lines), (64, []))
-        self.assertRegex(errors, r"Another build is at work in .*: veskbuild.exe, process \d+")
+        self.assertRegex(errors, r"Another build is running in .*: veskbuild.exe, process \d+")
         self.assertEqual(self.build("--yes", "--disable", "Far")[0], 0)
 
     def test_program_folder_outside_the_code_page(self):
@@ -239,7 +239,7 @@ class Console(ProgramTest):
                  windows_path(self.tree)], stdin=subprocess.DEVNULL, stdout=full,
                 stderr=subprocess.PIPE, timeout=60, check=False)
         self.assertEqual(result.returncode, 1)
-        self.assertIn(b"the log could not be printed whole", result.stderr)
+        self.assertIn(b"the log could not be printed in full", result.stderr)
 
     def test_help_and_version(self):
         code, lines, _ = self.run_program("--help")

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The commands of the read-me and the guide, run as a reader would: those marked "run: returns N"."""
+"""The commands of the guide, run as a reader would: those marked "run: returns N"."""
 
 import re
 import shlex
@@ -28,7 +28,7 @@ class Guide(SampleTest):
                     self.assertEqual(got, int(code), (lines, errors))
 
     def test_what_it_quotes_is_what_the_programs_say(self):
-        """Each line of the log and each problem in its tables stands in the sources."""
+        """Each line of the log and each problem in its tables is in the sources."""
         rows = re.findall(r"^\| `([^`]+)` \|", (TOP / "docs/guide.md").read_text("utf-8"),
                           re.MULTILINE)
         sources = "".join(path.read_text("utf-8") for path in sorted((TOP / "src").rglob("*.cpp")))

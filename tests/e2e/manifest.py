@@ -1,4 +1,4 @@
-"""What a build left behind, as text: to be compared with a manifest that stands in tests/data/builds.
+"""What a build left behind, as text: to be compared with a manifest in tests/data/builds.
 
     == log          the lines of the build log
     == problems     what was told on the error output

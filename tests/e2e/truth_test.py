@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""What a build did not do is told, each thing once, and nothing else is: on the error output, in the
+"""What a build did not do is reported, each thing once, and nothing else is: on the error output, in the
 exit code, and in the file beside the log."""
 
 import hashlib
@@ -60,7 +60,7 @@ class Truth(ProgramTest):
         return code, problems, lines
 
     def damaged_archives(self):
-        """Archives that cannot be extracted whole, with the places and words they are told in."""
+        """Archives that cannot be extracted whole, with the places and words in their problems."""
         good = {"tool.inf": INF, "files/big.bin": BIG}
         path = self.add("bit.zip", members=good)
         content = bytearray(path.read_bytes())
@@ -91,7 +91,7 @@ class Truth(ProgramTest):
                 ("method.zip: files\\big.bin: not extracted, ", 1), ("text.zip: not extracted, ", 1),
                 ("junk.cab: not extracted", 1), ("empty.cab: not extracted", 1),
                 ("names.zip: ", 3), ("twice.zip: ", 1),
-                ("void.zip: not extracted, there is nothing", 1), ("other.rar: not extracted, ", 1),
+                ("void.zip: not extracted, it is empty", 1), ("other.rar: not extracted, ", 1),
                 ("gone.zip: not installed, ", 1)]
 
     def test_failing_archives(self):
@@ -151,7 +151,7 @@ class Truth(ProgramTest):
         tree, why = windows_path(self.tree) + "\\", ", it is UTF-16 text"
         one, boot = tree + "Plugin\\100_tools\\one\\", "Plugin\\bootfix\\bootfix.inf"
         self.assertEqual(sorted(line.removeprefix("veskbuild: ") for line in errors.splitlines()), sorted([
-            f"{tree}a.script: not carried out to its end{why}",
+            f"{tree}a.script: not run to its end{why}",
             f"{one}marked.inf: [Append] not commented out{why}", f"{one}plain.inf: not edited{why}",
             f"{one}big.inf: not edited{why}", f"{tree}{boot}: not edited{why}",
             f"{tree}{boot.replace('Plugin', 'Plugin/100_tools', 1).replace('/', chr(92))}: "
@@ -176,7 +176,7 @@ class Truth(ProgramTest):
         code, problems, lines = self.build_plugins()
         differs = f"SHA-256 differs, expected {digest}, found {found}"
         self.assertEqual((code, problems), (1, [
-            f"{windows_path(listed)}: not read in full, line 3 is no SHA-256 digest and name",
+            f"{windows_path(listed)}: not read in full, line 3 is not a SHA-256 digest and a name",
             f"forged.zip: not installed, {differs}"]))
         self.assertIn("Warning: forged.zip CRC failed. !!!", lines)
         self.assertEqual([path.name for path in self.tree.rglob("*d.inf")], ["good.inf"])
@@ -184,15 +184,15 @@ class Truth(ProgramTest):
                                           if "forged.zip" in line][0])
         self.assertIn(f'plug-in "forged": "forged.zip": {differs}', self.run_program("--check")[1])
 
-        self.assertIn("veskbuilder.sha256: not read in full, line 3 is no SHA-256 digest and name",
+        self.assertIn("veskbuilder.sha256: not read in full, line 3 is not a SHA-256 digest and a name",
                       self.run_program("--check")[1])
 
-        # PE Builder's own archive is asked for anew, as after any difference.
+        # PE Builder's own archive is asked for again, as after any difference.
         listed.write_text(f"{digest}  pebuilder3110a.zip\n")
         code, problems, lines = self.build_plugins("--yes")
         self.assertIn("Downloading: pebuilder3110a.zip", lines)
         self.assertRegex("\n".join(problems), "pebuilder3110a.zip: not downloaded, .*; the file that "
-                                              f"was there is removed, SHA-256 differs, expected {digest}")
+                                              f"was there was removed, SHA-256 differs, expected {digest}")
         self.assertEqual(code, 5)
 
         self.base = zip_bytes(self.program / "pebuilder3110a.zip", {"pebuilder.exe": "x"})
@@ -208,7 +208,7 @@ class Truth(ProgramTest):
                                               f"OSType=1{',2' * 150}\r\nSP={'1,' * 127}\r\n"})
         code, problems, _ = self.build_plugins()
         one = windows_path(self.tree) + "\\Plugin\\100_tools\\one\\"
-        words = "not taken over whole, [{}] {}, it is longer than 254 characters"
+        words = "not taken over in full, [{}] {}, it is longer than 254 characters"
         self.assertEqual((code, problems), (1, [
             f"{one}a.inf: {words.format('PEBuilder', 'Name')}",
             f"{one}b.inf: {words.format('VeskBuilder', 'OSType')}"]))

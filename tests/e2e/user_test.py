@@ -67,7 +67,7 @@ class User(ProgramTest):
         return self.archive("pebuilder3110a.zip", Member("pebuilder.exe", "x"), *members)
 
     def test_files_that_archives_store_read_only(self):
-        """They are edited, written over, and removed with an old tree, and nothing is told."""
+        """They are edited, written over, and removed with an old tree, and nothing is reported."""
         over = [Member("old.dat", "new", attributes=READ_ONLY)]
         base = [self.pe_builder(Member("old.dat", "old", attributes=READ_ONLY),
                                 Member("input.inf", "[input]\r\nverify=0\r\n", attributes=READ_ONLY),

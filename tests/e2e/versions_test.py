@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The delivered 32-bit programs on each Windows that Wine can be told to be.
+"""The delivered 32-bit programs on each Windows that Wine can be set to.
 
     versions_test.py FOLDER UI_TESTS WINE...
 """
@@ -25,7 +25,7 @@ class Versions(SampleTest):
 
     def test_a_whole_build(self):
         source = windows_path(self.sample / "source")
-        # Windows XP is the one of the other tests; Wine 8 cannot be told to be Windows 11.
+        # Windows XP is the one of the other tests; Wine 8 cannot be set to Windows 11.
         for version in ("win2k", "vista", "win7", "win10"):
             with self.subTest(version):
                 self.become(version)

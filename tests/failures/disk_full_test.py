@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Builds, saves the log and saves the catalogue on disks that fill at any moment: it is told, and no
+"""Builds, saves the log and saves the catalogue on disks that fill at any moment: it is reported, and no
 file stands half under its final name.
 
     disk_full_test.py PROGRAM SAVE_TOOL LEVELS WINE...

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Makes single calls of a build fail and looks whether the program tells the truth about it.
+"""Makes single calls of a build fail and checks whether the program tells the truth about it.
 
     failures.py [--all | --every | --one CALL NUMBER REASON] [--only CALLS] [--share 1/2]
                 [--workers N] PROGRAM WINE...
@@ -91,7 +91,7 @@ class Builder:
         self.server.wait()
 
     def build(self, fault, places=False, fresh=True, after=None):
-        """@param fresh whether program folder and tree are made anew before
+        """@param fresh whether program folder and tree are made again before
         @param after seconds after which the program is ended"""
         report = self.folder / "report"
         report.unlink(missing_ok=True)

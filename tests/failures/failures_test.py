@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""One call of each function of the system fails: the program tells the truth all the same. `all`
+"""One call of each function of the system fails: the program still tells the truth. `all`
 tries many more."""
 
 import pathlib

@@ -115,7 +115,7 @@ class ScriptedAnswers(unittest.TestCase):
             split = answer(b"gone", "Location: " + where, status="HTTP/1.1 302 Found")
             server = self.expect(
                 lambda c, _, text=split: c.sendall(text),
-                ["Error 400 [The server leads to an address with a blank or a control character in "
+                ["Error 400 [The server redirects to an address with a blank or a control character in "
                  "it]", "Bytes 0"], b"")
             self.assertEqual(len(server.requests), 1)
         server = self.expect(lambda c, _: c.sendall(page), ["Cancelled", "Bytes 0"] * 3, None,
@@ -148,7 +148,7 @@ class ScriptedAnswers(unittest.TestCase):
             reset(connection)
 
         lines = self.through(self.serve(script), "--times", 3)
-        # Wine tells of a reset as if it were an ordinary end.
+        # Wine reports a reset as if it were an ordinary end.
         self.assertTrue(re.fullmatch(
             r"(Starting 5000 \d+ HTTP/1.1 200 OK;(Completed|Error 10054 \[Connection reset by "
             r"peer\.\]);Bytes 1000;?){3}", ";".join(lines)), lines)

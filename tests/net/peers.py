@@ -131,6 +131,6 @@ def reset(connection):
 
 
 def answer(body, *lines, status="HTTP/1.1 200 OK", length=None):
-    """A complete answer with its announced length (the real one unless told otherwise)."""
+    """A complete answer with its announced length (the real one unless stated otherwise)."""
     head = [status, f"Content-Length: {len(body) if length is None else length}", *lines]
     return "\r\n".join(head).encode() + b"\r\n\r\n" + body

@@ -112,7 +112,7 @@ class Sessions(unittest.TestCase):
              "HTTP/1.1 404 Not Found"),
             ("led into a request", page(b"", status="HTTP/1.1 302 Found\r\n"
                                         "Location: http://h/x\nX-Evil: 1"), FAILED, FAILED,
-             "HTTP/1.1 302 Found, the server leads to an address with a blank or a control "
+             "HTTP/1.1 302 Found, the server redirects to an address with a blank or a control "
              "character in it"),
         ])
 
@@ -144,7 +144,7 @@ class Sessions(unittest.TestCase):
                     self.target.write_bytes(OLD)
                     continue
                 self.assertEqual(size, str(len(OLD)))
-                # Wine tells of a reset as if it were an ordinary end.
+                # Wine reports a reset as if it were an ordinary end.
                 self.assertRegex(why, "connection reset by peer|" + (
                     f"{came:,} of 4,096 bytes came$" if came >= 0 else
                     "closed without an answer$" if came == -len(HEAD) else "no HTTP header, a text"))
@@ -252,7 +252,7 @@ class Sessions(unittest.TestCase):
         for crc, expected in ((CRC, CRC_DIFFERS), (None, FAILED)):
             (result, _, partial, why), = self.run_tool(proxy, [(crc, "http://h/x")])
             self.assertEqual((result, partial), (expected, "512"))
-            # Wine tells of a reset as if it were an ordinary end.
+            # Wine reports a reset as if it were an ordinary end.
             self.assertRegex(why, "(connection reset by peer, )?512 of 4,096 bytes came$")
 
     def test_files(self):

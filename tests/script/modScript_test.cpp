@@ -57,7 +57,7 @@ dirmake,%ProgramPath%\not
     CHECK(log.back() == "  Directory Create: " + (folder / "made"));
     CHECK(FolderExists(folder / "made"));
     CHECK_FALSE(FolderExists(folder / "not"));
-    // What was not done is told, though nothing of it ends the script.
+    // What was not done is reported, though none of it ends the script.
     REQUIRE(problems.size() == 3);
     CHECK(problems[0].find("Demo\\Expand not written, ") != std::string::npos);
     CHECK(problems[1].find("None\\Lost not written, ") != std::string::npos);

@@ -15,6 +15,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <iterator>
 #include <utility>
 
 namespace vesk {
@@ -232,7 +234,8 @@ void clsEntryFrame::TakeSha256(const std::string& path) const {
         UpdateSha256List(programPath_, FileNameOf(path));
     } catch (const Failure& failure) {
         ShowMessage(dialog_,
-                    std::string("The archive's SHA-256 is not noted: ") + failure.what() + ".",
+                    std::string("The archive's SHA-256 could not be recorded: ") + failure.what() +
+                        ".",
                     kTitle, MB_OK | MB_ICONWARNING);
     }
 }
@@ -249,7 +252,7 @@ std::string clsEntryFrame::BroughtHere(const std::string& path) const {
         return {};
     }
     const std::string replaced =
-        FileExists(here) ? "\r\nThe file of that name that is there now is replaced." : "";
+        FileExists(here) ? "\r\nThe file of that name that is there now will be replaced." : "";
     const int answer =
         ShowMessage(dialog_,
                     path +

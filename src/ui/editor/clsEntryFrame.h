@@ -5,6 +5,7 @@
 
 #include <windows.h>
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -24,7 +25,7 @@ public:
     /// Takes over the frame's controls of a dialog.
     void Attach(HWND dialog, const clsToolTips& tips);
 
-    /// Shows the list and its selected entry anew.
+    /// Shows the list and its selected entry again.
     void Show();
 
     /// Shows an entry and gives the keyboard to its name.

@@ -9,6 +9,9 @@
 #include "ui/resources/ids.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <string>
+#include <vector>
 
 namespace vesk {
 
@@ -103,9 +106,8 @@ void frmCategories::Remove() {
     const std::string key = categories_.OriginalKey();
     const std::size_t users = key.empty() ? 0 : editor_.PluginsIn(key);
     const std::string question = "The category '" + Shortened(category->key) + "' holds " +
-                                 std::to_string(users) +
-                                 (users == 1 ? " plug-in, which is" : " plug-ins, which are") +
-                                 " then in none. Remove it all the same ?";
+                                 std::to_string(users) + (users == 1 ? " plug-in" : " plug-ins") +
+                                 ", then left without a category. Remove it anyway ?";
     if (users == 0 || ShowMessage(Window(), question, kTitle, MB_YESNO | MB_ICONQUESTION) == IDYES)
         categories_.Remove();
 }

@@ -4,8 +4,6 @@
 #include "catalogue/clsCategoryEditor.h"
 #include "ui/kit/clsListDialog.h"
 
-#include <string>
-
 namespace vesk {
 
 /// Edits the catalogue's categories: what the plug-in folder is divided into, and whether PE

@@ -4,6 +4,7 @@
 #include "ui/kit/modWindow.h"
 #include "ui/resources/ids.h"
 
+#include <cstddef>
 #include <utility>
 
 namespace vesk {

@@ -16,7 +16,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <exception>
 #include <initializer_list>
+#include <utility>
 
 namespace vesk {
 
@@ -97,7 +100,7 @@ void frmSetup::BeginFromNothing() {
 }
 
 void frmSetup::ExplainCatalogue() const {
-    const char* const advice = "Only what could be read is shown. Apply asks before it writes over "
+    const char* const advice = "Only what could be read is shown. Apply asks before it overwrites "
                                "the rest.";
     if (told_)
         SetText(Control(IDC_LBL_STATE), "Not all of the file could be read.");
@@ -158,7 +161,7 @@ void frmSetup::AddTips() {
     tips_.Add(IDC_CMD_CHECK, "Lists what would go wrong in a build");
     tips_.Add(IDC_CMD_CATEGORIES, "What the plug-in folder is divided into");
     tips_.Add(IDC_CMD_APPLY, "Writes the catalogue file");
-    tips_.Add(IDC_CMD_DISCARD, "Drops all edits since the last Apply");
+    tips_.Add(IDC_CMD_DISCARD, "Discards all edits since the last Apply");
 }
 
 void frmSetup::ShowAll() {
@@ -179,7 +182,7 @@ void frmSetup::EnableWhatWorks() {
     baseFrame_.EnableButtons();
     pluginFrame_.EnableButtons();
     const bool modified = editor_.IsModified();
-    // A damaged file can be written anew as it is shown, without an edit.
+    // A damaged file can be saved as it is shown, without an edit.
     const bool maySave = modified || !file_.IsWhole();
     const HWND heir = lastField_ && IsWindowEnabled(lastField_) ? lastField_ : Control(IDCANCEL);
     // The caret is to stay where it was: not through WM_NEXTDLGCTL, which selects the whole text.
@@ -230,7 +233,7 @@ bool frmSetup::Apply() {
 void frmSetup::Discard() {
     editor_.Revert();
     ShowAll();
-    ShowState("Edits dropped.");
+    ShowState("Edits discarded.");
 }
 
 bool frmSetup::MayLeave() {
@@ -263,7 +266,7 @@ void frmSetup::cmdButtons_Click(int index) {
     ShowState("");
 }
 
-/// Who moves entries with the mouse is told where they are by now.
+/// Shows whoever moves entries with the mouse where they are by now.
 void frmSetup::ShowPlaceTip() {
     KillTimer(Window(), kTimer1);
     POINT cursor{};
@@ -275,7 +278,7 @@ void frmSetup::ShowPlaceTip() {
 void frmSetup::cmdActions_Click(int index) {
     switch (index) {
     case 0:
-        (void)Apply(); // a failure was told
+        (void)Apply(); // a failure was shown
         return;
     case 1:
         return Discard();

@@ -18,7 +18,7 @@ namespace vesk {
 /// the catalogue file.
 class frmSetup : public clsDialog {
 public:
-    /// @param told the user knows already what is wrong with the catalogue's file
+    /// @param told the user has already been shown what is wrong with the catalogue's file
     explicit frmSetup(const ProgramPaths& paths, bool told = false);
 
     /// Shows the window; it ends the thread's message loop when it closes.

@@ -10,9 +10,9 @@ namespace vesk {
 
 /// A dialog, modal or modeless, or a page within one. The object owns the window and may outlive
 /// it. Its text fields take any letter, also one that the code page lacks (see TextOf).
-/// A handler may destroy the window; the object has to outlive its handlers, so a dialog is no
-/// member of what its handlers destroy. No failure in a handler leaves the window procedure: it is
-/// shown to the user there.
+/// A handler may destroy the window; the object has to outlive its handlers, so a dialog must not
+/// be a member of what its handlers destroy. No failure in a handler leaves the window procedure:
+/// it is shown to the user there.
 class clsDialog {
 public:
     clsDialog() = default;

@@ -37,7 +37,7 @@ public:
     /// Takes over a list view of a dialog and shows the content.
     void Attach(HWND list, Content content);
 
-    /// Shows the content anew, after lines came, went or changed. The selection stays.
+    /// Shows the content again, after lines came, went or changed. The selection stays.
     void Refresh();
 
     /// What is said in place of lines from now on.

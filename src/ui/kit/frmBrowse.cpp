@@ -28,8 +28,8 @@ std::string UsablePath(const std::wstring& chosen) {
     if (const auto exact = NarrowedExactly(chosen))
         return *exact;
     throw Failure(ERROR_NO_UNICODE_TRANSLATION, "frmBrowse",
-                  "What was chosen has a letter in its name or above it that the code page of this "
-                  "system lacks, and cannot be used: " +
+                  "What was chosen has a letter in its path that the system's code page lacks, and "
+                  "cannot be used: " +
                       Narrowed(chosen));
 }
 

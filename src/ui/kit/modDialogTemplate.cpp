@@ -5,6 +5,7 @@
 #include "ui/kit/modResolution.h"
 #include "ui/kit/modWindow.h"
 
+#include <cstddef>
 #include <cstring>
 #include <string>
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -8,7 +9,7 @@ namespace vesk {
 
 /// The word around a caret position: from just after the previous blank (a line break does not end
 /// it there) to just before the next blank or line break, without blanks at its ends. Empty when
-/// the caret stands on a blank.
+/// the caret is on a blank.
 /// @param caret characters before the caret; at the text's end the last word is meant
 std::string WordAtCaret(std::string_view text, std::size_t caret);
 

@@ -7,7 +7,7 @@ namespace vesk {
 /// The legal notice of the running program's version record; empty when it has none.
 std::string LegalNotice();
 
-/// The system's major version, as far as it tells this program.
+/// The system's major version, as this program is shown it.
 unsigned SystemMajorVersion();
 
 } // namespace vesk

@@ -5,6 +5,7 @@
 #include "ui/kit/modBoxText.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 
 namespace vesk {

@@ -18,8 +18,8 @@ using MenuHandle = UniqueHandle<::DestroyMenu, HMENU>;
 /// The program's instance, whose resources the windows use.
 HINSTANCE ProgramInstance();
 
-/// Text of a window or control, whatever its length. A letter that the code page lacks is a "?":
-/// a letter like it would be another name, and "?" is in none.
+/// Text of a window or control, whatever its length. A letter that the code page lacks becomes a
+/// "?", because a similar letter would make another name, and no name has a "?".
 std::string TextOf(HWND window);
 std::wstring WideTextOf(HWND window);
 
@@ -38,14 +38,14 @@ void SetWindowIcon(HWND window);
 /// The size of a window's inside.
 SIZE InnerSize(HWND window);
 
-/// Where a control stands in its dialog's client area.
+/// Where a control is in its dialog's client area.
 RECT AreaOf(HWND control);
 
 /// The room that programs have on the monitor of a window; on the main one for null.
 RECT WorkAreaOf(HWND window);
 
-/// Puts a text on the clipboard. @throws Failure when another program holds that and does not let
-/// go
+/// Puts a text on the clipboard. @throws Failure when another program keeps the clipboard
+/// open
 void PutOnClipboard(HWND owner, const std::string& text);
 
 /// Centres a window over its owner, or on the work area when it has none or a hidden one, and
@@ -59,12 +59,12 @@ void DispatchForDialogs(MSG& message);
 /// loop.
 void RunPendingEvents();
 
-/// For a page within a dialog, to be told of BN_SETFOCUS and BN_KILLFOCUS: makes the page's button
-/// that has the keyboard the default one, and the dialog's own button again when it goes. The
-/// system looks for both among the dialog's direct children only.
+/// For a page within a dialog, to be called at BN_SETFOCUS and BN_KILLFOCUS: makes the page's
+/// button that has the keyboard the default one, and the dialog's own button again when it goes.
+/// The system looks for both among the dialog's direct children only.
 void FollowFocus(HWND button, int notification, int defaultId);
 
-/// Tells the user of a failure that nobody else handles, in a box over a window's dialog.
+/// Shows the user a failure that nobody else handles, in a box over a window's dialog.
 void ShowFailure(HWND window, const std::exception& failure);
 
 /// A message box; long words in it are broken. @return the button, IDOK ...

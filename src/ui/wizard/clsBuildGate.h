@@ -14,7 +14,7 @@ namespace vesk {
 class pagBaseComponents;
 
 /// What stands between the wizard's choices and a build: whether the folder can be built into, what
-/// the user has to be told before, and what the build then works on.
+/// the user has to be warned of before, and what the build then works on.
 class clsBuildGate {
 public:
     /// All of them outlive the object. @param programPath ends in "\"
@@ -25,8 +25,8 @@ public:
     /// The installation folder that is chosen now. @throws FolderRefused
     [[nodiscard]] ChosenFolder LookAtFolder() const;
 
-    /// What is lost by a build into the folder, and whether the build can come to anything; empty
-    /// when there is nothing to be told. Reads PE Builder's archive.
+    /// What a build into the folder would delete, and whether its result can be used; empty
+    /// when there is nothing to warn of. Reads PE Builder's archive.
     std::string WarningOf(const ChosenFolder& chosen);
 
     /// @throws FolderRefused when the catalogue cannot be built from at all

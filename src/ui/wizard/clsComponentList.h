@@ -40,8 +40,8 @@ public:
 
     [[nodiscard]] int LineCount() const;
 
-    /// Reads anew which archives lie in the program folder. Their checksums follow one by one while
-    /// the list is shown, so that the window stays alive.
+    /// Reads again which archives are in the program folder. Their checksums follow one by one
+    /// while the list is shown, so that the window stays alive.
     void RefreshStates();
 
 private:

@@ -6,6 +6,7 @@
 #include "ui/resources/ids.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <utility>
 
 namespace vesk {

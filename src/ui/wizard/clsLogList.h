@@ -16,7 +16,7 @@ namespace vesk {
 class clsLogList {
 public:
     /// @param log outlives the list
-    /// @param programPath where the log file lies
+    /// @param programPath folder of the log file
     clsLogList(const clsBuildLog& log, std::string programPath);
 
     /// Takes over a multi-selection list box of a dialog.
@@ -25,7 +25,7 @@ public:
     /// Shows lines that were added to the log and makes the last one the current line.
     void ShowLines(const std::vector<std::string>& lines);
 
-    /// Makes the first line that tells of something wrong the current line, so that it is in sight.
+    /// Makes the first line that reports something wrong the current line, so that it is in sight.
     void ShowFirstWarning() const;
 
     /// Opens the context menu. @param position of the mouse on the screen; (-1, -1) when the

@@ -7,6 +7,7 @@
 #include "ui/wizard/frmPassword.h"
 #include "ui/wizard/frmProgress.h"
 
+#include <cstddef>
 #include <exception>
 #include <utility>
 
@@ -51,9 +52,9 @@ void clsWizardBuild::Run() {
     } catch (const std::exception& failure) {
         if (!over_) {
             const std::string reason = ReasonOf(failure);
-            ReportProblem({inputs_->installFolder.Path(), "the build broke off", reason});
+            ReportProblem({inputs_->installFolder.Path(), "not finished", reason});
             EnterFinishedState({BuildEnding::InstallFailed, false, false, problems_.size(),
-                                "the build broke off, " + reason});
+                                "the build failed, " + reason});
         }
     }
     run_.reset();

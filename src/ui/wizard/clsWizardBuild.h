@@ -17,7 +17,7 @@
 namespace vesk {
 
 /// The build of a wizard: the build run works through it. It shows the log on the build page, asks
-/// the questions over the wizard's window, downloads, and saves what there is to tell.
+/// the questions over the wizard's window, downloads, and saves log and problems.
 class clsWizardBuild : private BuildFrontEnd {
 public:
     /// What is done once the run is over; the log is saved after that.
@@ -33,7 +33,7 @@ public:
     /// @throws FolderRefused when another build is at work in the folder
     void Prepare(const BuildInputs& inputs, Catalogue& catalogue);
 
-    /// Runs what was made ready, to its end. Whatever becomes of it, `ended` is told once.
+    /// Runs what was made ready, to its end. Whatever becomes of it, `ended` is called once.
     void Run();
 
     /// What was not done, in the order in which it happened.

@@ -16,6 +16,7 @@
 #include "ui/wizard/pagWelcome.h"
 
 #include <array>
+#include <cstddef>
 #include <initializer_list>
 #include <utility>
 
@@ -71,7 +72,7 @@ void frmBuilder::ExplainCatalogue() {
         return;
     }
     const std::string found =
-        load_.fault.empty() ? "The catalogue names no base component" : load_.fault;
+        load_.fault.empty() ? "The catalogue has no base component" : load_.fault;
     const int answer = ShowMessage(
         Window(),
         found + ".\r\n\r\nThere is nothing to build without a catalogue. Do you want to "
@@ -257,8 +258,8 @@ BuildInputs frmBuilder::CollectInputs() {
     const std::string warning = gate_->WarningOf(chosen);
     if (warning != summaryPage_->Warning()) {
         summaryPage_->SetWarning(warning);
-        throw FolderRefused("What is to be told of this build has changed: " +
-                            chosen.folder.Path() + ". Look at this page again before you go on.");
+        throw FolderRefused("The warning about this build has changed: " + chosen.folder.Path() +
+                            ". Read this page again before you go on.");
     }
     return gate_->InputsFor(chosen);
 }
@@ -268,8 +269,8 @@ bool frmBuilder::AcceptsPartialCatalogue() {
            ShowMessage(
                Window(),
                "The catalogue was read only in part: " + load_.sentence +
-                   "\r\n\r\nWhat was not read is not in the build. Do you want to build all "
-                   "the same?",
+                   "\r\n\r\nWhat was not read will not be in the build. Do you want to build "
+                   "anyway?",
                kProductName, MB_YESNO | MB_ICONWARNING | MB_DEFBUTTON2) == IDYES;
 }
 

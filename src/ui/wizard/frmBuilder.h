@@ -11,7 +11,6 @@
 #include "ui/wizard/clsPageHeading.h"
 #include "ui/wizard/modNavigation.h"
 
-#include <cstddef>
 #include <memory>
 #include <string>
 

@@ -8,8 +8,8 @@ namespace vesk {
 
 namespace {
 
-constexpr const char* kHint = "With Cancel, what it locks is left out of the build.";
-constexpr const char* kForeign = "The code page of this system lacks a letter of this password.";
+constexpr const char* kHint = "With Cancel, encrypted files are left out of the build.";
+constexpr const char* kForeign = "This password has a letter that the system's code page lacks.";
 
 } // namespace
 
@@ -23,7 +23,7 @@ void frmPassword::OnCreated() {
     SetText(Window(), kPasswordTitle);
     const std::string question =
         wrongBefore_ ? "This is not the password of " + archiveName_ + ". Try again."
-                     : archiveName_ + " is locked with a password.";
+                     : archiveName_ + " is protected by a password.";
     SetText(Control(IDC_LBL_PASSWORD), question);
     EnableWindow(Control(IDOK), FALSE);
     CenterWindow(Window());

@@ -5,6 +5,9 @@
 #include "ui/resources/ids.h"
 #include "ui/wizard/modNavigation.h"
 
+#include <cstddef>
+#include <string>
+
 namespace vesk {
 
 namespace {

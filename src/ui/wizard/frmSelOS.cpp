@@ -4,6 +4,9 @@
 #include "ui/kit/modWindow.h"
 #include "ui/resources/ids.h"
 
+#include <cstddef>
+#include <string>
+
 namespace vesk {
 
 namespace {
@@ -44,7 +47,7 @@ void frmSelOS::OnCreated() {
 
 void frmSelOS::Scan() {
     if (scanning_)
-        return; // the scan before has not noticed yet that it was stopped: it starts anew itself
+        return; // the scan before has not noticed yet that it was stopped: it restarts itself
     {
         const ScopeFlag scanning(scanning_);
         do {

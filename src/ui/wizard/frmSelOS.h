@@ -7,6 +7,7 @@
 #include "ui/kit/clsReportList.h"
 
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace vesk {

@@ -10,7 +10,7 @@ std::string ChosenFolder::Warning() const {
     if (!IsForeign())
         return {};
     return "The installation folder was not made by a build: " + content.ForeignWords() +
-           ". Everything in it is deleted for good when the build starts.";
+           ". Everything in it is permanently deleted when the build starts.";
 }
 
 namespace {
@@ -35,9 +35,9 @@ ChosenFolder LookAtFolder(const std::string& text, const std::string& programPat
     ChosenFolder chosen{folder, folder.Content()};
     if (chosen.IsForeign() && folder.KeepsForeign())
         throw FolderRefused(
-            "The installation folder lies among installed programs, and " +
-            chosen.content.ForeignWords() +
-            ". There only a folder that a build made can be emptied: " + folder.Path());
+            "The installation folder is among installed programs, where only a folder that a "
+            "build made can be emptied, and " +
+            chosen.content.ForeignWords() + ": " + folder.Path());
     return chosen;
 }
 

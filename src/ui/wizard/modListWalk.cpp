@@ -3,6 +3,7 @@
 #include "base/Failure.h"
 
 #include <algorithm>
+#include <cstdint>
 
 namespace vesk {
 

@@ -68,17 +68,18 @@ EndingHeading HeadingOf(const BuildOutcome& outcome) {
     const std::string why = outcome.reason.empty() ? "" : ": " + outcome.reason;
     switch (VerdictOf(outcome)) {
     case BuildVerdict::Whole:
-        return {"Built Whole", "Everything is in the build folder, which is ready for PE Builder."};
+        return {"Build Complete",
+                "Everything is in the build tree, which is ready for PE Builder."};
     case BuildVerdict::WithProblems:
         return {"Built, with " + ProblemCount(outcome.problems),
-                "Not everything is in the build folder: the list of problems tells what is missing "
+                "Not everything is in the build tree: the list of problems shows what is missing "
                 "and why."};
     case BuildVerdict::NotUsable:
         return {"Not Usable", "PE Builder's archive was not installed" + why + "."};
     case BuildVerdict::NotBuilt:
         break;
     }
-    return {"Not Built", "No usable build folder was made" + why + "."};
+    return {"Not Built", "No usable build tree was made" + why + "."};
 }
 
 std::string ProblemCount(std::size_t problems) {

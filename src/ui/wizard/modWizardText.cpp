@@ -3,10 +3,7 @@
 #include "base/modText.h"
 #include "net/modDownloadText.h"
 
-#include <algorithm>
-#include <array>
 #include <cctype>
-#include <cstdio>
 #include <vector>
 
 namespace vesk {
@@ -48,7 +45,7 @@ std::string PeBuilderWarning(const CatalogueEntry& peBuilder, const ArchiveFacts
     const ArchiveState state = JudgeArchive(peBuilder, kFirst, facts);
     if (ComesIntoBuild(state))
         return {};
-    return "What is built cannot be used without PE Builder. " +
+    return "The build cannot be used without PE Builder. " +
            ArchiveSentence(peBuilder, kFirst, state);
 }
 
@@ -74,7 +71,7 @@ std::string EntryTip(const CatalogueEntry& entry, const EntryPlace& place, Archi
 std::string InBuildText(const CatalogueEntry& entry, EntryList list, ArchiveState state) {
     const bool included = entry.enabled || list == EntryList::BaseComponents;
     if (included && !ComesIntoBuild(state))
-        return "no: its archive is left out, as said above";
+        return "no: its archive is left out, see the state above";
     if (list == EntryList::BaseComponents && !entry.enabled)
         return "yes: a build installs every base component, ticked or not";
     if (entry.lock)

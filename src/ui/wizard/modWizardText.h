@@ -13,7 +13,7 @@ namespace vesk {
 std::string WelcomeText(const std::string& versionText, const std::string& legalNotice,
                         const std::string& storedText);
 
-/// What the summary page tells of the choices made.
+/// What the summary page says of the choices made.
 struct SummaryInputs {
     const Catalogue& catalogue;
     std::string installFolder;
@@ -22,7 +22,7 @@ struct SummaryInputs {
 };
 std::string SummaryText(const SummaryInputs& inputs);
 
-/// What is said before a build whose tree cannot be used, because PE Builder does not come into it;
+/// What is said before a build whose tree cannot be used, because PE Builder will not be in it;
 /// empty when it does, or may. @param facts of its archive, checksum included
 std::string PeBuilderWarning(const CatalogueEntry& peBuilder, const ArchiveFacts& facts);
 
@@ -33,7 +33,7 @@ std::string StateText(const CatalogueEntry& entry, const EntryPlace& place, Arch
 /// The tool tip of a line: archive, address, CRC, and what a build does about the archive.
 std::string EntryTip(const CatalogueEntry& entry, const EntryPlace& place, ArchiveState state);
 
-/// Whether a build includes an entry, and why when its tick alone does not tell.
+/// Whether a build includes an entry, and why, when its tick alone does not decide.
 std::string InBuildText(const CatalogueEntry& entry, EntryList list, ArchiveState state);
 
 /// Speed of a download and the time it still takes, each as far as known.

@@ -55,8 +55,8 @@ void pagBaseComponents::OnCreated() {
 void pagBaseComponents::RequireUsableLetters() const {
     if (HoldsForeignLetters(Control(IDC_TXT_PROG_PATH)))
         throw FolderRefused(
-            "The installation folder's name has a letter that the code page of this "
-            "system lacks. Choose a name without it: " +
+            "The installation folder's name has a letter that the system's code page "
+            "lacks. Choose a name without it: " +
             InstallFolder());
 }
 

@@ -32,11 +32,11 @@ public:
     /// Shows the installation folder as it is meant.
     void ShowInstallFolder(const std::string& folder);
 
-    /// Gives the keyboard to the installation folder, to be typed anew.
+    /// Gives the keyboard to the installation folder, to be typed again.
     void FocusInstallFolder() const;
 
 private:
-    /// What the colour of the source folder's text tells.
+    /// What the colour of the source folder's text means.
     enum class SourceColour { Plain, Usable, Unusable };
 
     INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;

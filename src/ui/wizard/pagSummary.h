@@ -7,7 +7,7 @@
 
 namespace vesk {
 
-/// The page that tells what will be built, and above that what will be lost.
+/// The page that shows what will be built, and above that what will be lost.
 class pagSummary : public clsDialog {
 public:
     explicit pagSummary(HWND wizard);

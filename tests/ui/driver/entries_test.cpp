@@ -176,14 +176,14 @@ TEST_CASE("the check goes through the edited catalogue and leads to the entry") 
 
     editor.Choose(IDC_CMB_BASE_PLUGIN + kCategory, 0);
     editor.Click(IDC_CMD_DISCARD);
-    REQUIRE(editor.Says("Edits dropped."));
+    REQUIRE(editor.Says("Edits discarded."));
     editor.Choose(IDC_CMB_BASE_PLUGIN, 1);
     editor.Choose(IDC_CMB_BASE_PLUGIN + kCategory, 0);
     RemoveFile(digests);
     editor.Click(IDC_CMD_CHECK);
     editor.AnswerBox("Check",
-                     "No fault found: the entries are complete, and 5 archives are present with "
-                     "the right CRC-32 and sound to the last member.",
+                     "No faults found: the entries are complete, and 5 archives are present, with "
+                     "the right CRC-32 and undamaged members.",
                      IDOK);
 }
 
@@ -274,7 +274,7 @@ TEST_CASE("buttons are enabled only while they would do something") {
     CHECK(editor.IsEnabled(IDC_CMD_APPLY));
     editor.FocusOn(IDC_CMD_DISCARD);
     editor.Click(IDC_CMD_DISCARD);
-    REQUIRE(editor.Says("Edits dropped."));
+    REQUIRE(editor.Says("Edits discarded."));
     CHECK_FALSE(editor.IsEnabled(IDC_CMD_APPLY));
     CHECK_FALSE(editor.IsEnabled(IDC_CMD_DISCARD));
 }

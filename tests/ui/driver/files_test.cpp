@@ -85,12 +85,12 @@ TEST_CASE("a catalogue is begun from nothing, and not written before Apply") {
     CHECK(editor.Items(IDC_CMB_BASE_PLUGIN + kCategory).size() ==
           5); // and the empty plug-in's none
     editor.Click(IDC_CMD_CHECK);
-    CHECK(WizardDriver::BoxText(editor.AwaitDialog("Check")).starts_with("No fault found"));
+    CHECK(WizardDriver::BoxText(editor.AwaitDialog("Check")).starts_with("No faults found"));
     WizardDriver::Answer(editor.AwaitDialog("Check"), IDOK);
     CHECK_FALSE(FileExists(file));
     SUBCASE("dropped") {
         editor.Click(IDC_CMD_DISCARD);
-        REQUIRE(editor.Says("Edits dropped."));
+        REQUIRE(editor.Says("Edits discarded."));
         CHECK(editor.Items(IDC_CMB_BASE) == Names{""});
         editor.Click(IDCANCEL);
         CHECK(editor.AwaitEnd() == 0);

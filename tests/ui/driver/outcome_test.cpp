@@ -144,7 +144,7 @@ TEST_CASE("the password of an archive is asked for, again while it is wrong, and
         }
         AwaitFinish(wizard);
         CHECK(FileExists(program.Tree() + "\\secret.txt") == row.opened);
-        CHECK((wizard.Heading() == "Built Whole") == row.opened);
+        CHECK((wizard.Heading() == "Build Complete") == row.opened);
     }
 }
 
@@ -168,7 +168,7 @@ TEST_CASE("a folder that no build made is emptied only after the summary told wh
     wizard.Click(IDC_CMD_NEXT);
     AnswerBox(wizard, "Confirmation", IDYES);
     AwaitFinish(wizard);
-    CHECK(wizard.Heading() == "Built Whole");
+    CHECK(wizard.Heading() == "Build Complete");
     CHECK_FALSE(FileExists(mine));
 }
 
@@ -218,13 +218,13 @@ TEST_CASE("two builds do not work in one folder") {
     {
         const clsBuildLock other(folder);
         wizard.Click(IDC_CMD_NEXT);
-        CHECK(Holds(AnswerBox(wizard, "Vesk Builder", IDOK), "Another build is at work"));
+        CHECK(Holds(AnswerBox(wizard, "Vesk Builder", IDOK), "Another build is running"));
         CHECK(wizard.Heading() == kSummaryHeading);
         CHECK(wizard.IsEnabled(IDC_CMD_BACK));
     }
     wizard.Click(IDC_CMD_NEXT);
     AwaitFinish(wizard);
-    CHECK(wizard.Heading() == "Built Whole");
+    CHECK(wizard.Heading() == "Build Complete");
 }
 
 TEST_CASE("without a catalogue nothing is built, and the editor is one click away") {

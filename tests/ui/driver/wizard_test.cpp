@@ -94,7 +94,7 @@ TEST_CASE("a whole build, page by page") {
 
     wizard.Click(IDC_CMD_NEXT);
     AwaitFinish(wizard);
-    CHECK(wizard.Heading() == "Built Whole");
+    CHECK(wizard.Heading() == "Build Complete");
     CHECK_FALSE(wizard.IsShown(IDC_CMD_PROBLEMS));
     CHECK(wizard.Text(IDC_LBL_FILE) == "Done");
     CHECK(wizard.Text(IDC_LABEL3) == "Run:"); // no action any more

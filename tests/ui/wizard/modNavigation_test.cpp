@@ -89,11 +89,11 @@ TEST_CASE("the heading tells what became of a build, and why") {
     };
     for (const Row& row : {
              Row{{BuildEnding::Done, true, true, 0, ""},
-                 "Built Whole",
-                 "Everything is in the build folder, which is ready for PE Builder."},
+                 "Build Complete",
+                 "Everything is in the build tree, which is ready for PE Builder."},
              Row{{BuildEnding::Done, true, true, 1, ""},
                  "Built, with 1 Problem",
-                 "Not everything is in the build folder: the list of problems tells what is "
+                 "Not everything is in the build tree: the list of problems shows what is "
                  "missing and why."},
              Row{{BuildEnding::Done, true, true, 12, ""}, "Built, with 12 Problems", nullptr},
              Row{{BuildEnding::Done, true, false, 2, "no such host"},
@@ -101,13 +101,13 @@ TEST_CASE("the heading tells what became of a build, and why") {
                  "PE Builder's archive was not installed: no such host."},
              Row{{BuildEnding::Aborted, false, false, 1, "answered No"},
                  "Not Built",
-                 "No usable build folder was made: answered No."},
+                 "No usable build tree was made: answered No."},
              Row{{BuildEnding::Done, false, false, 1, "no network connection"},
                  "Not Built",
-                 "No usable build folder was made: no network connection."},
+                 "No usable build tree was made: no network connection."},
              Row{{BuildEnding::InstallFailed, false, false, 1, ""},
                  "Not Built",
-                 "No usable build folder was made."},
+                 "No usable build tree was made."},
          }) {
         const EndingHeading heading = HeadingOf(row.outcome);
         CHECK(heading.title == row.title);
