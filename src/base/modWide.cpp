@@ -11,8 +11,9 @@ namespace vesk {
 
 namespace {
 
+/// @param standIn for characters without a similar one; null for the system's own
 /// @param replaced receives whether a character had to be replaced; may be null
-std::string ToAnsi(std::wstring_view wide, DWORD flags, BOOL* replaced) {
+std::string ToAnsi(std::wstring_view wide, DWORD flags, const char* standIn, BOOL* replaced) {
     const int size = static_cast<int>(wide.size());
     const int length =
         WideCharToMultiByte(CP_ACP, flags, wide.data(), size, nullptr, 0, nullptr, nullptr);
@@ -20,7 +21,7 @@ std::string ToAnsi(std::wstring_view wide, DWORD flags, BOOL* replaced) {
     // A name that turned empty would be another one.
     if (size != 0 &&
         (length == 0 || WideCharToMultiByte(CP_ACP, flags, wide.data(), size, text.data(), length,
-                                            nullptr, replaced) == 0))
+                                            standIn, replaced) == 0))
         ThrowLastError("cannot turn into the system's code page:", "a text");
     return text;
 }
@@ -61,7 +62,7 @@ std::wstring WidenFromOem(std::string_view text) {
 }
 
 std::string Narrowed(std::wstring_view wide) {
-    return wide.empty() ? std::string() : ToAnsi(wide, 0, nullptr);
+    return wide.empty() ? std::string() : ToAnsi(wide, 0, nullptr, nullptr);
 }
 
 std::optional<std::string> NarrowedExactly(std::wstring_view wide) {
@@ -70,10 +71,17 @@ std::optional<std::string> NarrowedExactly(std::wstring_view wide) {
     // A system whose ANSI code page is UTF-8 knows no "exact", and needs none.
     const bool utf8 = GetACP() == CP_UTF8;
     BOOL replaced = FALSE;
-    std::string text = ToAnsi(wide, utf8 ? 0 : WC_NO_BEST_FIT_CHARS, utf8 ? nullptr : &replaced);
+    std::string text =
+        ToAnsi(wide, utf8 ? 0 : WC_NO_BEST_FIT_CHARS, nullptr, utf8 ? nullptr : &replaced);
     if (replaced != FALSE)
         return std::nullopt;
     return text;
+}
+
+std::wstring AsAnsiSees(std::wstring_view wide) {
+    if (wide.empty() || GetACP() == CP_UTF8) // which has every character
+        return std::wstring(wide);
+    return Widen(ToAnsi(wide, 0, "_", nullptr));
 }
 
 std::wstring LongPath(std::wstring_view absolute) {

@@ -24,6 +24,10 @@ std::string Narrowed(std::wstring_view wide);
 /// find their file again.
 std::optional<std::string> NarrowedExactly(std::wstring_view wide);
 
+/// The text as an ANSI function sees it: what the code page lacks has become a similar character,
+/// where it has one, and "_" elsewhere.
+std::wstring AsAnsiSees(std::wstring_view wide);
+
 /// A path for the file system's UTF-16 functions that may be longer than MAX_PATH and is not
 /// changed on its way ("\\?\C:\..."). @param absolute without ".", ".." and "/"
 std::wstring LongPath(std::wstring_view absolute);

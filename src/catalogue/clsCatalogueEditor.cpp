@@ -1,5 +1,6 @@
 #include "catalogue/clsCatalogueEditor.h"
 
+#include "base/modText.h"
 #include "catalogue/modArchiveState.h"
 
 #include <algorithm>
@@ -12,7 +13,7 @@ namespace vesk {
 std::string CategoryItem::Text() const {
     if (key.empty() && caption.empty())
         return "(none)";
-    if (key == caption) // a category's own caption never holds its key
+    if (!isKnown)
         return key + " (no such category)";
     return caption.empty() ? key : key + " - " + caption;
 }
@@ -24,6 +25,17 @@ namespace {
 void KeepOne(std::vector<CatalogueEntry>& entries) {
     if (entries.empty())
         entries.emplace_back();
+}
+
+/// Readers get texts back without the blanks around them.
+void TrimTexts(Catalogue& catalogue) {
+    catalogue.installFolder = TrimBlanks(catalogue.installFolder);
+    for (const EntryList list : {EntryList::BaseComponents, EntryList::Plugins}) {
+        for (CatalogueEntry& entry : EntriesOf(catalogue, list)) {
+            for (std::string* text : {&entry.name, &entry.zip, &entry.cat, &entry.url, &entry.crc})
+                *text = TrimBlanks(*text);
+        }
+    }
 }
 
 } // namespace
@@ -54,12 +66,12 @@ std::vector<CategoryItem> clsCatalogueEditor::CategoryItems() const {
     std::vector<CategoryItem> items;
     std::ranges::transform(categories_, std::back_inserter(items),
                            [](const CategoryRecord& category) {
-                               return CategoryItem{category.key, category.caption};
+                               return CategoryItem{category.key, category.caption, true};
                            });
     const CatalogueEntry* plugin = plugins_.Current();
     if (plugin != nullptr &&
         std::ranges::find(items, plugin->cat, &CategoryItem::key) == items.end())
-        items.push_back({plugin->cat, plugin->cat});
+        items.push_back({plugin->cat, "", plugin->cat.empty()});
     return items;
 }
 
@@ -83,6 +95,7 @@ void clsCatalogueEditor::Apply(const std::function<void(const Catalogue&)>& save
     Catalogue edited = Edited();
     save(edited);
     applied_ = std::move(edited);
+    Revert();
 }
 
 void clsCatalogueEditor::Revert() {
@@ -128,6 +141,7 @@ Catalogue clsCatalogueEditor::Edited() const {
     edited.plugins = plugins_.Entries();
     edited.categories = categories_;
     edited.showCategories = showCategories_;
+    TrimTexts(edited);
     return edited;
 }
 

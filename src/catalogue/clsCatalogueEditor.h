@@ -15,6 +15,7 @@ namespace vesk {
 struct CategoryItem {
     std::string key;
     std::string caption;
+    bool isKnown = true; ///< There is such a category, or none is meant.
 
     bool operator==(const CategoryItem&) const = default;
 
@@ -65,12 +66,11 @@ public:
     /// True when there is something to apply.
     [[nodiscard]] bool IsModified() const;
 
-    /// The catalogue with all edits.
+    /// The catalogue with all edits, as its file gives it back: without blanks around texts.
     [[nodiscard]] Catalogue Edited() const;
 
-    /// Hands the edited catalogue to `save`. Only when that returns the edits count as applied. The
-    /// selections stay: who applies while typing goes on in the same entry. What it throws passes
-    /// through.
+    /// Hands the edited catalogue to `save`. Only when that returns the edits count as applied, and
+    /// the first entries are selected. What it throws passes through.
     void Apply(const std::function<void(const Catalogue&)>& save);
 
     /// Discards all edits since the last Apply and selects the first entries.

@@ -13,7 +13,8 @@ namespace {
 bool IsEmptyFile(const std::string& path) {
     WIN32_FILE_ATTRIBUTE_DATA data{};
     return GetFileAttributesExA(path.c_str(), GetFileExInfoStandard, &data) != 0 &&
-           data.nFileSizeHigh == 0 && data.nFileSizeLow == 0;
+           (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0 && data.nFileSizeHigh == 0 &&
+           data.nFileSizeLow == 0;
 }
 
 } // namespace

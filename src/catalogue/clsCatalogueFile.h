@@ -27,6 +27,11 @@ public:
     /// True when the file holds all that was last loaded or saved.
     [[nodiscard]] bool IsWhole() const { return state_ == CatalogueState::Whole; }
 
+    /// True when there is no file, or nothing in it.
+    [[nodiscard]] bool HoldsNothing() const {
+        return state_ == CatalogueState::Absent && !mayLose_;
+    }
+
 private:
     [[nodiscard]] std::string Path() const { return programPath_ + kCatalogueFileName; }
 

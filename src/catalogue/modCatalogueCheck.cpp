@@ -51,11 +51,6 @@ std::string CrcFormFault(const std::string& crc) {
     return {};
 }
 
-bool IsInQuotes(const std::string& value) {
-    return value.size() > 1 && (value.front() == '"' || value.front() == '\'') &&
-           value.back() == value.front();
-}
-
 /// A list that became empty keeps one entry without anything in it.
 bool IsPlaceholder(const CatalogueEntry& entry) {
     return entry == CatalogueEntry();

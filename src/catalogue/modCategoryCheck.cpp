@@ -38,6 +38,8 @@ std::string KeyFault(const std::string& key) {
 std::string FolderFault(const std::string& value) {
     if (value.empty())
         return "it has no folder";
+    if (value != TrimBlanks(value) || IsInQuotes(value))
+        return "blanks or quotes around its folder's name would be lost: " + Quoted(value);
     if (value.find_first_of("\\/") != std::string::npos || !PathInside("", value))
         return Quoted(value) + " is not a valid folder name";
     return value.size() > kLongestIniValue ? "its folder's name is longer than " +

@@ -37,8 +37,7 @@ bool BeginsWithQuote(std::string_view value) {
 }
 
 std::string_view Unquoted(std::string_view value) {
-    const bool isPair = value.size() > 1 && BeginsWithQuote(value) && value.back() == value.front();
-    return isPair ? value.substr(1, value.size() - 2) : value;
+    return IsInQuotes(value) ? value.substr(1, value.size() - 2) : value;
 }
 
 class Parser {
@@ -122,6 +121,10 @@ private:
 };
 
 } // namespace
+
+bool IsInQuotes(std::string_view value) {
+    return value.size() > 1 && BeginsWithQuote(value) && value.back() == value.front();
+}
 
 IniText ParseIni(std::string_view text) {
     return Parser().Run(text);

@@ -46,6 +46,9 @@ inline constexpr std::size_t kLongestIniValue = 254;
 inline constexpr std::size_t kLongestSectionList = 254;
 inline constexpr std::size_t kLongestKeyList = 131071;
 
+/// True for a value with a pair of quotes around it, which a reader takes away.
+bool IsInQuotes(std::string_view value);
+
 /// Takes an INI text apart.
 IniText ParseIni(std::string_view text);
 

@@ -103,7 +103,7 @@ TEST_CASE("edits wait for Apply, and Revert drops them") {
     CHECK_FALSE(editor.IsModified());
     using Edit = void (*)(clsCatalogueEditor&);
     const std::array<Edit, 6> edits = {
-        [](clsCatalogueEditor& e) { e.SetInstallFolder("other"); },
+        [](clsCatalogueEditor& e) { e.SetInstallFolder(" other "); },
         [](clsCatalogueEditor& e) { e.SetInstallPathItem(1); },
         [](clsCatalogueEditor& e) { e.Base().MoveDown(); },
         [](clsCatalogueEditor& e) { e.Plugins().SetField(&CatalogueEntry::cat, "200"); },
@@ -126,8 +126,9 @@ TEST_CASE("edits wait for Apply, and Revert drops them") {
     Catalogue saved;
     editor.Apply([&](const Catalogue& catalogue) { saved = catalogue; });
     CHECK_FALSE(editor.IsModified());
-    CHECK(editor.Base().Selected() == 1); // it was moved, and stays
-    CHECK(editor.Plugins().Selected() == 1);
+    CHECK(editor.Base().Selected() == 0);
+    CHECK(editor.Plugins().Selected() == 0);
+    CHECK(editor.InstallFolder() == "other"); // as readers get it back
     CHECK(saved.installFolder == "other");
     CHECK(saved.installPathFlag == "1");
     CHECK(saved.plugins.at(0).cat == "200");
@@ -158,7 +159,7 @@ TEST_CASE("the category combo keeps a key that no category has") {
     CHECK(editor.CategoryItemIndex() == 0);
     editor.Plugins().Select(1);
     CHECK(editor.CategoryItems() ==
-          std::vector<CategoryItem>{known[0], known[1], {"gone", "gone"}});
+          std::vector<CategoryItem>{known[0], known[1], {"gone", "", false}});
     CHECK(editor.CategoryItemIndex() == 2);
     const std::vector<CategoryItem> items = editor.CategoryItems();
     CHECK(items[0].Text() == "100 - System");

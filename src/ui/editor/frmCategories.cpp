@@ -84,6 +84,7 @@ void frmCategories::EnableWhatWorks() const {
 void frmCategories::OnField(int id) {
     if (showing_)
         return;
+    ReplaceForeignLetters(Control(id));
     const std::string text = TextOf(Control(id));
     if (id == IDC_TXT_CATEGORY_KEY)
         categories_.SetKey(text);

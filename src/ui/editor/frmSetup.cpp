@@ -81,7 +81,7 @@ void frmSetup::Show() {
     Create(nullptr, IDD_SETUP);
     ShowWindow(Window(), SW_SHOW);
     SetForegroundWindow(Window());
-    if (!load_.isThere)
+    if (file_.HoldsNothing())
         BeginFromNothing();
     else if (!load_.fault.empty())
         ExplainCatalogue();
@@ -226,6 +226,7 @@ bool frmSetup::Apply() {
                     kTitle, MB_OK | MB_ICONERROR);
         return false;
     }
+    ShowAll();
     ShowState("Saved.");
     return true;
 }
@@ -311,25 +312,13 @@ void frmSetup::OnEnter() {
     SendMessageA(Window(), WM_NEXTDLGCTL, 0, FALSE);
 }
 
-/// What is saved is what is shown: a letter that the code page lacks becomes a "?" at once.
-void frmSetup::ReplaceForeignLetters(int id) {
-    const HWND field = Control(id);
-    if (!HoldsForeignLetters(field))
-        return;
-    DWORD caret = 0;
-    SendMessageA(field, EM_GETSEL, 0, reinterpret_cast<LPARAM>(&caret));
-    SetWindowTextA(field, TextOf(field).c_str());
-    SendMessageA(field, EM_SETSEL, caret, caret);
-    MessageBeep(MB_ICONWARNING);
-}
-
 bool frmSetup::OnField(int id, int notification) {
     if (notification == EN_SETFOCUS || notification == CBN_SETFOCUS)
         lastField_ = Control(id);
     if (showing_)
         return false;
     if (notification == EN_CHANGE)
-        ReplaceForeignLetters(id);
+        ReplaceForeignLetters(Control(id));
     if (id == IDC_TXT_FOLDER && notification == EN_CHANGE)
         editor_.SetInstallFolder(TextOf(Control(id)));
     else if (id == IDC_CMB_INSTALL_PATH &&
@@ -402,7 +391,7 @@ INT_PTR frmSetup::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
         Form_QueryUnload();
         return TRUE;
     case WM_QUERYENDSESSION:
-        return Answer(IsWindowEnabled(Window()) && MayLeave());
+        return Answer(!editor_.IsModified() || (IsWindowEnabled(Window()) && MayLeave()));
     case WM_DESTROY:
         PostQuitMessage(0);
         return TRUE;

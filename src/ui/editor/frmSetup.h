@@ -43,7 +43,6 @@ private:
     void ExplainCatalogue() const;
     [[nodiscard]] bool RefuseWhatIsLost();
     void GoTo(const EntryPlace& place);
-    void ReplaceForeignLetters(int id);
     void FollowSize();
     void AddTips();
     void ShowAll();

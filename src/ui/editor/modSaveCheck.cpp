@@ -1,5 +1,8 @@
 #include "ui/editor/modSaveCheck.h"
 
+#include "catalogue/modCatalogueFaults.h"
+#include "catalogue/modCatalogueText.h"
+#include "catalogue/modIniText.h"
 #include "ui/kit/modBoxText.h"
 
 #include <algorithm>
@@ -12,7 +15,12 @@ std::optional<CatalogueProblem> LostBySaving(const Catalogue& catalogue) {
         return problem.kind == CatalogueProblemKind::ValueTooLong ||
                problem.kind == CatalogueProblemKind::ValueForm;
     });
-    return lost == check.problems.end() ? std::nullopt : std::optional(*lost);
+    if (lost != check.problems.end())
+        return *lost;
+    const std::string fault = CatalogueFault(ParseIni(CatalogueText(catalogue, "")));
+    if (fault.empty())
+        return std::nullopt;
+    return CatalogueProblem{CatalogueProblemKind::TooMany, "the catalogue", fault, std::nullopt};
 }
 
 std::string LostText(const CatalogueProblem& lost) {

@@ -80,17 +80,22 @@ void clsPictureView::Paint(HDC target, const RECT& area) {
         return;
     const auto whole = Gdiplus::SizeF(static_cast<Gdiplus::REAL>(image_->GetWidth()),
                                       static_cast<Gdiplus::REAL>(image_->GetHeight()));
-    const Gdiplus::REAL step = std::min(whole.Width / width, whole.Height / height);
+    const Gdiplus::REAL step = whole.Width / width;
+    const Gdiplus::REAL shown = std::min(whole.Height / step, height);
+    const auto left = static_cast<Gdiplus::REAL>(area.left);
+    const Gdiplus::REAL top = static_cast<Gdiplus::REAL>(area.bottom) - shown;
     Gdiplus::Graphics graphics(target);
     graphics.SetInterpolationMode(Gdiplus::InterpolationModeHighQualityBicubic);
     graphics.SetPixelOffsetMode(Gdiplus::PixelOffsetModeHalf);
     Gdiplus::ImageAttributes edges; // mixed with their mirror image, not with nothing
     edges.SetWrapMode(Gdiplus::WrapModeTileFlipXY);
-    graphics.DrawImage(&*image_,
-                       Gdiplus::RectF(static_cast<Gdiplus::REAL>(area.left),
-                                      static_cast<Gdiplus::REAL>(area.top), width, height),
-                       0, whole.Height - step * height, step * width, step * height,
-                       Gdiplus::UnitPixel, &edges);
+    if (shown < height)
+        graphics.DrawImage(&*image_,
+                           Gdiplus::RectF(left, top - (height - shown), width, height - shown + 1),
+                           0, 0, whole.Width, 1, Gdiplus::UnitPixel, &edges);
+    graphics.DrawImage(&*image_, Gdiplus::RectF(left, top, width, shown), 0,
+                       whole.Height - step * shown, whole.Width, step * shown, Gdiplus::UnitPixel,
+                       &edges);
 }
 
 void clsPictureView::PaintOnWhite(HDC target, const RECT& area) {

@@ -30,8 +30,9 @@ public:
     clsPictureView& operator=(const clsPictureView&) = delete;
     ~clsPictureView();
 
-    /// Paints the picture over the rectangle, smoothly scaled. Where their shapes differ, the top
-    /// or the right of the picture is left out.
+    /// Paints the picture over the width of the rectangle, smoothly scaled, from its bottom up. In
+    /// a taller one the picture's top line goes on to the top; in a flatter one the top is left
+    /// out.
     void Paint(HDC target, const RECT& area);
 
     /// The same for a picture that is drawn on white: where windows are dark it would be a white

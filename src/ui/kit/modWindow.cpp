@@ -142,6 +142,10 @@ void CenterWindow(HWND window) {
 
 void DispatchForDialogs(MSG& message) {
     const HWND root = message.hwnd ? GetAncestor(message.hwnd, GA_ROOT) : nullptr;
+    // The keyboard may be in a window behind a dialog that pumps events itself.
+    const bool isKey = message.message >= WM_KEYFIRST && message.message <= WM_KEYLAST;
+    if (root && isKey && !IsWindowEnabled(root))
+        return;
     if (root && IsDialogWindow(root) && IsDialogMessageW(root, &message))
         return;
     TranslateMessage(&message);
@@ -157,6 +161,16 @@ void RunPendingEvents() {
         }
         DispatchForDialogs(message);
     }
+}
+
+void ReplaceForeignLetters(HWND field) {
+    if (!HoldsForeignLetters(field))
+        return;
+    DWORD caret = 0;
+    SendMessageA(field, EM_GETSEL, 0, reinterpret_cast<LPARAM>(&caret));
+    SetWindowTextA(field, TextOf(field).c_str());
+    SendMessageA(field, EM_SETSEL, caret, caret);
+    MessageBeep(MB_ICONWARNING);
 }
 
 void FollowFocus(HWND button, int notification, int defaultId) {

@@ -26,6 +26,10 @@ std::wstring WideTextOf(HWND window);
 /// True when the text has letters that TextOf cannot give.
 bool HoldsForeignLetters(HWND window);
 
+/// Turns letters of an edit field that the code page lacks into a "?" each, with a beep: what is
+/// shown is then what is read.
+void ReplaceForeignLetters(HWND field);
+
 /// Sets the text only when it differs, so that nothing flickers.
 void SetText(HWND window, const std::string& text);
 

@@ -100,6 +100,8 @@ void clsComponentList::Attach(HWND list) {
 }
 
 std::optional<LRESULT> clsComponentList::OnListMessage(UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message == WM_KEYDOWN || message == WM_MOUSEWHEEL || message == WM_VSCROLL)
+        SendMessageA(tip_, TTM_POP, 0, 0); // another line is below the mouse then
     if (message == WM_MOUSEMOVE)
         FollowMouse({static_cast<short>(LOWORD(lparam)), static_cast<short>(HIWORD(lparam))});
     if (message != WM_TIMER || wparam != kCheckTimer)

@@ -50,6 +50,9 @@ void frmBuilder::SetButtonFace(const std::string& face) {
 
 void frmBuilder::Form_Load() {
     load_ = LoadCatalogueReporting(paths_.programPath, catalogue_);
+    // An editor's empty list comes back from its file as one entry without anything in it.
+    if (catalogue_.plugins == std::vector<CatalogueEntry>(1))
+        catalogue_.plugins.clear();
     SetWindowIcon(Window());
     heading_.Attach(Window());
     CreatePages();
@@ -330,7 +333,8 @@ INT_PTR frmBuilder::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
         OnCommand(LOWORD(wparam));
         return TRUE;
     case WM_HELP: // the F1 key
-        if (IsWindowEnabled(Control(IDC_CMD_HELP)))
+        // It comes from boxes and dialogs of the wizard, too.
+        if (IsWindowEnabled(Window()) && IsWindowEnabled(Control(IDC_CMD_HELP)))
             ShowHelp();
         return TRUE;
     case WM_SIZE:

@@ -30,12 +30,13 @@ void frmItems::OnCreated() {
     };
     show(IDC_LBL_ITEM_NAME, entry_.name, "(no name)");
     show(IDC_TXT_ITEM_ARCHIVE, entry_.zip, "none");
-    show(IDC_TXT_ITEM_CATEGORY, category_, "base component");
+    show(IDC_TXT_ITEM_CATEGORY, category_,
+         place_.list == EntryList::Plugins ? "none" : "base component");
     show(IDC_TXT_ITEM_CRC, entry_.crc, "not given");
     const ArchiveState state = JudgeArchive(entry_, place_, archives_.Facts(entry_.zip));
     show(IDC_TXT_ITEM_STATE, ArchiveSentence(entry_, place_, state), "");
     show(IDC_TXT_ITEM_TICK, InBuildText(entry_, place_.list, state), "");
-    show(IDC_TXT_ITEM_URL, ReplaceAll(entry_.url, ",", "\r\n"), "none");
+    show(IDC_TXT_ITEM_URL, ReplaceAll(ReplaceAll(entry_.url, ", ", ","), ",", "\r\n"), "none");
     ShowWholeName();
     MakePlainText(address_, Control(IDC_TXT_ITEM_URL));
     MakePlainText(name_, Control(IDC_LBL_ITEM_NAME));

@@ -1,6 +1,7 @@
 #include "ui/wizard/frmPassword.h"
 
 #include "archive/modUnzip.h"
+#include "ui/kit/modBoxText.h"
 #include "ui/kit/modWindow.h"
 #include "ui/resources/ids.h"
 
@@ -21,9 +22,10 @@ std::optional<std::string> frmPassword::Ask(HWND owner) {
 void frmPassword::OnCreated() {
     SetWindowIcon(Window());
     SetText(Window(), kPasswordTitle);
-    const std::string question =
-        wrongBefore_ ? "This is not the password of " + archiveName_ + ". Try again."
-                     : archiveName_ + " is protected by a password.";
+    const std::string name = Shortened(archiveName_);
+    const std::string question = wrongBefore_
+                                     ? "This is not the password of " + name + ". Try again."
+                                     : name + " is protected by a password.";
     SetText(Control(IDC_LBL_PASSWORD), question);
     EnableWindow(Control(IDOK), FALSE);
     CenterWindow(Window());
