@@ -1,3 +1,4 @@
+#include "../tests/archive/MemorySource.h"
 #include "archive/modCabDirectory.h"
 #include "archive/modCabImage.h"
 #include "archive/modCabJudge.h"
@@ -9,23 +10,6 @@
 using namespace vesk;
 
 namespace {
-
-class InputSource : public ByteSource {
-public:
-    explicit InputSource(std::span<const std::byte> bytes) : bytes_(bytes) {}
-    [[nodiscard]] std::uint64_t Size() const override { return bytes_.size(); }
-    std::size_t Read(std::uint64_t at, std::span<std::byte> to) override {
-        if (at >= bytes_.size())
-            return 0;
-        const auto rest = bytes_.subspan(static_cast<std::size_t>(at));
-        const std::size_t count = std::min(rest.size(), to.size());
-        std::ranges::copy(rest.first(count), to.begin());
-        return count;
-    }
-
-private:
-    std::span<const std::byte> bytes_;
-};
 
 /// A member that ends must have all its bytes.
 class Counter : public CabSink {
@@ -56,7 +40,7 @@ private:
 
 /// A whole extraction without a disk; what the system's library would be given is judged again.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    InputSource source(std::as_bytes(std::span(data, size)));
+    test::MemorySource source({reinterpret_cast<const char*>(data), size});
     ByteWindow cabinet(source);
     try {
         CabDirectory directory = ReadCabDirectory(cabinet);
@@ -75,7 +59,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             if (IsUnpackedHere(folder))
                 UnpackCabFolder(cabinet, directory, folder, entries, counter);
             const std::string image = CabFolderImage(directory, folder, entries);
-            InputSource imageSource(std::as_bytes(std::span(image)));
+            test::MemorySource imageSource(image);
             ByteWindow imageWindow(imageSource);
             if (ReadCabDirectory(imageWindow).entries.size() != entries.size())
                 std::abort();

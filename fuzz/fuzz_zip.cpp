@@ -1,11 +1,12 @@
 #include "Require.h"
+
+#include "../tests/archive/MemorySource.h"
 #include "archive/clsZipMemberReader.h"
 #include "archive/modMemberName.h"
 #include "archive/modZipTexts.h"
 #include "base/modUtf8.h"
 
 #include <algorithm>
-#include <memory>
 
 using namespace vesk;
 
@@ -67,24 +68,22 @@ void CheckName(const ZipMember& member) {
 /// A whole extraction without a disk: every member that is not refused is read and listed.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     constexpr std::uint64_t kLargest = 1 << 20; // more would only make the fuzzer slow
-    // A block of exactly this size, so that reading one byte too far is seen.
-    const auto copy = std::make_unique_for_overwrite<std::byte[]>(size);
-    std::ranges::copy(std::as_bytes(std::span(data, size)), copy.get());
-    const Bytes archive(copy.get(), size);
+    test::MemorySource archive({reinterpret_cast<const char*>(data), size});
     try {
-        const ZipDirectory directory = ReadZipDirectory(archive);
-        clsZipMemberReader reader(archive, directory.members,
+        clsZipDirectory directory(archive);
+        clsZipMemberReader reader(archive, directory,
                                   [](bool) { return std::optional<std::string>("pass"); });
         ZipTotals totals;
         ListingHeading();
-        for (const ZipMember& member : directory.members) {
+        for (std::size_t number = 0; number < directory.Count(); ++number) {
+            const ZipMember member = directory.Member(number);
             totals.Add(member);
             Require(ListingLine(member, member.name).size() >= member.name.size());
             CheckName(member);
             if (member.refusal.empty() && !member.IsFolder() && member.size <= kLargest)
                 CheckContent(reader, member);
         }
-        Require(!directory.members.empty() || directory.problem.empty());
+        Require(directory.Count() != 0 || directory.Problem().empty());
         Summary(ZipVersion(), totals);
     } catch (const ArchiveProblem&) { // an ordinary answer
     }

@@ -1,68 +1,76 @@
 #pragma once
 
 #include "archive/ArchiveProblem.h"
+#include "archive/ByteSource.h"
+#include "archive/ZipMember.h"
+#include "archive/modZipEnd.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
-#include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace vesk {
 
-/// What a stored name's bytes mean.
-enum class NameEncoding {
-    Ascii, ///< The same in every code page.
-    Utf8,
-    Oem, ///< The code page of DOS.
-    Ansi ///< The system's own: names from systems that never had a DOS code page.
+/// An archive's central directory. It is read as its members are asked for and not held, so that an
+/// archive of a hundred thousand members takes no more memory than one of a hundred. Asking for
+/// one member after the other is quick, for any other costs a few records more.
+///
+/// What the archive claims and does not fit the bytes that are there ends as a `refusal` of the
+/// member; no memory is given for a claim. Where the directory is damaged, what can be read of it
+/// is given; where it is missing, what the members' own headers tell (which is held); and Problem()
+/// says so.
+class clsZipDirectory {
+public:
+    /// @param archive must outlive this object
+    /// @throws ArchiveProblem when the bytes hold no readable archive at all, what the source
+    /// throws
+    explicit clsZipDirectory(ByteSource& archive);
+
+    /// How many members can be read.
+    [[nodiscard]] std::size_t Count() const { return count_; }
+    /// The comment on the whole.
+    [[nodiscard]] const std::string& Comment() const { return comment_; }
+    /// What is wrong with the directory as a whole; empty when nothing is.
+    [[nodiscard]] const std::string& Problem() const { return problem_; }
+    /// Sum of the packed sizes of the members whose data is there.
+    [[nodiscard]] std::uint64_t PackedSize() const { return packedSize_; }
+
+    /// A member as it is described, neither located nor judged. @param number below Count()
+    /// @throws what the source throws
+    ZipMember Described(std::size_t number);
+
+    /// A member, located and judged. @param number below Count() @throws what the source throws
+    ZipMember Member(std::size_t number);
+
+private:
+    /// Records are found from every sixteenth on.
+    static constexpr std::size_t kMarkEvery = 16;
+
+    void ReadDirectory(ZipEnd end);
+    void ReadLocalHeaders();
+    void CountRecords(std::uint64_t at);
+    void CheckShift();
+    [[nodiscard]] std::uint64_t RecordEnd(std::uint64_t at);
+    [[nodiscard]] std::pair<std::uint64_t, std::uint64_t> NextRecord(std::uint64_t at);
+    ZipMember ReadRecord(std::uint64_t at, std::uint64_t end);
+    void FindOverlaps();
+    void CollectOverlaps();
+
+    ByteSource& archive_;
+    ByteWindow records_, headers_;
+    std::uint64_t recordsEnd_ = 0;
+    std::uint64_t dataEnd_ = 0; ///< No member's data reaches beyond.
+    std::uint64_t shift_ = 0;   ///< Of positions; may wrap.
+    std::size_t count_ = 0;
+    std::uint64_t packedSize_ = 0;
+    std::string comment_, problem_;
+    std::vector<std::uint64_t> marks_; ///< Places of some records.
+    std::size_t nextNumber_ = 0;       ///< The member whose record is found from nextAt_ on.
+    std::uint64_t nextAt_ = 0;
+    std::vector<ZipMember> withoutRecords_; ///< All members, when the directory is missing.
+    std::vector<std::size_t> overlapping_;  ///< Sorted.
 };
-
-/// Times in units of 100 ns since 1601, UTC: the form that the file system takes.
-struct ZipTimes {
-    std::optional<std::uint64_t> modified, accessed, created;
-};
-
-/// One member as the central directory describes it. Positions count from the first byte of the
-/// file, whatever stands in front of the archive.
-struct ZipMember {
-    std::string name; ///< Bytes as stored, see `encoding`.
-    NameEncoding encoding = NameEncoding::Ascii;
-    std::uint16_t flags = 0;
-    std::uint16_t method = 0;
-    std::uint16_t dosTime = 0;
-    std::uint16_t dosDate = 0;
-    std::uint32_t crc = 0;
-    std::uint32_t externalAttributes = 0;
-    std::uint64_t packedSize = 0;
-    std::uint64_t size = 0;
-    std::uint64_t headerAt = 0;
-    std::uint64_t dataAt = 0; ///< Behind the local header; the whole packed data lies in the file.
-    ZipTimes times;
-    bool folder = false; ///< By its name's end or by its attributes.
-    std::string refusal; ///< Why it must not be extracted; empty when nothing speaks against it.
-
-    /// The cipher's own bytes in front of an encrypted member's packed data.
-    static constexpr std::size_t kCipherHeaderSize = 12;
-
-    [[nodiscard]] bool IsFolder() const { return folder; }
-    [[nodiscard]] bool IsEncrypted() const { return (flags & 1) != 0; }
-    [[nodiscard]] bool IsDeflated() const { return method == 8; }
-};
-
-/// What the end of the archive says about the whole.
-struct ZipDirectory {
-    std::vector<ZipMember> members;
-    std::string comment;
-    std::string problem; ///< What is wrong with the directory as a whole; empty when nothing is.
-};
-
-/// Reads the central directory, finds each member's data and judges each member. What was claimed
-/// by the archive and does not fit the bytes that are there ends as a `refusal` of the member; no
-/// memory is given for a claim. Where the directory is damaged, what can be read of it is given;
-/// where it is missing, what the members' own headers tell; and `problem` says so.
-/// @throws ArchiveProblem when the bytes hold no readable archive at all.
-ZipDirectory ReadZipDirectory(std::span<const std::byte> archive);
 
 } // namespace vesk

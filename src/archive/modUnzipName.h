@@ -1,6 +1,6 @@
 #pragma once
 
-#include "archive/modZipDirectory.h"
+#include "archive/ZipMember.h"
 
 namespace vesk {
 

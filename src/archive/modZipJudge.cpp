@@ -14,7 +14,7 @@ namespace {
 
 using Bytes = std::span<const std::byte>;
 
-constexpr std::uint64_t kLocalSize = 30;
+constexpr std::size_t kLocalSize = 30;
 
 /// Two bits of deflate stand for at most 258 bytes.
 constexpr std::uint64_t kMaxDeflateRatio = 1032;
@@ -157,31 +157,20 @@ std::string RefusalBySizes(const ZipMember& member) {
 }
 
 /// Sets `dataAt`, or says why there is no data.
-std::string LocateData(Bytes data, ZipMember& member) {
-    if (member.headerAt > data.size() || data.size() - member.headerAt < kLocalSize)
+std::string LocateData(ByteWindow& archive, std::uint64_t dataEnd, ZipMember& member) {
+    if (member.headerAt > dataEnd || dataEnd - member.headerAt < kLocalSize)
         return "its local header lies outside the archive";
-    clsByteReader local(data.subspan(static_cast<std::size_t>(member.headerAt)));
+    clsByteReader local(archive.View(member.headerAt, kLocalSize));
     if (local.U32() != kZipLocalSignature)
         return "its local header is damaged";
     local.Skip(22);
     const std::uint64_t nameSize = local.U16();
     const std::uint64_t extraSize = local.U16();
-    member.dataAt = member.headerAt + kLocalSize + nameSize + extraSize;
-    if (member.dataAt > data.size() || member.packedSize > data.size() - member.dataAt)
+    const std::uint64_t dataAt = member.headerAt + kLocalSize + nameSize + extraSize;
+    if (dataAt > dataEnd || member.packedSize > dataEnd - dataAt)
         return "its data reaches beyond the archive";
+    member.dataAt = dataAt;
     return {};
-}
-
-/// Refuses what shares bytes with a member before it in the file: no archiver writes such a thing,
-/// and a small file can be blown up without end with it.
-void RefuseOverlaps(std::vector<ZipMember*>& located) {
-    std::ranges::stable_sort(located, {}, &ZipMember::headerAt);
-    std::uint64_t used = 0;
-    for (ZipMember* member : located) {
-        if (member->headerAt < used && member->refusal.empty())
-            member->refusal = "it overlaps another member";
-        used = std::max(used, member->dataAt + member->packedSize);
-    }
 }
 
 /// Systems that keep Unix's modes in the upper half of the attributes, and may leave the lower half
@@ -246,21 +235,14 @@ void ApplyExtraFields(Bytes extra, ZipMember& member, std::uint32_t& disk) {
     }
 }
 
-void JudgeMembers(Bytes data, std::vector<ZipMember>& members) {
-    std::vector<ZipMember*> located;
-    located.reserve(members.size());
-    for (ZipMember& member : members) {
-        const std::string unlocated = LocateData(data, member);
-        if (unlocated.empty())
-            located.push_back(&member);
-        if (member.refusal.empty())
-            member.refusal = RefusalByDescription(member);
-        if (member.refusal.empty())
-            member.refusal = unlocated;
-        if (member.refusal.empty() && !member.IsFolder())
-            member.refusal = RefusalBySizes(member);
-    }
-    RefuseOverlaps(located);
+void JudgeMember(ByteWindow& archive, std::uint64_t dataEnd, ZipMember& member) {
+    const std::string unlocated = LocateData(archive, dataEnd, member);
+    if (member.refusal.empty())
+        member.refusal = RefusalByDescription(member);
+    if (member.refusal.empty())
+        member.refusal = unlocated;
+    if (member.refusal.empty() && !member.IsFolder())
+        member.refusal = RefusalBySizes(member);
 }
 
 } // namespace vesk

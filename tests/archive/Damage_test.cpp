@@ -43,16 +43,16 @@ bool StaysInside(const std::string& name) {
 /// leads out of the folder, ends the test.
 Contents ZipContents(const std::string& archive) {
     Contents contents;
-    const ExactBytes bytes(archive);
-    ZipDirectory directory;
+    MemorySource source(archive);
+    std::optional<clsZipDirectory> directory;
     try {
-        directory = ReadZipDirectory(bytes);
+        directory.emplace(source);
     } catch (const ArchiveProblem&) {
         return contents;
     }
-    clsZipMemberReader reader(bytes, directory.members,
+    clsZipMemberReader reader(source, *directory,
                               [](bool) { return std::optional<std::string>("pass"); });
-    for (const ZipMember& member : directory.members) {
+    for (const ZipMember& member : ListingOf(*directory).members) {
         REQUIRE(StaysInside(member.name));
         if (!member.refusal.empty() || member.IsFolder())
             continue;

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace vesk {
+
+/// What a stored name's bytes mean.
+enum class NameEncoding {
+    Ascii, ///< The same in every code page.
+    Utf8,
+    Oem, ///< The code page of DOS.
+    Ansi ///< The system's own: names from systems that never had a DOS code page.
+};
+
+/// Times in units of 100 ns since 1601, UTC: the form that the file system takes.
+struct ZipTimes {
+    std::optional<std::uint64_t> modified, accessed, created;
+};
+
+/// One member as the central directory describes it. Positions count from the first byte of the
+/// file, whatever stands in front of the archive.
+struct ZipMember {
+    std::string name; ///< Bytes as stored, see `encoding`.
+    NameEncoding encoding = NameEncoding::Ascii;
+    std::uint16_t flags = 0;
+    std::uint16_t method = 0;
+    std::uint16_t dosTime = 0;
+    std::uint16_t dosDate = 0;
+    std::uint32_t crc = 0;
+    std::uint32_t externalAttributes = 0;
+    std::uint64_t packedSize = 0;
+    std::uint64_t size = 0;
+    std::uint64_t headerAt = 0;
+    std::uint64_t dataAt = 0; ///< Behind the local header; 0 unless all packed data is there.
+    ZipTimes times;
+    bool folder = false; ///< By its name's end or by its attributes.
+    std::string refusal; ///< Why it must not be extracted; empty when nothing speaks against it.
+
+    /// The cipher's own bytes in front of an encrypted member's packed data.
+    static constexpr std::size_t kCipherHeaderSize = 12;
+
+    [[nodiscard]] bool IsFolder() const { return folder; }
+    [[nodiscard]] bool IsLocated() const { return dataAt != 0; }
+    [[nodiscard]] bool IsEncrypted() const { return (flags & 1) != 0; }
+    [[nodiscard]] bool IsDeflated() const { return method == 8; }
+};
+
+} // namespace vesk
