@@ -31,7 +31,8 @@ void CheckContent(clsZipMemberReader& reader, const ZipMember& member) {
     std::string pieces = "refused";
     try {
         const Bytes content = reader.Read(member);
-        Require(content.size() == member.size);
+        Require(content.size() == member.size ||
+                (member.otherSizes && content.size() == member.otherSizes->plain));
         Require(PlainCrc(content) == member.crc);
         whole.assign(reinterpret_cast<const char*>(content.data()), content.size());
     } catch (const ArchiveProblem&) { // an ordinary answer
@@ -39,7 +40,8 @@ void CheckContent(clsZipMemberReader& reader, const ZipMember& member) {
     try {
         std::string content;
         reader.Stream(member, [&](Bytes piece, std::uint64_t packedDone) {
-            Require(packedDone <= member.packedSize);
+            Require(packedDone <=
+                    std::max(member.packedSize, member.otherSizes.value_or(ZipSizes()).packed));
             content.append(reinterpret_cast<const char*>(piece.data()), piece.size());
         });
         pieces = content;

@@ -20,6 +20,14 @@ struct ZipTimes {
     std::optional<std::uint64_t> modified, accessed, created;
 };
 
+/// What a member takes in the archive and outside.
+struct ZipSizes {
+    std::uint64_t packed = 0;
+    std::uint64_t plain = 0;
+
+    bool operator==(const ZipSizes&) const = default;
+};
+
 /// One member as the central directory describes it. Positions count from the first byte of the
 /// file, whatever stands in front of the archive.
 struct ZipMember {
@@ -36,11 +44,21 @@ struct ZipMember {
     std::uint64_t headerAt = 0;
     std::uint64_t dataAt = 0; ///< Behind the local header; 0 unless all packed data is there.
     ZipTimes times;
-    bool folder = false; ///< By its name's end or by its attributes.
+    std::optional<ZipSizes> otherSizes; ///< Those of the local header, when they contradict.
+    bool folder = false;                ///< By its name's end or by its attributes.
     std::string refusal; ///< Why it must not be extracted; empty when nothing speaks against it.
 
     /// The cipher's own bytes in front of an encrypted member's packed data.
     static constexpr std::size_t kCipherHeaderSize = 12;
+
+    /// The same member with the sizes of its local header.
+    [[nodiscard]] ZipMember WithOtherSizes() const {
+        ZipMember other = *this;
+        other.packedSize = otherSizes->packed;
+        other.size = otherSizes->plain;
+        other.otherSizes.reset();
+        return other;
+    }
 
     [[nodiscard]] bool IsFolder() const { return folder; }
     [[nodiscard]] bool IsLocated() const { return dataAt != 0; }

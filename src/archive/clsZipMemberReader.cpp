@@ -72,9 +72,26 @@ clsZipMemberReader::clsZipMemberReader(ByteSource& archive, clsZipDirectory& dir
         throw std::bad_alloc();
 }
 
+/// Does something with the member as it is described, and where its content speaks against that
+/// and its local header has other sizes, with those.
+template <class Use>
+auto clsZipMemberReader::WithTrueSizes(const ZipMember& member, Use use) {
+    try {
+        return use(member);
+    } catch (const ZipContentProblem&) {
+        if (member.otherSizes) {
+            try {
+                return use(member.WithOtherSizes());
+            } catch (const ZipContentProblem&) { // the first one is told
+            }
+        }
+        throw;
+    }
+}
+
 std::span<const std::byte> clsZipMemberReader::Read(const ZipMember& member) {
     if (!member.IsEncrypted())
-        return ReadWith(member, nullptr);
+        return WithTrueSizes(member, [this](const ZipMember& as) { return ReadWith(as, nullptr); });
     Bytes content;
     passwords_.Find(
         member, [&](ZipCipher cipher) { content = ReadWith(member, &cipher); }, false);
@@ -127,12 +144,18 @@ std::span<const std::byte> clsZipMemberReader::PackedData(const ZipMember& membe
 }
 
 void clsZipMemberReader::Stream(const ZipMember& member, const Sink& sink) {
+    // What was handed out cannot be taken back, so what is in doubt is proven in a run of its own.
+    const auto onlyTick = [&](Bytes, std::uint64_t) { sink({}, 0); };
+    if (member.otherSizes)
+        return StreamWith(WithTrueSizes(member,
+                                        [&](const ZipMember& as) {
+                                            StreamWith(as, nullptr, onlyTick);
+                                            return as;
+                                        }),
+                          nullptr, sink);
     if (!member.IsEncrypted())
         return StreamWith(member, nullptr, sink);
-    // What was handed out cannot be taken back, so a new password is proven in a run of its own.
-    const auto prove = [&](ZipCipher cipher) {
-        StreamWith(member, &cipher, [&](Bytes, std::uint64_t) { sink({}, 0); });
-    };
+    const auto prove = [&](ZipCipher cipher) { StreamWith(member, &cipher, onlyTick); };
     ZipCipher cipher = passwords_.Find(member, prove, true);
     StreamWith(member, &cipher, sink);
 }

@@ -39,7 +39,8 @@ public:
     /// read faster whole.
     static constexpr std::uint64_t kLargeMember = std::uint64_t{4} << 20;
     [[nodiscard]] static bool IsLarge(const ZipMember& member) {
-        return member.size >= kLargeMember || member.packedSize >= kLargeMember;
+        return member.size >= kLargeMember || member.packedSize >= kLargeMember ||
+               (member.otherSizes && IsLarge(member.WithOtherSizes()));
     }
 
     /// @param archive must outlive the reader, as must @param directory
@@ -58,6 +59,8 @@ public:
     void Stream(const ZipMember& member, const Sink& sink);
 
 private:
+    template <class Use>
+    auto WithTrueSizes(const ZipMember& member, Use use);
     std::span<const std::byte> RawPiece(const ZipMember& member, std::uint64_t from,
                                         std::size_t count);
     std::span<const std::byte> RawData(const ZipMember& member);

@@ -6,6 +6,11 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
 #include <utility>
 
 namespace vesk {
@@ -19,6 +24,7 @@ constexpr std::size_t kLocalSize = 30;
 /// Two bits of deflate stand for at most 258 bytes.
 constexpr std::uint64_t kMaxDeflateRatio = 1032;
 
+constexpr std::uint16_t kFlagStreamed = 1U << 3;
 constexpr std::uint16_t kFlagPatch = 1U << 5;
 constexpr std::uint16_t kFlagStrongEncryption = 1U << 6;
 constexpr std::uint16_t kFlagUtf8 = 1U << 11;
@@ -156,17 +162,39 @@ std::string RefusalBySizes(const ZipMember& member) {
     return {};
 }
 
+bool Fits(const ZipMember& member, std::uint64_t dataAt, std::uint64_t dataEnd) {
+    return dataAt <= dataEnd && member.packedSize <= dataEnd - dataAt &&
+           (member.IsFolder() || RefusalBySizes(member).empty());
+}
+
+/// Which of two contradicting sizes are true is seen by the data, whose CRC must be the directory's
+/// in any case. Sizes that cannot be true are not tried.
+void CompareSizes(const ZipMember& local, std::uint64_t dataAt, std::uint64_t dataEnd,
+                  ZipMember& member) {
+    constexpr std::uint64_t kWide = 0xFFFFFFFF; // they stand elsewhere
+    const ZipSizes other{local.packedSize, local.size};
+    if ((local.flags & kFlagStreamed) != 0 || member.IsEncrypted() || other.packed == kWide ||
+        other.plain == kWide || other == ZipSizes{member.packedSize, member.size})
+        return;
+    member.otherSizes = other;
+    if (!Fits(member.WithOtherSizes(), dataAt, dataEnd))
+        member.otherSizes.reset();
+    else if (!Fits(member, dataAt, dataEnd))
+        member = member.WithOtherSizes();
+}
+
 /// Sets `dataAt`, or says why there is no data.
 std::string LocateData(ByteWindow& archive, std::uint64_t dataEnd, ZipMember& member) {
     if (member.headerAt > dataEnd || dataEnd - member.headerAt < kLocalSize)
         return "its local header lies outside the archive";
-    clsByteReader local(archive.View(member.headerAt, kLocalSize));
-    if (local.U32() != kZipLocalSignature)
+    clsByteReader reader(archive.View(member.headerAt, kLocalSize));
+    if (reader.U32() != kZipLocalSignature)
         return "its local header is damaged";
-    local.Skip(22);
-    const std::uint64_t nameSize = local.U16();
-    const std::uint64_t extraSize = local.U16();
+    reader.Skip(2); // version needed
+    ZipMember local;
+    const auto [nameSize, extraSize] = ReadSharedFields(reader, local);
     const std::uint64_t dataAt = member.headerAt + kLocalSize + nameSize + extraSize;
+    CompareSizes(local, dataAt, dataEnd, member);
     if (dataAt > dataEnd || member.packedSize > dataEnd - dataAt)
         return "its data reaches beyond the archive";
     member.dataAt = dataAt;

@@ -65,6 +65,8 @@ struct TestMember {
     std::uint32_t attributes = 0;
     std::string extra;
     std::uint32_t localSignature = 0x04034B50;
+    std::optional<std::string>
+        localSizes;     ///< CRC and sizes in front of the data; the same if not set.
     std::string behind; ///< Descriptor behind the data, instead of sizes in front of it.
 
     static TestMember Stored(const std::string& name, const std::string& text) {
@@ -128,9 +130,10 @@ inline std::string MakeZip(const std::vector<TestMember>& members, const TestEnd
                    U32(member.attributes) +
                    U32(member.offset.value_or(static_cast<std::uint32_t>(local.size()))) +
                    member.name + member.extra;
-        local += U32(member.localSignature) + U16(20) + start +
-                 (member.behind.empty() ? sizes : std::string(12, '\0')) + nameSize + U16(0) +
-                 member.name + member.data + member.behind;
+        local +=
+            U32(member.localSignature) + U16(20) + start +
+            (member.behind.empty() ? member.localSizes.value_or(sizes) : std::string(12, '\0')) +
+            nameSize + U16(0) + member.name + member.data + member.behind;
     }
     const std::size_t count = members.size();
     std::string archive = local + central;

@@ -21,7 +21,8 @@ std::string ContentOf(clsZipMemberReader& reader, const ZipMember& member, bool 
         return TextOf(reader.Read(member));
     std::string content;
     reader.Stream(member, [&](std::span<const std::byte> piece, std::uint64_t packedDone) {
-        CHECK(packedDone <= member.packedSize);
+        CHECK(packedDone <=
+              std::max(member.packedSize, member.otherSizes.value_or(ZipSizes()).packed));
         content += TextOf(piece);
     });
     return content;
@@ -104,6 +105,40 @@ TEST_CASE("what does not hold what it declares is not handed out") {
     TestMember endless = TestMember::Packed("endless", "text");
     endless.data[0] = 0; // not the last block, and none follows
     CHECK(ReadAll(MakeZip({stored, endless})) == "stored!wrong CRC;endless!its data is damaged;");
+}
+
+TEST_CASE("of contradicting sizes those count that the data proves, of checksums the directory's") {
+    struct Row {
+        const char* result;
+        bool packed;
+        std::uint32_t packedSize, size; ///< In the directory; the data is 9 or 4 bytes for 4.
+        std::uint32_t localPackedSize, localSize;
+    };
+    for (const Row& row : {
+             Row{"a=text;", true, 9, 5, 9, 4},
+             Row{"a=text;", true, 9, 0, 9, 4},
+             Row{"a=text;", true, 8, 4, 9, 4},
+             Row{"a=text;", true, 5000, 4, 9, 4}, // beyond the archive
+             Row{"a=text;", true, 9, 50'000, 9, 4},
+             Row{"a=text;", true, 9, 4, 7, 3},
+             Row{"a=text;", true, 9, 4, 5000, 50'000},
+             Row{"a=text;", false, 3, 3, 4, 4},
+             Row{"a=text;", false, 4, 9, 4, 4},
+             Row{"a!wrong CRC;", false, 3, 3, 2, 2},
+             Row{"a!its data does not have the declared size;", true, 9, 5, 9, 3},
+             Row{"a!its data reaches beyond the archive;", true, 5000, 4, 5000, 5},
+         }) {
+        TestMember member =
+            row.packed ? TestMember::Packed("a", "text") : TestMember::Stored("a", "text");
+        member.packedSize = row.packedSize;
+        member.size = row.size;
+        member.localSizes = U32(0) + U32(row.localPackedSize) + U32(row.localSize);
+        CHECK(ReadAll(MakeZip({member})) == row.result);
+    }
+    TestMember local = TestMember::Packed("a", "text"); // only its header has the right checksum
+    local.localSizes = U32(local.crc) + U32(9) + U32(4);
+    local.crc ^= 1;
+    CHECK(ReadAll(MakeZip({local})) == "a!wrong CRC;");
 }
 
 TEST_CASE("a large member comes in pieces of bounded size, the progress with it") {
