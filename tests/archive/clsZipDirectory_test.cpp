@@ -130,6 +130,125 @@ TEST_CASE("an archive cut short gives what its members' own headers tell") {
     CHECK(Read(archive.substr(0, archive.find(streamed.data)) + first).members.size() == 2);
 }
 
+TEST_CASE("members are found in any order, whatever stands between their records") {
+    std::vector<TestMember> members;
+    for (int number = 0; number < 100; ++number)
+        members.push_back(TestMember::Stored(std::to_string(number), "x"));
+    std::string archive = MakeZip(members);
+    // More than is fetched at once, and a record that claims to be larger than the directory.
+    const std::string junk = std::string(40'000, 'P') + "PK\1\2" + std::string(46, '\xFF');
+    for (const char* before : {"", "MZ junk in front"})
+        for (const char* after : {"", "behind"}) {
+            const ZipListing directory = Read(before + MakeZip({kOne, kTwo}, end) + after);
+            REQUIRE(directory.members.size() == 2);
+            CHECK(directory.problem.empty());
+            CHECK(directory.comment == end.comment);
+            CHECK(directory.members[1].headerAt ==
+                  std::string(before).size() + 30 + kOne.name.size() + kOne.data.size());
+        }
+    CHECK(Read(MakeZip({})).members.empty());
+}
+
+TEST_CASE("a wrong position of the directory does not hide the members") {
+    TestEnd wrong;
+    wrong.offset = 5;
+    for (const ZipMember& member : Read(MakeZip({kOne, kTwo}, wrong)).members)
+        CHECK(member.refusal == "");
+}
+
+TEST_CASE("a directory that holds nothing of what was promised is no directory") {
+    TestEnd none;
+    none.size = 0;
+    const ZipListing directory = Read(MakeZip({kOne, kTwo}, none));
+    CHECK(directory.members.size() == 2);
+    CHECK(directory.problem.find("its end is missing or damaged") == 0);
+}
+
+TEST_CASE("what is no archive, or not all of one, is said to be so") {
+    TestEnd secondDisk;
+    secondDisk.disk = 1;
+    const std::string good = MakeZip({kOne});
+    const std::string endRecord = good.substr(good.size() - 22);
+    for (const std::string& bytes :
+         {std::string(), std::string(100'000, 'P'), endRecord,
+          "junk" + good.substr(0, good.size() - 22), MakeZip({kOne}, secondDisk)}) {
+        CAPTURE(bytes.size());
+        CHECK_THROWS_AS(Read(bytes), ArchiveProblem);
+    }
+    TestEnd tooMany; // one that breaks off gives what it holds
+    tooMany.count = 5;
+    const ZipListing directory = Read(MakeZip({kOne, kTwo}, tooMany));
+    CHECK(directory.members.size() == 2);
+    CHECK(directory.problem.find("2 readable members, its end record says 5") != std::string::npos);
+}
+
+TEST_CASE("an archive cut short gives what its members' own headers tell") {
+    const TestMember streamed = TestMember::Streamed("streamed\xC3\xA4", "text");
+    TestMember wide = streamed;
+    wide.name = "wide";
+    wide.data = "PK\7\x08" + wide.data; // a mark that is none
+    wide.behind = U32(0x08074B50) + U32(wide.crc) + U64(wide.data.size()) + U64(4);
+    const std::string archive =
+        MakeZip({kOne, streamed, wide, TestMember::Stored("folder/", ""), kTwo});
+    const std::size_t central = archive.find("PK\1\2");
+    for (const std::size_t length : {central, central + 100, archive.size() - 23}) {
+        const ZipListing directory = Read(archive.substr(0, length));
+        REQUIRE(directory.members.size() == 5);
+        CHECK(directory.problem.find("5 members") != std::string::npos);
+        const std::vector<ZipMember>& members = directory.members;
+        CHECK(members[0].crc == kOne.crc);
+        CHECK(members[1].crc == streamed.crc);
+        CHECK(members[1].packedSize == streamed.data.size());
+        CHECK(members[1].encoding == NameEncoding::Utf8);
+        CHECK(members[2].packedSize == wide.data.size());
+        CHECK(members[3].IsFolder());
+        for (const ZipMember& member : members)
+            CHECK(member.refusal == "");
+    }
+    const ZipListing half = Read(archive.substr(0, central - 1)); // in the last member's data
+    REQUIRE(half.members.size() == 5);
+    CHECK(half.members[4].refusal == "its data reaches beyond the archive");
+    const ZipListing open = Read(archive.substr(0, archive.find("PK\7\x08") + 15));
+    REQUIRE(open.members.size() == 2);
+    CHECK(open.members[1].refusal.find("its end cannot be found") == 0);
+    // Where it ends is not known, so what stands in it is not taken for a member.
+    const std::string first = archive.substr(0, archive.find("PK\3\4", 4));
+    CHECK(Read(archive.substr(0, archive.find(streamed.data)) + first).members.size() == 2);
+}
+
+TEST_CASE("members are found in any order, whatever stands between their records") {
+    std::vector<TestMember> members;
+    for (int number = 0; number < 100; ++number)
+        members.push_back(TestMember::Stored(std::to_string(number), "x"));
+    std::string archive = MakeZip(members);
+    const std::string junk = std::string(40'000, 'P') + "PK\1\2"; // more than is fetched at once
+    for (const char* before : {"7", "42"})
+        archive.insert(archive.rfind("PK\1\2", archive.rfind(before)), junk);
+    TestEnd end; // of the directory with the junk
+    end.size = static_cast<std::uint32_t>(archive.size() - 22 - archive.find("PK\1\2"));
+    end.count = 100;
+    archive.resize(archive.size() - 22);
+    archive += MakeZip({}, end);
+    MemorySource source(archive);
+    clsZipDirectory directory(source);
+    REQUIRE(directory.Count() == 100);
+    for (std::size_t i = 0; i < 300; ++i)
+        CHECK(directory.Described(i * 37 % 100).name == std::to_string(i * 37 % 100));
+}
+
+TEST_CASE("the end of a streamed member is found across the border of what is fetched at once") {
+    for (const std::size_t signatureAt : {262'141U, 262'142U, 262'143U, 262'144U, 262'145U}) {
+        TestMember member = TestMember::Stored("a", std::string(signatureAt - 31, 'x'));
+        member.flags = 8;
+        member.behind =
+            U32(0x08074B50) + U32(member.crc) + U32(member.data.size()) + U32(member.data.size());
+        const std::string archive = MakeZip({member});
+        const ZipListing directory = Read(archive.substr(0, archive.find("PK\1\2")));
+        REQUIRE(directory.members.size() == 1);
+        CHECK(directory.members[0].packedSize == member.data.size());
+    }
+}
+
 TEST_CASE("behind a damaged record of the directory the others are read") {
     std::string archive = MakeZip({kOne, kTwo, TestMember::Stored("three", "333")});
     const std::size_t second = archive.find("PK\1\2", archive.find("PK\1\2") + 1);
