@@ -126,6 +126,7 @@ TEST_CASE("of contradicting sizes those count that the data proves, of checksums
              Row{"a=text;", false, 4, 9, 4, 4},
              Row{"a!wrong CRC;", false, 3, 3, 2, 2},
              Row{"a!its data does not have the declared size;", true, 9, 5, 9, 3},
+             Row{"a!its data does not have the declared size;", true, 9, 5, 5000, 4},
              Row{"a!its data reaches beyond the archive;", true, 5000, 4, 5000, 5},
          }) {
         TestMember member =
