@@ -4,6 +4,10 @@
 #include "base/modSystemError.h"
 #include "base/modWide.h"
 
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
 namespace vesk {
 
 clsFileSource::clsFileSource(const std::string& path)

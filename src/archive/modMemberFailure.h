@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <exception>
+#include <string>
 
 /// The words in which the members of an archive are told of, whatever its kind.
 namespace vesk {

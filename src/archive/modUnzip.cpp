@@ -21,6 +21,7 @@
 #include <cstdint>
 #include <exception>
 #include <span>
+#include <string_view>
 #include <utility>
 
 namespace vesk {

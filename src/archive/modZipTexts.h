@@ -2,6 +2,9 @@
 
 #include "archive/ZipMember.h"
 
+#include <cstddef>
+#include <cstdint>
+#include <string>
 #include <string_view>
 
 namespace vesk {
