@@ -2,9 +2,9 @@
 
 #include "archive/clsCRC.h"
 #include "archive/clsCab.h"
-#include "archive/clsMappedArchive.h"
+#include "archive/clsFileSource.h"
+#include "archive/clsZipDirectory.h"
 #include "archive/modUnzip.h"
-#include "archive/modZipDirectory.h"
 #include "base/UniqueHandle.h"
 #include "base/modFile.h"
 
@@ -15,6 +15,7 @@
 #include <set>
 #include <span>
 #include <stdexcept>
+#include <vector>
 
 namespace vesk::bench {
 
@@ -46,6 +47,15 @@ void LookAtEveryByte(const std::string& path) {
             sum += word;
         result = sum;
     });
+}
+
+std::vector<ZipMember> MembersOf(const std::string& path) {
+    clsFileSource archive(path);
+    clsZipDirectory directory(archive);
+    std::vector<ZipMember> members;
+    for (std::size_t number = 0; number < directory.Count(); ++number)
+        members.push_back(directory.Member(number));
+    return members;
 }
 
 /// Path of a member in the target folder; its folders are made when they are new.
@@ -80,15 +90,12 @@ void Unzip(const Arguments& arguments) {
 }
 
 void CreateFiles(const Arguments& arguments) {
-    const clsMappedArchive archive(arguments.at(0));
-    const ZipDirectory directory = ReadZipDirectory(archive.Bytes());
-    std::uint64_t largest = 1;
-    for (const ZipMember& member : directory.members)
-        largest = std::max(largest, member.size);
+    const std::vector<ZipMember> members = MembersOf(arguments.at(0));
+    const std::uint64_t largest = std::ranges::max(members, {}, &ZipMember::size).size;
     const std::vector<char> content(static_cast<std::size_t>(largest), 'x');
     Print({Timed([&] {
         std::set<std::string> folders;
-        for (const ZipMember& member : directory.members) {
+        for (const ZipMember& member : members) {
             const std::string path = PathFor(arguments.at(1), member.name, folders);
             const FileHandle file(CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
                                               FILE_ATTRIBUTE_ARCHIVE, nullptr));
@@ -100,19 +107,17 @@ void CreateFiles(const Arguments& arguments) {
 }
 
 void InflateAll(const Arguments& arguments) {
-    const clsMappedArchive archive(arguments.at(0));
-    const ZipDirectory directory = ReadZipDirectory(archive.Bytes());
-    std::uint64_t largest = 1;
-    for (const ZipMember& member : directory.members)
-        largest = std::max(largest, member.size);
+    const std::vector<ZipMember> members = MembersOf(arguments.at(0));
+    const std::uint64_t largest = std::ranges::max(members, {}, &ZipMember::size).size;
+    const std::string archive = ReadWholeFile(arguments.at(0));
     const auto buffer =
         std::make_unique_for_overwrite<std::byte[]>(static_cast<std::size_t>(largest));
     const std::unique_ptr<libdeflate_decompressor, void (*)(libdeflate_decompressor*)> inflater(
         libdeflate_alloc_decompressor(), libdeflate_free_decompressor);
     Print({Timed([&] {
-        for (const ZipMember& member : directory.members) {
+        for (const ZipMember& member : members) {
             const auto size = static_cast<std::size_t>(member.size);
-            libdeflate_deflate_decompress(inflater.get(), archive.Bytes().data() + member.dataAt,
+            libdeflate_deflate_decompress(inflater.get(), archive.data() + member.dataAt,
                                           static_cast<std::size_t>(member.packedSize), buffer.get(),
                                           size, nullptr);
             if (libdeflate_crc32(0, buffer.get(), size) != member.crc)

@@ -13,6 +13,9 @@
 #include "base/modWide.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <exception>
+#include <string>
 
 namespace vesk {
 

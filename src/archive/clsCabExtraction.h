@@ -7,8 +7,12 @@
 #include "archive/clsExtractionTarget.h"
 
 #include <cstddef>
+#include <cstdint>
+#include <memory>
 #include <optional>
 #include <span>
+#include <string>
+#include <utility>
 #include <vector>
 
 namespace vesk {

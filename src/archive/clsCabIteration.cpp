@@ -8,6 +8,9 @@
 #include "base/Problem.h"
 #include "base/modWide.h"
 
+#include <cstdint>
+#include <utility>
+
 namespace vesk {
 
 bool clsCabIteration::busy_ = false;

@@ -91,10 +91,14 @@ template <class Write>
 AddedFile clsExtractionTarget::Take(const std::wstring& path, const MemberContent& content,
                                     Write write) {
     const std::size_t folder = EnsureFolder(ParentOf(path));
+    const bool isShared =
+        !shared_ || shared_->MayBeShared(std::wstring_view(path).substr(folder_.size()));
     AddedFile added;
-    if (!WritesNothing() && !names_.IsTakenByLater(folder, NameOf(path), content.number))
+    if (!WritesNothing() &&
+        !(isShared && names_.IsTakenByLater(folder, NameOf(path), content.number)))
         added.stampError = write();
-    added.overwriting = names_.PutFile(folder, NameOf(path), content);
+    if (isShared)
+        added.overwriting = names_.PutFile(folder, NameOf(path), content);
     return added;
 }
 

@@ -2,11 +2,16 @@
 
 #include "archive/clsNameTree.h"
 #include "archive/clsNewFile.h"
+#include "archive/clsSharedNames.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace vesk {
@@ -32,6 +37,10 @@ public:
     /// The folder's absolute path as LongPath gives it, without a trailing backslash; empty when
     /// nothing is written.
     [[nodiscard]] const std::wstring& Folder() const { return folder_; }
+
+    /// Says which names two members may have; without it any name is remembered. @param names
+    /// finished, of all members' paths without the target folder's
+    void ExpectShared(clsSharedNames names) { shared_ = std::move(names); }
 
     /// Creates a folder with those above it; its stamp is set by FinishFolders, since everything
     /// written into the folder would change its times again. @throws Failure, ArchiveProblem
@@ -84,6 +93,7 @@ private:
 
     std::wstring folder_;
     clsNameTree names_; ///< What is in it exists: plain folders, and files of this run.
+    std::optional<clsSharedNames> shared_;
     std::vector<StampedFolder> stampedFolders_;
 };
 

@@ -4,6 +4,10 @@
 #include "base/modSystemError.h"
 #include "base/modWide.h"
 
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
 namespace vesk {
 
 clsFileSource::clsFileSource(const std::string& path)
@@ -19,12 +23,11 @@ clsFileSource::clsFileSource(const std::string& path)
 std::size_t clsFileSource::Read(std::uint64_t at, std::span<std::byte> to) {
     if (at >= size_)
         return 0;
-    OVERLAPPED position{};
-    position.Offset = static_cast<DWORD>(at);
-    position.OffsetHigh = static_cast<DWORD>(at >> 32);
+    // Not by the structure for overlapped reading: Wine's server would be told of each read.
+    const LARGE_INTEGER place{.QuadPart = static_cast<LONGLONG>(at)};
     DWORD read = 0;
-    if (ReadFile(file_.Get(), to.data(), static_cast<DWORD>(to.size()), &read, &position) == 0 &&
-        GetLastError() != ERROR_HANDLE_EOF)
+    if (SetFilePointerEx(file_.Get(), place, nullptr, FILE_BEGIN) == 0 ||
+        ReadFile(file_.Get(), to.data(), static_cast<DWORD>(to.size()), &read, nullptr) == 0)
         ThrowLastError("cannot read", path_);
     return read;
 }

@@ -3,6 +3,9 @@
 #include "archive/ByteSource.h"
 #include "base/UniqueHandle.h"
 
+#include <cstddef>
+#include <cstdint>
+#include <span>
 #include <string>
 
 namespace vesk {

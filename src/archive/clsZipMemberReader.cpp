@@ -9,6 +9,7 @@
 #include <bit>
 #include <limits>
 #include <new>
+#include <utility>
 
 namespace vesk {
 
@@ -16,7 +17,7 @@ namespace {
 
 using Bytes = std::span<const std::byte>;
 
-constexpr std::size_t kPiece = std::size_t{256} << 10;
+constexpr std::size_t kPiece = ByteWindow::kLargestPiece;
 
 void CheckCrc(const ZipMember& member, std::int32_t crc) {
     if (static_cast<std::uint32_t>(crc) != member.crc)
@@ -27,11 +28,18 @@ void CheckCrc(const ZipMember& member, std::int32_t crc) {
     throw ZipContentProblem("its data does not have the declared size");
 }
 
-/// The packed bytes of a member without the cipher's header.
-Bytes RawData(Bytes archive, const ZipMember& member) {
-    const Bytes raw = archive.subspan(static_cast<std::size_t>(member.dataAt),
-                                      static_cast<std::size_t>(member.packedSize));
-    return raw.subspan(member.IsEncrypted() ? ZipMember::kCipherHeaderSize : 0);
+/// Size of the packed bytes of a member, and where they begin, without the cipher's header.
+std::uint64_t RawSize(const ZipMember& member) {
+    return member.packedSize - (member.IsEncrypted() ? ZipMember::kCipherHeaderSize : 0);
+}
+std::uint64_t RawAt(const ZipMember& member) {
+    return member.dataAt + member.packedSize - RawSize(member);
+}
+
+/// The directory was compared with the archive's size; only one that shrinks meanwhile gives less.
+void RequireWhole(std::size_t read, std::size_t wanted) {
+    if (read != wanted)
+        throw ArchiveProblem("the archive was cut off while it was read");
 }
 
 void Decrypt(Bytes locked, std::span<std::byte> plain, ZipCipher& cipher) {
@@ -54,18 +62,36 @@ std::span<std::byte> ReusedBuffer::Of(std::uint64_t size) {
     return {bytes_.get(), wanted};
 }
 
-clsZipMemberReader::clsZipMemberReader(Bytes archive, std::span<const ZipMember> members,
+clsZipMemberReader::clsZipMemberReader(ByteSource& archive, clsZipDirectory& directory,
                                        clsZipPasswords::Source password)
     : archive_(archive),
-      passwords_(archive, members, std::move(password)),
+      window_(archive),
+      passwords_(window_, directory, std::move(password)),
       inflater_(libdeflate_alloc_decompressor(), libdeflate_free_decompressor) {
     if (!inflater_)
         throw std::bad_alloc();
 }
 
+/// Does something with the member as it is described, and where its content speaks against that
+/// and its local header has other sizes, with those.
+template <class Use>
+auto clsZipMemberReader::WithTrueSizes(const ZipMember& member, Use use) {
+    try {
+        return use(member);
+    } catch (const ZipContentProblem&) {
+        if (member.otherSizes) {
+            try {
+                return use(member.WithOtherSizes());
+            } catch (const ZipContentProblem&) { // the first one is told
+            }
+        }
+        throw;
+    }
+}
+
 std::span<const std::byte> clsZipMemberReader::Read(const ZipMember& member) {
     if (!member.IsEncrypted())
-        return ReadWith(member, nullptr);
+        return WithTrueSizes(member, [this](const ZipMember& as) { return ReadWith(as, nullptr); });
     Bytes content;
     passwords_.Find(
         member, [&](ZipCipher cipher) { content = ReadWith(member, &cipher); }, false);
@@ -91,9 +117,25 @@ std::span<const std::byte> clsZipMemberReader::ReadWith(const ZipMember& member,
     return content;
 }
 
+Bytes clsZipMemberReader::RawPiece(const ZipMember& member, std::uint64_t from, std::size_t count) {
+    const Bytes piece = window_.View(RawAt(member) + from, count);
+    RequireWhole(piece.size(), count);
+    return piece;
+}
+
+/// Small neighbours come out of one window.
+Bytes clsZipMemberReader::RawData(const ZipMember& member) {
+    const std::uint64_t size = RawSize(member);
+    if (size <= kPiece)
+        return RawPiece(member, 0, static_cast<std::size_t>(size));
+    const std::span<std::byte> raw = raw_.Of(size);
+    RequireWhole(archive_.Read(RawAt(member), raw), raw.size());
+    return raw;
+}
+
 std::span<const std::byte> clsZipMemberReader::PackedData(const ZipMember& member,
                                                           ZipCipher* cipher) {
-    const Bytes raw = RawData(archive_, member);
+    const Bytes raw = RawData(member);
     if (cipher == nullptr)
         return raw;
     const std::span<std::byte> plain = decrypted_.Of(raw.size());
@@ -102,21 +144,29 @@ std::span<const std::byte> clsZipMemberReader::PackedData(const ZipMember& membe
 }
 
 void clsZipMemberReader::Stream(const ZipMember& member, const Sink& sink) {
+    // What was handed out cannot be taken back, so what is in doubt is proven in a run of its own.
+    const auto onlyTick = [&](Bytes, std::uint64_t) { sink({}, 0); };
+    if (member.otherSizes)
+        return StreamWith(WithTrueSizes(member,
+                                        [&](const ZipMember& as) {
+                                            StreamWith(as, nullptr, onlyTick);
+                                            return as;
+                                        }),
+                          nullptr, sink);
     if (!member.IsEncrypted())
         return StreamWith(member, nullptr, sink);
-    // What was handed out cannot be taken back, so a new password is proven in a run of its own.
-    const auto prove = [&](ZipCipher cipher) {
-        StreamWith(member, &cipher, [&](Bytes, std::uint64_t) { sink({}, 0); });
-    };
+    const auto prove = [&](ZipCipher cipher) { StreamWith(member, &cipher, onlyTick); };
     ZipCipher cipher = passwords_.Find(member, prove, true);
     StreamWith(member, &cipher, sink);
 }
 
 void clsZipMemberReader::StreamWith(const ZipMember& member, ZipCipher* cipher, const Sink& sink) {
-    const Bytes packed = RawData(archive_, member);
-    std::size_t used = 0;
+    const std::uint64_t packedSize = RawSize(member);
+    std::uint64_t used = 0;
     const auto nextInput = [&] {
-        const Bytes piece = packed.subspan(used, std::min(kPiece, packed.size() - used));
+        const Bytes piece =
+            RawPiece(member, used,
+                     static_cast<std::size_t>(std::min<std::uint64_t>(kPiece, packedSize - used)));
         used += piece.size();
         if (cipher == nullptr)
             return piece;
@@ -136,7 +186,7 @@ void clsZipMemberReader::StreamWith(const ZipMember& member, ZipCipher* cipher, 
     if (member.IsDeflated())
         InflateInPieces(nextInput, inflated_.Of(kPiece), output);
     else
-        while (used < packed.size())
+        while (used < packedSize)
             output(nextInput());
     if (size != member.size)
         ThrowWrongSize();

@@ -1,10 +1,15 @@
 #pragma once
 
+#include "archive/ByteSource.h"
+#include "archive/ZipMember.h"
+#include "archive/clsZipDirectory.h"
 #include "archive/clsZipPasswords.h"
-#include "archive/modZipDirectory.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <span>
 
 struct libdeflate_decompressor;
 
@@ -34,32 +39,39 @@ public:
     /// read faster whole.
     static constexpr std::uint64_t kLargeMember = std::uint64_t{4} << 20;
     [[nodiscard]] static bool IsLarge(const ZipMember& member) {
-        return member.size >= kLargeMember || member.packedSize >= kLargeMember;
+        return member.size >= kLargeMember || member.packedSize >= kLargeMember ||
+               (member.otherSizes && IsLarge(member.WithOtherSizes()));
     }
 
-    /// @param archive must outlive the reader, as must @param members
-    clsZipMemberReader(std::span<const std::byte> archive, std::span<const ZipMember> members,
+    /// @param archive must outlive the reader, as must @param directory
+    clsZipMemberReader(ByteSource& archive, clsZipDirectory& directory,
                        clsZipPasswords::Source password);
     clsZipMemberReader(const clsZipMemberReader&) = delete;
     clsZipMemberReader& operator=(const clsZipMemberReader&) = delete;
     ~clsZipMemberReader() = default;
 
-    /// The member's whole content, in the archive itself or in memory of the reader; valid until
-    /// the next call. @throws ArchiveProblem, std::bad_alloc
+    /// The member's whole content in memory of the reader, valid until the next call.
+    /// @throws ArchiveProblem, std::bad_alloc, what the archive throws
     std::span<const std::byte> Read(const ZipMember& member);
 
     /// The same in pieces, of which some may be empty. Only when it returns were they right.
-    /// @throws ArchiveProblem, std::bad_alloc, what the sink throws
+    /// @throws ArchiveProblem, std::bad_alloc, what the archive and the sink throw
     void Stream(const ZipMember& member, const Sink& sink);
 
 private:
+    template <class Use>
+    auto WithTrueSizes(const ZipMember& member, Use use);
+    std::span<const std::byte> RawPiece(const ZipMember& member, std::uint64_t from,
+                                        std::size_t count);
+    std::span<const std::byte> RawData(const ZipMember& member);
     std::span<const std::byte> PackedData(const ZipMember& member, ZipCipher* cipher);
     std::span<const std::byte> ReadWith(const ZipMember& member, ZipCipher* cipher);
     void StreamWith(const ZipMember& member, ZipCipher* cipher, const Sink& sink);
 
-    std::span<const std::byte> archive_;
+    ByteSource& archive_;
+    ByteWindow window_;
     clsZipPasswords passwords_;
-    ReusedBuffer decrypted_, inflated_;
+    ReusedBuffer raw_, decrypted_, inflated_;
     std::unique_ptr<libdeflate_decompressor, void (*)(libdeflate_decompressor*)> inflater_;
 };
 

@@ -51,9 +51,8 @@ void ZipCipher::Update(std::uint8_t plain) {
     keys_[2] = CrcStep(keys_[2], keys_[1] >> 24);
 }
 
-clsZipPasswords::clsZipPasswords(std::span<const std::byte> archive,
-                                 std::span<const ZipMember> members, Source ask)
-    : archive_(archive), members_(members), ask_(std::move(ask)) {}
+clsZipPasswords::clsZipPasswords(ByteWindow& archive, clsZipDirectory& directory, Source ask)
+    : archive_(archive), directory_(directory), ask_(std::move(ask)) {}
 
 ZipCipher clsZipPasswords::Find(const ZipMember& member, const Check& check, bool trustKnown) {
     std::optional<ZipContentProblem> damage;
@@ -114,8 +113,7 @@ ZipCipher clsZipPasswords::Ask(const ZipMember& member, const Check& check) {
 
 std::optional<ZipCipher> clsZipPasswords::Try(const ZipMember& member,
                                               std::string_view password) const {
-    const auto header =
-        archive_.subspan(static_cast<std::size_t>(member.dataAt), ZipMember::kCipherHeaderSize);
+    const auto header = archive_.View(member.dataAt, ZipMember::kCipherHeaderSize);
     ZipCipher cipher(password);
     std::byte last{};
     for (const std::byte byte : header)
@@ -128,8 +126,10 @@ std::optional<ZipCipher> clsZipPasswords::Try(const ZipMember& member,
 bool clsZipPasswords::OpensOthers(const ZipMember& member, std::string_view password) const {
     constexpr int kEnough = 8;
     int opened = 0;
-    for (const ZipMember& other : members_) {
-        if (&other == &member || !other.IsEncrypted() || other.IsFolder() || !other.refusal.empty())
+    for (std::size_t number = 0; number < directory_.Count(); ++number) {
+        const ZipMember other = directory_.Member(number);
+        if (other.headerAt == member.headerAt || !other.IsEncrypted() || other.IsFolder() ||
+            !other.refusal.empty())
             continue;
         if (!Try(other, password))
             return false;

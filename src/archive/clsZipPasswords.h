@@ -1,10 +1,17 @@
 #pragma once
 
-#include "archive/modZipDirectory.h"
+#include "archive/ArchiveProblem.h"
+#include "archive/ByteSource.h"
+#include "archive/clsZipDirectory.h"
 
 #include <array>
+#include <cstddef>
+#include <cstdint>
 #include <functional>
+#include <optional>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace vesk {
 
@@ -34,9 +41,8 @@ public:
     /// Reads or inflates a member under a cipher. @throws ZipContentProblem
     using Check = std::function<void(ZipCipher cipher)>;
 
-    /// @param archive must outlive the object, as must @param members
-    clsZipPasswords(std::span<const std::byte> archive, std::span<const ZipMember> members,
-                    Source ask);
+    /// @param archive must outlive the object, as must @param directory
+    clsZipPasswords(ByteWindow& archive, clsZipDirectory& directory, Source ask);
 
     /// The cipher that opens a member, its header passed already. One wrong password in 256 seems
     /// right by the header alone, so `check` has the last word; it has been called for the cipher
@@ -52,8 +58,8 @@ private:
                                                std::string_view password) const;
     [[nodiscard]] bool OpensOthers(const ZipMember& member, std::string_view password) const;
 
-    std::span<const std::byte> archive_;
-    std::span<const ZipMember> members_;
+    ByteWindow& archive_;
+    clsZipDirectory& directory_;
     Source ask_;
     std::vector<std::string> known_;
     bool asked_ = false;

@@ -5,6 +5,9 @@
 #include "base/Failure.h"
 #include "base/Problem.h"
 
+#include <string>
+#include <utility>
+
 namespace vesk {
 
 namespace {

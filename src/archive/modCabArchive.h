@@ -2,6 +2,8 @@
 
 #include "archive/modArchive.h"
 
+#include <string>
+
 namespace vesk {
 
 /// ExtractArchive for a cabinet.

@@ -3,6 +3,13 @@
 #include "archive/clsByteReader.h"
 #include "base/Failure.h"
 
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
 namespace vesk {
 
 namespace {

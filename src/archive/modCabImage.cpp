@@ -1,6 +1,7 @@
 #include "archive/modCabImage.h"
 
 #include <cstddef>
+#include <cstdint>
 
 namespace vesk {
 

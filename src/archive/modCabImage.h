@@ -2,6 +2,7 @@
 
 #include "archive/CabDirectory.h"
 
+#include <cstddef>
 #include <span>
 #include <string>
 

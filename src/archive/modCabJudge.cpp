@@ -2,7 +2,13 @@
 
 #include "archive/clsByteReader.h"
 
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <numeric>
+#include <span>
+#include <string>
+#include <vector>
 
 namespace vesk {
 

@@ -3,7 +3,9 @@
 #include "archive/ByteSource.h"
 #include "archive/CabDirectory.h"
 
+#include <cstddef>
 #include <functional>
+#include <vector>
 
 namespace vesk {
 

@@ -9,7 +9,9 @@
 #include <fcntl.h>
 #include <fdi.h>
 
+#include <algorithm>
 #include <charconv>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <exception>

@@ -6,8 +6,10 @@
 #include <libdeflate.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <memory>
 #include <new>
+#include <vector>
 
 namespace vesk {
 

@@ -3,6 +3,7 @@
 #include "base/modWide.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdio>
 #include <string_view>
 #include <utility>

@@ -4,6 +4,8 @@
 #include "base/Problem.h"
 #include "base/modSystemError.h"
 
+#include <string>
+
 namespace vesk {
 
 MemberFailure NotExtracted(const std::string& member, const std::string& reason) {

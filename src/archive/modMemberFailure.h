@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <exception>
+#include <string>
 
 /// The words in which failures of members are reported, whatever the archive's kind.
 namespace vesk {

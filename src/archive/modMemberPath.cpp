@@ -8,6 +8,8 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <utility>
 
 namespace vesk {
 

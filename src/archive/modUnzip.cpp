@@ -1,8 +1,13 @@
 #include "archive/modUnzip.h"
 
+#include "archive/ArchiveProblem.h"
+#include "archive/ByteSource.h"
+#include "archive/ZipMember.h"
 #include "archive/clsDosClock.h"
 #include "archive/clsExtractionTarget.h"
-#include "archive/clsMappedArchive.h"
+#include "archive/clsFileSource.h"
+#include "archive/clsSharedNames.h"
+#include "archive/clsZipDirectory.h"
 #include "archive/clsZipMemberReader.h"
 #include "archive/modMemberFailure.h"
 #include "archive/modMemberPath.h"
@@ -12,11 +17,18 @@
 #include "base/modWide.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <exception>
+#include <span>
+#include <string_view>
+#include <utility>
 
 namespace vesk {
 
 namespace {
+
+constexpr const char* kNotReadWhole = "not read whole";
 
 std::string messageBuffer;
 
@@ -55,13 +67,37 @@ FileStamp StampOf(const ZipMember& member, clsDosClock& clock) {
     return stamp;
 }
 
+/// An archive's bytes, with a call now and then while they are read.
+class TickingSource : public ByteSource {
+public:
+    TickingSource(ByteSource& source, std::function<void()> tick)
+        : source_(source), tick_(std::move(tick)) {}
+
+    [[nodiscard]] std::uint64_t Size() const override { return source_.Size(); }
+    std::size_t Read(std::uint64_t at, std::span<std::byte> to) override {
+        constexpr std::size_t kBetween = std::size_t{256} << 10;
+        if (sinceTick_ >= kBetween) {
+            sinceTick_ = 0;
+            tick_();
+        }
+        sinceTick_ += to.size();
+        return source_.Read(at, to);
+    }
+
+private:
+    ByteSource& source_;
+    std::function<void()> tick_;
+    std::size_t sinceTick_ = 0;
+};
+
 /// How far an extraction is: packed bytes, and something for each member's own cost.
 class Progress {
 public:
-    Progress(const ZipDirectory& directory, const std::function<void(double)>& tell) : tell_(tell) {
-        for (const ZipMember& member : directory.members)
-            total_ += CostOf(member);
-    }
+    Progress(const clsZipDirectory& directory, const std::function<void(double)>& tell)
+        : tell_(tell),
+          total_(static_cast<double>(directory.PackedSize()) +
+                 kForEach * static_cast<double>(directory.Count())) {}
+
     /// @param packedDone of the member that is being extracted
     void Within(std::uint64_t packedDone) const {
         if (tell_)
@@ -69,19 +105,16 @@ public:
                 [&] { tell_(std::min(1.0, (done_ + static_cast<double>(packedDone)) / total_)); });
     }
     void Done(const ZipMember& member) {
-        done_ += CostOf(member);
+        // A member without data may claim any size.
+        done_ += kForEach + (member.IsLocated() ? static_cast<double>(member.packedSize) : 0);
         Within(0);
     }
 
 private:
-    static double CostOf(const ZipMember& member) {
-        constexpr double kForEach = 1000; // about what a file's creation is worth
-        // A refused member may claim any size.
-        return kForEach + (member.refusal.empty() ? static_cast<double>(member.packedSize) : 0);
-    }
+    static constexpr double kForEach = 1000; ///< About what a file's creation is worth.
 
     const std::function<void(double)>& tell_;
-    double total_ = 0;
+    double total_;
     double done_ = 0;
 };
 
@@ -93,17 +126,20 @@ public:
 
     ExtractionOutcome Run() {
         try {
-            const clsMappedArchive archive(options_.Zip);
-            directory_ = ReadZipDirectory(archive.Bytes());
-            if (!directory_.problem.empty())
-                Tell({"", "not read whole", directory_.problem});
-            totals_.commentLength = directory_.comment.size();
+            clsFileSource file(options_.Zip);
+            TickingSource ticking(file, [this] { Tick(); });
+            directory_.emplace(ticking);
+            if (!directory_->Problem().empty())
+                Tell({"", kNotReadWhole, directory_->Problem()});
+            totals_.commentLength = directory_->Comment().size();
             if (options_.nvflag)
                 List();
             else
-                Extract(archive.Bytes());
+                Extract(file);
         } catch (const std::exception& problem) {
-            Tell(NotExtracted("", ReasonOf(problem)));
+            const std::string reason = ReasonOf(problem);
+            Tell(outcome_.extracted == 0 ? NotExtracted("", reason)
+                                         : MemberFailure{"", kNotReadWhole, reason});
         } catch (const OwnerThrew& owner) {
             std::rethrow_exception(owner.thrown);
         }
@@ -118,63 +154,88 @@ private:
         outcome_.failures.push_back(failure);
     }
 
+    /// While the archive's directory is read, which may be long.
+    void Tick() const {
+        if (progress_)
+            progress_->Within(0);
+        else if (callbacks_.progress)
+            AskOwner([this] { callbacks_.progress(0); });
+    }
+
     void List() {
         messageBuffer += ListingHeading();
-        for (const ZipMember& member : directory_.members) {
+        for (std::size_t number = 0; number < directory_->Count(); ++number) {
+            const ZipMember member = directory_->Described(number);
             messageBuffer += ListingLine(member, ShownName(member));
             totals_.Add(member);
         }
     }
 
-    void Extract(std::span<const std::byte> archive) {
+    void Extract(ByteSource& archive) {
         if (!options_.ntflag)
             target_ = clsExtractionTarget(options_.ExtractDir);
-        clsZipMemberReader reader(archive, directory_.members, [this](bool wrongBefore) {
+        target_.ExpectShared(SharedNames());
+        clsZipMemberReader reader(archive, *directory_, [this](bool wrongBefore) {
             return AskOwner([&] {
                 return callbacks_.password ? callbacks_.password(wrongBefore) : std::nullopt;
             });
         });
-        Progress progress(directory_, callbacks_.progress);
-        for (std::size_t number = 0; number < directory_.members.size(); ++number) {
-            const ZipMember& member = directory_.members[number];
+        progress_.emplace(*directory_, callbacks_.progress);
+        for (std::size_t number = 0; number < directory_->Count(); ++number) {
+            const ZipMember member = directory_->Member(number);
             totals_.Add(member);
-            ExtractOrFail(number, reader, progress);
+            ExtractOrFail(number, member, reader);
             if (cancelled_)
                 break;
-            progress.Done(member);
+            progress_->Done(member);
         }
         target_.FinishFolders([&](std::size_t number, std::uint32_t error) {
             Tell(NotStamped(NameOf(number), error));
         });
     }
 
-    [[nodiscard]] std::string NameOf(std::size_t number) const {
-        return ShownName(directory_.members[number]);
+    clsSharedNames SharedNames() {
+        clsSharedNames names;
+        for (std::size_t number = 0; number < directory_->Count(); ++number) {
+            try {
+                names.Add(std::wstring_view(PathOf(directory_->Described(number)))
+                              .substr(target_.Folder().size()));
+            } catch (const ArchiveProblem&) { // its turn to be told of comes with its extraction
+            }
+        }
+        names.Finish();
+        return names;
     }
 
-    void ExtractOrFail(std::size_t number, clsZipMemberReader& reader, const Progress& progress) {
+    [[nodiscard]] std::wstring PathOf(const ZipMember& member) const {
+        return MemberPath(target_.Folder(), ZipEntryName(member), member.IsFolder());
+    }
+
+    [[nodiscard]] std::string NameOf(std::size_t number) {
+        return ShownName(directory_->Described(number));
+    }
+
+    void ExtractOrFail(std::size_t number, const ZipMember& member, clsZipMemberReader& reader) {
         try {
-            const auto added = ExtractMember(number, reader, progress);
+            const auto added = ExtractMember(number, member, reader);
             if (!added)
                 return;
             ++outcome_.extracted;
             if (const auto& both = added->overwriting)
                 Tell(WrittenOver(NameOf(both->later), NameOf(both->earlier)));
             if (added->stampError != 0)
-                Tell(NotStamped(NameOf(number), added->stampError));
+                Tell(NotStamped(ShownName(member), added->stampError));
         } catch (const std::exception& problem) {
-            Tell(FailureOf(NameOf(number), problem));
+            Tell(FailureOf(ShownName(member), problem));
         }
     }
 
     /// @return nothing when the owner wants to keep an old file
-    std::optional<AddedFile> ExtractMember(std::size_t number, clsZipMemberReader& reader,
-                                           const Progress& progress) {
-        const ZipMember& member = directory_.members[number];
+    std::optional<AddedFile> ExtractMember(std::size_t number, const ZipMember& member,
+                                           clsZipMemberReader& reader) {
         if (!member.refusal.empty())
             throw ArchiveProblem(member.refusal);
-        const std::wstring path =
-            MemberPath(target_.Folder(), ZipEntryName(member), member.IsFolder());
+        const std::wstring path = PathOf(member);
         const FileStamp stamp = StampOf(member, clock_);
         if (member.IsFolder()) {
             target_.AddFolder(path, number, stamp);
@@ -190,7 +251,7 @@ private:
         clsExtractionTarget::LargeFile file(target_, path, stamp, member.size);
         reader.Stream(member, [&](std::span<const std::byte> piece, std::uint64_t packedDone) {
             file.Write(piece);
-            progress.Within(packedDone);
+            progress_->Within(packedDone);
         });
         return file.Keep(content);
     }
@@ -214,7 +275,8 @@ private:
     const UnzipCallbacks& callbacks_;
     clsDosClock clock_;
     clsExtractionTarget target_;
-    ZipDirectory directory_;
+    std::optional<clsZipDirectory> directory_;
+    std::optional<Progress> progress_;
     ZipTotals totals_;
     ExtractionOutcome outcome_;
     bool cancelled_ = false;

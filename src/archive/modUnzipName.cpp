@@ -3,6 +3,9 @@
 #include "base/modUtf8.h"
 #include "base/modWide.h"
 
+#include <string>
+#include <utility>
+
 namespace vesk {
 
 std::wstring ZipEntryName(const ZipMember& member) {

@@ -1,6 +1,8 @@
 #pragma once
 
-#include "archive/modZipDirectory.h"
+#include "archive/ZipMember.h"
+
+#include <string>
 
 namespace vesk {
 

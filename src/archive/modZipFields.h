@@ -1,7 +1,11 @@
 #pragma once
 
+#include "archive/ByteSource.h"
+#include "archive/ZipMember.h"
 #include "archive/clsByteReader.h"
-#include "archive/modZipDirectory.h"
+
+#include <cstdint>
+#include <optional>
 
 namespace vesk {
 
@@ -29,5 +33,12 @@ inline ZipTailSizes ReadSharedFields(clsByteReader& reader, ZipMember& member) {
     sizes.extra = reader.U16();
     return sizes;
 }
+
+/// Whether these four bytes stand there, the lowest first.
+bool HasSignature(ByteWindow& archive, std::uint64_t at, std::uint32_t signature);
+
+/// The first place from `at` on, and wholly before `end`, where these four bytes stand.
+std::optional<std::uint64_t> FindSignature(ByteWindow& archive, std::uint64_t at, std::uint64_t end,
+                                           std::uint32_t signature);
 
 } // namespace vesk

@@ -6,6 +6,11 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
 #include <utility>
 
 namespace vesk {
@@ -14,11 +19,12 @@ namespace {
 
 using Bytes = std::span<const std::byte>;
 
-constexpr std::uint64_t kLocalSize = 30;
+constexpr std::size_t kLocalSize = 30;
 
 /// Two bits of deflate stand for at most 258 bytes.
 constexpr std::uint64_t kMaxDeflateRatio = 1032;
 
+constexpr std::uint16_t kFlagStreamed = 1U << 3;
 constexpr std::uint16_t kFlagPatch = 1U << 5;
 constexpr std::uint16_t kFlagStrongEncryption = 1U << 6;
 constexpr std::uint16_t kFlagUtf8 = 1U << 11;
@@ -156,32 +162,43 @@ std::string RefusalBySizes(const ZipMember& member) {
     return {};
 }
 
-/// Sets `dataAt`, or says why there is no data.
-std::string LocateData(Bytes data, ZipMember& member) {
-    if (member.headerAt > data.size() || data.size() - member.headerAt < kLocalSize)
-        return "its local header lies outside the archive";
-    clsByteReader local(data.subspan(static_cast<std::size_t>(member.headerAt)));
-    if (local.U32() != kZipLocalSignature)
-        return "its local header is damaged";
-    local.Skip(22);
-    const std::uint64_t nameSize = local.U16();
-    const std::uint64_t extraSize = local.U16();
-    member.dataAt = member.headerAt + kLocalSize + nameSize + extraSize;
-    if (member.dataAt > data.size() || member.packedSize > data.size() - member.dataAt)
-        return "its data reaches beyond the archive";
-    return {};
+bool Fits(const ZipMember& member, std::uint64_t dataAt, std::uint64_t dataEnd) {
+    return dataAt <= dataEnd && member.packedSize <= dataEnd - dataAt &&
+           (member.IsFolder() || RefusalBySizes(member).empty());
 }
 
-/// Refuses what shares bytes with a member before it in the file: no archiver writes such a thing,
-/// and a small file can be blown up without end with it.
-void RefuseOverlaps(std::vector<ZipMember*>& located) {
-    std::ranges::stable_sort(located, {}, &ZipMember::headerAt);
-    std::uint64_t used = 0;
-    for (ZipMember* member : located) {
-        if (member->headerAt < used && member->refusal.empty())
-            member->refusal = "it overlaps another member";
-        used = std::max(used, member->dataAt + member->packedSize);
-    }
+/// Which of two contradicting sizes are true is seen by the data, whose CRC must be the directory's
+/// in any case. Sizes that cannot be true are not tried.
+void CompareSizes(const ZipMember& local, std::uint64_t dataAt, std::uint64_t dataEnd,
+                  ZipMember& member) {
+    constexpr std::uint64_t kWide = 0xFFFFFFFF; // they stand elsewhere
+    const ZipSizes other{local.packedSize, local.size};
+    if ((local.flags & kFlagStreamed) != 0 || member.IsEncrypted() || other.packed == kWide ||
+        other.plain == kWide || other == ZipSizes{member.packedSize, member.size})
+        return;
+    member.otherSizes = other;
+    if (!Fits(member.WithOtherSizes(), dataAt, dataEnd))
+        member.otherSizes.reset();
+    else if (!Fits(member, dataAt, dataEnd))
+        member = member.WithOtherSizes();
+}
+
+/// Sets `dataAt`, or says why there is no data.
+std::string LocateData(ByteWindow& archive, std::uint64_t dataEnd, ZipMember& member) {
+    if (member.headerAt > dataEnd || dataEnd - member.headerAt < kLocalSize)
+        return "its local header lies outside the archive";
+    clsByteReader reader(archive.View(member.headerAt, kLocalSize));
+    if (reader.U32() != kZipLocalSignature)
+        return "its local header is damaged";
+    reader.Skip(2); // version needed
+    ZipMember local;
+    const auto [nameSize, extraSize] = ReadSharedFields(reader, local);
+    const std::uint64_t dataAt = member.headerAt + kLocalSize + nameSize + extraSize;
+    CompareSizes(local, dataAt, dataEnd, member);
+    if (dataAt > dataEnd || member.packedSize > dataEnd - dataAt)
+        return "its data reaches beyond the archive";
+    member.dataAt = dataAt;
+    return {};
 }
 
 /// Systems that keep Unix's modes in the upper half of the attributes, and may leave the lower half
@@ -246,21 +263,14 @@ void ApplyExtraFields(Bytes extra, ZipMember& member, std::uint32_t& disk) {
     }
 }
 
-void JudgeMembers(Bytes data, std::vector<ZipMember>& members) {
-    std::vector<ZipMember*> located;
-    located.reserve(members.size());
-    for (ZipMember& member : members) {
-        const std::string unlocated = LocateData(data, member);
-        if (unlocated.empty())
-            located.push_back(&member);
-        if (member.refusal.empty())
-            member.refusal = RefusalByDescription(member);
-        if (member.refusal.empty())
-            member.refusal = unlocated;
-        if (member.refusal.empty() && !member.IsFolder())
-            member.refusal = RefusalBySizes(member);
-    }
-    RefuseOverlaps(located);
+void JudgeMember(ByteWindow& archive, std::uint64_t dataEnd, ZipMember& member) {
+    const std::string unlocated = LocateData(archive, dataEnd, member);
+    if (member.refusal.empty())
+        member.refusal = RefusalByDescription(member);
+    if (member.refusal.empty())
+        member.refusal = unlocated;
+    if (member.refusal.empty() && !member.IsFolder())
+        member.refusal = RefusalBySizes(member);
 }
 
 } // namespace vesk

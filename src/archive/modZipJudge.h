@@ -1,6 +1,11 @@
 #pragma once
 
-#include "archive/modZipDirectory.h"
+#include "archive/ByteSource.h"
+#include "archive/ZipMember.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
 
 namespace vesk {
 
@@ -17,9 +22,10 @@ bool IsFolderEntry(const ZipMember& member, std::uint8_t host);
 /// @param disk the number of the disk the member starts on
 void ApplyExtraFields(std::span<const std::byte> extra, ZipMember& member, std::uint32_t& disk);
 
-/// Finds each member's data and sets the `refusal` of each that must not be extracted: links,
-/// unknown methods, impossible sizes, data outside the bytes given, data shared by two members.
-/// @param data the archive up to its central directory
-void JudgeMembers(std::span<const std::byte> data, std::vector<ZipMember>& members);
+/// Finds a member's data and sets its `refusal` when it must not be extracted: a link, an unknown
+/// method, impossible sizes, data outside the archive. A refusal that is there already stays.
+/// @param dataEnd where the archive's data ends and its directory begins
+/// @throws Failure when the archive cannot be read
+void JudgeMember(ByteWindow& archive, std::uint64_t dataEnd, ZipMember& member);
 
 } // namespace vesk

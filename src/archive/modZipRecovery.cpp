@@ -4,72 +4,80 @@
 #include "archive/modZipJudge.h"
 
 #include <algorithm>
-#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <utility>
 
 namespace vesk {
 
 namespace {
 
-using Bytes = std::span<const std::byte>;
-
 constexpr std::uint16_t kFlagStreamed = 1U << 3;
+
+constexpr std::uint32_t kDescriptorSignature = 0x08074B50;
+constexpr std::size_t kHeaderSize = 30;
 
 /// CRC and sizes of a streamed member, which stand behind its data.
 struct Descriptor {
     std::uint32_t crc = 0;
     std::uint64_t packedSize = 0;
     std::uint64_t size = 0;
-    std::size_t length = 0; ///< Of the descriptor itself.
+    std::uint64_t end = 0; ///< Where the descriptor itself ends.
 };
 
 /// Whether a record, or nothing, follows.
-bool EndsBefore(Bytes rest) {
-    clsByteReader reader(rest);
-    return rest.size() < 4 || (reader.U8() == 'P' && reader.U8() == 'K');
+bool EndsBefore(ByteWindow& archive, std::uint64_t at) {
+    clsByteReader reader(archive.View(at, 4));
+    return reader.Left() < 4 || (reader.U8() == 'P' && reader.U8() == 'K');
 }
 
 /// There are two forms of different length; which one it is shows in what follows.
 /// @param at where a descriptor's signature stands
-std::optional<Descriptor> ReadDescriptor(Bytes at, std::uint64_t packedSize) {
+std::optional<Descriptor> ReadDescriptor(ByteWindow& archive, std::uint64_t at,
+                                         std::uint64_t packedSize) {
     for (const bool wide : {false, true}) {
-        clsByteReader reader(at.subspan(4));
+        const std::size_t length = wide ? 24 : 16;
+        clsByteReader reader(archive.View(at, length));
+        reader.Skip(4);
         Descriptor found;
         found.crc = reader.U32();
         found.packedSize = wide ? reader.U64() : reader.U32();
         found.size = wide ? reader.U64() : reader.U32();
-        found.length = wide ? 24 : 16;
-        if (reader.Ok() && found.packedSize == packedSize && EndsBefore(at.subspan(found.length)))
+        found.end = at + length;
+        if (reader.Ok() && found.packedSize == packedSize && EndsBefore(archive, found.end))
             return found;
     }
     return std::nullopt;
 }
 
 /// Looks for the descriptor that says how much data stands before it.
-std::optional<Descriptor> FindDescriptor(Bytes data) {
-    constexpr std::array kMark = {std::byte{'P'}, std::byte{'K'}, std::byte{7}, std::byte{8}};
-    for (std::size_t from = 0; from < data.size();) {
-        const Bytes rest = data.subspan(from);
-        const auto mark = std::search(rest.begin(), rest.end(), kMark.begin(), kMark.end());
-        if (mark == rest.end())
-            return std::nullopt;
-        const auto at = from + static_cast<std::size_t>(mark - rest.begin());
-        if (const auto found = ReadDescriptor(data.subspan(at), at))
+std::optional<Descriptor> FindDescriptor(ByteWindow& archive, std::uint64_t dataAt) {
+    std::uint64_t from = dataAt;
+    while (const auto at = FindSignature(archive, from, archive.Size(), kDescriptorSignature)) {
+        if (const auto found = ReadDescriptor(archive, *at, *at - dataAt))
             return found;
-        from = at + kMark.size();
+        from = *at + 4;
     }
     return std::nullopt;
 }
 
-std::optional<ZipMember> ReadLocalHeader(clsByteReader& reader) {
-    if (reader.U32() != kZipLocalSignature)
+/// @param dataAt set to where the member's data begins
+std::optional<ZipMember> ReadLocalHeader(ByteWindow& archive, std::uint64_t at,
+                                         std::uint64_t& dataAt) {
+    clsByteReader fixed(archive.View(at, kHeaderSize));
+    if (fixed.U32() != kZipLocalSignature)
         return std::nullopt;
     ZipMember member;
-    reader.Skip(2); // version needed
-    const auto [nameSize, extraSize] = ReadSharedFields(reader, member);
+    member.headerAt = at;
+    fixed.Skip(2); // version needed
+    const auto [nameSize, extraSize] = ReadSharedFields(fixed, member);
+    clsByteReader reader(archive.View(at + kHeaderSize, std::size_t{nameSize} + extraSize));
     member.name = reader.Text(nameSize);
-    const Bytes extra = reader.Bytes(extraSize);
-    if (!reader.Ok())
+    const auto extra = reader.Bytes(extraSize);
+    if (!fixed.Ok() || !reader.Ok())
         return std::nullopt;
+    dataAt = at + kHeaderSize + nameSize + extraSize;
     // Which system made the entry stands in the central directory only.
     constexpr std::uint8_t kUnix = 3;
     constexpr std::uint8_t kDos = 0;
@@ -84,25 +92,22 @@ std::optional<ZipMember> ReadLocalHeader(clsByteReader& reader) {
 
 } // namespace
 
-std::vector<ZipMember> MembersByLocalHeaders(Bytes archive) {
+std::vector<ZipMember> MembersByLocalHeaders(ByteSource& archive) {
     std::vector<ZipMember> members;
-    for (std::uint64_t at = 0; at < archive.size();) {
-        const Bytes rest = archive.subspan(static_cast<std::size_t>(at));
-        clsByteReader reader(rest);
-        std::optional<ZipMember> member = ReadLocalHeader(reader);
+    ByteWindow window(archive);
+    for (std::uint64_t at = 0; at < archive.Size();) {
+        std::uint64_t dataAt = 0;
+        std::optional<ZipMember> member = ReadLocalHeader(window, at, dataAt);
         if (!member)
             break;
-        member->headerAt = at;
-        const Bytes data = rest.last(reader.Left());
-        std::uint64_t next = archive.size() - data.size();
         bool endKnown = true;
         if ((member->flags & kFlagStreamed) == 0) {
-            next += std::min<std::uint64_t>(member->packedSize, data.size());
-        } else if (const auto found = FindDescriptor(data)) {
+            at = dataAt + std::min(member->packedSize, archive.Size() - dataAt);
+        } else if (const auto found = FindDescriptor(window, dataAt)) {
             member->crc = found->crc;
             member->packedSize = found->packedSize;
             member->size = found->size;
-            next += found->packedSize + found->length;
+            at = found->end;
         } else {
             member->refusal = "its end cannot be found without the central directory";
             endKnown = false;
@@ -110,7 +115,6 @@ std::vector<ZipMember> MembersByLocalHeaders(Bytes archive) {
         members.push_back(std::move(*member));
         if (!endKnown)
             break;
-        at = next;
     }
     return members;
 }

@@ -1,12 +1,15 @@
 #pragma once
 
-#include "archive/modZipDirectory.h"
+#include "archive/ByteSource.h"
+#include "archive/ZipMember.h"
+
+#include <vector>
 
 namespace vesk {
 
 /// The members of an archive without a central directory, from the headers in front of their data.
 /// Ends at the first place where no header stands, and at a member whose end cannot be found.
-/// Members are not judged yet, and have no attributes.
-std::vector<ZipMember> MembersByLocalHeaders(std::span<const std::byte> archive);
+/// Members are not judged yet, and have no attributes. @throws what the source throws
+std::vector<ZipMember> MembersByLocalHeaders(ByteSource& archive);
 
 } // namespace vesk

@@ -1,7 +1,10 @@
 #pragma once
 
-#include "archive/modZipDirectory.h"
+#include "archive/ZipMember.h"
 
+#include <cstddef>
+#include <cstdint>
+#include <string>
 #include <string_view>
 
 namespace vesk {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "archive/ByteSource.h"
+#include "archive/MemorySource.h"
 #include "archive/ZipBuilder.h"
 
 #include <cstring>
@@ -152,26 +152,6 @@ private:
         const std::uint32_t sum = CabChecksum(sizes, CabChecksum(block.data, 0));
         return U32(block.checksum.value_or(sum)) + sizes + blockReserve + block.data;
     }
-};
-
-/// Bytes in memory, of which not one more can be read without the sanitizer's notice.
-class MemorySource : public ByteSource {
-public:
-    explicit MemorySource(const std::string& bytes)
-        : bytes_(std::as_bytes(std::span(bytes)).begin(), std::as_bytes(std::span(bytes)).end()) {}
-
-    [[nodiscard]] std::uint64_t Size() const override { return bytes_.size(); }
-    std::size_t Read(std::uint64_t at, std::span<std::byte> to) override {
-        if (at >= bytes_.size())
-            return 0;
-        const auto rest = std::span(bytes_).subspan(static_cast<std::size_t>(at));
-        const std::size_t count = std::min(rest.size(), to.size());
-        std::ranges::copy(rest.first(count), to.begin());
-        return count;
-    }
-
-private:
-    std::vector<std::byte> bytes_;
 };
 
 } // namespace vesk::test

@@ -1,129 +1,14 @@
+#include "archive/ArchiveContents.h"
 #include "archive/CabBuilder.h"
-#include "archive/clsZipMemberReader.h"
-#include "archive/modCabDirectory.h"
-#include "archive/modCabJudge.h"
-#include "archive/modCabUnpack.h"
-#include "archive/modMemberName.h"
-#include "base/Failure.h"
 
 #include <doctest/doctest.h>
 
-#include <map>
 #include <random>
-#include <set>
 
 using namespace vesk;
 using namespace vesk::test;
 
 namespace {
-
-using Contents = std::map<std::string, std::string>; ///< By members' names.
-
-/// The definition, bit by bit: nothing of the code that is tested.
-std::uint32_t PlainCrc(const std::string& text) {
-    std::uint32_t crc = 0xFFFFFFFF;
-    for (const char c : text) {
-        crc ^= static_cast<std::uint8_t>(c);
-        for (int bit = 0; bit < 8; ++bit)
-            crc = crc >> 1 ^ ((crc & 1) != 0 ? 0xEDB88320 : 0);
-    }
-    return ~crc;
-}
-
-std::string TextOf(std::span<const std::byte> bytes) {
-    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
-
-bool StaysInside(const std::string& name) {
-    const auto path = PathInside("C:\\tree", name);
-    return !path || (path->starts_with("C:\\tree\\") && path->find("\\..") == path->npos);
-}
-
-/// What an archive gives out. The sanitizers watch; what throws anything but an ordinary answer, or
-/// leads out of the folder, ends the test.
-Contents ZipContents(const std::string& archive) {
-    Contents contents;
-    const ExactBytes bytes(archive);
-    ZipDirectory directory;
-    try {
-        directory = ReadZipDirectory(bytes);
-    } catch (const ArchiveProblem&) {
-        return contents;
-    }
-    clsZipMemberReader reader(bytes, directory.members,
-                              [](bool) { return std::optional<std::string>("pass"); });
-    for (const ZipMember& member : directory.members) {
-        REQUIRE(StaysInside(member.name));
-        if (!member.refusal.empty() || member.IsFolder())
-            continue;
-        std::string whole = "refused";
-        std::string pieces = whole;
-        try {
-            whole = TextOf(reader.Read(member));
-            REQUIRE(PlainCrc(whole) == member.crc);
-            contents[member.name] = whole;
-        } catch (const ArchiveProblem&) {
-        }
-        try {
-            std::string read;
-            reader.Stream(member, [&](std::span<const std::byte> piece, std::uint64_t) {
-                read += TextOf(piece);
-            });
-            pieces = read;
-        } catch (const ArchiveProblem&) {
-        }
-        REQUIRE(pieces == whole);
-    }
-    return contents;
-}
-
-/// Takes the members that are whole.
-struct Collector : CabSink {
-    std::vector<std::string> texts;
-    std::set<std::size_t> whole;
-    std::size_t at = 0;
-
-    bool Begin(std::size_t place) override {
-        at = place;
-        return true;
-    }
-    void Write(std::span<const std::byte> bytes) override { texts[at] += TextOf(bytes); }
-    void End() override { whole.insert(at); }
-};
-
-Contents CabContents(const std::string& archive) {
-    Contents contents;
-    MemorySource source(archive);
-    ByteWindow cabinet(source);
-    CabDirectory directory;
-    try {
-        directory = ReadCabDirectory(cabinet);
-    } catch (const Failure&) {
-        return contents;
-    }
-    JudgeCabData(cabinet, directory, [] {});
-    const std::vector<std::size_t> order = JudgeCabEntries(directory);
-    for (std::size_t index = 0; index < directory.folders.size(); ++index) {
-        std::vector<std::size_t> entries;
-        for (const std::size_t number : order) {
-            const CabEntry& entry = directory.entries[number];
-            if (entry.folder == index && entry.size != 0 && entry.refusal.empty())
-                entries.push_back(number);
-        }
-        if (entries.empty() || !IsUnpackedHere(directory.folders[index]))
-            continue;
-        Collector sink;
-        sink.texts.resize(entries.size());
-        UnpackCabFolder(cabinet, directory, directory.folders[index], entries, sink);
-        for (const std::size_t place : sink.whole) {
-            const CabEntry& entry = directory.entries[entries[place]];
-            REQUIRE(StaysInside(entry.name));
-            REQUIRE(sink.texts[place].size() == entry.size);
-            contents[entry.name] = sink.texts[place];
-        }
-    }
-    return contents;
-}
 
 /// An archive of each kind that the builders make.
 struct Kind {

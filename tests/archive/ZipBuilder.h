@@ -1,14 +1,15 @@
 #pragma once
 
 #include "archive/clsCRC.h"
+#include "archive/clsZipDirectory.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <initializer_list>
-#include <memory>
+#include <map>
 #include <optional>
-#include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace vesk::test {
@@ -64,6 +65,8 @@ struct TestMember {
     std::uint32_t attributes = 0;
     std::string extra;
     std::uint32_t localSignature = 0x04034B50;
+    std::optional<std::string>
+        localSizes;     ///< CRC and sizes in front of the data; the same if not set.
     std::string behind; ///< Descriptor behind the data, instead of sizes in front of it.
 
     static TestMember Stored(const std::string& name, const std::string& text) {
@@ -105,7 +108,7 @@ struct TestEnd {
     std::string comment;
     std::uint16_t disk = 0;
     std::optional<std::uint16_t> count;
-    std::optional<std::uint32_t> offset; ///< Of the central directory; right when not set.
+    std::optional<std::uint64_t> offset; ///< Of the central directory; right when not set.
     std::optional<std::uint32_t> size;   ///< The same.
     bool wide = false; ///< All values in the zip64 records, the narrow ones saturated.
 };
@@ -127,38 +130,63 @@ inline std::string MakeZip(const std::vector<TestMember>& members, const TestEnd
                    U32(member.attributes) +
                    U32(member.offset.value_or(static_cast<std::uint32_t>(local.size()))) +
                    member.name + member.extra;
-        local += U32(member.localSignature) + U16(20) + start +
-                 (member.behind.empty() ? sizes : std::string(12, '\0')) + nameSize + U16(0) +
-                 member.name + member.data + member.behind;
+        local +=
+            U32(member.localSignature) + U16(20) + start +
+            (member.behind.empty() ? member.localSizes.value_or(sizes) : std::string(12, '\0')) +
+            nameSize + U16(0) + member.name + member.data + member.behind;
     }
     const std::size_t count = members.size();
     std::string archive = local + central;
     if (end.wide)
         archive += U32(0x06064B50) + U64(44) + U16(45) + U16(45) + U32(0) + U32(0) + U64(count) +
-                   U64(count) + U64(central.size()) + U64(local.size()) + U32(0x07064B50) + U32(0) +
-                   U64(local.size() + central.size()) + U32(1);
+                   U64(count) + U64(central.size()) + U64(end.offset.value_or(local.size())) +
+                   U32(0x07064B50) + U32(0) + U64(local.size() + central.size()) + U32(1);
     const std::uint64_t saturated = end.wide ? ~0ULL : 0;
     return archive + U32(0x06054B50) + U16(end.disk) + U16(end.disk) + U16(count | saturated) +
            U16(end.count.value_or(static_cast<std::uint16_t>(count)) | saturated) +
            U32(end.size.value_or(static_cast<std::uint32_t>(central.size())) | saturated) +
-           U32(end.offset.value_or(static_cast<std::uint32_t>(local.size())) | saturated) +
-           U16(end.comment.size()) + end.comment;
+           U32(end.offset.value_or(local.size()) | saturated) + U16(end.comment.size()) +
+           end.comment;
 }
 
-/// A text's bytes in memory of exactly their size: reading one too far is seen by the sanitizer,
-/// which it is not in a text with its final NUL.
-class ExactBytes {
-public:
-    explicit ExactBytes(const std::string& text)
-        : bytes_(std::make_unique_for_overwrite<std::byte[]>(text.size())), size_(text.size()) {
-        std::ranges::copy(std::as_bytes(std::span(text)), bytes_.get());
-    }
-    // NOLINTNEXTLINE(google-explicit-constructor)
-    operator std::span<const std::byte>() const { return {bytes_.get(), size_}; }
+/// Bytes by their place in a file; there are zeros between them.
+using SparseBytes = std::map<std::uint64_t, std::string>;
 
-private:
-    std::unique_ptr<std::byte[]> bytes_;
-    std::size_t size_;
+/// An archive whose members lie around 2 and 4 GiB, and the text of its members by their names.
+inline std::pair<SparseBytes, std::map<std::string, std::string>> HugeZip() {
+    constexpr std::uint64_t kGiB = 1ULL << 30;
+    constexpr std::uint64_t kAcross = 1ULL << 20; // and its data goes on behind the border
+    SparseBytes parts;
+    std::map<std::string, std::string> texts;
+    std::vector<TestMember> members;
+    for (const std::uint64_t at : {0 * kGiB, 2 * kGiB - kAcross, 4 * kGiB - kAcross, 5 * kGiB}) {
+        const std::string name = std::to_string(at);
+        texts[name] = name + std::string(at % kGiB == 0 ? 0 : 5 * kAcross, 'x');
+        TestMember& member = members.emplace_back(TestMember::Stored(name, texts[name]));
+        const std::string one = MakeZip({member});
+        parts[at] = one.substr(0, one.rfind("PK\1\2"));
+        member.offset = 0xFFFFFFFF;
+        member.extra = Extra(1, U64(at));
+    }
+    TestEnd end;
+    end.wide = true;
+    end.offset = 6 * kGiB;
+    const std::string all = MakeZip(members, end);
+    parts[6 * kGiB] = all.substr(all.find("PK\1\2"));
+    return {parts, texts};
+}
+
+/// Everything that an archive's directory tells.
+struct ZipListing {
+    std::vector<ZipMember> members;
+    std::string comment, problem;
 };
+
+inline ZipListing ListingOf(clsZipDirectory& directory) {
+    ZipListing listing{{}, directory.Comment(), directory.Problem()};
+    for (std::size_t number = 0; number < directory.Count(); ++number)
+        listing.members.push_back(directory.Member(number));
+    return listing;
+}
 
 } // namespace vesk::test

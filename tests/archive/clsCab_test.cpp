@@ -294,27 +294,6 @@ TEST_CASE("members behind damage in the same data are told one by one") {
     CHECK(f.Listing() == "empty");
 }
 
-TEST_CASE("a truncated cabinet gives what is there") {
-    const std::string good = CabBytes({{"good.txt", {"1"}}, {"bad.txt", {"data"}}});
-    Fixture f(good.substr(0, good.size() - 2));
-    CHECK_THROWS_WITH(f.cab.Extract(), "Invalid data.");
-    CHECK(f.owner.failures == Events{"bad.txt: not extracted, its data is cut short"});
-    CHECK(f.Listing() == "good.txt");
-}
-
-TEST_CASE("what stands in a member's way is that member's trouble only") {
-    Fixture f(CabBytes({{"a", {"1"}}, {"b\\c", {"2"}}, {"d", {"3"}}}));
-    f.folder.Write("out\\a\\inside", "kept");
-    f.folder.Write("out\\b", "kept");
-    CHECK_THROWS_WITH(f.cab.Extract(), "The directory or file cannot be created.");
-    CHECK(f.owner.failures == Events{"a: not extracted, there is a folder in its place",
-                                     "b\\c: not extracted, its path leads through a file"});
-    CHECK(f.Out("a\\inside") == "kept");
-    CHECK(f.Out("b") == "kept");
-    CHECK(f.Out("d") == "3");
-    CHECK(f.Listing() == "a b d");
-}
-
 TEST_CASE("members get their stored attributes and times, and the next extraction replaces them") {
     TestCab cab = TestCab::Of({{"plain", "1"}, {"special", "2"}});
     cab.members[1].attributes = 0x01 | 0x02 | 0x04;

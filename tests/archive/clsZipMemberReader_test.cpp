@@ -1,5 +1,6 @@
 #include "archive/clsZipMemberReader.h"
 
+#include "archive/MemorySource.h"
 #include "archive/ZipBuilder.h"
 
 #include <doctest/doctest.h>
@@ -20,7 +21,8 @@ std::string ContentOf(clsZipMemberReader& reader, const ZipMember& member, bool 
         return TextOf(reader.Read(member));
     std::string content;
     reader.Stream(member, [&](std::span<const std::byte> piece, std::uint64_t packedDone) {
-        CHECK(packedDone <= member.packedSize);
+        CHECK(packedDone <=
+              std::max(member.packedSize, member.otherSizes.value_or(ZipSizes()).packed));
         content += TextOf(piece);
     });
     return content;
@@ -29,10 +31,10 @@ std::string ContentOf(clsZipMemberReader& reader, const ZipMember& member, bool 
 /// Everything that can be read, one "name=content" or "name!reason" after the other.
 std::string ReadAll(const std::string& archive, const Password& password, bool inPieces) {
     std::string all;
-    const ExactBytes bytes(archive);
-    const ZipDirectory directory = ReadZipDirectory(bytes);
-    clsZipMemberReader reader(bytes, directory.members, password);
-    for (const ZipMember& member : directory.members) {
+    MemorySource source(archive);
+    clsZipDirectory directory(source);
+    clsZipMemberReader reader(source, directory, password);
+    for (const ZipMember& member : ListingOf(directory).members) {
         try {
             if (!member.refusal.empty())
                 throw ArchiveProblem(member.refusal);
@@ -50,6 +52,34 @@ std::string ReadAll(const std::string& archive, const Password& password = {}) {
     CHECK(ReadAll(archive, password, true) == whole);
     return whole;
 }
+
+/// A file with holes.
+class SparseSource : public ByteSource {
+public:
+    explicit SparseSource(const SparseBytes& parts) : parts_(parts) {}
+
+    [[nodiscard]] std::uint64_t Size() const override {
+        const auto& [at, bytes] = *parts_.rbegin();
+        return at + bytes.size();
+    }
+    std::size_t Read(std::uint64_t at, std::span<std::byte> to) override {
+        const auto count =
+            static_cast<std::size_t>(std::min<std::uint64_t>(to.size(), Size() - at));
+        std::ranges::fill(to, std::byte{0});
+        for (const auto& [start, text] : parts_) {
+            const std::uint64_t from = std::max(at, start);
+            const std::uint64_t end = std::min(at + count, start + text.size());
+            if (from < end)
+                text.copy(reinterpret_cast<char*>(to.data()) + (from - at),
+                          static_cast<std::size_t>(end - from),
+                          static_cast<std::size_t>(from - start));
+        }
+        return count;
+    }
+
+private:
+    const SparseBytes& parts_;
+};
 
 TestMember Encrypted(const std::string& name) {
     return TestMember::Encrypted(name);
@@ -77,6 +107,41 @@ TEST_CASE("what does not hold what it declares is not handed out") {
     CHECK(ReadAll(MakeZip({stored, endless})) == "stored!wrong CRC;endless!its data is damaged;");
 }
 
+TEST_CASE("of contradicting sizes those count that the data proves, of checksums the directory's") {
+    struct Row {
+        const char* result;
+        bool packed;
+        std::uint32_t packedSize, size; ///< In the directory; the data is 9 or 4 bytes for 4.
+        std::uint32_t localPackedSize, localSize;
+    };
+    for (const Row& row : {
+             Row{"a=text;", true, 9, 5, 9, 4},
+             Row{"a=text;", true, 9, 0, 9, 4},
+             Row{"a=text;", true, 8, 4, 9, 4},
+             Row{"a=text;", true, 5000, 4, 9, 4}, // beyond the archive
+             Row{"a=text;", true, 9, 50'000, 9, 4},
+             Row{"a=text;", true, 9, 4, 7, 3},
+             Row{"a=text;", true, 9, 4, 5000, 50'000},
+             Row{"a=text;", false, 3, 3, 4, 4},
+             Row{"a=text;", false, 4, 9, 4, 4},
+             Row{"a!wrong CRC;", false, 3, 3, 2, 2},
+             Row{"a!its data does not have the declared size;", true, 9, 5, 9, 3},
+             Row{"a!its data does not have the declared size;", true, 9, 5, 5000, 4},
+             Row{"a!its data reaches beyond the archive;", true, 5000, 4, 5000, 5},
+         }) {
+        TestMember member =
+            row.packed ? TestMember::Packed("a", "text") : TestMember::Stored("a", "text");
+        member.packedSize = row.packedSize;
+        member.size = row.size;
+        member.localSizes = U32(0) + U32(row.localPackedSize) + U32(row.localSize);
+        CHECK(ReadAll(MakeZip({member})) == row.result);
+    }
+    TestMember local = TestMember::Packed("a", "text"); // only its header has the right checksum
+    local.localSizes = U32(local.crc) + U32(9) + U32(4);
+    local.crc ^= 1;
+    CHECK(ReadAll(MakeZip({local})) == "a!wrong CRC;");
+}
+
 TEST_CASE("a large member comes in pieces of bounded size, the progress with it") {
     std::string text;
     for (std::uint32_t i = 0; i < 300'000; ++i)
@@ -91,13 +156,13 @@ TEST_CASE("a large member comes in pieces of bounded size, the progress with it"
             }
             member.method = 8;
         }
-        const ExactBytes bytes(MakeZip({member}));
-        const ZipDirectory directory = ReadZipDirectory(bytes);
-        clsZipMemberReader reader(bytes, directory.members, {});
+        MemorySource source(MakeZip({member}));
+        clsZipDirectory directory(source);
+        clsZipMemberReader reader(source, directory, {});
         std::string content;
         std::uint64_t before = 0;
         int calls = 0;
-        reader.Stream(directory.members[0],
+        reader.Stream(directory.Member(0),
                       [&](std::span<const std::byte> piece, std::uint64_t packedDone) {
                           CHECK(piece.size() <= 256 << 10);
                           CHECK(packedDone >= before);
@@ -109,6 +174,18 @@ TEST_CASE("a large member comes in pieces of bounded size, the progress with it"
         CHECK(before == member.data.size());
         CHECK(calls >= 5);
     }
+}
+
+TEST_CASE("members are found and read on both sides of 2 and 4 GiB") {
+    const auto [parts, texts] = HugeZip();
+    SparseSource source(parts);
+    clsZipDirectory directory(source);
+    CHECK(directory.Problem() == "");
+    clsZipMemberReader reader(source, directory, {});
+    REQUIRE(directory.Count() == texts.size());
+    for (const ZipMember& member : ListingOf(directory).members)
+        for (const bool inPieces : {false, true})
+            CHECK((ContentOf(reader, member, inPieces) == texts.at(member.name)));
 }
 
 TEST_CASE("encrypted members: asked until right, once for all members, never after a refusal") {

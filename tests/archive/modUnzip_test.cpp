@@ -8,6 +8,8 @@
 #include "base/modSystemError.h"
 #include "base/modText.h"
 
+#include <winioctl.h>
+
 #include <algorithm>
 
 using namespace vesk;
@@ -250,6 +252,27 @@ TEST_CASE("a large member is told of while it comes, and stands under its name w
     CHECK(calls > 20);
     CHECK(unzip.Read("large") == text);
     CHECK(unzip.Names().size() == 2);
+}
+
+TEST_CASE("an archive of more than 4 GiB is extracted") {
+    const TestFolder folder;
+    const std::string path = folder.Write("x.zip", "");
+    const auto [parts, texts] = HugeZip();
+    {
+        const FileHandle file(
+            CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+        DWORD done = 0;
+        DeviceIoControl(file.Get(), FSCTL_SET_SPARSE, nullptr, 0, nullptr, 0, &done, nullptr);
+        for (const auto& [at, bytes] : parts) {
+            const LARGE_INTEGER place{.QuadPart = static_cast<LONGLONG>(at)};
+            REQUIRE(SetFilePointerEx(file.Get(), place, nullptr, FILE_BEGIN) != 0);
+            REQUIRE(WriteFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &done,
+                              nullptr) != 0);
+        }
+    }
+    CHECK(UnzipFile(path, folder / "out").failures.empty());
+    for (const auto& [name, text] : texts)
+        CHECK((ReadWholeFile(folder / ("out\\" + name)) == text));
 }
 
 TEST_CASE("no part of a large member is ever seen under its name") {

@@ -1,13 +1,9 @@
 #pragma once
 
-#include "archive/ArchiveProblem.h"
-
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <span>
 #include <string>
-#include <vector>
 
 namespace vesk {
 
@@ -24,6 +20,14 @@ struct ZipTimes {
     std::optional<std::uint64_t> modified, accessed, created;
 };
 
+/// What a member takes in the archive and outside.
+struct ZipSizes {
+    std::uint64_t packed = 0;
+    std::uint64_t plain = 0;
+
+    bool operator==(const ZipSizes&) const = default;
+};
+
 /// One member as the central directory describes it. Positions count from the first byte of the
 /// file, whatever stands in front of the archive.
 struct ZipMember {
@@ -38,31 +42,28 @@ struct ZipMember {
     std::uint64_t packedSize = 0;
     std::uint64_t size = 0;
     std::uint64_t headerAt = 0;
-    std::uint64_t dataAt = 0; ///< Behind the local header; the whole packed data lies in the file.
+    std::uint64_t dataAt = 0; ///< Behind the local header; 0 unless all packed data is there.
     ZipTimes times;
-    bool folder = false; ///< By its name's end or by its attributes.
+    std::optional<ZipSizes> otherSizes; ///< Those of the local header, when they contradict.
+    bool folder = false;                ///< By its name's end or by its attributes.
     std::string refusal; ///< Why it must not be extracted; empty when nothing speaks against it.
 
     /// The cipher's own bytes in front of an encrypted member's packed data.
     static constexpr std::size_t kCipherHeaderSize = 12;
 
+    /// The same member with the sizes of its local header.
+    [[nodiscard]] ZipMember WithOtherSizes() const {
+        ZipMember other = *this;
+        other.packedSize = otherSizes->packed;
+        other.size = otherSizes->plain;
+        other.otherSizes.reset();
+        return other;
+    }
+
     [[nodiscard]] bool IsFolder() const { return folder; }
+    [[nodiscard]] bool IsLocated() const { return dataAt != 0; }
     [[nodiscard]] bool IsEncrypted() const { return (flags & 1) != 0; }
     [[nodiscard]] bool IsDeflated() const { return method == 8; }
 };
-
-/// What the end of the archive says about the whole.
-struct ZipDirectory {
-    std::vector<ZipMember> members;
-    std::string comment;
-    std::string problem; ///< What is wrong with the directory as a whole; empty when nothing is.
-};
-
-/// Reads the central directory, finds each member's data and judges each member. What was claimed
-/// by the archive and does not fit the bytes that are there ends as a `refusal` of the member; no
-/// memory is given for a claim. Where the directory is damaged, what can be read of it is given;
-/// where it is missing, what the members' own headers tell; and `problem` says so.
-/// @throws ArchiveProblem when the bytes hold no readable archive at all.
-ZipDirectory ReadZipDirectory(std::span<const std::byte> archive);
 
 } // namespace vesk

@@ -1,5 +1,6 @@
-#include "archive/modZipDirectory.h"
+#include "archive/clsZipDirectory.h"
 
+#include "archive/MemorySource.h"
 #include "archive/ZipBuilder.h"
 
 #include <doctest/doctest.h>
@@ -9,13 +10,15 @@ using namespace vesk::test;
 
 namespace {
 
-ZipDirectory Read(const std::string& archive) {
-    return ReadZipDirectory(ExactBytes(archive));
+ZipListing Read(const std::string& archive) {
+    MemorySource source(archive);
+    clsZipDirectory directory(source);
+    return ListingOf(directory);
 }
 
 ZipMember ReadOne(const TestMember& member) {
     const std::string archive = MakeZip({member});
-    ZipDirectory directory = Read(archive);
+    const ZipListing directory = Read(archive);
     REQUIRE(directory.members.size() == 1);
     CHECK(directory.problem.empty());
     return directory.members[0];
@@ -50,7 +53,7 @@ TEST_CASE("the archive is found whatever stands around it") {
     for (const TestEnd& end : {TestEnd(), commented, wide})
         for (const char* before : {"", "MZ junk in front"})
             for (const char* after : {"", "behind"}) {
-                const ZipDirectory directory = Read(before + MakeZip({kOne, kTwo}, end) + after);
+                const ZipListing directory = Read(before + MakeZip({kOne, kTwo}, end) + after);
                 REQUIRE(directory.members.size() == 2);
                 CHECK(directory.problem.empty());
                 CHECK(directory.comment == end.comment);
@@ -70,7 +73,7 @@ TEST_CASE("a wrong position of the directory does not hide the members") {
 TEST_CASE("a directory that holds nothing of what was promised is no directory") {
     TestEnd none;
     none.size = 0;
-    const ZipDirectory directory = Read(MakeZip({kOne, kTwo}, none));
+    const ZipListing directory = Read(MakeZip({kOne, kTwo}, none));
     CHECK(directory.members.size() == 2);
     CHECK(directory.problem.find("its end is missing or damaged") == 0);
 }
@@ -88,7 +91,7 @@ TEST_CASE("what is no archive, or not all of one, is said to be so") {
     }
     TestEnd tooMany; // one that breaks off gives what it holds
     tooMany.count = 5;
-    const ZipDirectory directory = Read(MakeZip({kOne, kTwo}, tooMany));
+    const ZipListing directory = Read(MakeZip({kOne, kTwo}, tooMany));
     CHECK(directory.members.size() == 2);
     CHECK(directory.problem.find("2 readable members, its end record says 5") != std::string::npos);
 }
@@ -103,7 +106,7 @@ TEST_CASE("an archive cut short gives what its members' own headers tell") {
         MakeZip({kOne, streamed, wide, TestMember::Stored("folder/", ""), kTwo});
     const std::size_t central = archive.find("PK\1\2");
     for (const std::size_t length : {central, central + 100, archive.size() - 23}) {
-        const ZipDirectory directory = Read(archive.substr(0, length));
+        const ZipListing directory = Read(archive.substr(0, length));
         REQUIRE(directory.members.size() == 5);
         CHECK(directory.problem.find("5 members") != std::string::npos);
         const std::vector<ZipMember>& members = directory.members;
@@ -116,15 +119,49 @@ TEST_CASE("an archive cut short gives what its members' own headers tell") {
         for (const ZipMember& member : members)
             CHECK(member.refusal == "");
     }
-    const ZipDirectory half = Read(archive.substr(0, central - 1)); // in the last member's data
+    const ZipListing half = Read(archive.substr(0, central - 1)); // in the last member's data
     REQUIRE(half.members.size() == 5);
     CHECK(half.members[4].refusal == "its data reaches beyond the archive");
-    const ZipDirectory open = Read(archive.substr(0, archive.find("PK\7\x08") + 15));
+    const ZipListing open = Read(archive.substr(0, archive.find("PK\7\x08") + 15));
     REQUIRE(open.members.size() == 2);
     CHECK(open.members[1].refusal.find("its end cannot be found") == 0);
     // Where it ends is not known, so what stands in it is not taken for a member.
     const std::string first = archive.substr(0, archive.find("PK\3\4", 4));
     CHECK(Read(archive.substr(0, archive.find(streamed.data)) + first).members.size() == 2);
+}
+
+TEST_CASE("members are found in any order, whatever stands between their records") {
+    std::vector<TestMember> members;
+    for (int number = 0; number < 100; ++number)
+        members.push_back(TestMember::Stored(std::to_string(number), "x"));
+    std::string archive = MakeZip(members);
+    // More than is fetched at once, and a record that claims to be larger than the directory.
+    const std::string junk = std::string(40'000, 'P') + "PK\1\2" + std::string(46, '\xFF');
+    for (const char* before : {"7", "42"})
+        archive.insert(archive.rfind("PK\1\2", archive.rfind(before)), junk);
+    TestEnd end; // of the directory with the junk
+    end.size = static_cast<std::uint32_t>(archive.size() - 22 - archive.find("PK\1\2"));
+    end.count = 100;
+    archive.resize(archive.size() - 22);
+    archive += MakeZip({}, end);
+    MemorySource source(archive);
+    clsZipDirectory directory(source);
+    REQUIRE(directory.Count() == 100);
+    for (std::size_t i = 0; i < 300; ++i)
+        CHECK(directory.Described(i * 37 % 100).name == std::to_string(i * 37 % 100));
+}
+
+TEST_CASE("the end of a streamed member is found across the border of what is fetched at once") {
+    for (const std::size_t signatureAt : {262'141U, 262'142U, 262'143U, 262'144U, 262'145U}) {
+        TestMember member = TestMember::Stored("a", std::string(signatureAt - 31, 'x'));
+        member.flags = 8;
+        member.behind =
+            U32(0x08074B50) + U32(member.crc) + U32(member.data.size()) + U32(member.data.size());
+        const std::string archive = MakeZip({member});
+        const ZipListing directory = Read(archive.substr(0, archive.find("PK\1\2")));
+        REQUIRE(directory.members.size() == 1);
+        CHECK(directory.members[0].packedSize == member.data.size());
+    }
 }
 
 TEST_CASE("behind a damaged record of the directory the others are read") {
@@ -134,7 +171,7 @@ TEST_CASE("behind a damaged record of the directory the others are read") {
                                     {28, "\xFF\xFF"}}) { // its mark; the length of its name
         std::string damaged = archive;
         damaged.replace(second + at, 2, bytes);
-        const ZipDirectory directory = Read(damaged);
+        const ZipListing directory = Read(damaged);
         REQUIRE(directory.members.size() == 2);
         CHECK(directory.members[1].name == "three");
         CHECK(directory.members[1].refusal == "");
@@ -196,7 +233,7 @@ TEST_CASE("members that must not be extracted are refused one by one") {
     };
     for (const Row& row : rows) {
         CAPTURE(row.reason);
-        const ZipDirectory directory = Read(MakeZip({row.member, kOne}));
+        const ZipListing directory = Read(MakeZip({row.member, kOne}));
         REQUIRE(directory.members.size() == 2);
         CHECK(directory.members[0].refusal.find(row.reason) != std::string::npos);
         CHECK(directory.members[1].refusal.empty());
@@ -215,7 +252,7 @@ TEST_CASE("data that two members share is given to the first only") {
     // The fourth claims a byte too many and so reaches into the fifth.
     TestMember greedy = TestMember::Packed("greedy", "x");
     greedy.packedSize = static_cast<std::uint32_t>(greedy.data.size() + 1);
-    const ZipDirectory directory = Read(MakeZip({carrier, twin, quoted, greedy, kOne}));
+    const ZipListing directory = Read(MakeZip({carrier, twin, quoted, greedy, kOne}));
     std::vector<std::string> refusals;
     for (const ZipMember& member : directory.members)
         refusals.push_back(member.refusal);
