@@ -34,8 +34,9 @@ void Inf(const Arguments& arguments) {
     catalogue.showCategories = true;
     test::RecordingFrontEnd frontEnd;
     std::size_t problems = 0;
+    const clsSha256List none;
     const clsBuildContext context{
-        inputs, catalogue, frontEnd, {}, [&](const Problem&) { ++problems; }};
+        inputs, catalogue, frontEnd, {}, [&](const Problem&) { ++problems; }, none};
     const std::string& inf = arguments.at(1);
     const double took = Timed([&] {
         PrefixPluginName(context, inf, "100");
