@@ -12,13 +12,10 @@ namespace vesk {
 /// What waits to be sent on one socket: the bytes of a stream, or whole datagrams.
 class clsSendQueue {
 public:
-    /// For the socket that is sent on from now on.
-    void SetSizes(const SocketSizes& sizes) { sizes_ = sizes; }
-
     void Append(std::string_view bytes) { stream_.Append(bytes); }
     void AppendDatagram(std::uint32_t address, std::uint16_t port, std::string_view bytes);
 
-    /// Forgets all that waits.
+    /// Forgets all that waits, and the socket.
     void Clear();
 
     /// False also while an empty datagram waits.
@@ -36,9 +33,10 @@ private:
         std::string bytes;
     };
 
+    [[nodiscard]] std::size_t NextPieceSize(SOCKET socket);
     int SendDatagram(SOCKET socket);
 
-    SocketSizes sizes_;
+    std::size_t sendSize_ = 0; ///< The socket's, once asked for.
     clsByteQueue stream_;
     std::deque<Datagram> datagrams_;
 };

@@ -54,6 +54,12 @@ std::string clsSocketCore::RemoteHostIP() const {
     return AddressText(peerAddress_);
 }
 
+std::uint16_t clsSocketCore::LocalPort() const {
+    if (!socket_)
+        return wishedLocalPort;
+    return localPort_ != 0 ? localPort_ : LocalPortOf(socket_.Get());
+}
+
 void clsSocketCore::RequireClosed(const char* method) const {
     if (state_ != SocketState::sckClosed)
         ThrowSocketMisuse(SocketMisuse::InvalidState, method);
@@ -116,14 +122,8 @@ void clsSocketCore::CreateSocket(const char* source) {
         SetState(SocketState::sckError);
         throw;
     }
-    FitSizes();
-}
-
-void clsSocketCore::FitSizes() {
-    const SocketSizes sizes = FitSocket(socket_.Get(), protocol == SocketProtocol::TCP);
-    receiveSize_ = sizes.receive;
-    offeredSize_ = sizes.firstReceive;
-    sending_.SetSizes(sizes);
+    receiveSizes_ = FitReceiving(socket_.Get());
+    offeredSize_ = receiveSizes_.first;
 }
 
 int clsSocketCore::BindTo(std::uint16_t port, std::uint32_t address) {
@@ -244,8 +244,8 @@ void clsSocketCore::Accept(SOCKET request) {
         SetState(SocketState::sckError);
         throw;
     }
-    FitSizes();
-    localPort_ = LocalPortOf(request);
+    receiveSizes_ = FitReceiving(request);
+    offeredSize_ = receiveSizes_.first;
     sockaddr_in remote{};
     int size = sizeof remote;
     if (getpeername(request, reinterpret_cast<sockaddr*>(&remote), &size) == 0) {
@@ -278,7 +278,6 @@ void clsSocketCore::OnNotification(int event, int error) {
 }
 
 void clsSocketCore::OnConnected() {
-    localPort_ = LocalPortOf(socket_.Get());
     peerAddress_ = remoteAddress_;
     SetState(SocketState::sckConnected);
     Raise([](SocketEvents& owner) { owner.OnConnect(); });
@@ -319,7 +318,7 @@ bool clsSocketCore::ReceiveOnce() {
     received_.Commit(static_cast<std::size_t>(count));
     constexpr std::size_t kGrowth = 8;
     if (static_cast<std::size_t>(count) == offeredSize_)
-        offeredSize_ = std::min(offeredSize_ * kGrowth, receiveSize_);
+        offeredSize_ = std::min(offeredSize_ * kGrowth, receiveSizes_.most);
     const unsigned connection = connection_;
     Raise([&](SocketEvents& owner) { owner.OnDataArrival(count); });
     return StillOn(connection) && state_ == SocketState::sckConnected;

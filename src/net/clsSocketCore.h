@@ -32,7 +32,7 @@ public:
     [[nodiscard]] SocketState State() const { return state_; }
     [[nodiscard]] SOCKET Handle() const { return socket_.Get(); }
     [[nodiscard]] std::string RemoteHostIP() const;
-    [[nodiscard]] std::uint16_t LocalPort() const { return socket_ ? localPort_ : wishedLocalPort; }
+    [[nodiscard]] std::uint16_t LocalPort() const;
     [[nodiscard]] std::size_t BytesReceived() const;
     [[nodiscard]] clsByteQueue& ReceivedQueue() { return received_; }
 
@@ -65,7 +65,6 @@ private:
     void FailWith(int code, const std::string& text, const char* source);
 
     void CreateSocket(const char* source);
-    void FitSizes();
     [[nodiscard]] int BindTo(std::uint16_t port, std::uint32_t address);
     void StartResolving();
     void GoOnWithAddress(std::uint32_t address);
@@ -85,16 +84,16 @@ private:
     SocketEvents* owner_;
     SocketState state_ = SocketState::sckClosed;
     SocketOwner socket_;
-    std::uint16_t localPort_ = 0;
+    std::uint16_t localPort_ = 0; ///< What it was bound to; 0 where the system chose with Connect.
     std::uint32_t remoteAddress_ = INADDR_NONE; ///< What the host named last was looked up as.
     std::string resolvedHost_;                  ///< The host that it belongs to.
     std::uint32_t peerAddress_ = INADDR_NONE;   ///< Other end, or sender of the last datagram.
     std::uintptr_t lookup_ = 0;
     unsigned connection_ = 0;          ///< Number of the current connection; closing ends it.
     unsigned sendingConnection_ = ~0U; ///< The connection whose buffer is being sent just now.
-    std::size_t receiveSize_ = 0;      ///< The most that one read takes.
-    std::size_t offeredSize_ = 0;      ///< What the next one takes.
-    bool datagramAnnounced_ = false;   ///< Its event was raised and it was not taken yet.
+    ReceiveSizes receiveSizes_;
+    std::size_t offeredSize_ = 0;    ///< What the next read takes.
+    bool datagramAnnounced_ = false; ///< Its event was raised and it was not taken yet.
     clsByteQueue received_;
     clsSendQueue sending_;
 };

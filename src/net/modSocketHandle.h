@@ -12,16 +12,23 @@ namespace vesk {
 /// No datagram is larger, in bytes.
 inline constexpr std::size_t kDatagramRoom = 65536;
 
-/// How much a socket takes at once, in bytes.
-struct SocketSizes {
-    std::size_t receive = 0;      ///< The most that one read takes.
-    std::size_t firstReceive = 0; ///< What the first one takes.
-    std::size_t send = 0;
-    std::size_t datagram = 0; ///< The largest that can be sent; 0 for a stream.
+/// How much a socket receives at once, in bytes.
+struct ReceiveSizes {
+    std::size_t most = 0;  ///< The most that one read takes.
+    std::size_t first = 0; ///< What the first one takes.
 };
 
-/// Asks for a large receive buffer and reads what the system gives.
-SocketSizes FitSocket(SOCKET socket, bool isStream);
+/// Asks for a large receive buffer. What is not granted is read from the system.
+ReceiveSizes FitReceiving(SOCKET socket);
+
+/// No system sends less at once, in bytes: what is not more need not ask for SendSize.
+inline constexpr std::size_t kLeastSendSize = 8192;
+
+/// The system's send buffer, in bytes.
+std::size_t SendSize(SOCKET socket);
+
+/// The largest datagram that can be sent, in bytes.
+std::size_t DatagramSize(SOCKET socket);
 
 /// Binds to a port (0: any) of an address. @return 0, or the system's error code
 int BindSocket(SOCKET socket, std::uint16_t port, std::uint32_t address);
