@@ -9,7 +9,6 @@
 #include "net/modHttpText.h"
 
 #include <exception>
-#include <new>
 #include <utility>
 
 namespace vesk {

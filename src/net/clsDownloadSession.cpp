@@ -7,10 +7,12 @@
 #include "base/modFile.h"
 #include "base/modSha256.h"
 #include "base/modSystemError.h"
+#include "net/DownloadResult.h"
 
 #include <windows.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <utility>
 
 namespace vesk {

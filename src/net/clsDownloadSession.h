@@ -7,6 +7,7 @@
 #include "net/clsDownloadDecisions.h"
 #include "net/clsTransferRate.h"
 #include "net/modDownloadReason.h"
+#include "net/modHttpText.h"
 
 #include <cstdint>
 #include <functional>

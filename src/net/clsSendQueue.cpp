@@ -2,6 +2,9 @@
 
 #include "net/modSocketAddress.h"
 
+#include <cstddef>
+#include <cstdint>
+
 namespace vesk {
 
 void clsSendQueue::AppendDatagram(std::uint32_t address, std::uint16_t port,

@@ -3,15 +3,32 @@
 #include "net/clsByteQueue.h"
 #include "net/modSocketHandle.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <deque>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace vesk {
 
 /// What waits to be sent on one socket: the bytes of a stream, or whole datagrams.
 class clsSendQueue {
 public:
+    /// Marks a connection as the one being sent on, until the end of a scope.
+    class Mark {
+    public:
+        Mark(unsigned& current, unsigned connection)
+            : current_(current), previous_(std::exchange(current, connection)) {}
+        Mark(const Mark&) = delete;
+        Mark& operator=(const Mark&) = delete;
+        ~Mark() { current_ = previous_; }
+
+    private:
+        unsigned& current_;
+        unsigned previous_;
+    };
+
     void Append(std::string_view bytes) { stream_.Append(bytes); }
     void AppendDatagram(std::uint32_t address, std::uint16_t port, std::string_view bytes);
 

@@ -3,7 +3,9 @@
 #include "net/modSocketAddress.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <limits>
+#include <optional>
 
 namespace vesk {
 
@@ -62,6 +64,14 @@ std::uint16_t LocalPortOf(SOCKET socket) {
     return getsockname(socket, reinterpret_cast<sockaddr*>(&local), &size) == 0
                ? ntohs(local.sin_port)
                : std::uint16_t{0};
+}
+
+std::optional<sockaddr_in> PeerOf(SOCKET socket) {
+    sockaddr_in remote{};
+    int size = sizeof remote;
+    if (getpeername(socket, reinterpret_cast<sockaddr*>(&remote), &size) != 0)
+        return std::nullopt;
+    return remote;
 }
 
 int ReceiveBytes(SOCKET socket, std::span<char> room) {

@@ -2,8 +2,11 @@
 
 #include <winsock2.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
+#include <optional>
 #include <span>
 
 /// What a socket object asks of the system's socket, and how much of it at once.
@@ -35,6 +38,15 @@ int BindSocket(SOCKET socket, std::uint16_t port, std::uint32_t address);
 
 /// 0 while the socket has none.
 std::uint16_t LocalPortOf(SOCKET socket);
+
+/// The other end of a connection; nothing where there is none.
+std::optional<sockaddr_in> PeerOf(SOCKET socket);
+
+/// A size as events tell it: at most the greatest 32-bit value.
+inline std::int32_t EventCount(std::size_t size) {
+    constexpr std::size_t kLargest = std::numeric_limits<std::int32_t>::max();
+    return static_cast<std::int32_t>(std::min(size, kLargest));
+}
 
 /// Takes bytes of a stream. @return their number, 0 at its end, or SOCKET_ERROR
 int ReceiveBytes(SOCKET socket, std::span<char> room);
