@@ -37,7 +37,6 @@ const std::map<std::string, void (*)(const Arguments&)> kActions = {
     {"inf", Inf},
     {"inflate", InflateAll},
     {"load", LoadTheCatalogue},
-    {"pauses", Pauses},
     {"remove", RemoveTree},
     {"remove-bare", RemoveBare},
     {"save", SaveTheCatalogue},
