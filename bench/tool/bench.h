@@ -77,8 +77,4 @@ void FirstWindow(const Arguments& arguments);
 /// longest answer and of the whole build.
 void Answers(const Arguments& arguments);
 
-/// PROGRAMPATH TREE: builds as the programs do, and says where the longest pauses between two calls
-/// for pending events were, with the log's last line before each. For people, not for the table.
-void Pauses(const Arguments& arguments);
-
 } // namespace vesk::bench

@@ -1,8 +1,12 @@
+#define DOCTEST_CONFIG_IMPLEMENT
 #include "bench.h"
+
+#include <doctest/doctest.h>
 
 #include <cstdio>
 #include <exception>
 #include <map>
+#include <stdexcept>
 
 namespace vesk::bench {
 
@@ -33,7 +37,6 @@ const std::map<std::string, void (*)(const Arguments&)> kActions = {
     {"inf", Inf},
     {"inflate", InflateAll},
     {"load", LoadTheCatalogue},
-    {"pauses", Pauses},
     {"remove", RemoveTree},
     {"remove-bare", RemoveBare},
     {"save", SaveTheCatalogue},
@@ -46,6 +49,12 @@ const std::map<std::string, void (*)(const Arguments&)> kActions = {
 } // namespace vesk::bench
 
 int main(int argc, char** argv) {
+    // The tests' driver of windows is used outside of tests.
+    doctest::Context checks;
+    checks.setAsDefaultForAssertsOutOfTestCases();
+    checks.setAssertHandler([](const doctest::AssertData& failed) {
+        throw std::runtime_error(std::string("does not hold: ") + failed.m_expr);
+    });
     const vesk::bench::Arguments words(argv + 1, argv + argc);
     try {
         const auto action = vesk::bench::kActions.find(words.empty() ? "" : words.front());

@@ -100,6 +100,10 @@ std::string clsCRC::CalculateFile(const std::string& path, const std::function<v
     }
     if (pieces == 0 || std::ferror(file.get()) != 0)
         return {};
+    return Text();
+}
+
+std::string clsCRC::Text() const {
     return UpperHex(static_cast<std::uint32_t>(Value()));
 }
 

@@ -37,6 +37,9 @@ public:
     /// The checksum of what was fed so far.
     [[nodiscard]] std::int32_t Value() const;
 
+    /// Value() as CalculateFile gives it.
+    [[nodiscard]] std::string Text() const;
+
     /// Stores a register as it is. Deliberately not the inverse of Value(): for CRC-32 reading
     /// inverts and storing does not, and both sides are relied on.
     void SetValue(std::int32_t value);

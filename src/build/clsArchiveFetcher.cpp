@@ -9,7 +9,6 @@ namespace vesk {
 DownloadOutcome clsArchiveFetcher::Fetch(const CatalogueEntry& component) {
     context_.Log("Downloading: " + component.zip);
     const std::string archive = context_.ArchivePath(component);
-    const bool wasThere = IsPlainArchiveName(component.zip) && FileExists(archive);
     DownloadOutcome outcome;
     if (IsPlainArchiveName(component.zip))
         ResumeNext([&](const Problem& problem) { outcome.reason = problem.reason; }, {},
@@ -25,7 +24,7 @@ DownloadOutcome clsArchiveFetcher::Fetch(const CatalogueEntry& component) {
     if (outcome.result == DownloadResult::Done)
         return outcome;
     // A file that is there is downloaded again only because it is not the right one.
-    if (wasThere) {
+    if (IsPlainArchiveName(component.zip) && FileExists(archive)) {
         const std::string fault = context_.ArchiveFault(archive, component);
         outcome.reason +=
             "; the file that was there was removed" + (fault.empty() ? "" : ", " + fault);

@@ -15,16 +15,20 @@ namespace {
 /// Milliseconds between two looks at the clock.
 constexpr std::uint32_t kTick = 250;
 
-/// Waits for a message or Ctrl+C and lets waiting messages run, for no longer than a tick: a fast
-/// server keeps them coming.
-void RunMessages() {
-    HANDLE interrupt = InterruptEvent();
-    MsgWaitForMultipleObjects(1, &interrupt, FALSE, kTick, QS_ALLINPUT);
+/// Lets waiting messages run, for no longer than a tick: a fast server keeps them coming. Where
+/// none waits, waits for one or for Ctrl+C.
+void RunMessages(const clsDownloadSession& session) {
     const std::uint32_t start = GetTickCount();
+    bool ran = false;
     MSG message;
-    while (!WasInterrupted() && GetTickCount() - start < kTick &&
-           PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE) != 0)
+    while (!session.Finished() && !WasInterrupted() && GetTickCount() - start < kTick &&
+           PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE) != 0) {
         DispatchMessageA(&message);
+        ran = true;
+    }
+    HANDLE interrupt = InterruptEvent();
+    if (!ran)
+        MsgWaitForMultipleObjects(1, &interrupt, FALSE, kTick, QS_ALLINPUT);
 }
 
 } // namespace
@@ -42,7 +46,7 @@ DownloadOutcome clsConsoleDownload::Run(const DownloadRequest& request, const Pr
         if (WasInterrupted())
             session.Cancel();
         else
-            RunMessages();
+            RunMessages(session);
         if (GetTickCount() - lastTick < kTick)
             continue;
         lastTick = GetTickCount();

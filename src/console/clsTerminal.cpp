@@ -16,10 +16,16 @@ bool IsConsole(DWORD standardHandle) {
     return GetConsoleMode(GetStdHandle(standardHandle), &mode) != FALSE;
 }
 
+/// Asked once and not for every line of a log: it is a question to the console's own process.
+bool OutputIsConsole() {
+    static const bool is = IsConsole(STD_OUTPUT_HANDLE);
+    return is;
+}
+
 /// A console takes UTF-16; a file or pipe gets the ANSI bytes that the rest of the program works
 /// on.
 void Put(DWORD standardHandle, std::FILE* stream, const std::string& text) {
-    if (!IsConsole(standardHandle)) {
+    if (standardHandle == STD_OUTPUT_HANDLE ? !OutputIsConsole() : !IsConsole(standardHandle)) {
         std::fwrite(text.data(), 1, text.size(), stream); // NUL bytes are printed like any other
         std::fflush(stream);
         return;
@@ -56,7 +62,7 @@ clsTerminal::~clsTerminal() {
 void clsTerminal::PrintLine(const std::string& line) {
     const std::string drawn = drawn_;
     Erase();
-    Put(STD_OUTPUT_HANDLE, stdout, IsConsole(STD_OUTPUT_HANDLE) ? line + "\r\n" : line + "\n");
+    Put(STD_OUTPUT_HANDLE, stdout, OutputIsConsole() ? line + "\r\n" : line + "\n");
     Draw(drawn);
 }
 

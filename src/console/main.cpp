@@ -248,7 +248,10 @@ std::vector<std::string> Arguments(int count, const wchar_t* const* words) {
 }
 
 int Main(int count, const wchar_t* const* words) {
-    SetTraceSink([](const std::string& line) { OutputDebugStringA(("vesk: " + line).c_str()); });
+    // A line that nobody reads costs as much as an exception: it is one.
+    if (IsDebuggerPresent() != FALSE)
+        SetTraceSink(
+            [](const std::string& line) { OutputDebugStringA(("vesk: " + line).c_str()); });
     try {
         const ConsoleOptions options = ParseOptions(Arguments(count, words));
         clsTerminal terminal(options.quiet);

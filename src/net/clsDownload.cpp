@@ -9,7 +9,6 @@
 #include "net/modHttpText.h"
 
 #include <exception>
-#include <new>
 #include <utility>
 
 namespace vesk {
@@ -24,20 +23,32 @@ bool IsListedExactly(const std::string& path) {
            FileNameOf(path) == entry.cFileName;
 }
 
-/// Opens the file for appending. @throws Failure
-FileHandle OpenAfresh(const std::string& path) {
+FileHandle OpenForWriting(const std::string& path, DWORD disposition) {
+    return FileHandle(CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                                  disposition, FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
+/// Opens the file for appending where one of its name stands. @throws Failure
+FileHandle OpenInPlaceOf(const std::string& path, bool inAnyCase) {
     // A file whose name differs in letter case is not the one meant and is not deleted: where the
     // system takes both for the same, the bytes follow its own and the checksum tells.
-    if (IsListedExactly(path))
+    if (inAnyCase ? FileExists(path) : IsListedExactly(path))
         RemoveFile(path);
-    FileHandle file(CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_ALWAYS,
-                                FILE_ATTRIBUTE_NORMAL, nullptr));
+    FileHandle file = OpenForWriting(path, OPEN_ALWAYS);
     if (!file)
         ThrowLastError("cannot create", path);
     if (SetFilePointer(file.Get(), 0, nullptr, FILE_END) == INVALID_SET_FILE_POINTER &&
         GetLastError() != NO_ERROR)
         ThrowLastError("cannot write", path);
     return file;
+}
+
+/// Opens the file for writing. @throws Failure
+FileHandle OpenAfresh(const std::string& path, bool inAnyCase) {
+    // Mostly nothing stands there. To look first would be to search the folder once more, and each
+    // search for what is missing reads all of it where the disk minds letter case.
+    FileHandle file = OpenForWriting(path, CREATE_NEW);
+    return file ? std::move(file) : OpenInPlaceOf(path, inAnyCase);
 }
 
 } // namespace
@@ -143,7 +154,7 @@ void clsDownload::OnConnect() {
 
 bool clsDownload::OpenDestination() {
     try {
-        transfer_->file = OpenAfresh(destination_);
+        transfer_->file = OpenAfresh(destination_, replacesAnyCase_);
         return true;
     } catch (const Failure& failure) {
         FailHere(static_cast<std::int32_t>(failure.number), failure.what());
@@ -214,13 +225,27 @@ bool clsDownload::AppendToFile(std::string_view bytes) {
     DWORD written = 0;
     if (WriteFile(transfer_->file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written,
                   nullptr) != 0 &&
-        written == bytes.size())
+        written == bytes.size()) {
+        owner_.OnWritten(bytes);
         return true;
+    }
     // A full disk may take a part without an error code.
-    const DWORD error = written < bytes.size() && written > 0 ? ERROR_DISK_FULL : GetLastError();
+    FailWriting(written < bytes.size() && written > 0 ? ERROR_DISK_FULL : GetLastError());
+    return false;
+}
+
+/// Hands the file's bytes to the disk: a name that outlives a power failure must not stand for a
+/// file that does not.
+bool clsDownload::FlushFile() {
+    if (!transfer_->file || FlushFileBuffers(transfer_->file.Get()) != 0)
+        return true;
+    FailWriting(GetLastError());
+    return false;
+}
+
+void clsDownload::FailWriting(std::uint32_t error) {
     FailHere(static_cast<std::int32_t>(error),
              "cannot write " + destination_ + ": " + SystemErrorText(error));
-    return false;
 }
 
 void clsDownload::OnCloseSck() {
@@ -240,14 +265,16 @@ void clsDownload::FinishAnswer() {
     } else if (!transfer_->cmSocket.Received().empty()) {
         DeliverBody();
     }
-    if (running.expired())
+    if (running.expired() || !FlushFile())
         return;
     Cancel();
     owner_.OnCompleted();
 }
 
 void clsDownload::OnError(const SocketErrorInfo& error, bool&) {
-    Fail(error.number, error.description);
+    // All of the file may have come before.
+    if (FlushFile())
+        Fail(error.number, error.description);
 }
 
 } // namespace vesk

@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace vesk {
 
@@ -23,11 +24,15 @@ public:
     /// @param bytesTotal size of the piece just appended to the file
     virtual void OnDataArrival(std::int32_t bytesTotal) = 0;
 
+    /// The piece itself, just before OnDataArrival; here the download must be left alone.
+    virtual void OnWritten(std::string_view) {}
+
     /// The download is over. @param number status of an error page, or the code of the socket
     /// layer or of the system for what went wrong
     virtual void OnError(std::int32_t number, const std::string& description) = 0;
 
-    /// The server closed the connection. Whether all has come is for the owner to judge.
+    /// The server closed the connection, and what it sent is on the disk. Whether that is all is
+    /// for the owner to judge.
     virtual void OnCompleted() = 0;
 };
 
@@ -69,6 +74,10 @@ public:
     [[nodiscard]] const std::string& Destination() const { return destination_; }
     void SetDestination(const std::string& destination);
 
+    /// Says whether a file is replaced also when its name differs from the destination in letter
+    /// case. Otherwise, and at first, the bytes are appended to such a file.
+    void SetReplacesAnyCase(bool replaces) { replacesAnyCase_ = replaces; }
+
     /// Redirects are followed unless this is set.
     [[nodiscard]] bool DisableRedirection() const { return disableRedirection_; }
     void SetDisableRedirection(bool disable) { disableRedirection_ = disable; }
@@ -109,6 +118,8 @@ private:
     void DeliverBody();
     void FinishAnswer();
     bool AppendToFile(std::string_view bytes);
+    bool FlushFile();
+    void FailWriting(std::uint32_t error);
 
     DownloadEvents& owner_;
     std::string proxy_;
@@ -120,6 +131,7 @@ private:
     std::string statusLine_;
     bool failedHere_ = false;
     bool disableRedirection_ = false;
+    bool replacesAnyCase_ = false;
 
     /// What exists only while a download runs. After an event a weak pointer to it tells whether
     /// the handler has ended, replaced or destroyed this download.

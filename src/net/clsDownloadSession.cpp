@@ -1,6 +1,5 @@
 #include "net/clsDownloadSession.h"
 
-#include "archive/clsCRC.h"
 #include "base/Failure.h"
 #include "base/Problem.h"
 #include "base/Trace.h"
@@ -8,10 +7,12 @@
 #include "base/modFile.h"
 #include "base/modSha256.h"
 #include "base/modSystemError.h"
+#include "net/DownloadResult.h"
 
 #include <windows.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <utility>
 
 namespace vesk {
@@ -34,27 +35,23 @@ std::string BeginningOf(const std::string& path) {
     return bytes;
 }
 
-/// Hands the file's bytes to the disk: a name that outlives a power failure must not stand for a
-/// file that does not. @throws Failure
-void WriteThrough(const std::string& path) {
-    const FileHandle file(CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
-                                      OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (!file || FlushFileBuffers(file.Get()) == 0)
-        ThrowLastError("cannot write", path);
-}
-
 /// Gives a complete file its name, over a file that has it, a read-only one too. @throws Failure;
 /// both files are then as before
 void MoveOver(const std::string& from, const std::string& to) {
-    WriteThrough(from);
-    const DWORD attributes = GetFileAttributesA(to.c_str());
-    if (FileExists(to))
-        MakeWritable(to);
-    if (MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING) != 0)
+    const auto move = [&] {
+        return MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING) != 0;
+    };
+    if (move())
         return;
-    const DWORD error = GetLastError();
-    if (attributes != INVALID_FILE_ATTRIBUTES)
+    DWORD error = GetLastError();
+    const DWORD attributes = GetFileAttributesA(to.c_str());
+    if (FileExists(to)) {
+        MakeWritable(to);
+        if (move())
+            return;
+        error = GetLastError();
         SetFileAttributesA(to.c_str(), attributes);
+    }
     ThrowSystemError(error, "cannot replace", to);
 }
 
@@ -71,22 +68,18 @@ clsDownloadSession::clsDownloadSession(DownloadSessionEvents& owner, DownloadReq
     objDownload_.SetAccessType(proxy.accessType);
     objDownload_.SetProxy(proxy.proxy);
     objDownload_.SetProxyPort(proxy.proxyPort);
+    // What a killed run left under this name in other letter case would be appended to.
+    objDownload_.SetReplacesAnyCase(true);
 }
 
 void clsDownloadSession::Start() {
-    // What a killed run left under this name in other letter case would be appended to.
-    try {
-        if (FileExists(partial_))
-            RemoveFile(partial_);
-    } catch (const Failure&) {
-        // Then it cannot be opened either, and that is told.
-    }
     rate_.Add(0, GetTickCount());
     StartAddress();
 }
 
 void clsDownloadSession::StartAddress() {
     facts_ = {};
+    checksum_.Clear();
     lastByteAt_ = GetTickCount();
     objDownload_.Download(decisions_.Url(), partial_);
 }
@@ -117,6 +110,11 @@ std::uint32_t clsDownloadSession::Silence() const {
 
 void clsDownloadSession::OnStarting(std::int32_t fileSize, const std::string& header) {
     decisions_.OnStarting(fileSize, header);
+}
+
+void clsDownloadSession::OnWritten(std::string_view bytes) {
+    if (!request_.crc.empty())
+        checksum_.AddString(bytes);
 }
 
 void clsDownloadSession::OnDataArrival(std::int32_t bytesTotal) {
@@ -199,12 +197,13 @@ std::string clsDownloadSession::FailureSoFar() const {
 DownloadOutcome clsDownloadSession::Outcome(const std::function<void()>& meanwhile) {
     std::string found;
     const DownloadResult result = decisions_.Result(request_.crc, [&] {
-        clsCRC checksum;
-        checksum.SetAlgorithm(true);
-        return found = checksum.CalculateFile(partial_, meanwhile);
+        // Nothing has no checksum, as with a file.
+        return found = decisions_.Received() > 0 ? checksum_.Text() : std::string();
     });
     if (result == DownloadResult::Cancelled)
         return {result, "cancelled by the user"};
+    if (result == DownloadResult::Done && facts_.failedHere) // it may not have reached the disk
+        return {DownloadResult::Failed, AllReasons(WhyFailed(facts_))};
     if (result == DownloadResult::Done) {
         if (const std::string fault = Sha256Fault(partial_, request_.sha256, meanwhile);
             !fault.empty())

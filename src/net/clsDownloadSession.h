@@ -1,14 +1,18 @@
 #pragma once
 
+#include "archive/clsCRC.h"
 #include "net/DownloadProgress.h"
 #include "net/DownloadRequest.h"
 #include "net/clsDownload.h"
 #include "net/clsDownloadDecisions.h"
 #include "net/clsTransferRate.h"
 #include "net/modDownloadReason.h"
+#include "net/modHttpText.h"
 
+#include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace vesk {
@@ -52,7 +56,7 @@ public:
     /// Why it failed, as far as that is known before the file is checked; empty when it looks well.
     [[nodiscard]] std::string FailureSoFar() const;
 
-    /// What became of it, to be asked once: reads the whole file where its checksum decides, so let
+    /// What became of it, to be asked once: reads the whole file where a SHA-256 decides, so let
     /// pending events run first, and moves a good one to its destination, over what stands there.
     /// Any other stays at PartialPath, and the destination as it was. Cancelled whatever else
     /// happened, once Cancel was called. @param meanwhile called every few megabytes of the file
@@ -61,6 +65,7 @@ public:
 private:
     void OnStarting(std::int32_t fileSize, const std::string& header) override;
     void OnDataArrival(std::int32_t bytesTotal) override;
+    void OnWritten(std::string_view bytes) override;
     void OnError(std::int32_t number, const std::string& description) override;
     void OnCompleted() override;
 
@@ -81,6 +86,7 @@ private:
     std::vector<std::string> failures_; ///< Why each address before it was given up.
     double received_ = 0;
     clsTransferRate rate_;
+    clsCRC checksum_; ///< CRC-32 of what was written of the present address's file.
     std::uint32_t timeout_ = 0;
     std::uint32_t lastByteAt_ = 0; ///< Milliseconds of the system's clock.
     bool cancelled_ = false;

@@ -7,12 +7,17 @@
 #include "net/modSocketAddress.h"
 #include "net/modSocketErrors.h"
 #include "net/modSocketNames.h"
+#include "net/modSocketValue.h"
 
 #include <algorithm>
-#include <limits>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
 #include <new>
+#include <optional>
+#include <string>
+#include <string_view>
 #include <utility>
-#include <vector>
 
 namespace vesk {
 
@@ -23,25 +28,6 @@ constexpr std::size_t kLongestHost = 255;
 
 constexpr const char* kNotificationSource = "clsSocketMaster.PostSocket";
 constexpr const char* kSendSource = "clsSocketMaster.SendBufferedData";
-
-std::int32_t Count(std::size_t size) {
-    constexpr std::size_t kLargest = std::numeric_limits<std::int32_t>::max();
-    return static_cast<std::int32_t>(std::min(size, kLargest));
-}
-
-/// Marks a connection as the one being sent on, until the end of a scope.
-class SendingMark {
-public:
-    SendingMark(unsigned& current, unsigned connection)
-        : current_(current), previous_(std::exchange(current, connection)) {}
-    SendingMark(const SendingMark&) = delete;
-    SendingMark& operator=(const SendingMark&) = delete;
-    ~SendingMark() { current_ = previous_; }
-
-private:
-    unsigned& current_;
-    unsigned previous_;
-};
 
 } // namespace
 
@@ -54,9 +40,20 @@ std::string clsSocketCore::RemoteHostIP() const {
     return AddressText(peerAddress_);
 }
 
+std::uint16_t clsSocketCore::LocalPort() const {
+    if (!socket_)
+        return wishedLocalPort;
+    return localPort_ != 0 ? localPort_ : LocalPortOf(socket_.Get());
+}
+
 void clsSocketCore::RequireClosed(const char* method) const {
     if (state_ != SocketState::sckClosed)
         ThrowSocketMisuse(SocketMisuse::InvalidState, method);
+}
+
+bool clsSocketCore::IsUsable() const {
+    return state_ ==
+           (protocol == SocketProtocol::TCP ? SocketState::sckConnected : SocketState::sckOpen);
 }
 
 void clsSocketCore::SetState(SocketState state) {
@@ -91,7 +88,6 @@ void clsSocketCore::Close() {
     }
     received_.Clear();
     sending_.Clear();
-    datagramAnnounced_ = false;
     localPort_ = 0;
     peerAddress_ = INADDR_NONE;
     if (state_ != SocketState::sckClosed)
@@ -116,14 +112,7 @@ void clsSocketCore::CreateSocket(const char* source) {
         SetState(SocketState::sckError);
         throw;
     }
-    FitSizes();
-}
-
-void clsSocketCore::FitSizes() {
-    const SocketSizes sizes = FitSocket(socket_.Get(), protocol == SocketProtocol::TCP);
-    receiveSize_ = sizes.receive;
-    offeredSize_ = sizes.firstReceive;
-    sending_.SetSizes(sizes);
+    received_.Fit(socket_.Get());
 }
 
 int clsSocketCore::BindTo(std::uint16_t port, std::uint32_t address) {
@@ -244,14 +233,11 @@ void clsSocketCore::Accept(SOCKET request) {
         SetState(SocketState::sckError);
         throw;
     }
-    FitSizes();
-    localPort_ = LocalPortOf(request);
-    sockaddr_in remote{};
-    int size = sizeof remote;
-    if (getpeername(request, reinterpret_cast<sockaddr*>(&remote), &size) == 0) {
-        peerAddress_ = remote.sin_addr.s_addr;
+    received_.Fit(request);
+    if (const auto remote = PeerOf(request)) {
+        peerAddress_ = remote->sin_addr.s_addr;
         remoteHost = AddressText(peerAddress_);
-        remotePort = ntohs(remote.sin_port);
+        remotePort = ntohs(remote->sin_port);
     }
     SetState(SocketState::sckConnected);
 }
@@ -265,7 +251,7 @@ void clsSocketCore::OnNotification(int event, int error) {
         ReceiveOnce();
     else if (event == FD_READ && open)
         OnReadableDatagram();
-    else if (event == FD_WRITE && CanSend() && sending_.Bytes() > 0)
+    else if (event == FD_WRITE && IsUsable() && sending_.Bytes() > 0)
         SendBuffered();
     else if (event == FD_ACCEPT && state_ == SocketState::sckListening)
         OnAcceptable();
@@ -278,7 +264,6 @@ void clsSocketCore::OnNotification(int event, int error) {
 }
 
 void clsSocketCore::OnConnected() {
-    localPort_ = LocalPortOf(socket_.Get());
     peerAddress_ = remoteAddress_;
     SetState(SocketState::sckConnected);
     Raise([](SocketEvents& owner) { owner.OnConnect(); });
@@ -286,12 +271,8 @@ void clsSocketCore::OnConnected() {
 
 void clsSocketCore::OnAcceptable() {
     const SOCKET accepted = accept(socket_.Get(), nullptr, nullptr);
-    if (accepted == INVALID_SOCKET) {
-        const int error = WSAGetLastError();
-        if (error != WSAEWOULDBLOCK) // who called has hung up again
-            Fail(error, kNotificationSource);
-        return;
-    }
+    if (accepted == INVALID_SOCKET)
+        return FailUnlessEmpty(); // who called may have hung up again
     const clsUnclaimedConnection connection(accepted, weak_from_this());
     Raise([&](SocketEvents& owner) { owner.OnConnectionRequest(accepted); });
 }
@@ -303,26 +284,25 @@ void clsSocketCore::OnAcceptable() {
 bool clsSocketCore::ReceiveOnce() {
     int count = 0;
     try {
-        count = ReceiveBytes(socket_.Get(), received_.Room(offeredSize_).first(offeredSize_));
+        count = received_.ReadOnce(socket_.Get());
     } catch (const std::bad_alloc&) {
         FailWith(kOutOfMemory, kOutOfMemoryText, kNotificationSource);
         return false;
     }
-    if (count == SOCKET_ERROR) {
-        const int error = WSAGetLastError();
-        if (error != WSAEWOULDBLOCK)
-            Fail(error, kNotificationSource);
+    if (count == SOCKET_ERROR)
+        FailUnlessEmpty();
+    if (count <= 0)
         return false;
-    }
-    if (count == 0)
-        return false;
-    received_.Commit(static_cast<std::size_t>(count));
-    constexpr std::size_t kGrowth = 8;
-    if (static_cast<std::size_t>(count) == offeredSize_)
-        offeredSize_ = std::min(offeredSize_ * kGrowth, receiveSize_);
     const unsigned connection = connection_;
     Raise([&](SocketEvents& owner) { owner.OnDataArrival(count); });
     return StillOn(connection) && state_ == SocketState::sckConnected;
+}
+
+/// After a call of the system that found nothing or failed.
+void clsSocketCore::FailUnlessEmpty() {
+    const int error = WSAGetLastError();
+    if (error != WSAEWOULDBLOCK)
+        Fail(error, kNotificationSource);
 }
 
 void clsSocketCore::OnClosed() {
@@ -337,81 +317,42 @@ void clsSocketCore::OnClosed() {
 }
 
 void clsSocketCore::OnReadableDatagram() {
-    // Looking at a datagram makes the system notify again as long as it waits.
-    if (datagramAnnounced_)
-        return;
-    const int size = NextDatagramSize();
-    if (size >= 0) {
-        datagramAnnounced_ = true;
-        Raise([&](SocketEvents& owner) { owner.OnDataArrival(size); });
-        return;
-    }
-    const int error = WSAGetLastError();
-    if (error != WSAEWOULDBLOCK)
-        Fail(error, kNotificationSource);
-}
-
-/// Size of the datagram that waits; -1 with the code in WSAGetLastError when there is none.
-int clsSocketCore::NextDatagramSize() const {
-    std::vector<char> room(kDatagramRoom);
-    sockaddr_in from{};
-    return ReceiveDatagram(socket_.Get(), room, false, from);
+    if (const auto size = received_.AnnounceDatagram(socket_.Get()))
+        Raise([&](SocketEvents& owner) { owner.OnDataArrival(*size); });
+    else
+        FailUnlessEmpty();
 }
 
 std::size_t clsSocketCore::BytesReceived() const {
     if (protocol == SocketProtocol::TCP)
-        return received_.Size();
-    const int size = state_ == SocketState::sckOpen ? NextDatagramSize() : 0;
+        return received_.Stream().Size();
+    const int size =
+        state_ == SocketState::sckOpen ? clsReceiveQueue::NextDatagramSize(socket_.Get()) : 0;
     return static_cast<std::size_t>(std::max(size, 0));
 }
 
 SocketValue clsSocketCore::TakeData(VarType type, const SocketValue& maxLen, bool remove,
                                     const char* method) {
-    const bool stream = protocol == SocketProtocol::TCP;
-    if (state_ != (stream ? SocketState::sckConnected : SocketState::sckOpen))
+    if (!IsUsable())
         ThrowSocketMisuse(SocketMisuse::WrongState, method);
     const std::size_t limit = LengthLimitOf(maxLen, method);
-    if (!stream)
-        return TakeDatagram(type, limit, remove, method);
-    const std::string_view bytes = received_.Bytes().substr(0, limit);
-    const std::size_t taken = BytesTaken(bytes.size(), type, method);
-    SocketValue value = ValueOfBytes(bytes.substr(0, taken), type);
-    if (remove)
-        received_.Drop(taken);
-    return value;
-}
-
-SocketValue clsSocketCore::TakeDatagram(VarType type, std::size_t limit, bool remove,
-                                        const char* method) {
-    std::vector<char> room(kDatagramRoom);
-    sockaddr_in from{};
-    const int count = ReceiveDatagram(socket_.Get(), room, false, from);
-    if (count < 0 && WSAGetLastError() != WSAEWOULDBLOCK)
-        ThrowSocketError(WSAGetLastError(), std::string("clsSocketMaster.") + method);
-    const std::string_view bytes(room.data(), static_cast<std::size_t>(std::max(count, 0)));
-    const std::size_t taken = BytesTaken(std::min(bytes.size(), limit), type, method);
-    SocketValue value = ValueOfBytes(bytes.substr(0, taken), type);
-    if (count >= 0 && remove) {
-        // A datagram is taken whole: what the caller did not ask for is gone.
-        ReceiveDatagram(socket_.Get(), room, true, from);
-        datagramAnnounced_ = false;
-        peerAddress_ = from.sin_addr.s_addr;
-        remotePort = ntohs(from.sin_port);
+    if (protocol == SocketProtocol::TCP)
+        return received_.TakeBytes(type, limit, remove, method);
+    std::optional<sockaddr_in> sender;
+    SocketValue value = received_.TakeDatagram(socket_.Get(), type, limit, remove, method, sender);
+    if (sender) {
+        peerAddress_ = sender->sin_addr.s_addr;
+        remotePort = ntohs(sender->sin_port);
     }
     return value;
 }
 
 // Sending
 
-bool clsSocketCore::CanSend() const {
-    return state_ ==
-           (protocol == SocketProtocol::TCP ? SocketState::sckConnected : SocketState::sckOpen);
-}
-
 void clsSocketCore::SendData(const SocketValue& data) {
     const bool stream = protocol == SocketProtocol::TCP;
     const bool openNow = !stream && state_ == SocketState::sckClosed;
-    if (!CanSend() && !openNow)
+    if (!IsUsable() && !openNow)
         ThrowSocketMisuse(SocketMisuse::WrongState, "SendData");
     const std::string_view bytes = BytesOf(data, "SendData");
     if (openNow)
@@ -441,7 +382,7 @@ void clsSocketCore::SendBuffered() {
     if (sendingConnection_ == connection_)
         return; // called from an event of the loop below, which goes on with the new bytes
     const unsigned connection = connection_;
-    const SendingMark mark(sendingConnection_, connection);
+    const clsSendQueue::Mark mark(sendingConnection_, connection);
     while (!sending_.Empty()) {
         const int sent = sending_.SendPiece(socket_.Get());
         if (sent == SOCKET_ERROR) {
@@ -451,8 +392,9 @@ void clsSocketCore::SendBuffered() {
             Trace("WARNING: Send buffer full, waiting...");
             return;
         }
-        Raise([&](SocketEvents& owner) { owner.OnSendProgress(sent, Count(sending_.Bytes())); });
-        if (!StillOn(connection) || !CanSend())
+        Raise(
+            [&](SocketEvents& owner) { owner.OnSendProgress(sent, EventCount(sending_.Bytes())); });
+        if (!StillOn(connection) || !IsUsable())
             return;
     }
     Raise([](SocketEvents& owner) { owner.OnSendComplete(); });

@@ -3,10 +3,13 @@
 #include "net/modSocketMaster.h"
 
 #include "net/clsByteQueue.h"
+#include "net/clsReceiveQueue.h"
 #include "net/clsSendQueue.h"
 #include "net/clsSocketMaster.h"
 #include "net/modSocketHandle.h"
+#include "net/modSocketValue.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -32,9 +35,9 @@ public:
     [[nodiscard]] SocketState State() const { return state_; }
     [[nodiscard]] SOCKET Handle() const { return socket_.Get(); }
     [[nodiscard]] std::string RemoteHostIP() const;
-    [[nodiscard]] std::uint16_t LocalPort() const { return socket_ ? localPort_ : wishedLocalPort; }
+    [[nodiscard]] std::uint16_t LocalPort() const;
     [[nodiscard]] std::size_t BytesReceived() const;
-    [[nodiscard]] clsByteQueue& ReceivedQueue() { return received_; }
+    [[nodiscard]] clsByteQueue& ReceivedQueue() { return received_.Stream(); }
 
     /// @throws Failure 40020 unless closed
     void RequireClosed(const char* method) const;
@@ -60,42 +63,38 @@ private:
     /// True while the connection that had this number is the current one.
     [[nodiscard]] bool StillOn(unsigned connection) const { return connection == connection_; }
 
+    /// Connected, or open for datagrams.
+    [[nodiscard]] bool IsUsable() const;
     void SetState(SocketState state);
     void Fail(int code, const char* source);
     void FailWith(int code, const std::string& text, const char* source);
 
     void CreateSocket(const char* source);
-    void FitSizes();
     [[nodiscard]] int BindTo(std::uint16_t port, std::uint32_t address);
     void StartResolving();
     void GoOnWithAddress(std::uint32_t address);
 
     bool ReceiveOnce();
     void OnReadableDatagram();
-    [[nodiscard]] int NextDatagramSize() const;
+    void FailUnlessEmpty();
     void OnAcceptable();
     void OnConnected();
     void OnClosed();
 
     [[nodiscard]] std::uint32_t DatagramTarget() const;
-    [[nodiscard]] bool CanSend() const;
     void SendBuffered();
-    SocketValue TakeDatagram(VarType type, std::size_t limit, bool remove, const char* method);
 
     SocketEvents* owner_;
     SocketState state_ = SocketState::sckClosed;
     SocketOwner socket_;
-    std::uint16_t localPort_ = 0;
+    std::uint16_t localPort_ = 0; ///< What it was bound to; 0 where the system chose with Connect.
     std::uint32_t remoteAddress_ = INADDR_NONE; ///< What the host named last was looked up as.
     std::string resolvedHost_;                  ///< The host that it belongs to.
     std::uint32_t peerAddress_ = INADDR_NONE;   ///< Other end, or sender of the last datagram.
     std::uintptr_t lookup_ = 0;
     unsigned connection_ = 0;          ///< Number of the current connection; closing ends it.
     unsigned sendingConnection_ = ~0U; ///< The connection whose buffer is being sent just now.
-    std::size_t receiveSize_ = 0;      ///< The most that one read takes.
-    std::size_t offeredSize_ = 0;      ///< What the next one takes.
-    bool datagramAnnounced_ = false;   ///< Its event was raised and it was not taken yet.
-    clsByteQueue received_;
+    clsReceiveQueue received_;
     clsSendQueue sending_;
 };
 

@@ -2,21 +2,19 @@
 
 #include "net/modSocketAddress.h"
 #include "net/modSocketErrors.h"
+#include "net/modSocketHandle.h"
+#include "net/modSocketMaster.h"
+#include "net/modSocketValue.h"
 
 #include <array>
-#include <limits>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
 #include <new>
+#include <string>
+#include <string_view>
 
 namespace vesk {
-
-namespace {
-
-std::int32_t Count(std::size_t size) {
-    constexpr std::size_t kLargest = std::numeric_limits<std::int32_t>::max();
-    return static_cast<std::int32_t>(size < kLargest ? size : kLargest);
-}
-
-} // namespace
 
 void SocketEvents::OnConnectionRequest(std::uintptr_t) {}
 void SocketEvents::OnDataArrival(std::int32_t) {}
@@ -82,7 +80,7 @@ std::string clsSocketMaster::LocalIP() const {
 }
 
 std::int32_t clsSocketMaster::BytesReceived() const {
-    return Count(core_->BytesReceived());
+    return EventCount(core_->BytesReceived());
 }
 
 std::uintptr_t clsSocketMaster::SocketHandle() const {

@@ -1,6 +1,7 @@
 #include "net/clsTransferRate.h"
 
 #include <cmath>
+#include <cstddef>
 
 namespace vesk {
 

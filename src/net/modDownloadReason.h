@@ -2,6 +2,7 @@
 
 #include "net/modHttpText.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>

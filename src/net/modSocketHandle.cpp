@@ -3,7 +3,9 @@
 #include "net/modSocketAddress.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <limits>
+#include <optional>
 
 namespace vesk {
 
@@ -18,12 +20,12 @@ constexpr std::size_t kReceiveBuffer = std::size_t{4} * 1024 * 1024;
 /// made for each.
 constexpr std::size_t kFirstOffer = std::size_t{16} * 1024;
 
-std::size_t OptionOf(SOCKET socket, int option, std::size_t otherwise) {
+std::size_t OptionOf(SOCKET socket, int option) {
     int value = 0;
     int size = sizeof value;
     if (getsockopt(socket, SOL_SOCKET, option, reinterpret_cast<char*>(&value), &size) != 0 ||
         value <= 0)
-        return otherwise;
+        return kLeastSendSize;
     return static_cast<std::size_t>(value);
 }
 
@@ -33,18 +35,21 @@ int Length(std::size_t size) {
 
 } // namespace
 
-SocketSizes FitSocket(SOCKET socket, bool isStream) {
+ReceiveSizes FitReceiving(SOCKET socket) {
     constexpr auto kWished = static_cast<int>(kReceiveBuffer);
-    setsockopt(socket, SOL_SOCKET, SO_RCVBUF, reinterpret_cast<const char*>(&kWished),
-               sizeof kWished);
-    constexpr std::size_t kUsualSize = 8192;
-    SocketSizes sizes;
-    sizes.receive = std::min(OptionOf(socket, SO_RCVBUF, kUsualSize), kReceiveBuffer);
-    sizes.firstReceive = std::min(sizes.receive, kFirstOffer);
-    sizes.send = OptionOf(socket, SO_SNDBUF, kUsualSize);
-    if (!isStream)
-        sizes.datagram = OptionOf(socket, SO_MAX_MSG_SIZE, kUsualSize);
-    return sizes;
+    const bool granted = setsockopt(socket, SOL_SOCKET, SO_RCVBUF,
+                                    reinterpret_cast<const char*>(&kWished), sizeof kWished) == 0;
+    const std::size_t most =
+        granted ? kReceiveBuffer : std::min(OptionOf(socket, SO_RCVBUF), kReceiveBuffer);
+    return {most, std::min(most, kFirstOffer)};
+}
+
+std::size_t SendSize(SOCKET socket) {
+    return OptionOf(socket, SO_SNDBUF);
+}
+
+std::size_t DatagramSize(SOCKET socket) {
+    return OptionOf(socket, SO_MAX_MSG_SIZE);
 }
 
 int BindSocket(SOCKET socket, std::uint16_t port, std::uint32_t address) {
@@ -59,6 +64,14 @@ std::uint16_t LocalPortOf(SOCKET socket) {
     return getsockname(socket, reinterpret_cast<sockaddr*>(&local), &size) == 0
                ? ntohs(local.sin_port)
                : std::uint16_t{0};
+}
+
+std::optional<sockaddr_in> PeerOf(SOCKET socket) {
+    sockaddr_in remote{};
+    int size = sizeof remote;
+    if (getpeername(socket, reinterpret_cast<sockaddr*>(&remote), &size) != 0)
+        return std::nullopt;
+    return remote;
 }
 
 int ReceiveBytes(SOCKET socket, std::span<char> room) {

@@ -11,7 +11,7 @@ import time
 import unittest
 
 sys.path.insert(0, os.path.dirname(__file__))
-from peers import Nginx, ScriptedServer, Tinyproxy, answer, free_port, reset  # noqa: E402
+from peers import Nginx, ScriptedServer, Tinyproxy, answer  # noqa: E402
 
 WINE, TOOL = sys.argv[1:3]
 WORK = pathlib.Path(tempfile.mkdtemp(prefix="vesk-net-"))
@@ -78,12 +78,6 @@ class ScriptedAnswers(unittest.TestCase):
                 ("one piece", lambda c, _: c.sendall(head + ALL_BYTES), [started], ALL_BYTES),
                 ("1 MB header", lambda c, _: c.sendall(big_head + b"x"),
                  [f"Starting 1 {len(big_head)} {ok}"], b"x"),
-                ("shorter than announced", lambda c, _: c.sendall(answer(b"abc", length=9)),
-                 [f"Starting 9 {len(answer(b'', length=9))} {ok}"], b"abc"),
-                ("longer than announced", lambda c, _: c.sendall(answer(b"abcdef", length=2)),
-                 [f"Starting 2 {len(answer(b'', length=2))} {ok}"], b"abcdef"),
-                ("no length, HTTP/1.0", lambda c, _: c.sendall(b"HTTP/1.0 200 OK\r\n\r\nab"),
-                 ["Starting 0 19 HTTP/1.0 200 OK"], b"ab"),
                 ("empty Location", lambda c, _: c.sendall(moved),
                  [f"Starting 4 {len(moved) - 4} HTTP/1.1 302 Found"], b"here"),
                 ("no header end", lambda c, _: c.sendall(b"just\r\ntext\0"), ["Starting 11 0 "],
@@ -141,31 +135,13 @@ class ScriptedAnswers(unittest.TestCase):
         page = answer(b"page", status="HTTP/1.1 403 Web site blocked")
         self.expect(lambda c, _: c.sendall(page), ["Error 403 [Forbidden ]", "Bytes 0"], b"")
 
-    def test_a_reset_in_mid_body_ends_the_download(self):
-        def script(connection, _):
-            connection.sendall(answer(b"x" * 1000, length=5000))
-            time.sleep(0.2)
-            reset(connection)
-
-        lines = self.through(self.serve(script), "--times", 3)
-        # Wine reports a reset as if it were an ordinary end.
-        self.assertTrue(re.fullmatch(
-            r"(Starting 5000 \d+ HTTP/1.1 200 OK;(Completed|Error 10054 \[Connection reset by "
-            r"peer\.\]);Bytes 1000;?){3}", ";".join(lines)), lines)
-
-    def test_silence_refusal_and_unknown_host(self):
+    def test_silence_a_bad_port_and_unknown_hosts(self):
         def silent(connection, _):
             connection.recv(1)
 
         self.expect(silent, ["Cancelled", "Bytes 0"] * 3, b"", "--cancel-after", 300, "--times", 3)
-        refused = ["Error 10061 [Connection refused.]", "Bytes 0"]
-        self.assertEqual(download("--access", 1, "--proxy", f"127.0.0.1:{free_port()}", "--times", 3,
-                                  "http://h/"), refused * 3)
-        unknown = ["Error 11001 [Host not found.]", "Bytes 0"]
-        for url in ("http://no-such-host.invalid/x", "", "http://127.0.0.1:8080/x"):
-            self.assertEqual(download("--times", 3, url), unknown * 3)
-        self.assertEqual(download("http://h/a\r\nX: y"),
-                         ["Error 400 [The address holds a blank or a control character]", "Bytes 0"])
+        self.assertEqual(download("--times", 3, "http://no-such-host.invalid/x"),
+                         ["Error 11001 [Host not found.]", "Bytes 0"] * 3)
         self.assertEqual(download("--access", 1, "--proxy", "h:70000", "http://h/")[0][:11],
                          "Error 40014")
 
@@ -186,32 +162,15 @@ class ScriptedAnswers(unittest.TestCase):
                         self.assertEqual(lines[-2:], ["Completed", "Bytes 3000000"])
                         self.assertEqual(self.target.stat().st_size, 3_000_000)
 
-    def test_a_file_that_cannot_be_written_is_an_error(self):
-        server = self.serve(lambda c, _: c.sendall(answer(b"x" * 3_000_000)))
-        arguments = ("--access", 2, "--proxy", f"127.0.0.1:{server.port}", "--times", 3, "http://h/")
-        folder = WORK / "folder"
-        folder.mkdir(exist_ok=True)
-        for target, number in ((WORK / "none" / "x", 3), (folder, 5)):
-            lines = download(*arguments, target=target)
-            self.assertEqual([line.split()[:2] for line in lines[::2]], [["Error", str(number)]] * 3)
-            self.assertIn("cannot create", lines[0])
-        disk = WORK / "disk"
-        disk.mkdir()
-        if subprocess.run(["mount", "-t", "tmpfs", "-o", "size=1m", "tmpfs", str(disk)],
-                          capture_output=True).returncode != 0:
-            self.skipTest("no rights to make a small disk")
-        self.addCleanup(subprocess.run, ["umount", str(disk)], check=True)
-        lines = download(*arguments, target=disk / "full")
-        self.assertEqual([line.split()[:2] for line in lines[1::3]], [["Error", "112"]] * 3, lines)
-        self.assertIn("cannot write", lines[1])
-
-    def test_an_existing_file_is_replaced_read_only_or_not(self):
+    def test_a_file_in_the_way_is_replaced_and_one_in_other_letter_case_appended_to(self):
         server = self.serve(lambda c, _: c.sendall(answer(b"new")))
-        for mode in (0o644, 0o444):
-            self.target.write_bytes(b"a longer old file")
-            self.target.chmod(mode)
+        for name, mode, content in (("target.bin", 0o444, b"new"), ("Target.bin", 0o644, b"oldnew")):
+            self.target.unlink(missing_ok=True)
+            self.addCleanup((WORK / name).unlink, missing_ok=True)
+            (WORK / name).write_bytes(b"old")
+            (WORK / name).chmod(mode)
             self.through(server)
-            self.assertEqual(self.target.read_bytes(), b"new")
+            self.assertEqual((WORK / name).read_bytes(), content)
 
 
 class RealServers(unittest.TestCase):

@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <map>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -143,6 +145,10 @@ int main(int count, char** words) {
     const Options options(count, words);
     if (options.names.size() != 2)
         return 64;
+    // What a program does once for all its downloads is loading libraries, and no download.
+    std::optional<SocketServiceHold> hold;
+    if (options.Has("--only-time"))
+        hold.emplace();
     Recorder recorder(options);
     const DWORD start = GetTickCount();
     for (int i = 0; i < options.Number("--times", 1); ++i) {
