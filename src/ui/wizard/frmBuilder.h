@@ -63,6 +63,7 @@ private:
     // Pages.
     void ExplainCatalogue();
     void CreatePages();
+    void AddPage(Page page);
     void FollowSize();
     void GoTo(Page page);
     void ShowHeading(Page page);
