@@ -99,7 +99,6 @@ TEST_CASE("a plug-in is added, filled in, moved and saved, and a build takes it"
 
 TEST_CASE("entries are removed after a Yes, locked ones never, and Discard brings all back") {
     const ProgramFolder program;
-    program.Save();
     const Editor editor(program);
     editor.Click(kRemoveBase);
     editor.AnswerBox("Locked", "Plugin is locked, unlock plugin\r\nto delete...", IDOK);
@@ -245,7 +244,6 @@ TEST_CASE("Enter goes on to the next field; Apply keeps the entry and the caret"
 
 TEST_CASE("buttons are enabled only while they would do something") {
     const ProgramFolder program;
-    program.Save();
     const Editor editor(program);
     struct Row {
         int entry;

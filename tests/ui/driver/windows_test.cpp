@@ -154,9 +154,7 @@ bool Shows(HWND control, COLORREF colour) {
 } // namespace
 
 TEST_CASE("lists grow with the window, the buttons stay in its corner") {
-    const ProgramFolder program;
-    program.Save();
-    const WizardDriver wizard(program.Wizard());
+    const auto& [program, wizard] = Opened();
     const LONG width = WidthOf(wizard.Window());
     const LONG height = HeightOf(wizard.Window());
     // Before the pages with lists are there.
@@ -176,9 +174,7 @@ TEST_CASE("lists grow with the window, the buttons stay in its corner") {
 
 TEST_CASE("at the largest text sizes every window still fits on the screen") {
     const MessageFont font(36);
-    const ProgramFolder program;
-    program.Save();
-    const WizardDriver wizard(program.Wizard());
+    const auto& [program, wizard] = Opened();
     RECT work{};
     SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
     CHECK(IsInside(wizard.Window(), work));
@@ -191,9 +187,7 @@ TEST_CASE("at the largest text sizes every window still fits on the screen") {
 }
 
 TEST_CASE("on a monitor of another resolution everything is scaled, and back to what it was") {
-    const ProgramFolder program;
-    program.Save();
-    const WizardDriver wizard(program.Wizard());
+    const auto& [program, wizard] = Opened();
     const HWND cancel = wizard.Control(IDCANCEL);
     const LONG width = WidthOf(cancel);
     const std::string welcome = wizard.Heading();
@@ -222,9 +216,7 @@ TEST_CASE("on a monitor of another resolution everything is scaled, and back to 
 }
 
 TEST_CASE("the keyboard gets out of a text that is only read") {
-    const ProgramFolder program;
-    program.Save();
-    const WizardDriver wizard(program.Wizard());
+    const auto& [program, wizard] = Opened();
     const auto press = [&](WPARAM key) { PostMessageA(FocusOf(wizard), WM_KEYDOWN, key, 1); };
     const auto enter = [&](int text) {
         PostMessageA(wizard.Window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(wizard.Control(text)),
@@ -251,7 +243,6 @@ TEST_CASE("the keyboard gets out of a text that is only read") {
 
 TEST_CASE("a link opens by a click on it, and by none beside the text") {
     const ProgramFolder program;
-    program.Save();
     const std::string trace = program.Folder() / "opened.txt";
     const MailHandler handler(trace);
     const WizardDriver wizard(program.Wizard());
@@ -330,9 +321,7 @@ TEST_CASE("a long name pushes no column out of sight, and is shown whole by itse
 }
 
 TEST_CASE("F1, a double click and Ctrl+C do what they are known for") {
-    const ProgramFolder program;
-    program.Save();
-    const WizardDriver wizard(program.Wizard());
+    const auto& [program, wizard] = Opened();
     PressKey(wizard, VK_F1);
     AnswerBox(wizard, "Help", IDOK);
     wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
@@ -360,7 +349,6 @@ TEST_CASE("F1, a double click and Ctrl+C do what they are known for") {
 
 TEST_CASE("a usable source is green, another one dark red") {
     const ProgramFolder program;
-    program.Save();
     const std::string layout = program.Folder().Write("cd\\I386\\LAYOUT.INF", "x");
     program.Folder().Write("cd\\I386\\SETUPLDR.BIN", "x");
     program.Folder().Write("cd\\I386\\NTDLL.DLL", "x");
@@ -381,11 +369,7 @@ TEST_CASE("a usable source is green, another one dark red") {
 }
 
 TEST_CASE("resting the mouse on a line tells about its archive") {
-    const ProgramFolder program;
-    program.Save();
-    const WizardDriver wizard(program.Wizard());
-    wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
-    wizard.GoTo(IDC_CMD_NEXT, kPluginsHeading);
+    const auto& [program, wizard] = Opened(kPluginsHeading);
     const HWND list = wizard.Control(IDC_LST_PLUGINS);
     CHECK(wizard.CellText(list, 1, 0) == "Beta");
     CHECK(wizard.CellText(list, 1, 1) == "Tools");
