@@ -92,18 +92,18 @@ private:
     std::string before_;
 };
 
-/// Where everything that is shown in a dialog stands within its parent.
+/// Adds where a window that is shown stands within its parent.
+BOOL CALLBACK AddArea(HWND window, LPARAM list) {
+    RECT area = AreaOf(window);
+    MapWindowPoints(nullptr, GetParent(window), reinterpret_cast<POINT*>(&area), 2);
+    if (IsWindowVisible(window))
+        reinterpret_cast<std::vector<RECT>*>(list)->push_back(area);
+    return TRUE;
+}
+
 std::vector<RECT> LayoutOf(HWND dialog) {
     std::vector<RECT> areas;
-    const auto visit = [](HWND window, LPARAM list) -> BOOL {
-        if (!IsWindowVisible(window))
-            return TRUE;
-        RECT area = AreaOf(window);
-        MapWindowPoints(nullptr, GetParent(window), reinterpret_cast<POINT*>(&area), 2);
-        reinterpret_cast<std::vector<RECT>*>(list)->push_back(area);
-        return TRUE;
-    };
-    EnumChildWindows(dialog, visit, reinterpret_cast<LPARAM>(&areas));
+    EnumChildWindows(dialog, AddArea, reinterpret_cast<LPARAM>(&areas));
     return areas;
 }
 
