@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""The commands of the guide, run as a reader would: those marked "run: returns N"."""
+"""The commands of the read-me and the guide, run as a reader would: blocks marked "run: returns N"
+(of veskbuild), "cmd: says TEXT" (a batch file) and "help" (what --help says)."""
 
 import re
 import shlex
@@ -7,9 +8,20 @@ import subprocess
 import sys
 import unittest
 
-from program import TOP, WINE, SampleTest
+from program import TOP, WINE, SampleTest, windows_path
 
-BLOCK = re.compile(r"<!-- run: returns (\d+) -->\n```\w*\n(.*?)```", re.DOTALL)
+TEXTS = {name: (TOP / name).read_text("utf-8") for name in ("README.md", "docs/guide.md")}
+BLOCK = re.compile(r"(?:<!-- (run|cmd|help)(?:: \w+ ([^\n]+))? -->\n)?^```\w*\n(.*?)^```", re.DOTALL | re.M)
+INLINE = re.compile(r"`((?:\./|tools/|veskbuild(?:\.exe)? |veskbuilder\.exe )[^`]*)`")
+# By the first line. Samples of a log, of problems, of an INF and of scripts are no commands.
+SAMPLES = ("Vesk Builder v", "veskbuild: hexview.zip", "[Version]", "[VeskBuilder]", "[base]")
+BY_HAND = {
+    "./run": "makes all that this test runs, and opens the wizard where there is a screen",
+    "./run --list": "the same with --list, which the guide has",
+    "./run --build-only": "the same without its last step",
+    "tools/package": "run by package.package",
+    "veskbuilder.exe -setup": "run by ui.entries",
+}
 
 
 class Guide(SampleTest):
@@ -17,20 +29,37 @@ class Guide(SampleTest):
         # What a build left there is taken for an earlier one's.
         subprocess.run([*WINE, "cmd", "/c", "rmdir", "/s", "/q", "C:\\VeskLive"], check=False,
                        capture_output=True, timeout=60)
-        blocks = BLOCK.findall((TOP / "docs/guide.md").read_text("utf-8"))
-        self.assertGreaterEqual(len(blocks), 6)
-        for code, text in blocks:
-            for line in text.splitlines():
-                with self.subTest(line):
-                    program, *arguments = shlex.split(line.replace("\\", "\\\\"))
-                    self.assertEqual(program, "veskbuild")
-                    got, lines, errors = self.run_program(*arguments)
-                    self.assertEqual(got, int(code), (lines, errors))
+        by_hand = {name for text in TEXTS.values() for name in INLINE.findall(text)}
+        for kind, wanted, text in (block for page in TEXTS.values() for block in BLOCK.findall(page)):
+            with self.subTest(text):
+                if kind:
+                    getattr(self, f"look_at_{kind}")(wanted, text)
+                elif not text.startswith(SAMPLES):
+                    by_hand.update(text.splitlines())
+        self.assertEqual(by_hand, set(BY_HAND))
+
+    def look_at_run(self, code, text):
+        for line in text.splitlines():
+            program, *arguments = shlex.split(line.replace("\\", "\\\\"))
+            self.assertEqual(program, "veskbuild")
+            got, lines, errors = self.run_program(*arguments)
+            self.assertEqual(got, int(code), (lines, errors))
+
+    def look_at_cmd(self, words, text):
+        source = windows_path(self.sample / "source")
+        self.assertIn(" D:\\ ", text)
+        batch = self.program / "batch.cmd"
+        batch.write_text("@echo off\n" + text.replace("D:\\", source), newline="\r\n")
+        said = subprocess.run([*WINE, "cmd", "/c", "batch.cmd"], cwd=self.program, text=True, check=False,
+                              capture_output=True, timeout=120, stdin=subprocess.DEVNULL).stdout
+        self.assertRegex(said, rf"\A{words}\s*veskbuild: diskcheck\.zip: .*\n\Z")
+
+    def look_at_help(self, _, text):
+        self.assertIn(text, "".join(f"{line}\n" for line in self.run_program("--help")[1]))
 
     def test_what_it_quotes_is_what_the_programs_say(self):
         """Each line of the log and each problem in its tables is in the sources."""
-        rows = re.findall(r"^\| `([^`]+)` \|", (TOP / "docs/guide.md").read_text("utf-8"),
-                          re.MULTILINE)
+        rows = re.findall(r"^\| `([^`]+)` \|", TEXTS["docs/guide.md"], re.MULTILINE)
         sources = "".join(path.read_text("utf-8") for path in sorted((TOP / "src").rglob("*.cpp")))
         sources = re.sub(r'"\s*\n\s*"', "", sources)
         quotes = [part.strip(" :,") for row in rows for part in re.split(r"\.\.\.\w*|120|:", row)]

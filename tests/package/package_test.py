@@ -135,6 +135,17 @@ class Package(unittest.TestCase):
             time.sleep(0.2)
         time.sleep(0.5)
 
+    def check_versions(self, folder):
+        """Both programs start where they are installed: the 64-bit one in the 64-bit Wine."""
+        version = self.name.removeprefix("VeskBuilder-").removesuffix("-portable.zip")
+        for tool, prefix, program in (("wine32", PREFIX, "veskbuild.exe"),
+                                      ("wine", "package", "x64/veskbuild.exe")):
+            subprocess.run([TOP / "tools/wine-prefix", prefix], check=True, capture_output=True)
+            said = subprocess.run([TOP / "tools" / tool, folder / program, "--version"], check=False,
+                                  stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=120,
+                                  env=os.environ | {"VESK_PREFIX": prefix}).stdout
+            self.assertEqual(said.strip(), f"Vesk Builder v{version}")
+
     @unittest.skipIf(BITS == 64, "the installer is a 32-bit program")
     def test_installing_building_and_removing_leaves_no_trace(self):
         # The traces of a build are the build's: they are there before.
@@ -148,6 +159,7 @@ class Package(unittest.TestCase):
                 self.install(mode, folder=folder)
                 self.assertGreater(len(registry() - before[0]), 5)
                 self.build_sample(folder / "veskbuild.exe")
+                self.check_versions(folder)
                 self.uninstall(folder, mode)
                 self.assertEqual(files_below(DRIVE) ^ before[1], set())
                 self.assertEqual(registry() ^ before[0], set())

@@ -2,6 +2,7 @@
 
 #include "base/modSystemError.h"
 #include "ui/kit/modDialogTemplate.h"
+#include "ui/kit/modResolution.h"
 #include "ui/kit/modTitleBar.h"
 #include "ui/kit/modWindow.h"
 
@@ -24,6 +25,8 @@ void clsDialog::Create(HWND owner, int resourceId) {
     if (!CreateDialogIndirectParamW(ProgramInstance(), dialog.Get(), owner, Procedure,
                                     reinterpret_cast<LPARAM>(this)))
         ThrowLastError("create dialog", std::to_string(resourceId));
+    if (window_ && (GetWindowLongPtrA(window_, GWL_STYLE) & WS_CHILD) != 0)
+        FollowOwner(owner);
 }
 
 INT_PTR clsDialog::RunModal(HWND owner, int resourceId) {
@@ -72,6 +75,17 @@ INT_PTR CALLBACK clsDialog::Procedure(HWND window, UINT message, WPARAM wparam, 
 }
 
 /// A page that opens within a scaled dialog has that one's font already.
+/// A page is made for the monitor that the system counts it to, which may be another one.
+void clsDialog::FollowOwner(HWND owner) {
+    const int dpi = DpiOf(owner);
+    if (dpi == scale_.Dpi())
+        return;
+    RECT area = AreaOf(window_);
+    for (LONG* edge : {&area.left, &area.top, &area.right, &area.bottom})
+        *edge = MulDiv(static_cast<int>(*edge), dpi, scale_.Dpi());
+    ScaleTo(dpi, area);
+}
+
 void clsDialog::ScaleTo(int dpi, const RECT& place) {
     scale_.ChangeTo(dpi, place);
     Scaled();

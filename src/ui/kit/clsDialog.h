@@ -51,6 +51,7 @@ private:
 
     INT_PTR HandleSafely(UINT message, WPARAM wparam, LPARAM lparam);
 
+    void FollowOwner(HWND owner);
     void ScaleTo(int dpi, const RECT& place);
 
     HWND window_ = nullptr;

@@ -64,6 +64,7 @@ public:
 
     [[nodiscard]] std::vector<GdiHandle> Take() {
         std::vector<GdiHandle> fonts;
+        fonts.reserve(made_.size());
         for (auto& [font, made] : made_)
             fonts.push_back(std::move(made));
         return fonts;

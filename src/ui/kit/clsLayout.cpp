@@ -17,7 +17,10 @@ void clsLayout::Attach(HWND dialog) {
 }
 
 void clsLayout::Add(HWND control, unsigned follows) {
-    items_.push_back({control, AreaOf(control), follows});
+    RECT area = AreaOf(control);
+    for (LONG* edge : {&area.left, &area.top, &area.right, &area.bottom})
+        *edge = MulDiv(static_cast<int>(*edge), dpi_, DpiOf(dialog_));
+    items_.push_back({control, area, follows});
 }
 
 int clsLayout::Scaled(LONG pixels) const {

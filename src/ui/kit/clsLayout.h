@@ -15,7 +15,8 @@ public:
     /// Takes the dialog's size now as the one that its template gives it, and as its smallest.
     void Attach(HWND dialog);
 
-    /// Adds a control, or a page, as it stands now. @param follows of the values above
+    /// Adds a control, or a page, as it stands while the dialog has that size.
+    /// @param follows of the values above
     void Add(HWND control, unsigned follows);
 
     /// Puts every control in its place; for WM_SIZE.

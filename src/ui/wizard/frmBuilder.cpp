@@ -55,8 +55,9 @@ void frmBuilder::Form_Load() {
         catalogue_.plugins.clear();
     SetWindowIcon(Window());
     heading_.Attach(Window());
-    CreatePages();
+    welcomePage_ = std::make_unique<pagWelcome>(Window());
     FollowSize();
+    AddPage(Page::Welcome);
     const auto stored = ResourceBytes("TXT", IDR_WELCOME_TEXT);
     welcomePage_->SetWelcomeText(
         WelcomeText(kVersionText, LegalNotice(),
@@ -92,9 +93,6 @@ void frmBuilder::FollowSize() {
         for (const int id : ids)
             layout_.Add(Control(id), how);
     };
-    for (const Page page :
-         {Page::Welcome, Page::BaseComponents, Page::Plugins, Page::Summary, Page::Build})
-        layout_.Add(PageWindow(page).Window(), clsLayout::kGrowX | clsLayout::kGrowY);
     follow(clsLayout::kGrowY, {IDC_IMG_LOGO});
     follow(clsLayout::kGrowX, {IDC_LINE_TOP, IDC_LBL_HEADING_SM2});
     follow(clsLayout::kMoveX, {IDC_IMG_LOGO_SMALL});
@@ -103,9 +101,18 @@ void frmBuilder::FollowSize() {
     follow(clsLayout::kMoveX | clsLayout::kMoveY, {IDC_CMD_BACK, IDC_CMD_NEXT, IDCANCEL});
 }
 
+/// In the order of the Tab key: each page is put before the wizard's own buttons.
+void frmBuilder::AddPage(Page page) {
+    const HWND window = PageWindow(page).Window();
+    layout_.Add(window, clsLayout::kGrowX | clsLayout::kGrowY);
+    SetWindowPos(window, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
+}
+
+/// The pages behind the first one, when they are about to be shown: they make a third of the
+/// program's start.
 void frmBuilder::CreatePages() {
-    // In the order of the Tab key: each page is put before the wizard's own buttons.
-    welcomePage_ = std::make_unique<pagWelcome>(Window());
+    if (buildPage_)
+        return;
     basePage_ =
         std::make_unique<pagBaseComponents>(Window(), catalogue_, source_, paths_.programPath);
     pluginsPage_ = std::make_unique<pagPlugins>(Window(), catalogue_, paths_.programPath);
@@ -116,9 +123,9 @@ void frmBuilder::CreatePages() {
     build_ = std::make_unique<clsWizardBuild>(
         Window(), paths_.programPath, log_, *buildPage_,
         [this](const BuildOutcome& outcome) { OnBuildEnded(outcome); });
-    for (const Page page :
-         {Page::Welcome, Page::BaseComponents, Page::Plugins, Page::Summary, Page::Build})
-        SetWindowPos(PageWindow(page).Window(), HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
+    for (const Page page : {Page::BaseComponents, Page::Plugins, Page::Summary, Page::Build})
+        AddPage(page);
+    layout_.OnSize(); // the window may have another size by now
 }
 
 clsDialog& frmBuilder::PageWindow(Page page) {
@@ -138,6 +145,8 @@ clsDialog& frmBuilder::PageWindow(Page page) {
 }
 
 void frmBuilder::GoTo(Page page) {
+    if (page != Page::Welcome)
+        CreatePages();
     if (page == Page::Summary)
         ShowSummary();
     page_ = page;
@@ -153,7 +162,7 @@ void frmBuilder::ShowPageWindow(Page page) {
     ShowWindow(shown, SW_SHOW);
     for (const Page other :
          {Page::Welcome, Page::BaseComponents, Page::Plugins, Page::Summary, Page::Build}) {
-        if (other != page)
+        if (other != page && buildPage_)
             ShowWindow(PageWindow(other).Window(), SW_HIDE);
     }
     RedrawWindow(Window(), nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
@@ -170,7 +179,8 @@ void frmBuilder::FocusPage() {
 }
 
 void frmBuilder::cmdButtons_Click(WizardButton button) {
-    basePage_->CommitSource();
+    if (basePage_)
+        basePage_->CommitSource();
     const NavigationStep step = NextStep(page_, button);
     switch (step.kind) {
     case NavigationStep::Kind::Nothing:

@@ -58,6 +58,7 @@ private:
     // Pages.
     void ExplainCatalogue();
     void CreatePages();
+    void AddPage(Page page);
     void FollowSize();
     void GoTo(Page page);
     void ShowPageWindow(Page page);

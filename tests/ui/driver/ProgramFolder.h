@@ -29,9 +29,10 @@ public:
         AddPlugin("Alpha", true, false);
         AddPlugin("Beta", false, false);
         AddPlugin("Gamma", true, true);
+        Save();
     }
 
-    /// Writes the catalogue; to be called before the wizard starts.
+    /// Writes the catalogue again, changed; to be called before the wizard starts.
     void Save() const { SaveCatalogue(Path(), catalogue); }
 
     [[nodiscard]] std::string Path() const { return folder_ / "program\\"; }

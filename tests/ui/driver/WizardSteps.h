@@ -17,6 +17,21 @@ inline constexpr const char* kBaseHeading = "Vesk Builder Base Components";
 inline constexpr const char* kPluginsHeading = "Vesk Builder Plugins";
 inline constexpr const char* kSummaryHeading = "Vesk Builder Summary";
 
+/// The wizard in a program folder of its own, on a page that is reached by Next. To be taken apart:
+/// const auto& [program, wizard] = Opened(kBaseHeading);
+struct Opened {
+    explicit Opened(const std::string& heading = "") {
+        for (const char* next : {kBaseHeading, kPluginsHeading}) {
+            if (heading.empty() || wizard.Heading() == heading)
+                return;
+            wizard.GoTo(IDC_CMD_NEXT, next);
+        }
+    }
+
+    const ProgramFolder program{};
+    const WizardDriver wizard{program.Wizard()};
+};
+
 /// From the page of the base components to the summary.
 inline void GoToSummaryFromBase(const WizardDriver& wizard) {
     wizard.GoTo(IDC_CMD_NEXT, kPluginsHeading);

@@ -99,7 +99,6 @@ TEST_CASE("a plug-in is added, filled in, moved and saved, and a build takes it"
 
 TEST_CASE("entries are removed after a Yes, locked ones never, and Discard brings all back") {
     const ProgramFolder program;
-    program.Save();
     const Editor editor(program);
     editor.Click(kRemoveBase);
     editor.AnswerBox("Locked", "Plugin is locked, unlock plugin\r\nto delete...", IDOK);
@@ -214,7 +213,8 @@ TEST_CASE("the Tab key visits every control of the editor in reading order") {
     editor.CheckTabOrder(order);
 }
 
-TEST_CASE("Enter goes on to the next field; Apply keeps the keyboard there and shows the first entries") {
+TEST_CASE(
+    "Enter goes on to the next field; Apply keeps the keyboard there and shows the first entries") {
     ProgramFolder program;
     program.Save();
     const std::string before = SavedText(program);
@@ -246,7 +246,6 @@ TEST_CASE("Enter goes on to the next field; Apply keeps the keyboard there and s
 
 TEST_CASE("buttons are enabled only while they would do something") {
     const ProgramFolder program;
-    program.Save();
     const Editor editor(program);
     struct Row {
         int entry;

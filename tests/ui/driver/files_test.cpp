@@ -46,7 +46,6 @@ TEST_CASE("unsaved edits are asked about, and survive a save that fails") {
 
 TEST_CASE("browsing for an archive fills in its name and checksum") {
     const ProgramFolder program;
-    program.Save();
     const std::string crc =
         program.WriteArchive("other.zip", {TestMember::Stored("other.txt", "x")});
     const Editor editor(program);
@@ -63,7 +62,6 @@ TEST_CASE("browsing for an archive fills in its name and checksum") {
 
 TEST_CASE("a catalogue that breaks off is explained before anything can be lost") {
     const ProgramFolder program;
-    program.Save();
     const std::string file = program.Path() + kCatalogueFileName;
     const std::string text = ReadWholeFile(file);
     WriteCompleteFile(file, text.substr(0, text.find("[Categories]")));
@@ -78,6 +76,7 @@ TEST_CASE("a catalogue that breaks off is explained before anything can be lost"
 TEST_CASE("a catalogue is begun from nothing, and not written before Apply") {
     const ProgramFolder program;
     const std::string file = program.Path() + kCatalogueFileName;
+    RemoveFile(file);
     const Editor editor(program);
     CHECK(editor.Says("A new catalogue, not saved yet."));
     CHECK(editor.Text(IDC_TXT_BASE + kFileName) == "pebuilder3110a.zip");
@@ -108,7 +107,6 @@ TEST_CASE("a catalogue is begun from nothing, and not written before Apply") {
 
 TEST_CASE("what a reader of the file would cut off is told before anything is written") {
     const ProgramFolder program;
-    program.Save();
     const std::string before = SavedText(program);
     const Editor editor(program);
     editor.Choose(IDC_CMB_BASE_PLUGIN, 1);
@@ -128,7 +126,6 @@ TEST_CASE("what a reader of the file would cut off is told before anything is wr
 
 TEST_CASE("a letter that the code page lacks is not saved as another one") {
     const ProgramFolder program;
-    program.Save();
     const Editor editor(program);
     const HWND name = editor.Control(IDC_TXT_BASE);
     SendMessageW(name, EM_SETSEL, 0, -1);
@@ -176,7 +173,6 @@ TEST_CASE("nothing that others wrote, or that could not be read, is written over
 
 TEST_CASE("an archive from elsewhere can be copied into the program folder") {
     const ProgramFolder program;
-    program.Save();
     const std::string outside =
         program.Folder().Write("elsewhere\\new.zip", MakeZip({TestMember::Stored("a.txt", "a")}));
     const Editor editor(program);

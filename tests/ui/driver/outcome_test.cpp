@@ -103,7 +103,6 @@ TEST_CASE("a tree without PE Builder is called not usable, and why") {
 
 TEST_CASE("a log that cannot be saved is told, and the list of problems is saved all the same") {
     const ProgramFolder program;
-    program.Save();
     RemoveFile(program.Path() + "Gamma.zip");
     program.Folder().Write(std::string("program\\") + kLogFileName + "\\in the way", "x");
     const WizardDriver wizard(program.Wizard());
@@ -150,7 +149,6 @@ TEST_CASE("the password of an archive is asked for, again while it is wrong, and
 
 TEST_CASE("a folder that no build made is emptied only after the summary told what is in it") {
     const ProgramFolder program;
-    program.Save();
     const std::string mine = program.Folder().Write("tree\\mine.txt", "keep");
     const WizardDriver wizard(program.Wizard());
     GoToSummary(wizard, program);
@@ -174,7 +172,6 @@ TEST_CASE("a folder that no build made is emptied only after the summary told wh
 
 TEST_CASE("a tree of an earlier build, and a folder to be made, are replaced without a warning") {
     const ProgramFolder program;
-    program.Save();
     for (const char* file : {"", "tree\\vesklive.ini"}) {
         CAPTURE(file);
         if (*file != '\0')
@@ -186,9 +183,7 @@ TEST_CASE("a tree of an earlier build, and a folder to be made, are replaced wit
 }
 
 TEST_CASE("an impossible folder is refused when its page is left for the next one") {
-    const ProgramFolder program;
-    program.Save();
-    const WizardDriver wizard(program.Wizard());
+    const auto& [program, wizard] = Opened();
     const std::string welcome = wizard.Heading();
     wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
     for (const std::string& folder :
@@ -211,7 +206,6 @@ TEST_CASE("an impossible folder is refused when its page is left for the next on
 
 TEST_CASE("two builds do not work in one folder") {
     const ProgramFolder program;
-    program.Save();
     const clsInstallFolder folder(program.Tree(), clsFolderGuard({}));
     const WizardDriver wizard(program.Wizard());
     GoToSummary(wizard, program);
@@ -228,7 +222,8 @@ TEST_CASE("two builds do not work in one folder") {
 }
 
 TEST_CASE("without a catalogue nothing is built, and the editor is one click away") {
-    const ProgramFolder program; // not saved: there is no catalogue
+    const ProgramFolder program;
+    RemoveFile(program.Path() + kCatalogueFileName);
     const std::string mine = program.Folder().Write("tree\\pebuilder.exe", "keep");
     const WizardDriver wizard(program.Wizard());
     SUBCASE("the editor") {
@@ -250,7 +245,6 @@ TEST_CASE("without a catalogue nothing is built, and the editor is one click awa
 
 TEST_CASE("a catalogue that was read in part is built from only when the user says so") {
     const ProgramFolder program;
-    program.Save();
     std::string text = ReadWholeFile(program.Path() + kCatalogueFileName);
     const std::size_t at = text.find("Enabled2"); // of the last plug-in
     REQUIRE(at != std::string::npos);
@@ -273,10 +267,7 @@ TEST_CASE("a catalogue that was read in part is built from only when the user sa
 
 TEST_CASE(
     "a folder's name that the program would misspell is refused, and nothing is built there") {
-    const ProgramFolder program;
-    program.Save();
-    const WizardDriver wizard(program.Wizard());
-    wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
+    const auto& [program, wizard] = Opened(kBaseHeading);
     wizard.SetText(IDC_TXT_PROG_PATH, program.Tree());
     const HWND field = wizard.Control(IDC_TXT_PROG_PATH);
     SendMessageW(field, EM_SETSEL, 10000, 10000);
@@ -300,7 +291,6 @@ TEST_CASE(
 TEST_CASE("the summary says beforehand when nothing usable can come of the build") {
     ProgramFolder program;
     SUBCASE("there") {
-        program.Save();
         const WizardDriver wizard(program.Wizard());
         GoToSummary(wizard, program);
         CHECK_FALSE(wizard.IsShown(IDC_LBL_FOREIGN));

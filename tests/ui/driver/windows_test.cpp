@@ -92,18 +92,18 @@ private:
     std::string before_;
 };
 
-/// Where everything that is shown in a dialog stands within its parent.
+/// Adds where a window that is shown stands within its parent.
+BOOL CALLBACK AddArea(HWND window, LPARAM list) {
+    RECT area = AreaOf(window);
+    MapWindowPoints(nullptr, GetParent(window), reinterpret_cast<POINT*>(&area), 2);
+    if (IsWindowVisible(window))
+        reinterpret_cast<std::vector<RECT>*>(list)->push_back(area);
+    return TRUE;
+}
+
 std::vector<RECT> LayoutOf(HWND dialog) {
     std::vector<RECT> areas;
-    const auto visit = [](HWND window, LPARAM list) -> BOOL {
-        if (!IsWindowVisible(window))
-            return TRUE;
-        RECT area = AreaOf(window);
-        MapWindowPoints(nullptr, GetParent(window), reinterpret_cast<POINT*>(&area), 2);
-        reinterpret_cast<std::vector<RECT>*>(list)->push_back(area);
-        return TRUE;
-    };
-    EnumChildWindows(dialog, visit, reinterpret_cast<LPARAM>(&areas));
+    EnumChildWindows(dialog, AddArea, reinterpret_cast<LPARAM>(&areas));
     return areas;
 }
 
@@ -154,31 +154,27 @@ bool Shows(HWND control, COLORREF colour) {
 } // namespace
 
 TEST_CASE("lists grow with the window, the buttons stay in its corner") {
-    const ProgramFolder program;
-    program.Save();
-    const WizardDriver wizard(program.Wizard());
+    const auto& [program, wizard] = Opened();
+    const LONG width = WidthOf(wizard.Window());
+    const LONG height = HeightOf(wizard.Window());
+    // Before the pages with lists are there.
+    SetWindowPos(wizard.Window(), nullptr, 0, 0, width + 200, height + 100, SWP_NOZORDER);
     wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
     wizard.GoTo(IDC_CMD_NEXT, kPluginsHeading);
     const HWND list = wizard.Control(IDC_LST_PLUGINS);
-    const LONG width = WidthOf(wizard.Window());
-    const LONG height = HeightOf(wizard.Window());
     const LONG listWidth = WidthOf(list);
     const LONG listHeight = HeightOf(list);
-    SetWindowPos(wizard.Window(), nullptr, 0, 0, width + 200, height + 100, SWP_NOZORDER);
-    CHECK(WidthOf(list) == listWidth + 200);
-    CHECK(HeightOf(list) == listHeight + 100);
     CHECK(IsInside(wizard.Control(IDCANCEL), AreaOf(wizard.Window())));
     CHECK(AreaOf(wizard.Control(IDCANCEL)).right > AreaOf(wizard.Window()).right - 40);
     SetWindowPos(wizard.Window(), nullptr, 0, 0, 100, 100, SWP_NOZORDER);
     CHECK(WidthOf(wizard.Window()) == width); // never smaller than its controls need
-    CHECK(WidthOf(list) == listWidth);
+    CHECK(WidthOf(list) == listWidth - 200);
+    CHECK(HeightOf(list) == listHeight - 100);
 }
 
 TEST_CASE("at the largest text sizes every window still fits on the screen") {
     const MessageFont font(36);
-    const ProgramFolder program;
-    program.Save();
-    const WizardDriver wizard(program.Wizard());
+    const auto& [program, wizard] = Opened();
     RECT work{};
     SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
     CHECK(IsInside(wizard.Window(), work));
@@ -191,21 +187,27 @@ TEST_CASE("at the largest text sizes every window still fits on the screen") {
 }
 
 TEST_CASE("on a monitor of another resolution everything is scaled, and back to what it was") {
-    const ProgramFolder program;
-    program.Save();
-    const WizardDriver wizard(program.Wizard());
+    const auto& [program, wizard] = Opened();
     const HWND cancel = wizard.Control(IDCANCEL);
     const LONG width = WidthOf(cancel);
-    wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
-    const HWND list = wizard.Control(IDC_LST_BASE);
-    const auto lineHeight = [&] { return HIWORD(SendMessageA(list, LVM_GETITEMSPACING, TRUE, 0)); };
-    const auto line = lineHeight();
+    const std::string welcome = wizard.Heading();
+    const auto listSize = [&] {
+        const HWND list = wizard.Control(IDC_LST_BASE);
+        const LRESULT lines = SendMessageA(list, LVM_GETITEMSPACING, TRUE, 0);
+        return SIZE{WidthOf(list), HIWORD(lines)};
+    };
+    SIZE made{};
     OnFinerMonitor(wizard, wizard.Window(), [&] {
         CHECK(WidthOf(cancel) == doctest::Approx(1.5 * width).epsilon(0.02));
-        CHECK(lineHeight() > line * 5 / 4);
-        wizard.GoTo(IDC_CMD_NEXT, kPluginsHeading);
-        wizard.GoTo(IDC_CMD_BACK, kBaseHeading);
+        wizard.GoTo(IDC_CMD_NEXT, kBaseHeading); // the page is made there
+        made = listSize();
+        wizard.GoTo(IDC_CMD_BACK, welcome);
     });
+    wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
+    const SIZE back = listSize();
+    CHECK(made.cx == doctest::Approx(1.5 * back.cx).epsilon(0.03));
+    CHECK(made.cy > back.cy * 5 / 4);
+    OnFinerMonitor(wizard, wizard.Window(), [&] { CHECK(listSize().cx == made.cx); });
     const Editor editor(program);
     OnFinerMonitor(editor, editor.Window(), [&] {
         const HWND combo = editor.Control(IDC_CMB_INSTALL_PATH);
@@ -214,9 +216,7 @@ TEST_CASE("on a monitor of another resolution everything is scaled, and back to 
 }
 
 TEST_CASE("the keyboard gets out of a text that is only read") {
-    const ProgramFolder program;
-    program.Save();
-    const WizardDriver wizard(program.Wizard());
+    const auto& [program, wizard] = Opened();
     const auto press = [&](WPARAM key) { PostMessageA(FocusOf(wizard), WM_KEYDOWN, key, 1); };
     const auto enter = [&](int text) {
         PostMessageA(wizard.Window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(wizard.Control(text)),
@@ -243,7 +243,6 @@ TEST_CASE("the keyboard gets out of a text that is only read") {
 
 TEST_CASE("a link opens by a click on it, and by none beside the text") {
     const ProgramFolder program;
-    program.Save();
     const std::string trace = program.Folder() / "opened.txt";
     const MailHandler handler(trace);
     const WizardDriver wizard(program.Wizard());
@@ -322,9 +321,7 @@ TEST_CASE("a long name pushes no column out of sight, and is shown whole by itse
 }
 
 TEST_CASE("F1, a double click and Ctrl+C do what they are known for") {
-    const ProgramFolder program;
-    program.Save();
-    const WizardDriver wizard(program.Wizard());
+    const auto& [program, wizard] = Opened();
     PressKey(wizard, VK_F1);
     AnswerBox(wizard, "Help", IDOK);
     wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
@@ -352,7 +349,6 @@ TEST_CASE("F1, a double click and Ctrl+C do what they are known for") {
 
 TEST_CASE("a usable source is green, another one dark red") {
     const ProgramFolder program;
-    program.Save();
     const std::string layout = program.Folder().Write("cd\\I386\\LAYOUT.INF", "x");
     program.Folder().Write("cd\\I386\\SETUPLDR.BIN", "x");
     program.Folder().Write("cd\\I386\\NTDLL.DLL", "x");
@@ -373,11 +369,7 @@ TEST_CASE("a usable source is green, another one dark red") {
 }
 
 TEST_CASE("resting the mouse on a line tells about its archive") {
-    const ProgramFolder program;
-    program.Save();
-    const WizardDriver wizard(program.Wizard());
-    wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
-    wizard.GoTo(IDC_CMD_NEXT, kPluginsHeading);
+    const auto& [program, wizard] = Opened(kPluginsHeading);
     const HWND list = wizard.Control(IDC_LST_PLUGINS);
     CHECK(wizard.CellText(list, 1, 0) == "Beta");
     CHECK(wizard.CellText(list, 1, 1) == "Tools");

@@ -51,7 +51,6 @@ DWORD LongestGap() {
 
 TEST_CASE("a whole build, page by page") {
     const ProgramFolder program;
-    program.Save();
     WriteCd(program, "cd");
     const WizardDriver wizard(program.Wizard());
     const std::string welcome = wizard.Heading();
@@ -117,9 +116,7 @@ TEST_CASE("a whole build, page by page") {
 }
 
 TEST_CASE("leaving is asked for on each page") {
-    const ProgramFolder program;
-    program.Save();
-    WizardDriver wizard(program.Wizard());
+    const auto& [program, wizard] = Opened();
     const auto declineExit = [&] {
         const std::string heading = wizard.Heading();
         const HWND box = wizard.AwaitDialog("Confirm Action");
@@ -147,7 +144,6 @@ TEST_CASE("leaving is asked for on each page") {
 
 TEST_CASE("a build into a folder that is there stops when the user says No") {
     const ProgramFolder program;
-    program.Save();
     program.Folder().Write("tree\\mine.txt", "keep");
     const WizardDriver wizard(program.Wizard());
     GoToSummary(wizard, program);
@@ -167,9 +163,7 @@ TEST_CASE("a build into a folder that is there stops when the user says No") {
 }
 
 TEST_CASE("the log's context menu selects, copies and saves") {
-    const ProgramFolder program;
-    program.Save();
-    WizardDriver wizard(program.Wizard());
+    const auto& [program, wizard] = Opened();
     GoToSummary(wizard, program);
     wizard.Click(IDC_CMD_NEXT);
     AwaitFinish(wizard);
@@ -209,7 +203,6 @@ TEST_CASE("details of an entry are shown with the state of its archive") {
 
 TEST_CASE("a folder chosen in the browse dialog is checked and coloured") {
     const ProgramFolder program;
-    program.Save();
     WriteCd(program, "cd");
     WizardDriver wizard(program.Wizard());
     wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
@@ -227,7 +220,6 @@ TEST_CASE("a folder chosen in the browse dialog is checked and coloured") {
 
 TEST_CASE("the drive scan finds a CD, stops, and hands it over") {
     const ProgramFolder program;
-    program.Save();
     WriteCd(program, "cd");
     const WizardDriver wizard(program.Wizard());
     wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
@@ -257,10 +249,7 @@ TEST_CASE("the drive scan finds a CD, stops, and hands it over") {
 }
 
 TEST_CASE("closing the wizard while it scans ends the scan and the program") {
-    const ProgramFolder program;
-    program.Save();
-    const WizardDriver wizard(program.Wizard());
-    wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
+    const auto& [program, wizard] = Opened(kBaseHeading);
     wizard.Click(IDC_CMD_SCAN);
     AnswerBox(wizard, "File Search", IDYES);
     REQUIRE(wizard.AwaitDialog("Searching for Windows installation files"));
@@ -270,10 +259,7 @@ TEST_CASE("closing the wizard while it scans ends the scan and the program") {
 }
 
 TEST_CASE("the Tab key visits every control in reading order") {
-    const ProgramFolder program;
-    program.Save();
-    const WizardDriver wizard(program.Wizard());
-    wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
+    const auto& [program, wizard] = Opened(kBaseHeading);
     wizard.CheckTabOrder({IDC_LST_BASE, IDC_CMD_BASE_DETAILS, IDC_TXT_PROG_PATH, IDC_CMD_PROG_PATH,
                           IDC_TXT_WIN_PATH, IDC_CMD_WIN_PATH, IDC_CMD_SCAN, IDC_CMD_HELP,
                           IDC_CMD_BACK, IDC_CMD_NEXT, IDCANCEL, IDC_LST_BASE});
