@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -31,6 +33,10 @@ struct CabEntry {
     std::uint16_t attributes = 0;
     std::string refusal;  ///< Why it must not be extracted; empty when nothing speaks against it.
     bool leftOut = false; ///< The refusal is for the name, not for damage.
+
+    /// Another member before it that has the same data: makers of cabinets store equal files once.
+    std::optional<std::size_t> twin;
+    bool hasTwin = false; ///< It is such a member itself.
 
     static constexpr std::uint16_t kFromPrevious = 0xFFFD;
     static constexpr std::uint16_t kToNext = 0xFFFE;

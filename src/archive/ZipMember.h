@@ -46,6 +46,7 @@ struct ZipMember {
     ZipTimes times;
     std::optional<ZipSizes> otherSizes; ///< Those of the local header, when they contradict.
     bool folder = false;                ///< By its name's end or by its attributes.
+    bool special = false;               ///< Neither a file nor a folder.
     std::string refusal; ///< Why it must not be extracted; empty when nothing speaks against it.
 
     /// The cipher's own bytes in front of an encrypted member's packed data.

@@ -8,6 +8,7 @@
 #include "archive/modMemberFailure.h"
 #include "archive/modMemberPath.h"
 #include "base/Problem.h"
+#include "base/UniqueHandle.h"
 #include "base/modFile.h"
 #include "base/modText.h"
 #include "base/modWide.h"
@@ -88,7 +89,8 @@ void clsCabExtraction::ExtractGroup() {
     std::vector<std::size_t> entries;
     for (std::size_t place = 0; place < group_.size(); ++place)
         if (const CabEntry& entry = EntryAt(place);
-            entry.refusal.empty() && entry.size != 0 && iteration_.Matches(entry)) {
+            entry.refusal.empty() && entry.size != 0 && iteration_.Matches(entry) &&
+            !(entry.twin && iteration_.Matches(directory_.entries[*entry.twin]))) {
             readable_.push_back(place);
             entries.push_back(group_[place]);
         }
@@ -126,6 +128,8 @@ void clsCabExtraction::HandleUnread(std::size_t place) {
             Fail(entry, {entry.leftOut ? 0 : kCabDamaged, NotExtracted("", entry.refusal)});
         else if (IsCabFolderEntry(entry))
             CreateFolderOf(entry);
+        else if (entry.twin && kept_ == entry.twin && isUnpacked_)
+            CopyTwin(entry);
         else if (entry.size != 0 && isUnpacked_)
             Fail(entry, unread_);
         else {
@@ -146,6 +150,32 @@ void clsCabExtraction::CreateFolderOf(const CabEntry& entry) {
     }
     iteration_.Raise(
         [&](CabEvents& owner) { owner.OnAfterExtract(Narrowed(WithoutLongPrefix(path))); });
+}
+
+/// Gives a member the data of the one that was kept just before.
+void clsCabExtraction::CopyTwin(const CabEntry& entry) {
+    Open(entry);
+    begun_ = true;
+    if (!keptBytes_.empty())
+        Write(keptBytes_);
+    else if (mode_ == Mode::Extract)
+        CopyKeptFile();
+    else
+        size_ = entry.size;
+    begun_ = false;
+    Finish(entry);
+}
+
+void clsCabExtraction::CopyKeptFile() {
+    const FileHandle kept(CreateFileW(PathOf(directory_.entries[*kept_]).c_str(), GENERIC_READ,
+                                      FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+    std::vector<std::byte> piece(kHeldBack);
+    DWORD read = 0;
+    while (kept &&
+           ReadFile(kept.Get(), piece.data(), static_cast<DWORD>(piece.size()), &read, nullptr) !=
+               0 &&
+           read != 0)
+        Write(std::span(piece).first(read));
 }
 
 bool clsCabExtraction::Begin(std::size_t place) {
@@ -244,6 +274,10 @@ void clsCabExtraction::Keep(const CabEntry& entry) {
         return Fail(entry, {CabNumberOf(failure), FailureOf("", failure)});
     }
     file_.reset(); // an event may look at it
+    if (entry.hasTwin) {
+        kept_ = NumberOf(entry);
+        keptBytes_ = held_;
+    }
     iteration_.Raise(
         [&](CabEvents& owner) { owner.OnAfterExtract(Narrowed(WithoutLongPrefix(path))); });
     if (const auto& both = added.overwriting)

@@ -42,6 +42,8 @@ private:
     void HandleUnreadUpTo(std::size_t end);
     void HandleUnread(std::size_t place);
     void CreateFolderOf(const CabEntry& entry);
+    void CopyTwin(const CabEntry& entry);
+    void CopyKeptFile();
 
     bool Begin(std::size_t place) override;
     void Write(std::span<const std::byte> bytes) override;
@@ -79,8 +81,10 @@ private:
     std::vector<std::byte> held_;                        ///< Its bytes, if it is not.
     std::uint64_t size_ = 0;                             ///< Bytes of it that came.
     clsCRC crc_;                                         ///< Of them.
-    bool begun_ = false;             ///< The member before the cursor waits for its end.
-    std::optional<Trouble> trouble_; ///< Its failure in writing.
+    std::optional<std::size_t> kept_;  ///< The last member that has a twin and was kept.
+    std::vector<std::byte> keptBytes_; ///< Its bytes, if it is small.
+    bool begun_ = false;               ///< The member before the cursor waits for its end.
+    std::optional<Trouble> trouble_;   ///< Its failure in writing.
 
     std::optional<Trouble> first_; ///< What is raised at the end.
     std::uint64_t wanted_ = 0;     ///< Bytes of all members wanted.

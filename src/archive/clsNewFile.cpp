@@ -16,7 +16,18 @@ namespace {
     ThrowSystemError(error, what, Narrowed(WithoutLongPrefix(path)));
 }
 
-/// Whether an old file may be replaced. @throws ArchiveProblem for what is no plain file
+/// Whether a path ends in the short name that the system gave to a file with another name.
+bool IsShortName(const std::wstring& path) {
+    const std::wstring name = path.substr(path.rfind(L'\\') + 1);
+    if (name.find(L'~') == std::wstring::npos)
+        return false;
+    WIN32_FIND_DATAW found{};
+    const FindHandle search(FindFirstFileW(path.c_str(), &found));
+    return search && lstrcmpiW(found.cFileName, name.c_str()) != 0;
+}
+
+/// Whether an old file may be replaced. @throws ArchiveProblem for what is no plain file, or
+/// another one
 void CheckReplaceable(const std::wstring& path) {
     const DWORD attributes = GetFileAttributesW(path.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES)
@@ -25,6 +36,8 @@ void CheckReplaceable(const std::wstring& path) {
         throw ArchiveProblem("there is a link in its place");
     if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
         throw ArchiveProblem("there is a folder in its place");
+    if (IsShortName(path))
+        throw ArchiveProblem("its name is the short name of another file");
 }
 
 /// A file that is in use is refused to a move without saying so.

@@ -121,6 +121,7 @@ ZipMember clsZipDirectory::ReadRecord(std::uint64_t at, std::uint64_t end) {
     const auto extra = reader.Bytes(extraSize);
     member.encoding = EncodingOf(member, host);
     member.folder = IsFolderEntry(member, host);
+    member.special = IsSpecialEntry(member, host);
     ApplyExtraFields(extra, member, disk);
     if (disk != 0)
         member.refusal = "lies on another disk of the archive";

@@ -79,7 +79,7 @@ ZipCipher clsZipPasswords::Ask(const ZipMember& member, const Check& check) {
     std::optional<std::string> seemedRight;
     for (int tries = 0; askMore_ && tries < kTries; ++tries) {
         std::optional<std::string> password =
-            ask_ ? ask_(std::exchange(asked_, true)) : std::nullopt;
+            ask_ ? ask_(std::exchange(isWrong_, true)) : std::nullopt;
         if (!password) {
             askMore_ = false;
             lockedReason_ = "it is encrypted, and no correct password was given";
@@ -91,6 +91,7 @@ ZipCipher clsZipPasswords::Ask(const ZipMember& member, const Check& check) {
         try {
             check(*cipher);
             known_.push_back(std::move(*password));
+            isWrong_ = false; // another member may have another one
             return *cipher;
         } catch (const ZipContentProblem&) {
             // The content is damaged rather than the password wrong when it opens other members

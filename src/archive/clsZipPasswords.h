@@ -62,7 +62,7 @@ private:
     clsZipDirectory& directory_;
     Source ask_;
     std::vector<std::string> known_;
-    bool asked_ = false;
+    bool isWrong_ = false; ///< The last answer was, as far as it is known.
     bool askMore_ = true;
     std::string lockedReason_;
 };

@@ -4,6 +4,7 @@
 #include "archive/modMemberFailure.h"
 #include "archive/modMemberName.h"
 #include "archive/modUnzip.h"
+#include "base/CodePage.h"
 #include "base/modText.h"
 
 #include <algorithm>
@@ -37,7 +38,7 @@ bool IsPlainArchiveName(std::string_view name) {
         "veskbuilder.exe", "veskbuild.exe",  "veskbuilder.ini",          "veskbuilder.hlp",
         "readme.txt",      "veskbuider.log", "veskbuilder-problems.txt", "veskbuilder.sha256"};
     const auto isName = [name](std::string_view own) { return EqualNoCase(own, name); };
-    return name.find_first_of("\\/") == std::string_view::npos &&
+    return WithoutTrailBytes(name).find_first_of("\\/") == std::string::npos &&
            PathInside("", name).has_value() && std::ranges::none_of(kOwnFiles, isName);
 }
 

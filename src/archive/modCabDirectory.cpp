@@ -14,7 +14,9 @@ namespace vesk {
 
 namespace {
 
-constexpr std::size_t kLongestText = 255; // of every name in a cabinet, without its NUL
+/// Of a text in a cabinet, without its NUL. Longer ones than the 255 that are allowed are read, so
+/// that one such name costs its member only.
+constexpr std::size_t kLongestText = 4096;
 constexpr std::size_t kHeaderSize = 36;
 constexpr std::size_t kFolderSize = 8;
 constexpr std::size_t kEntrySize = 16;

@@ -143,10 +143,14 @@ std::string RefusalByFolder(const CabEntry& entry, const CabDirectory& directory
     return folder.fault.empty() ? "the cabinet does not have enough data for it" : folder.fault;
 }
 
-/// Refuses what shares bytes with a member before it.
+/// Refuses what shares bytes with a member before it, unless it shares all of them. How much a
+/// small cabinet can become in that way has a limit.
 void RefuseOverlaps(CabDirectory& directory, const std::vector<std::size_t>& order) {
+    constexpr std::uint64_t kMostShared = std::uint64_t{256} << 20;
     std::uint16_t folder = 0;
     std::uint64_t used = 0;
+    std::uint64_t shared = 0;
+    std::size_t first = 0; // of those that have the same data
     for (const std::size_t index : order) {
         CabEntry& entry = directory.entries[index];
         if (entry.folder != folder)
@@ -154,10 +158,19 @@ void RefuseOverlaps(CabDirectory& directory, const std::vector<std::size_t>& ord
         folder = entry.folder;
         if (!entry.refusal.empty() || entry.size == 0)
             continue;
-        if (entry.offset < used)
+        const std::uint64_t end = std::uint64_t{entry.offset} + entry.size;
+        CabEntry& before = directory.entries[first];
+        if (entry.offset >= used) {
+            used = end;
+            first = index;
+        } else if (entry.offset == before.offset && end == used &&
+                   shared + entry.size <= kMostShared) {
+            shared += entry.size;
+            entry.twin = first;
+            before.hasTwin = true;
+        } else {
             entry.refusal = "it overlaps another member";
-        else
-            used = std::uint64_t{entry.offset} + entry.size;
+        }
     }
 }
 

@@ -12,10 +12,10 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <exception>
 #include <list>
+#include <new>
 #include <string>
 #include <string_view>
 
@@ -65,8 +65,8 @@ private:
         std::uint64_t at = 0;
     };
 
-    static void* DIAMONDAPI Allocate(ULONG size) { return std::malloc(size); }
-    static void DIAMONDAPI Free(void* memory) { std::free(memory); }
+    static void* DIAMONDAPI Allocate(ULONG size) { return ::operator new(size, std::nothrow); }
+    static void DIAMONDAPI Free(void* memory) { ::operator delete(memory); }
 
     static INT_PTR DIAMONDAPI Open(char*, int, int) {
         return Guarded<INT_PTR>(-1, [] {

@@ -115,8 +115,8 @@ Joined<Char> Join(std::basic_string_view<Char> folder, std::basic_string_view<Ch
     std::basic_string<Char> path(folder);
     path.reserve(folder.size() + 1 + name.size());
     for (std::size_t depth = 0; !name.empty();) {
-        const auto end = std::ranges::find_if(plain, IsSeparator<Char>);
-        const auto size = static_cast<std::size_t>(end - plain.begin());
+        const auto size = static_cast<std::size_t>(std::ranges::find_if(plain, IsSeparator<Char>) -
+                                                   plain.begin());
         const std::basic_string_view<Char> part = name.substr(0, size);
         const std::basic_string_view<Char> plainPart = plain.substr(0, size);
         name.remove_prefix(std::min(size + 1, name.size()));
@@ -162,7 +162,7 @@ bool NamesFolderItself(std::wstring_view memberName) {
         return false;
     bool startsPart = true; // where a dot may stand
     for (const wchar_t c : memberName) {
-        if (!IsSeparator(c) && !(c == '.' && startsPart))
+        if (!IsSeparator(c) && (c != '.' || !startsPart))
             return false;
         startsPart = IsSeparator(c);
     }

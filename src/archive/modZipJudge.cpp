@@ -5,6 +5,7 @@
 #include "base/modUtf8.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -128,16 +129,8 @@ std::string MethodName(std::uint16_t method) {
     }
 }
 
-/// A link, a device or anything else that is neither file nor folder, in Unix's or Windows' terms.
-bool IsSpecial(const ZipMember& member) {
-    constexpr std::uint32_t kReparsePoint = 0x400;
-    const std::uint32_t unixType = member.externalAttributes >> 28;
-    return (member.externalAttributes & kReparsePoint) != 0 ||
-           (unixType != 0 && unixType != 4 && unixType != 8);
-}
-
 std::string RefusalByDescription(const ZipMember& member) {
-    if (IsSpecial(member))
+    if (member.special)
         return "it is a link or a special file";
     if (member.IsFolder())
         return {};
@@ -231,6 +224,15 @@ bool IsFolderEntry(const ZipMember& member, std::uint8_t host) {
     const std::uint32_t unixType = member.externalAttributes >> 28;
     return unixType == kUnixFolder ||
            (unixType == 0 && !IsUnixLike(host) && (member.externalAttributes & kDosFolder) != 0);
+}
+
+bool IsSpecialEntry(const ZipMember& member, std::uint8_t host) {
+    constexpr std::uint32_t kLink = 10;
+    constexpr std::array<std::uint32_t, 3> kPlainTypes = {0, 4, 8};
+    constexpr std::array<std::uint8_t, 6> kWithModes = {2, 3, 5, 16, 19, 30}; // VMS, Unix, BeOS ...
+    const std::uint32_t unixType = member.externalAttributes >> 28;
+    return unixType == kLink || (std::ranges::find(kWithModes, host) != kWithModes.end() &&
+                                 std::ranges::find(kPlainTypes, unixType) == kPlainTypes.end());
 }
 
 void ApplyExtraFields(Bytes extra, ZipMember& member, std::uint32_t& disk) {

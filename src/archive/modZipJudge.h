@@ -17,6 +17,10 @@ NameEncoding EncodingOf(const ZipMember& member, std::uint8_t host);
 /// mean something else on each system.
 bool IsFolderEntry(const ZipMember& member, std::uint8_t host);
 
+/// Whether the entry is a link, by its attributes, or a device or the like, where these have a mode
+/// of Unix in them. Elsewhere the same bits mean other things, or nothing.
+bool IsSpecialEntry(const ZipMember& member, std::uint8_t host);
+
 /// Takes over what the central directory's extra fields say: wide sizes and positions, times, the
 /// name in UTF-8. A field that is cut short or does not fit is passed over.
 /// @param disk the number of the disk the member starts on

@@ -44,7 +44,9 @@ std::wstring Resolved(const std::wstring& path) {
 
 std::wstring WithLongNames(const std::wstring& path) {
     std::wstring names(kLongest, L'\0');
-    names.resize(GetLongPathNameW(LongPath(path).c_str(), names.data(), kLongest));
+    // Wine leaves a path with the prefix as it is.
+    const std::wstring asked = path.size() < MAX_PATH ? path : LongPath(path);
+    names.resize(GetLongPathNameW(asked.c_str(), names.data(), kLongest));
     return names.empty() ? path : WithoutLongPrefix(names);
 }
 

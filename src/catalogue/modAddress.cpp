@@ -6,10 +6,10 @@ namespace vesk {
 
 namespace {
 
-bool IsControlOrBlank(char c) {
+bool IsControl(char c) {
     constexpr unsigned char kDelete = 0x7F;
     const auto byte = static_cast<unsigned char>(c);
-    return byte <= ' ' || byte == kDelete;
+    return byte < ' ' || byte == kDelete;
 }
 
 bool IsHostCharacter(char c) {
@@ -21,8 +21,10 @@ bool IsHostCharacter(char c) {
 
 std::string AddressFault(std::string_view address) {
     constexpr std::string_view kScheme = "http://";
-    if (std::ranges::any_of(address, IsControlOrBlank))
-        return "it holds a blank or a control character";
+    if (std::ranges::any_of(address, IsControl))
+        return "it holds a control character";
+    if (address.find(' ') != std::string_view::npos)
+        return "it holds a blank, which few servers take: write \"%20\"";
     const bool hasScheme = address.starts_with(kScheme);
     if (hasScheme)
         address.remove_prefix(kScheme.size());

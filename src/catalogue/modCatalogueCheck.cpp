@@ -1,6 +1,7 @@
 #include "catalogue/modCatalogueCheck.h"
 
 #include "archive/modMemberName.h"
+#include "base/CodePage.h"
 #include "base/modText.h"
 #include "catalogue/modAddress.h"
 #include "catalogue/modCategoryCheck.h"
@@ -177,7 +178,8 @@ private:
         if (extension != "zip" && extension != "cab")
             Report(Kind::ArchiveType, Quoted(entry.zip) + " is neither .zip nor .cab and would not "
                                                           "be extracted");
-        if (entry.zip.find_first_of("\\/") != std::string::npos || !PathInside("", entry.zip))
+        if (WithoutTrailBytes(entry.zip).find_first_of("\\/") != std::string::npos ||
+            !PathInside("", entry.zip))
             Report(Kind::ArchiveName, Quoted(entry.zip) +
                                           " is not a plain file name: it is neither downloaded nor "
                                           "extracted");

@@ -1,6 +1,7 @@
 #include "catalogue/modCategoryCheck.h"
 
 #include "archive/modMemberName.h"
+#include "base/CodePage.h"
 #include "base/modText.h"
 #include "catalogue/modIniText.h"
 
@@ -40,7 +41,8 @@ std::string FolderFault(const std::string& value) {
         return "it has no folder";
     if (value != TrimBlanks(value) || IsInQuotes(value))
         return "blanks or quotes around its folder's name would be lost: " + Quoted(value);
-    if (value.find_first_of("\\/") != std::string::npos || !PathInside("", value))
+    if (WithoutTrailBytes(value).find_first_of("\\/") != std::string::npos ||
+        !PathInside("", value))
         return Quoted(value) + " is not a valid folder name";
     return value.size() > kLongestIniValue ? "its folder's name is longer than " +
                                                  std::to_string(kLongestIniValue) + " characters"

@@ -125,7 +125,7 @@ std::string HelpText() {
 veskbuild [--install FOLDER] [--source FOLDER] [--enable NAME]... [--disable NAME]...
           [--yes | --no] [--replace-foreign] [--partial] [--password TEXT]
           [--proxy HOST:PORT] [--timeout SECONDS] [--quiet]
-veskbuild --list | --check  [--enable NAME]... [--disable NAME]... [--password TEXT]
+veskbuild --list | --check [--enable NAME]... [--disable NAME]... [--password TEXT]
 veskbuild --help | --version
 
   --install FOLDER   build into this folder, not the catalogue's; it is emptied first

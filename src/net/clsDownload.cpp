@@ -90,7 +90,7 @@ void clsDownload::Download(const std::optional<std::string>& url,
     failedHere_ = false;
     Cancel();
     if (!IsRequestable(url_))
-        return FailHere(kBadAddress, "The address holds a blank or a control character");
+        return FailHere(kBadAddress, "The address holds a control character");
     try {
         transfer_ = std::make_shared<Transfer>(static_cast<SocketEvents&>(*this));
     } catch (const Failure& failure) {
@@ -199,7 +199,7 @@ void clsDownload::OnHeader(const std::string& header) {
     // A line end that reached the next request would end its line and begin another one.
     if (!IsRequestable(location))
         return Fail(kBadAddress,
-                    "The server redirects to an address with a blank or a control character in it");
+                    "The server redirects to an address with a control character in it");
     // However many: a circle ends when the owner gives up waiting for the first byte of a file.
     if (!location.empty()) {
         Cancel();

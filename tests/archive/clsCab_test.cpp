@@ -294,6 +294,29 @@ TEST_CASE("members behind damage in the same data are told one by one") {
     CHECK(f.Listing() == "empty");
 }
 
+TEST_CASE("equal files that are stored once come out under each name") {
+    const std::string big(300000, 'b');
+    TestCab cab = TestCab::Of({{"a.txt", "same"}, {"big.bin", big}, {"c", "x"}});
+    const std::string data = std::move(cab.folders[0].blocks[0].data);
+    cab.folders[0].blocks.clear();
+    for (std::size_t at = 0; at < data.size(); at += 32768)
+        cab.folders[0].blocks.push_back({data.substr(at, 32768)});
+    for (const std::size_t twin : {std::size_t{0}, std::size_t{1}}) {
+        cab.members.push_back(cab.members[twin]);
+        cab.members.back().name += ".too";
+    }
+    Fixture f(cab.Bytes());
+    f.cab.Extract();
+    CHECK(f.owner.failures.empty());
+    CHECK(f.Out("a.txt.too") == "same");
+    CHECK(f.Out("big.bin.too") == big);
+    CHECK(f.Out("c") == "x");
+    f.cab.FileToExtract = "a.txt.too";
+    f.folder.Write("out\\a.txt.too", "old");
+    f.cab.Extract();
+    CHECK(f.Out("a.txt.too") == "same");
+}
+
 TEST_CASE("members get their stored attributes and times, and the next extraction replaces them") {
     TestCab cab = TestCab::Of({{"plain", "1"}, {"special", "2"}});
     cab.members[1].attributes = 0x01 | 0x02 | 0x04;

@@ -3,6 +3,9 @@
 #include "RecordingFrontEnd.h"
 #include "TestFolder.h"
 #include "base/Failure.h"
+#include "base/UniqueHandle.h"
+#include "base/modFile.h"
+#include "base/modWide.h"
 #include "build/clsBuildLog.h"
 #include "build/modSaveLog.h"
 
@@ -26,6 +29,25 @@ TEST_CASE("files are found depth first; empty ones are left out") {
     std::size_t folders = 0; // a window must not wait for the end of a large tree
     FindFiles(root, pattern, "", [&] { ++folders; });
     CHECK(folders == 5);
+}
+
+TEST_CASE("files whose names the code page lacks are found by names that lead to them") {
+    const TestFolder folder;
+    const std::wstring name = Widen(folder.Path()) + L"\\\x0394\x0436";
+    for (const std::wstring& path : {name + L".inf", name + L"\\x.inf"}) {
+        CreateDirectoryW(name.c_str(), nullptr);
+        const FileHandle file(
+            CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
+        DWORD written = 0;
+        REQUIRE(WriteFile(file.Get(), "x", 1, &written, nullptr) != 0);
+    }
+    std::string pattern;
+    const FoundFiles found = FindFiles(folder.Path() + "\\", pattern, "not edited");
+    CHECK(found.paths.size() + found.problems.size() == 2); // the latter where names have one form
+    for (const std::string& path : found.paths) {
+        CHECK(ReadWholeFile(path) == "x");
+        CHECK(PlainFileExists(path));
+    }
 }
 
 TEST_CASE("removals write their line first, and report what stays") {

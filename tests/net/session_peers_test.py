@@ -112,8 +112,7 @@ class Sessions(unittest.TestCase):
              "HTTP/1.1 404 Not Found"),
             ("led into a request", page(b"", status="HTTP/1.1 302 Found\r\n"
                                         "Location: http://h/x\nX-Evil: 1"), FAILED, FAILED,
-             "HTTP/1.1 302 Found, the server redirects to an address with a blank or a control "
-             "character in it"),
+             "HTTP/1.1 302 Found, the server redirects to an address with a control character in it"),
         ])
 
     def test_cut_and_reset_anywhere(self):
@@ -231,12 +230,12 @@ class Sessions(unittest.TestCase):
             (CRC, "http://a/silent,http://b/none,http://c/good"),
             (CRC, "http://a/half,http://b/none,http://c/good"),
             (CRC, "http://a/none,http://b/none,http://c/none"),
-            (CRC, "http://a/none, http://b/a b ,http://c/good")], 1)
+            (CRC, "http://a/none, http://b/a\tb ,http://c/good")], 1)
         self.assertEqual([row[0] for row in rows], [DONE, DONE, FAILED, FAILED])
         missing = ": HTTP/1.1 404 Not Found"
         self.assertEqual([row[3] for row in rows[2:]], [
             f"a{by}{missing}; b{by}{missing}; c{by}{missing}",
-            f'a{by}{missing}; "http://b/a b": the address holds a blank or a control character'])
+            f'a{by}{missing}; "http://b/a b": the address holds a control character'])
 
     def test_who_cannot_be_reached(self):
         port = free_port()

@@ -24,7 +24,7 @@ void frmPassword::OnCreated() {
     SetText(Window(), kPasswordTitle);
     const std::string name = Shortened(archiveName_);
     const std::string question = wrongBefore_
-                                     ? "This is not the password of " + name + ". Try again."
+                                     ? "This is not the right password. Try again.\r\n" + name
                                      : name + " is protected by a password.";
     SetText(Control(IDC_LBL_PASSWORD), question);
     EnableWindow(Control(IDOK), FALSE);

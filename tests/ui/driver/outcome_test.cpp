@@ -133,7 +133,7 @@ TEST_CASE("the password of an archive is asked for, again while it is wrong, and
         for (const std::string& answer : row.answers) {
             const HWND box = wizard.AwaitDialog("Please Enter The Password!");
             CHECK(Holds(TextIn(box, IDC_LBL_PASSWORD), "locked.zip"));
-            CHECK(Holds(TextIn(box, IDC_LBL_PASSWORD), "not the password") == again);
+            CHECK(Holds(TextIn(box, IDC_LBL_PASSWORD), "not the right password") == again);
             CHECK_FALSE(IsWindowEnabled(GetDlgItem(box, IDOK)));
             const HWND field = GetDlgItem(box, IDC_TXT_PASSWORD);
             CHECK((GetWindowLongA(field, GWL_STYLE) & ES_PASSWORD) != 0);
