@@ -22,6 +22,7 @@ namespace vesk {
 
 namespace {
 
+constexpr const char* kTwinNotKept = "it has the data of another member, which was not extracted";
 constexpr const char* kCannotUnpack = "its data is damaged";
 
 /// Progress is shown when so many more bytes are done.
@@ -53,8 +54,8 @@ void clsCabExtraction::Prepare() {
             if (++judged % (kProgressStep / kCabBlockSize) == 0)
                 ShowProgress();
         });
+        JudgeCabNames(directory_); // first: what is not extracted lends its data to no other member
         order_ = JudgeCabEntries(directory_);
-        JudgeCabNames(directory_);
         const std::string& folder = iteration_.Destination();
         if (mode_ == Mode::Extract)
             target_ = clsExtractionTarget(
@@ -128,7 +129,7 @@ void clsCabExtraction::HandleUnread(std::size_t place) {
             Fail(entry, {entry.leftOut ? 0 : kCabDamaged, NotExtracted("", entry.refusal)});
         else if (IsCabFolderEntry(entry))
             CreateFolderOf(entry);
-        else if (entry.twin && kept_ == entry.twin && isUnpacked_)
+        else if (entry.twin && isUnpacked_)
             CopyTwin(entry);
         else if (entry.size != 0 && isUnpacked_)
             Fail(entry, unread_);
@@ -154,8 +155,10 @@ void clsCabExtraction::CreateFolderOf(const CabEntry& entry) {
 
 /// Gives a member the data of the one that was kept just before.
 void clsCabExtraction::CopyTwin(const CabEntry& entry) {
+    if (kept_ != entry.twin)
+        return Fail(entry, {kCabDamaged, NotExtracted("", kTwinNotKept)});
     Open(entry);
-    begun_ = true;
+    begun_ = isCopy_ = true;
     if (!keptBytes_.empty())
         Write(keptBytes_);
     else if (mode_ == Mode::Extract)
@@ -164,6 +167,7 @@ void clsCabExtraction::CopyTwin(const CabEntry& entry) {
         size_ = entry.size;
     begun_ = false;
     Finish(entry);
+    isCopy_ = false;
 }
 
 void clsCabExtraction::CopyKeptFile() {
@@ -265,7 +269,7 @@ void clsCabExtraction::Keep(const CabEntry& entry) {
     const std::wstring path = PathOf(entry);
     MemberContent content{NumberOf(entry), entry.size, std::nullopt};
     if (isUnpacked_)
-        content.crc = static_cast<std::uint32_t>(crc_.Value());
+        content.crc = isCopy_ ? keptCrc_ : static_cast<std::uint32_t>(crc_.Value());
     AddedFile added;
     try {
         added =
@@ -274,9 +278,10 @@ void clsCabExtraction::Keep(const CabEntry& entry) {
         return Fail(entry, {CabNumberOf(failure), FailureOf("", failure)});
     }
     file_.reset(); // an event may look at it
-    if (entry.hasTwin) {
+    if (entry.hasTwin && (added.isWritten || mode_ == Mode::Test || !held_.empty())) {
         kept_ = NumberOf(entry);
         keptBytes_ = held_;
+        keptCrc_ = content.crc.value_or(0);
     }
     iteration_.Raise(
         [&](CabEvents& owner) { owner.OnAfterExtract(Narrowed(WithoutLongPrefix(path))); });

@@ -81,7 +81,9 @@ private:
     std::vector<std::byte> held_;                        ///< Its bytes, if it is not.
     std::uint64_t size_ = 0;                             ///< Bytes of it that came.
     clsCRC crc_;                                         ///< Of them.
-    std::optional<std::size_t> kept_;  ///< The last member that has a twin and was kept.
+    std::optional<std::size_t> kept_; ///< The last member that has a twin and was kept.
+    std::uint32_t keptCrc_ = 0;
+    bool isCopy_ = false;              ///< The member being written is its twin.
     std::vector<std::byte> keptBytes_; ///< Its bytes, if it is small.
     bool begun_ = false;               ///< The member before the cursor waits for its end.
     std::optional<Trouble> trouble_;   ///< Its failure in writing.

@@ -95,8 +95,10 @@ AddedFile clsExtractionTarget::Take(const std::wstring& path, const MemberConten
         !shared_ || shared_->MayBeShared(std::wstring_view(path).substr(folder_.size()));
     AddedFile added;
     if (!WritesNothing() &&
-        !(isShared && names_.IsTakenByLater(folder, NameOf(path), content.number)))
+        !(isShared && names_.IsTakenByLater(folder, NameOf(path), content.number))) {
         added.stampError = write();
+        added.isWritten = true;
+    }
     if (isShared)
         added.overwriting = names_.PutFile(folder, NameOf(path), content);
     return added;

@@ -19,6 +19,7 @@ namespace vesk {
 /// What else is to be said of a file that was written.
 struct AddedFile {
     std::optional<Overwriting> overwriting; ///< Another member whose name and bytes it replaces.
+    bool isWritten = false;                 ///< Not when a later member has its name already.
     std::uint32_t stampError = 0;           ///< Why its times are not set; 0 when they are.
 };
 

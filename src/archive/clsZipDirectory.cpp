@@ -147,6 +147,8 @@ ZipMember clsZipDirectory::Described(std::size_t number) {
 ZipMember clsZipDirectory::Member(std::size_t number) {
     ZipMember member = Described(number);
     JudgeMember(headers_, dataEnd_, member);
+    if (std::ranges::binary_search(withoutOther_, number))
+        member.otherSizes.reset();
     if (member.refusal.empty() && std::ranges::binary_search(overlapping_, number))
         member.refusal = "it overlaps another member";
     return member;
@@ -157,33 +159,51 @@ ZipMember clsZipDirectory::Member(std::size_t number) {
 /// that is seen without remembering them.
 void clsZipDirectory::FindOverlaps() {
     bool isInOrder = true;
-    std::uint64_t used = 0;
+    Extent before;
     for (std::size_t number = 0; number < count_; ++number) {
         const ZipMember member = Member(number);
         if (!member.IsLocated())
             continue;
         packedSize_ += member.packedSize;
-        isInOrder = isInOrder && member.headerAt >= used;
-        used = member.dataAt + member.packedSize;
+        const Extent extent = ExtentOf(member, number);
+        isInOrder = isInOrder && extent.start >= before.end;
+        if (extent.start < before.otherEnd)
+            withoutOther_.push_back(before.number);
+        before = extent;
     }
-    if (!isInOrder)
-        CollectOverlaps();
+    if (isInOrder)
+        return;
+    withoutOther_.clear();
+    CollectOverlaps();
 }
 
-/// Of those that share bytes the first in the file has them.
+clsZipDirectory::Extent clsZipDirectory::ExtentOf(const ZipMember& member, std::size_t number) {
+    const std::uint64_t end = member.dataAt + member.packedSize;
+    return {member.headerAt, number, end,
+            member.otherSizes ? member.dataAt + member.otherSizes->packed : end};
+}
+
+/// Of those that share bytes the first in the file has them; sizes that reach into the next member
+/// are not tried.
 void clsZipDirectory::CollectOverlaps() {
-    std::vector<std::tuple<std::uint64_t, std::size_t, std::uint64_t>> extents;
+    std::vector<Extent> extents;
     for (std::size_t number = 0; number < count_; ++number)
         if (const ZipMember member = Member(number); member.IsLocated())
-            extents.emplace_back(member.headerAt, number, member.dataAt + member.packedSize);
-    std::ranges::sort(extents);
+            extents.push_back(ExtentOf(member, number));
+    std::ranges::sort(extents, {},
+                      [](const Extent& extent) { return std::tuple(extent.start, extent.number); });
     std::uint64_t used = 0;
-    for (const auto& [start, number, end] : extents) {
-        if (start < used)
-            overlapping_.push_back(number);
-        used = std::max(used, end);
+    const Extent* before = nullptr;
+    for (const Extent& extent : extents) {
+        if (extent.start < used)
+            overlapping_.push_back(extent.number);
+        if (before && extent.start < before->otherEnd)
+            withoutOther_.push_back(before->number);
+        used = std::max(used, extent.end);
+        before = &extent;
     }
     std::ranges::sort(overlapping_);
+    std::ranges::sort(withoutOther_);
 }
 
 } // namespace vesk

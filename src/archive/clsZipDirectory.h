@@ -56,6 +56,14 @@ private:
     [[nodiscard]] std::pair<std::uint64_t, std::uint64_t> NextRecord(std::uint64_t at);
     ZipMember ReadRecord(std::uint64_t at, std::uint64_t end);
     void FindOverlaps();
+    /// What a member takes of the file.
+    struct Extent {
+        std::uint64_t start = 0;
+        std::size_t number = 0;
+        std::uint64_t end = 0;
+        std::uint64_t otherEnd = 0; ///< By the sizes of its local header, when they contradict.
+    };
+    static Extent ExtentOf(const ZipMember& member, std::size_t number);
     void CollectOverlaps();
 
     ByteSource& archive_;
@@ -71,6 +79,7 @@ private:
     std::uint64_t nextAt_ = 0;
     std::vector<ZipMember> withoutRecords_; ///< All members, when the directory is missing.
     std::vector<std::size_t> overlapping_;  ///< Sorted.
+    std::vector<std::size_t> withoutOther_; ///< Members whose other sizes reach too far, sorted.
 };
 
 } // namespace vesk

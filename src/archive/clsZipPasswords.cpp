@@ -99,8 +99,10 @@ ZipCipher clsZipPasswords::Ask(const ZipMember& member, const Check& check) {
             const bool isRight = OpensOthers(member, *password);
             if (isRight || password == seemedRight)
                 known_.push_back(*password);
-            if (isRight)
+            if (isRight) {
+                isWrong_ = false;
                 throw;
+            }
             if (password == seemedRight)
                 throw ArchiveProblem("wrong password, or its data is damaged");
             seemedRight = std::move(password);

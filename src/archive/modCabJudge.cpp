@@ -200,7 +200,8 @@ void JudgeCabData(ByteWindow& cabinet, CabDirectory& directory, const std::funct
 
 std::vector<std::size_t> JudgeCabEntries(CabDirectory& directory) {
     for (CabEntry& entry : directory.entries)
-        entry.refusal = RefusalByFolder(entry, directory);
+        if (entry.refusal.empty())
+            entry.refusal = RefusalByFolder(entry, directory);
     std::vector<std::size_t> order(directory.entries.size());
     std::iota(order.begin(), order.end(), std::size_t{0});
     std::ranges::stable_sort(order, {}, [&](std::size_t index) {

@@ -2,6 +2,7 @@
 
 #include "archive/ArchiveProblem.h"
 #include "archive/modMemberPath.h"
+#include "base/CodePage.h"
 #include "base/modUtf8.h"
 #include "base/modWide.h"
 
@@ -14,7 +15,8 @@ namespace vesk {
 namespace {
 
 bool EndsAsFolder(const CabEntry& entry) {
-    return entry.name.ends_with('\\') || entry.name.ends_with('/');
+    return (entry.IsUtf8() ? entry.name : WithoutTrailBytes(entry.name)).ends_with('\\') ||
+           entry.name.ends_with('/');
 }
 
 } // namespace

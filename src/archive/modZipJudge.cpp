@@ -2,6 +2,7 @@
 
 #include "archive/clsCRC.h"
 #include "archive/modZipFields.h"
+#include "base/CodePage.h"
 #include "base/modUtf8.h"
 
 #include <algorithm>
@@ -219,7 +220,10 @@ NameEncoding EncodingOf(const ZipMember& member, std::uint8_t host) {
 bool IsFolderEntry(const ZipMember& member, std::uint8_t host) {
     constexpr std::uint32_t kDosFolder = 0x10;
     constexpr std::uint32_t kUnixFolder = 4;
-    if (member.name.ends_with('/') || member.name.ends_with('\\'))
+    const bool isInCodePage =
+        member.encoding == NameEncoding::Oem || member.encoding == NameEncoding::Ansi;
+    if (member.name.ends_with('/') ||
+        (isInCodePage ? WithoutTrailBytes(member.name) : member.name).ends_with('\\'))
         return true;
     const std::uint32_t unixType = member.externalAttributes >> 28;
     return unixType == kUnixFolder ||

@@ -29,7 +29,7 @@ std::string WithoutTrailBytes(std::string_view text) {
         return plain;
     for (std::size_t i = 0; i + 1 < plain.size(); ++i) {
         if (isLeadByte(static_cast<unsigned char>(plain[i])))
-            plain[++i] = 'x';
+            plain[++i] = '0';
     }
     return plain;
 }

@@ -19,7 +19,7 @@ struct CodePage {
 const CodePage& CurrentCodePage();
 void SetCodePage(CodePage page);
 
-/// The text with an "x" in place of each second byte of a character: of the same length, and to be
+/// The text with a "0" in place of each second byte of a character: of the same length, and to be
 /// searched for bytes that mean what they look like.
 std::string WithoutTrailBytes(std::string_view text);
 

@@ -1,6 +1,7 @@
 #include "build/clsInstallFolder.h"
 
 #include "archive/modMemberName.h"
+#include "base/CodePage.h"
 #include "base/Failure.h"
 #include "base/FolderEntries.h"
 #include "base/UniqueHandle.h"
@@ -59,7 +60,8 @@ void RefuseSpelling(const std::string& text) {
 }
 
 /// "C:\" or "\\server\share\".
-std::size_t RootLength(const std::string& path) {
+std::size_t RootLength(const std::string& text) {
+    const std::string path = WithoutTrailBytes(text);
     constexpr std::size_t kDriveRoot = 3;
     if (!path.starts_with("\\\\"))
         return std::min(kDriveRoot, path.size());

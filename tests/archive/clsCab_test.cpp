@@ -311,6 +311,11 @@ TEST_CASE("equal files that are stored once come out under each name") {
     CHECK(f.Out("a.txt.too") == "same");
     CHECK(f.Out("big.bin.too") == big);
     CHECK(f.Out("c") == "x");
+    cab.members[1].name = "aux"; // refused: the twin has to do without it
+    Fixture other(cab.Bytes());
+    CHECK_NOTHROW(other.cab.Extract());
+    CHECK(other.owner.failures.size() == 1);
+    CHECK(other.Out("big.bin.too") == big);
     f.cab.FileToExtract = "a.txt.too";
     f.folder.Write("out\\a.txt.too", "old");
     f.cab.Extract();

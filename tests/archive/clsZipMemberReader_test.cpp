@@ -140,6 +140,19 @@ TEST_CASE("of contradicting sizes those count that the data proves, of checksums
     local.localSizes = U32(local.crc) + U32(9) + U32(4);
     local.crc ^= 1;
     CHECK(ReadAll(MakeZip({local})) == "a!wrong CRC;");
+
+    // Other sizes that reach into the next member are not tried: many members could share its data.
+    TestMember greedy = TestMember::Stored("a", "text");
+    const std::string next = MakeZip({TestMember::Stored("b", "more")});
+    const std::string together = "text" + next.substr(0, 30 + 1 + 4);
+    greedy.size = 4;
+    greedy.packedSize = 4;
+    greedy.crc = TestMember::Stored("a", together).crc;
+    const auto count = static_cast<std::uint32_t>(together.size());
+    greedy.localSizes = U32(0) + U32(count) + U32(count);
+    CHECK(ReadAll(MakeZip({greedy, TestMember::Stored("b", "more")})) == "a!wrong CRC;b=more;");
+    CHECK(ReadAll(MakeZip({TestMember::Stored("b", "more"), greedy,
+                           TestMember::Stored("b", "more")})) == "b=more;a!wrong CRC;b=more;");
 }
 
 TEST_CASE("a large member comes in pieces of bounded size, the progress with it") {

@@ -266,8 +266,8 @@ TEST_CASE("buttons are enabled only while they would do something") {
     editor.Choose(IDC_CMB_BASE_PLUGIN, 1);
     editor.FocusOn(kDownPlugin);
     editor.Click(kDownPlugin);
+    CHECK(WaitUntil([&] { return !editor.IsEnabled(kDownPlugin); }, 5000));
     CHECK(editor.HasFocus(kUpPlugin));
-    CHECK_FALSE(editor.IsEnabled(kDownPlugin));
     CHECK(editor.IsEnabled(IDC_CMD_APPLY));
     editor.FocusOn(IDC_CMD_DISCARD);
     editor.Click(IDC_CMD_DISCARD);
