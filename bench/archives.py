@@ -143,11 +143,8 @@ def cabinets(wine, folder, rounds):
                 return wine.figure(name, windows_path(cabinet), windows_path(target))
             return work
 
-        ours, setup, library = in_turn(rounds, ours=action("cabinet"),
-                                       setup=action("cabinet-setup"),
-                                       library=action("cabinet-library"))
-        yield Row(f"cabinet, {kind}, to SetupIterateCabinet", ours, setup, at_most(1.1))
-        yield Row(f"cabinet, {kind}, to FDICopy", ours, library, at_most(1.1))
+        ours, bare = in_turn(rounds, ours=action("cabinet"), bare=action("cabinet-setup"))
+        yield Row(f"cabinet, {kind}, to SetupIterateCabinet", ours, bare, at_most(1.1))
     shutil.rmtree(target)
 
 

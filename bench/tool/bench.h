@@ -48,10 +48,9 @@ void InflateAll(const Arguments& arguments);
 /// CABINET TARGET: extracts with the program's own reader.
 void Cabinet(const Arguments& arguments);
 
-/// CABINET TARGET: the same with the setup library's iteration, and directly with the library that
-/// it is made of. Nothing is judged, and no time or attribute is set.
+/// CABINET TARGET: the same with the setup library's iteration. Nothing is judged, and no time or
+/// attribute is set.
 void CabinetBySetup(const Arguments& arguments);
-void CabinetByLibrary(const Arguments& arguments);
 
 /// TREE: removes it as a build does, and by a bare walk.
 void RemoveTree(const Arguments& arguments);

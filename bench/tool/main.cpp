@@ -27,7 +27,6 @@ void Idle(const Arguments& arguments) {
 const std::map<std::string, void (*)(const Arguments&)> kActions = {
     {"answers", Answers},
     {"cabinet", Cabinet},
-    {"cabinet-library", CabinetByLibrary},
     {"cabinet-setup", CabinetBySetup},
     {"checksum", Checksum},
     {"create", CreateFiles},

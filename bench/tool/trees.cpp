@@ -5,7 +5,7 @@
 #include "build/clsFolderGuard.h"
 #include "build/clsInstallFolder.h"
 #include "build/clsRemovableTree.h"
-#include "catalogue/clsCatalogueFile.h"
+#include "catalogue/clsEditedFile.h"
 #include "catalogue/modCatalogueFile.h"
 
 #include <stdexcept>
@@ -69,7 +69,7 @@ void LoadTheCatalogue(const Arguments& arguments) {
 
 void SaveTheCatalogue(const Arguments& arguments) {
     Catalogue catalogue;
-    clsCatalogueFile file(arguments.at(0));
+    clsEditedFile file(arguments.at(0));
     if (file.Load(catalogue).state != CatalogueState::Whole)
         throw std::runtime_error("the catalogue is not whole");
     Print({Timed([&] { file.Save(catalogue); })});

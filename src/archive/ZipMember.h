@@ -64,6 +64,9 @@ struct ZipMember {
     [[nodiscard]] bool IsFolder() const { return folder; }
     [[nodiscard]] bool IsLocated() const { return dataAt != 0; }
     [[nodiscard]] bool IsEncrypted() const { return (flags & 1) != 0; }
+
+    /// Its header was written before its CRC and sizes were known.
+    [[nodiscard]] bool IsStreamed() const { return (flags & (1U << 3)) != 0; }
     [[nodiscard]] bool IsDeflated() const { return method == 8; }
 };
 

@@ -25,9 +25,7 @@ std::uint32_t CrcStep(std::uint32_t value, std::uint32_t byte) {
 /// The last byte of the header repeats one that the entry holds, so that a wrong password is seen
 /// early. While sizes were not known yet, writers had no CRC and took the time instead.
 std::uint8_t PasswordCheck(const ZipMember& member) {
-    constexpr std::uint16_t kFlagStreamed = 1U << 3;
-    return static_cast<std::uint8_t>((member.flags & kFlagStreamed) != 0 ? member.dosTime >> 8
-                                                                         : member.crc >> 24);
+    return static_cast<std::uint8_t>(member.IsStreamed() ? member.dosTime >> 8 : member.crc >> 24);
 }
 
 } // namespace

@@ -26,7 +26,6 @@ constexpr std::size_t kLocalSize = 30;
 /// Two bits of deflate stand for at most 258 bytes.
 constexpr std::uint64_t kMaxDeflateRatio = 1032;
 
-constexpr std::uint16_t kFlagStreamed = 1U << 3;
 constexpr std::uint16_t kFlagPatch = 1U << 5;
 constexpr std::uint16_t kFlagStrongEncryption = 1U << 6;
 constexpr std::uint16_t kFlagUtf8 = 1U << 11;
@@ -167,7 +166,7 @@ void CompareSizes(const ZipMember& local, std::uint64_t dataAt, std::uint64_t da
                   ZipMember& member) {
     constexpr std::uint64_t kWide = 0xFFFFFFFF; // they stand elsewhere
     const ZipSizes other{local.packedSize, local.size};
-    if ((local.flags & kFlagStreamed) != 0 || member.IsEncrypted() || other.packed == kWide ||
+    if (local.IsStreamed() || member.IsEncrypted() || other.packed == kWide ||
         other.plain == kWide || other == ZipSizes{member.packedSize, member.size})
         return;
     member.otherSizes = other;

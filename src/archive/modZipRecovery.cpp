@@ -13,8 +13,6 @@ namespace vesk {
 
 namespace {
 
-constexpr std::uint16_t kFlagStreamed = 1U << 3;
-
 constexpr std::uint32_t kDescriptorSignature = 0x08074B50;
 constexpr std::size_t kHeaderSize = 30;
 
@@ -101,7 +99,7 @@ std::vector<ZipMember> MembersByLocalHeaders(ByteSource& archive) {
         if (!member)
             break;
         bool endKnown = true;
-        if ((member->flags & kFlagStreamed) == 0) {
+        if (!member->IsStreamed()) {
             at = dataAt + std::min(member->packedSize, archive.Size() - dataAt);
         } else if (const auto found = FindDescriptor(window, dataAt)) {
             member->crc = found->crc;

@@ -53,5 +53,6 @@ using FileHandle = UniqueHandle<::CloseHandle, HANDLE, -1>;
 using MappingHandle = UniqueHandle<::CloseHandle, HANDLE>;
 using MappedView = UniqueHandle<::UnmapViewOfFile, LPCVOID>;
 using FindHandle = UniqueHandle<::FindClose, HANDLE, -1>;
+using GlobalMemory = UniqueHandle<::GlobalFree, HGLOBAL>;
 
 } // namespace vesk

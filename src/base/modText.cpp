@@ -85,6 +85,10 @@ std::size_t FindNoCase(std::string_view text, std::string_view what, std::size_t
     return from + static_cast<std::size_t>(found - rest.begin());
 }
 
+std::string Quoted(std::string_view text) {
+    return "\"" + std::string(text) + "\"";
+}
+
 std::string ReplaceAll(std::string_view text, std::string_view what, std::string_view with) {
     return ReplaceFound(text, what, with,
                         [](std::string_view in, std::string_view sought, std::size_t from) {

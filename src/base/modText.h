@@ -21,6 +21,9 @@ bool StartsWithNoCase(std::string_view text, std::string_view start);
 /// Position of the first `what` at or after `from`, without regard to case; npos when absent.
 std::size_t FindNoCase(std::string_view text, std::string_view what, std::size_t from = 0);
 
+/// The text in double quotes, for a sentence of our own.
+std::string Quoted(std::string_view text);
+
 /// Replaces every occurrence, left to right; what was put in is not searched again.
 std::string ReplaceAll(std::string_view text, std::string_view what, std::string_view with);
 std::string ReplaceAllNoCase(std::string_view text, std::string_view what, std::string_view with);

@@ -3,6 +3,7 @@
 #include "archive/modArchive.h"
 #include "base/modFile.h"
 #include "base/modText.h"
+#include "build/modArchiveFault.h"
 
 namespace vesk {
 
@@ -25,7 +26,7 @@ DownloadOutcome clsArchiveFetcher::Fetch(const CatalogueEntry& component) {
         return outcome;
     // A file that is there is downloaded again only because it is not the right one.
     if (IsPlainArchiveName(component.zip) && FileExists(archive)) {
-        const std::string fault = context_.ArchiveFault(archive, component);
+        const std::string fault = ArchiveFault(context_, archive, component);
         outcome.reason +=
             "; the file that was there was removed" + (fault.empty() ? "" : ", " + fault);
     }

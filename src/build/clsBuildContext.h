@@ -51,11 +51,6 @@ struct clsBuildContext {
         return inputs.programPath + component.zip;
     }
 
-    /// Why a file is not the component's archive: its CRC-32, or its SHA-256 where one is asked
-    /// for, is another one, or it cannot be read. Empty when it is.
-    [[nodiscard]] std::string ArchiveFault(const std::string& path,
-                                           const CatalogueEntry& component) const;
-
     /// Marks the build tree as unfinished. The mark is no part of what the user asked for: where it
     /// cannot be made, what follows fails and is reported.
     void MarkTree() const;

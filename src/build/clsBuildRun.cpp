@@ -5,17 +5,16 @@
 #include "base/Version.h"
 #include "base/modDate.h"
 #include "base/modFile.h"
-#include "base/modSystemLibrary.h"
 #include "build/clsArchiveFetcher.h"
 #include "build/clsBuildContext.h"
 #include "build/clsComponentInstaller.h"
+#include "build/modArchiveFault.h"
 #include "build/modFileOperations.h"
 #include "build/modFinishing.h"
 #include "catalogue/modArchiveState.h"
+#include "net/modConnection.h"
 
 #include <windows.h>
-
-#include <wininet.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -24,17 +23,6 @@
 #include <utility>
 
 namespace vesk {
-
-namespace {
-
-bool SystemIsConnected() {
-    const auto isConnected = SystemFunction<decltype(&InternetGetConnectedState)>(
-        "wininet.dll", "InternetGetConnectedState");
-    DWORD flags = 0;
-    return isConnected != nullptr && isConnected(&flags, 0) != FALSE;
-}
-
-} // namespace
 
 /// The steps of a run, in the order in which they are called.
 class clsBuildRun::Steps {
@@ -211,7 +199,7 @@ void clsBuildRun::Steps::LogHeader() {
 
 clsBuildRun::Steps::PeBuilder clsBuildRun::Steps::FetchPeBuilder() {
     const CatalogueEntry& component = catalogue_.baseComponents.front();
-    if (context_.ArchiveFault(inputs_.programPath + kFirstArchiveName, component).empty()) {
+    if (ArchiveFault(context_, inputs_.programPath + kFirstArchiveName, component).empty()) {
         context_.Log("Skipping download of: PEBuilder v3.1.1.0a");
         return PeBuilder::GoOn;
     }

@@ -3,6 +3,7 @@
 #include "archive/modArchive.h"
 #include "base/modFile.h"
 #include "base/modText.h"
+#include "build/modArchiveFault.h"
 #include "build/modFileOperations.h"
 #include "build/modPluginInf.h"
 #include "build/modSettingsFile.h"
@@ -35,7 +36,7 @@ bool clsComponentInstaller::ArchiveIsThere(const CatalogueEntry& component) {
 
 /// Whether an archive that is there is the one that the catalogue means; logs and reports when not.
 bool clsComponentInstaller::ArchiveIsRight(const CatalogueEntry& component) {
-    const std::string fault = context_.ArchiveFault(context_.ArchivePath(component), component);
+    const std::string fault = ArchiveFault(context_, context_.ArchivePath(component), component);
     if (fault.empty())
         return true;
     context_.Warn(component, " CRC failed. !!!");

@@ -8,6 +8,9 @@
 /// rest of the INF as it was. Relative INF paths begin with "\" and start at the plug-in folder.
 namespace vesk {
 
+/// The section of an INF that PE Builder reads.
+inline constexpr const char* kPluginSection = "PEBuilder";
+
 /// The edits take an INF that cannot be read for an empty one: asks before them whether it can.
 /// A missing one is fine. @throws Failure, also for UTF-16 text that the edits would damage
 void RequireReadable(const std::string& inf);
@@ -38,12 +41,5 @@ void SetPluginEnable(const clsBuildContext& context, const std::string& inf);
 /// characters
 void CreateCategorySeparator(const clsBuildContext& context, const std::string& relativeInf,
                              const std::string& prefix, const std::string& title);
-
-/// Moves a plug-in's folder into its category's folder, edits its INF, and notes it for the menu
-/// file and in the catalogue's plug-in list.
-/// @throws Failure for a prefix that is no category's key, and for a move that fails; the INF edits
-///         are made by then
-void RelocatePluginToCategory(clsBuildContext& context, const std::string& relativeInf,
-                              const std::string& prefix);
 
 } // namespace vesk

@@ -4,6 +4,7 @@
 #include "base/modText.h"
 #include "build/modFileOperations.h"
 #include "build/modPluginInf.h"
+#include "build/modRelocation.h"
 
 #include <array>
 #include <string>

@@ -21,10 +21,6 @@ using Kind = CatalogueProblemKind;
 constexpr std::size_t kMostLines = 256;       // the wizard counts the lines of a list in one byte
 constexpr std::size_t kMostContentFaults = 5; // of one archive
 
-std::string Quoted(const std::string& text) {
-    return "\"" + text + "\"";
-}
-
 bool IsHexadecimal(std::string_view text) {
     return !text.empty() &&
            text.find_first_not_of("0123456789ABCDEFabcdef") == std::string_view::npos;

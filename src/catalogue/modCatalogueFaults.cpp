@@ -39,7 +39,7 @@ std::string LengthFault(const IniSection& section) {
 
 std::string BooleanFault(const IniSection& section, const IniKey& key) {
     return ToBoolean(key.value) ? ""
-                                : Place(section, key) + "\"" + key.value + "\" is neither 1 nor 0";
+                                : Place(section, key) + Quoted(key.value) + " is neither 1 nor 0";
 }
 
 /// True for a name that the writer gives to one of a section's keys, wherever it stands.

@@ -11,10 +11,9 @@
 #include "base/modText.h"
 #include "base/modWide.h"
 #include "catalogue/clsINI.h"
-#include "catalogue/clsProgramArchives.h"
-#include "catalogue/clsSha256List.h"
 #include "catalogue/modCatalogueFaults.h"
 #include "catalogue/modCatalogueText.h"
+#include "catalogue/modCategoryCaption.h"
 
 #include <windows.h>
 
@@ -22,8 +21,6 @@
 #include <cstddef>
 #include <cstring>
 #include <map>
-#include <memory>
-#include <optional>
 #include <string_view>
 
 namespace vesk {
@@ -92,17 +89,6 @@ void ReadCategories(const PositionalSection& section, Catalogue& catalogue) {
         category.value = section.Text(k);
         category.caption = CategoryCaption(category.value, category.key);
     }
-}
-
-/// First letter of each word upper case, the rest lower case, in the system's code page.
-std::string ProperCase(std::string text) {
-    CharLowerBuffA(text.data(), static_cast<DWORD>(text.size()));
-    constexpr std::string_view kSeparators(" \t\n\v\f\r\0", 7);
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (i == 0 || kSeparators.find(text[i - 1]) != std::string_view::npos)
-            CharUpperBuffA(&text[i], 1);
-    }
-    return text;
 }
 
 constexpr std::string_view kUtf8("\xEF\xBB\xBF");
@@ -215,19 +201,6 @@ CatalogueLoad OpenOrExplain(const std::string& path) {
                   "Check who may read it and which program has it open.", true);
 }
 
-/// The archives in a folder (its path ends in "\"), for CheckCatalogue.
-ArchiveSource ArchivesIn(const std::string& programPath, const ExtractionOwner& owner) {
-    const auto archives = std::make_shared<clsProgramArchives>(programPath);
-    return {[archives](const std::string& name) { return archives->Facts(name); },
-            [programPath, owner](const std::string& name) {
-                std::vector<std::string> lines;
-                for (const MemberFailure& failure : InspectArchive(programPath + name, owner))
-                    lines.push_back((failure.member.empty() ? "" : failure.member + ": ") +
-                                    failure.what + ", " + failure.reason);
-                return lines;
-            }};
-}
-
 } // namespace
 
 void LoadCatalogue(const std::string& programPath, Catalogue& catalogue) {
@@ -286,27 +259,6 @@ void DeriveInstallPaths(Catalogue& catalogue, const std::string& programFilesFol
                                 ? programFilesFolder.substr(0, kDriveLength)
                                 : programFilesFolder;
     catalogue.pluginFolder = catalogue.installRoot + "\\" + catalogue.installFolder + "\\Plugin";
-}
-
-std::string CategoryCaption(const std::string& value, const std::string& key) {
-    return ProperCase(TrimBlanks(ReplaceAll(ReplaceAll(value, "_", " "), key, " ")));
-}
-
-CatalogueCheck CheckWithProgramFolder(const std::string& programPath, const Catalogue& catalogue,
-                                      const ExtractionOwner& owner,
-                                      const std::vector<std::string>& sectionNames) {
-    CatalogueCheck check = CheckCatalogue(catalogue, ArchivesIn(programPath, owner), sectionNames);
-    const clsSha256List list(programPath);
-    for (const Problem& problem : list.Problems())
-        check.problems.push_back({CatalogueProblemKind::Sha256List, kSha256FileName,
-                                  problem.what + ", " + problem.reason, std::nullopt});
-    return check;
-}
-
-CatalogueCheck CheckCatalogueFile(const std::string& programPath, const Catalogue& catalogue,
-                                  const ExtractionOwner& owner) {
-    return CheckWithProgramFolder(programPath, catalogue, owner,
-                                  SectionNames(ReadWholeFile(programPath + kCatalogueFileName)));
 }
 
 void SaveCatalogue(const std::string& programPath, const Catalogue& catalogue) {

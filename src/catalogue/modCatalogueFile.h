@@ -1,8 +1,6 @@
 #pragma once
 
-#include "archive/modArchive.h"
 #include "catalogue/Catalogue.h"
-#include "catalogue/modCatalogueCheck.h"
 #include "catalogue/modIniText.h"
 
 #include <string>
@@ -16,8 +14,7 @@ inline constexpr const char* kCatalogueFileName = "veskbuilder.ini";
 /// Fills the catalogue from the file in the program path (which ends in "\"), by position and not
 /// by name. A missing or empty file leaves the catalogue as it was.
 /// @throws Failure when a value cannot be read (a tick that is no boolean, an entry cut short);
-/// what
-///         was read before it stays in the catalogue. The text names section and entry.
+///         what was read before it stays in the catalogue. The text names section and entry.
 void LoadCatalogue(const std::string& programPath, Catalogue& catalogue);
 
 /// How much of the catalogue was read: all of it as it was written, some of it, nothing.
@@ -50,21 +47,6 @@ std::vector<IniSection> ReadSectionsThroughSystem(const std::string& path,
 
 /// Derives install root and plug-in folder from install folder and path flag.
 void DeriveInstallPaths(Catalogue& catalogue, const std::string& programFilesFolder);
-
-/// Title of a category for people, from its value and key: "100_system_tools", "100" gives
-/// "System Tools".
-std::string CategoryCaption(const std::string& value, const std::string& key);
-
-/// What would go wrong in a build of a catalogue with what lies in the program path.
-/// @param owner asked for passwords, and called now and then while an archive is tested
-/// @param sectionNames as for CheckCatalogue
-CatalogueCheck CheckWithProgramFolder(const std::string& programPath, const Catalogue& catalogue,
-                                      const ExtractionOwner& owner,
-                                      const std::vector<std::string>& sectionNames = {});
-
-/// The same for a catalogue that was loaded from the file there.
-CatalogueCheck CheckCatalogueFile(const std::string& programPath, const Catalogue& catalogue,
-                                  const ExtractionOwner& owner = {});
 
 /// Writes the catalogue file into the program path. The old file stays until the new one is
 /// complete beside it. The text is exact: other tools compare it.

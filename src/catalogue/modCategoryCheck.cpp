@@ -14,10 +14,6 @@ namespace vesk {
 
 namespace {
 
-std::string Quoted(std::string_view text) {
-    return "\"" + std::string(text) + "\"";
-}
-
 /// Keys are names in an INI file.
 std::string KeyFault(const std::string& key) {
     if (TrimBlanks(key).empty())

@@ -8,6 +8,7 @@
 #include "build/clsBuildRun.h"
 #include "catalogue/clsProgramArchives.h"
 #include "catalogue/modCatalogueFile.h"
+#include "catalogue/modFolderCheck.h"
 #include "console/clsConsoleFrontEnd.h"
 #include "console/clsTerminal.h"
 #include "console/modCatalogueTable.h"
@@ -46,7 +47,7 @@ enum ExitCode : int {
 std::optional<Problem> Tick(CatalogueEntry& entry, bool enabled) {
     if (entry.lock && entry.enabled != enabled)
         return Problem{entry.name, enabled ? "not ticked" : "not unticked",
-                       "\"" + entry.name + "\" is locked and stays " +
+                       Quoted(entry.name) + " is locked and stays " +
                            (entry.enabled ? "ticked" : "unticked")};
     entry.enabled = enabled;
     return std::nullopt;
@@ -66,8 +67,8 @@ std::vector<Problem> TickAll(Catalogue& catalogue, const std::vector<std::string
                 if (const auto problem = Tick(entry, enabled))
                     problems.push_back(*problem);
                 if (!enabled && list == EntryList::BaseComponents)
-                    terminal.Complain("\"" + entry.name +
-                                      "\" is a base component: the build installs it whether it "
+                    terminal.Complain(Quoted(entry.name) +
+                                      " is a base component: the build installs it whether it "
                                       "is ticked or not");
             }
         }

@@ -103,12 +103,12 @@ bool IsUnknownHost(std::int32_t number) {
 
 /// Why no server has this name, as far as the address itself tells.
 std::string UnknownHost(const DownloadFacts& facts) {
-    const std::string place = Reached(facts, false) + ": " + AsReason(facts.errorText);
+    std::string place = Reached(facts, false) + ": " + AsReason(facts.errorText);
     if (!IsDirect(facts))
         return place;
     const std::string host = HostOfUrl(facts.url);
     if (host.empty())
-        return "\"" + Shown(facts.url, kLongestServerText) + "\": the address names no host";
+        return Quoted(Shown(facts.url, kLongestServerText)) + ": the address names no host";
     if (facts.url.find("://") != std::string::npos && !facts.url.starts_with("http://"))
         return "\"" + Shown(facts.url, kLongestServerText) +
                "\": only addresses that begin with http:// can be downloaded";
@@ -118,7 +118,7 @@ std::string UnknownHost(const DownloadFacts& facts) {
 std::string WhyError(const DownloadFacts& facts) {
     const std::string why = AsReason(facts.errorText);
     if (!IsRequestable(facts.url))
-        return "\"" + Shown(facts.url, kLongestServerText) + "\": " + why;
+        return Quoted(Shown(facts.url, kLongestServerText)) + ": " + why;
     if (facts.failedHere)
         return why + WithComma(Missing(facts));
     if (IsUnknownHost(facts.errorNumber))

@@ -3,8 +3,9 @@
 #include "TestFolder.h"
 #include "base/UniqueHandle.h"
 #include "base/modText.h"
-#include "catalogue/clsCatalogueFile.h"
+#include "catalogue/clsEditedFile.h"
 #include "catalogue/clsINI.h"
+#include "catalogue/modCategoryCaption.h"
 
 #include <algorithm>
 
@@ -226,7 +227,7 @@ TEST_CASE("what stands beside a catalogue is no fault, and is not lost without a
              {skin, "key Skin of section [Install]"},
              {good + "[Notes]\r\nx=1\r\n", "section [Notes]"}}) {
         folder.Write("veskbuilder.ini", text);
-        clsCatalogueFile file(programPath);
+        clsEditedFile file(programPath);
         CHECK(file.Load(catalogue).state == CatalogueState::Whole);
         CAPTURE(file.LossBySaving());
         CHECK(file.LossBySaving().empty() == words.empty());

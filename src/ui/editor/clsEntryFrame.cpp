@@ -23,7 +23,7 @@ namespace vesk {
 
 namespace {
 
-constexpr const char* kTitle = "Browse for File";
+constexpr const char* kFileTitle = "Browse for File";
 
 /// First numbers of the frame's control arrays, and its buttons.
 struct FrameIds {
@@ -209,7 +209,7 @@ void clsEntryFrame::Remove() {
 }
 
 void clsEntryFrame::Browse() {
-    std::string path = frmBrowse(dialog_).ChooseFile(kTitle, "*.zip;*.cab", programPath_);
+    std::string path = frmBrowse(dialog_).ChooseFile(kFileTitle, "*.zip;*.cab", programPath_);
     if (!path.empty())
         path = BroughtHere(path);
     if (path.empty())
@@ -219,8 +219,8 @@ void clsEntryFrame::Browse() {
         return clsCRC().CalculateFile(path);
     }();
     if (crc.empty())
-        ShowMessage(dialog_, path + "\r\nis empty or cannot be read: it has no checksum.", kTitle,
-                    MB_OK | MB_ICONWARNING);
+        ShowMessage(dialog_, path + "\r\nis empty or cannot be read: it has no checksum.",
+                    kFileTitle, MB_OK | MB_ICONWARNING);
     TakeSha256(path);
     Entries().TakeArchive(path, crc);
 }
@@ -236,7 +236,7 @@ void clsEntryFrame::TakeSha256(const std::string& path) const {
         ShowMessage(dialog_,
                     std::string("The archive's SHA-256 could not be recorded: ") + failure.what() +
                         ".",
-                    kTitle, MB_OK | MB_ICONWARNING);
+                    kFileTitle, MB_OK | MB_ICONWARNING);
     }
 }
 
@@ -248,7 +248,7 @@ std::string clsEntryFrame::BroughtHere(const std::string& path) const {
     std::string here = programPath_ + FileNameOf(path);
     if (!IsPlainArchiveName(FileNameOf(path))) {
         ShowMessage(dialog_, path + "\r\ncannot be an archive: the program itself uses its name.",
-                    kTitle, MB_OK | MB_ICONWARNING);
+                    kFileTitle, MB_OK | MB_ICONWARNING);
         return {};
     }
     const std::string replaced =
@@ -259,7 +259,7 @@ std::string clsEntryFrame::BroughtHere(const std::string& path) const {
                         "\r\nis not in the program folder, where a build looks for it. Copy it "
                         "there ?" +
                         replaced,
-                    kTitle, MB_YESNOCANCEL | MB_ICONQUESTION);
+                    kFileTitle, MB_YESNOCANCEL | MB_ICONQUESTION);
     if (answer == IDNO)
         return path;
     if (answer != IDYES)

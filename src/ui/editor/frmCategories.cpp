@@ -1,6 +1,7 @@
 #include "ui/editor/frmCategories.h"
 
 #include "catalogue/modCatalogueFile.h"
+#include "catalogue/modCategoryCaption.h"
 #include "catalogue/modCategoryCheck.h"
 #include "ui/kit/ScopeFlag.h"
 #include "ui/kit/modBoxText.h"
@@ -17,7 +18,7 @@ namespace vesk {
 
 namespace {
 
-constexpr const char* kTitle = "Category";
+constexpr const char* kCategoryTitle = "Category";
 
 } // namespace
 
@@ -109,7 +110,8 @@ void frmCategories::Remove() {
     const std::string question = "The category '" + Shortened(category->key) + "' holds " +
                                  std::to_string(users) + (users == 1 ? " plug-in" : " plug-ins") +
                                  ", then left without a category. Remove it anyway ?";
-    if (users == 0 || ShowMessage(Window(), question, kTitle, MB_YESNO | MB_ICONQUESTION) == IDYES)
+    if (users == 0 ||
+        ShowMessage(Window(), question, kCategoryTitle, MB_YESNO | MB_ICONQUESTION) == IDYES)
         categories_.Remove();
 }
 
@@ -151,7 +153,7 @@ void frmCategories::Accept() {
     ShowMessage(Window(),
                 (key.empty() ? "This category: " : "The category '" + Shortened(key) + "': ") +
                     *fault + ".",
-                kTitle, MB_OK | MB_ICONWARNING);
+                kCategoryTitle, MB_OK | MB_ICONWARNING);
 }
 
 void frmCategories::OnCommand(int id, int notification) {

@@ -3,6 +3,8 @@
 #include "archive/clsCRC.h"
 #include "base/modSpecialFolder.h"
 #include "catalogue/modCatalogueFile.h"
+#include "catalogue/modCategoryCaption.h"
+#include "catalogue/modFolderCheck.h"
 #include "ui/editor/frmCategories.h"
 #include "ui/editor/frmCheck.h"
 #include "ui/editor/modSaveCheck.h"
@@ -25,7 +27,7 @@ namespace vesk {
 
 namespace {
 
-constexpr const char* kTitle = "Plugin Setup";
+constexpr const char* kSetupTitle = "Plugin Setup";
 constexpr UINT_PTR kTimer1 = 1;
 constexpr UINT kTipDelay = 250; // milliseconds: the system hides a tip while a button is clicked
 
@@ -51,7 +53,7 @@ constexpr std::array<EntryButton, 10> kEntryButtons{{{kBase, Action::Add},
 
 constexpr std::array<int, 3> kActionIds{IDC_CMD_APPLY, IDC_CMD_DISCARD, IDCANCEL};
 
-Catalogue Load(clsCatalogueFile& file, CatalogueLoad& load) {
+Catalogue Load(clsEditedFile& file, CatalogueLoad& load) {
     Catalogue catalogue;
     load = file.Load(catalogue);
     return catalogue;
@@ -105,7 +107,8 @@ void frmSetup::ExplainCatalogue() const {
     if (told_)
         SetText(Control(IDC_LBL_STATE), "Not all of the file could be read.");
     else
-        ShowMessage(Window(), load_.fault + ".\r\n\r\n" + advice, kTitle, MB_OK | MB_ICONWARNING);
+        ShowMessage(Window(), load_.fault + ".\r\n\r\n" + advice, kSetupTitle,
+                    MB_OK | MB_ICONWARNING);
 }
 
 void frmSetup::Form_Load() {
@@ -204,7 +207,7 @@ bool frmSetup::RefuseWhatIsLost() {
     const auto lost = LostBySaving(editor_.Edited());
     if (!lost)
         return false;
-    ShowMessage(Window(), "The catalogue is not saved.\r\n\r\n" + LostText(*lost), kTitle,
+    ShowMessage(Window(), "The catalogue is not saved.\r\n\r\n" + LostText(*lost), kSetupTitle,
                 MB_OK | MB_ICONWARNING);
     if (lost->place)
         GoTo(*lost->place);
@@ -215,15 +218,15 @@ bool frmSetup::Apply() {
     if (RefuseWhatIsLost())
         return false;
     const std::string loss = file_.LossBySaving();
-    if (!loss.empty() &&
-        ShowMessage(Window(), loss, kTitle, MB_YESNO | MB_ICONWARNING | MB_DEFBUTTON2) != IDYES)
+    if (!loss.empty() && ShowMessage(Window(), loss, kSetupTitle,
+                                     MB_YESNO | MB_ICONWARNING | MB_DEFBUTTON2) != IDYES)
         return false;
     try {
         const WaitCursor wait;
         editor_.Apply([this](const Catalogue& catalogue) { file_.Save(catalogue); });
     } catch (const std::exception& failure) {
         ShowMessage(Window(), "The catalogue could not be saved.\r\n" + AsSentence(failure.what()),
-                    kTitle, MB_OK | MB_ICONERROR);
+                    kSetupTitle, MB_OK | MB_ICONERROR);
         return false;
     }
     ShowAll();
@@ -240,7 +243,7 @@ void frmSetup::Discard() {
 bool frmSetup::MayLeave() {
     if (!editor_.IsModified())
         return true;
-    switch (ShowMessage(Window(), "Save the edits to the catalogue before leaving ?", kTitle,
+    switch (ShowMessage(Window(), "Save the edits to the catalogue before leaving ?", kSetupTitle,
                         MB_YESNOCANCEL | MB_ICONQUESTION)) {
     case IDYES:
         return Apply();

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "catalogue/clsCatalogueEditor.h"
-#include "catalogue/clsCatalogueFile.h"
+#include "catalogue/clsEditedFile.h"
 #include "startup/modStartUp.h"
 #include "ui/editor/clsEntryFrame.h"
 #include "ui/kit/clsDialog.h"
@@ -53,7 +53,7 @@ private:
     [[nodiscard]] bool MayLeave();
 
     ProgramPaths paths_;
-    clsCatalogueFile file_;
+    clsEditedFile file_;
     CatalogueLoad load_; ///< What was read of it.
     bool told_;          ///< The wizard said what is wrong with it.
     clsCatalogueEditor editor_;

@@ -1,5 +1,6 @@
 #include "ui/kit/clsReportList.h"
 
+#include "ui/kit/modClipboard.h"
 #include "ui/kit/modColumns.h"
 #include "ui/kit/modResolution.h"
 #include "ui/kit/modWindow.h"

@@ -1,5 +1,6 @@
 #include "ui/kit/modPicture.h"
 
+#include "base/UniqueHandle.h"
 #include "ui/kit/modContrast.h"
 
 #include <olectl.h>
@@ -8,12 +9,6 @@
 #include <cstring>
 
 namespace vesk {
-
-namespace {
-
-using GlobalMemory = UniqueHandle<::GlobalFree, HGLOBAL>;
-
-} // namespace
 
 std::span<const std::byte> ResourceBytes(const char* type, int id) {
     const HRSRC found = FindResourceA(ProgramInstance(), MAKEINTRESOURCEA(id), type);

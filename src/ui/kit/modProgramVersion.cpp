@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <array>
 
 namespace vesk {
@@ -11,9 +12,10 @@ namespace vesk {
 std::string LegalNotice() {
     std::array<char, MAX_PATH * 2> program{};
     GetModuleFileNameA(nullptr, program.data(), static_cast<DWORD>(program.size() - 1));
-    const std::string text =
+    std::string text =
         FileVersionPart(program.data(), R"(\StringFileInfo\040904E4\LegalCopyright)");
-    return text.c_str(); // without the NUL that ends it there
+    text.erase(std::min(text.find('\0'), text.size())); // the NUL that ends it there
+    return text;
 }
 
 unsigned SystemMajorVersion() {

@@ -12,7 +12,7 @@ using RegistryKey = UniqueHandle<::RegCloseKey, HKEY>;
 bool UserWantsDark() {
     HKEY opened = nullptr;
     if (RegOpenKeyExA(HKEY_CURRENT_USER,
-                      "Software\\Microsoft\\Windows\\CurrentVersion\\Themes\\Personalize", 0,
+                      R"(Software\Microsoft\Windows\CurrentVersion\Themes\Personalize)", 0,
                       KEY_QUERY_VALUE, &opened) != ERROR_SUCCESS)
         return false;
     const RegistryKey key(opened);

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstring>
 
 namespace vesk {
 
@@ -18,8 +17,6 @@ constexpr ULONG_PTR kDialogClassAtom = 0x8002; // the system's own class of dial
 bool IsDialogWindow(HWND window) {
     return GetClassLongPtrA(window, GCW_ATOM) == kDialogClassAtom;
 }
-
-using GlobalMemory = UniqueHandle<::GlobalFree, HGLOBAL>;
 
 LONG HeightOf(const RECT& area) {
     return area.bottom - area.top;
@@ -101,26 +98,6 @@ RECT WorkAreaOf(HWND window) {
                            : MonitorFromPoint(kOnTheMainMonitor, MONITOR_DEFAULTTOPRIMARY),
                     &monitor);
     return monitor.rcWork;
-}
-
-void PutOnClipboard(HWND owner, const std::string& text) {
-    // Programs that watch the clipboard hold it for moments.
-    constexpr int kAttempts = 40;
-    int attempt = 0;
-    while (!OpenClipboard(owner)) {
-        if (++attempt == kAttempts)
-            ThrowLastError("copy to", "the clipboard");
-        Sleep(10);
-    }
-    EmptyClipboard();
-    GlobalMemory memory(GlobalAlloc(GMEM_MOVEABLE, text.size() + 1));
-    if (memory) {
-        std::memcpy(GlobalLock(memory.Get()), text.c_str(), text.size() + 1);
-        GlobalUnlock(memory.Get());
-        if (SetClipboardData(CF_TEXT, memory.Get()))
-            (void)memory.Release(); // the clipboard frees it
-    }
-    CloseClipboard();
 }
 
 void CenterWindow(HWND window) {

@@ -48,10 +48,6 @@ RECT AreaOf(HWND control);
 /// The room that programs have on the monitor of a window; on the main one for null.
 RECT WorkAreaOf(HWND window);
 
-/// Puts a text on the clipboard. @throws Failure when another program keeps the clipboard
-/// open
-void PutOnClipboard(HWND owner, const std::string& text);
-
 /// Centres a window over its owner, or on the work area when it has none or a hidden one, and
 /// keeps it on the monitor.
 void CenterWindow(HWND window);

@@ -1,6 +1,7 @@
 #include "ui/wizard/clsLogList.h"
 
 #include "build/modSaveLog.h"
+#include "ui/kit/modClipboard.h"
 #include "ui/kit/modResolution.h"
 #include "ui/kit/modWindow.h"
 #include "ui/resources/ids.h"

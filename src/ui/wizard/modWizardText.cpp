@@ -82,7 +82,7 @@ std::string InBuildText(const CatalogueEntry& entry, EntryList list, ArchiveStat
 std::string RateText(double bytesPerSecond, std::int64_t secondsLeft) {
     if (bytesPerSecond < 1)
         return {};
-    const std::string rate = ByteAmount(bytesPerSecond) + "/s";
+    std::string rate = ByteAmount(bytesPerSecond) + "/s";
     if (secondsLeft < 0)
         return rate;
     constexpr std::int64_t kMinute = 60;

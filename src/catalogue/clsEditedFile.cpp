@@ -1,4 +1,4 @@
-#include "catalogue/clsCatalogueFile.h"
+#include "catalogue/clsEditedFile.h"
 
 #include "base/modFile.h"
 
@@ -19,10 +19,9 @@ bool IsEmptyFile(const std::string& path) {
 
 } // namespace
 
-clsCatalogueFile::clsCatalogueFile(std::string programPath)
-    : programPath_(std::move(programPath)) {}
+clsEditedFile::clsEditedFile(std::string programPath) : programPath_(std::move(programPath)) {}
 
-CatalogueLoad clsCatalogueFile::Load(Catalogue& catalogue) {
+CatalogueLoad clsEditedFile::Load(Catalogue& catalogue) {
     held_ = ReadWholeFile(Path());
     CatalogueLoad load = LoadCatalogueReporting(programPath_, catalogue);
     state_ = load.state;
@@ -31,7 +30,7 @@ CatalogueLoad clsCatalogueFile::Load(Catalogue& catalogue) {
     return load;
 }
 
-std::string clsCatalogueFile::LossBySaving() const {
+std::string clsEditedFile::LossBySaving() const {
     if (!FileExists(Path()))
         return {};
     if (ReadWholeFile(Path()) != held_)
@@ -46,7 +45,7 @@ std::string clsCatalogueFile::LossBySaving() const {
     return {};
 }
 
-void clsCatalogueFile::Save(const Catalogue& catalogue) {
+void clsEditedFile::Save(const Catalogue& catalogue) {
     SaveCatalogue(programPath_, catalogue);
     held_ = ReadWholeFile(Path());
     state_ = CatalogueState::Whole;

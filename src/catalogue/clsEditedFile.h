@@ -9,10 +9,10 @@ namespace vesk {
 
 /// The catalogue's file in the hands of an editor, which must not lose what others wrote into it or
 /// what it could not read itself.
-class clsCatalogueFile {
+class clsEditedFile {
 public:
     /// @param programPath ends in "\"
-    explicit clsCatalogueFile(std::string programPath);
+    explicit clsEditedFile(std::string programPath);
 
     /// Loads the catalogue, and remembers what the file holds.
     CatalogueLoad Load(Catalogue& catalogue);
