@@ -362,9 +362,9 @@ void TellRegistry(FILE* report) {
             ERROR_SUCCESS)
             break;
         if (type == REG_DWORD)
-            std::fprintf(report, "value %s=%lu\n", name, *reinterpret_cast<DWORD*>(data));
+            std::fprintf(report, "value\t%s=%lu\n", name, *reinterpret_cast<DWORD*>(data));
         else
-            std::fprintf(report, "value %s=%s\n", name, reinterpret_cast<char*>(data));
+            std::fprintf(report, "value\t%s=%s\n", name, reinterpret_cast<char*>(data));
     }
     __real___imp_RegCloseKey(key);
 }
@@ -374,17 +374,17 @@ void Tell() {
     if (report == nullptr)
         return;
     for (std::size_t i = 0; i < Call::number; ++i) {
-        std::fprintf(report, "call %s %u", Call::all[i]->name, Call::all[i]->count);
+        std::fprintf(report, "call\t%s\t%u", Call::all[i]->name, Call::all[i]->count);
         for (const std::int64_t reason : Call::all[i]->reasons)
             if (reason != 0)
-                std::fprintf(report, " %lu", static_cast<DWORD>(reason));
+                std::fprintf(report, "\t%lu", static_cast<DWORD>(reason));
         std::fprintf(report, "\n");
     }
     for (std::size_t i = 1; i < std::size(kKinds); ++i)
-        std::fprintf(report, "open %s %d\n", kKinds[i].data(), open[i]);
+        std::fprintf(report, "open\t%s\t%d\n", kKinds[i].data(), open[i]);
     for (const Place& place : places)
         if (place.mark != 0)
-            std::fprintf(report, "place %s %u\n", place.call->name, place.first);
+            std::fprintf(report, "place\t%s\t%u\n", place.call->name, place.first);
     TellRegistry(report);
     std::fclose(report);
 }
