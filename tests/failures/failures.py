@@ -93,14 +93,14 @@ class Builder:
         self.server.stdout.close()
         self.server.wait()
 
-    def build(self, fault, *arguments, **options):
+    def build(self, fault, **options):
         """As build_once. On a busy machine Wine ends a process now and then before it has begun, with 1
         and without a word, or loses its exit code; the program would do so again."""
-        run = self.build_once(fault, *arguments, **options)
+        run = self.build_once(fault, **options)
         if (run.code == 1 and not (run.lines or run.errors or run.calls)) or (
                 run.code == 0 and run.errors):
             print("left out: a run that Wine ended", file=sys.stderr)
-            run = self.build_once(fault, *arguments, **options)
+            run = self.build_once(fault, **options)
         return run
 
     def build_once(self, fault, places=False, fresh=True, after=None):
@@ -110,26 +110,20 @@ class Builder:
         report.unlink(missing_ok=True)
         if fresh:
             self.sample.fill(self.run_folder, self.program)
-        environment = dict(
-            os.environ, VESK_FAIL_CALL=fault.call, VESK_FAIL_AT=str(fault.number),
-            VESK_FAIL_WITH=str(fault.reason), VESK_FAIL_ON=str(int(fault.on)),
-            VESK_FAIL_REPORT=windows_path(report), VESK_FAIL_KEY=self.key,
-            VESK_FAIL_SHELL=windows_path(self.run_folder / "shell"),
-            VESK_FAIL_PLACES=str(int(places)))
-        process = subprocess.Popen(
-            [*self.wine, str(self.run_folder / "program/veskbuild.exe"), *self.arguments],
-            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
-            env=environment)
+        told = {"CALL": fault.call, "AT": fault.number, "WITH": fault.reason, "ON": int(fault.on),
+                "REPORT": windows_path(report), "KEY": self.key, "PLACES": int(places),
+                "SHELL": windows_path(self.run_folder / "shell")}
         try:
-            output, errors = process.communicate(timeout=60 if after is None else after)
-            code = process.returncode
+            done = subprocess.run(
+                [*self.wine, str(self.run_folder / "program/veskbuild.exe"), *self.arguments], check=False,
+                stdin=subprocess.DEVNULL, capture_output=True, timeout=60 if after is None else after,
+                env=os.environ | {f"VESK_FAIL_{name}": str(value) for name, value in told.items()})
         except subprocess.TimeoutExpired:
-            process.kill()
-            output, errors = process.communicate()
-            code = None
-        errors = "".join(line for line in errors.decode("cp1252").splitlines(True)
+            done = subprocess.CompletedProcess((), None, b"", b"")
+        errors = "".join(line for line in done.stderr.decode("cp1252").splitlines(True)
                          if line.startswith("veskbuild:"))
-        run = Run(code, output.decode("cp1252").splitlines(), errors, picture(self.run_folder))
+        run = Run(done.returncode, done.stdout.decode("cp1252").splitlines(), errors,
+                  picture(self.run_folder))
         if report.exists():
             run.read(report)
         return run
