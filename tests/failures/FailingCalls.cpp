@@ -76,6 +76,14 @@ int open[std::size(kKinds)] = {};
 char shellFolder[MAX_PATH] = {};
 int lastShellFolder = 0;
 
+constexpr std::uint64_t kNoMark = 14695981039346656037U;
+std::uint64_t registry = kNoMark; ///< Of each value that it took.
+
+template <class Value>
+void Mark(std::uint64_t& mark, Value value) {
+    mark = (mark ^ static_cast<std::uint64_t>(value)) * 1099511628211U;
+}
+
 struct Place {
     std::uint64_t mark; ///< Of the call and everything that called it; 0: free.
     const Call* call;
@@ -88,9 +96,9 @@ void NotePlace(const Call& call, bool isMemory) {
     // Memory is taken everywhere: there the nearest callers are enough.
     const ULONG most = isMemory ? 8 : std::size(frames);
     const USHORT depth = RtlCaptureStackBackTrace(2, most, frames, nullptr);
-    std::uint64_t mark = 14695981039346656037U + reinterpret_cast<std::uintptr_t>(&call);
+    std::uint64_t mark = kNoMark + reinterpret_cast<std::uintptr_t>(&call);
     for (USHORT i = 0; i < depth; ++i)
-        mark = (mark ^ reinterpret_cast<std::uintptr_t>(frames[i])) * 1099511628211U;
+        Mark(mark, reinterpret_cast<std::uintptr_t>(frames[i]));
     mark |= 1;
     for (std::size_t i = mark >> 20;; ++i) {
         Place& place = places[i % std::size(places)];
@@ -170,6 +178,12 @@ void OnSuccess(struct Of_SHGetPathFromIDListA*, LPCITEMIDLIST, char* path) {
         lastShellFolder == CSIDL_DESKTOPDIRECTORY || lastShellFolder == CSIDL_COMMON_PROGRAMS;
     if (ours && *shellFolder != 0)
         std::snprintf(path, MAX_PATH, "%s\\%d", shellFolder, lastShellFolder);
+}
+void OnSuccess(struct Of_RegSetValueExA*, HKEY, LPCSTR name, DWORD, DWORD type, const BYTE* data,
+               DWORD size) {
+    std::for_each_n(name, std::strlen(name) + 1, [](char c) { Mark(registry, c); });
+    std::for_each_n(data, size, [](BYTE byte) { Mark(registry, byte); });
+    Mark(registry, type);
 }
 template <class Real, class Of, class To, class Bytes, class Size, class... A>
 requires std::is_integral_v<Size>
@@ -346,29 +360,6 @@ void Begin() {
     __wrap___imp_GetProcAddress = &FindWithLayer;
 }
 
-/// What the registry holds in a key, a line for each value.
-void TellRegistry(FILE* report) {
-    HKEY key = nullptr;
-    if (__real___imp_RegOpenKeyExA(HKEY_CURRENT_USER, TextIn("VESK_FAIL_KEY"), 0, KEY_READ, &key) !=
-        ERROR_SUCCESS)
-        return;
-    for (DWORD i = 0;; ++i) {
-        char name[256];
-        BYTE data[1024] = {};
-        DWORD nameSize = std::size(name);
-        DWORD size = std::size(data) - 1;
-        DWORD type = 0;
-        if (__real___imp_RegEnumValueA(key, i, name, &nameSize, nullptr, &type, data, &size) !=
-            ERROR_SUCCESS)
-            break;
-        if (type == REG_DWORD)
-            std::fprintf(report, "value\t%s=%lu\n", name, *reinterpret_cast<DWORD*>(data));
-        else
-            std::fprintf(report, "value\t%s=%s\n", name, reinterpret_cast<char*>(data));
-    }
-    __real___imp_RegCloseKey(key);
-}
-
 void Tell() {
     FILE* const report = __real_fopen(TextIn("VESK_FAIL_REPORT"), "wb");
     if (report == nullptr)
@@ -385,7 +376,7 @@ void Tell() {
     for (const Place& place : places)
         if (place.mark != 0)
             std::fprintf(report, "place\t%s\t%u\n", place.call->name, place.first);
-    TellRegistry(report);
+    std::fprintf(report, "registry\t\t%llu\n", registry);
     std::fclose(report);
 }
 

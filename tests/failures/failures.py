@@ -53,7 +53,7 @@ class Run:
     reasons: dict = dataclasses.field(default_factory=dict)
     places: dict = dataclasses.field(default_factory=dict)
     open: dict = dataclasses.field(default_factory=dict)
-    values: list = dataclasses.field(default_factory=list)
+    registry: int = 0  # a mark of what was written there
 
     def read(self, report):
         for line in report.read_text("cp1252").splitlines():
@@ -66,7 +66,7 @@ class Run:
             elif kind == "place":
                 self.places.setdefault(name, []).append(numbers[0])
             else:
-                self.values.append(name)
+                self.registry = numbers[0]
 
     def differing(self, other):
         """Names of what two runs made differently."""
@@ -143,7 +143,7 @@ class Builder:
             return [f"crash: exit code {run.code}"]
         own = ("program/veskbuider.log", "program/veskbuilder-problems.txt")
         differing = [name for name in run.differing(self.good) if name not in own]
-        if run.values != self.good.values:
+        if run.registry != self.good.registry:
             differing.append("registry")
         told = bool(run.errors) or own[1] in run.made or fault.call in PRINTING
         found = []
