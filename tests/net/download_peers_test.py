@@ -1,6 +1,6 @@
 """Runs whole downloads against real servers and against scripted ones that answer as they should not, and
 compares what became of them, the reasons told, the events and the files.
-Arguments: the program that runs Windows programs, the tools for sessions and for single downloads."""
+Arguments: the program that runs Windows programs, the tool."""
 
 import os
 import pathlib
@@ -17,7 +17,7 @@ import zlib
 from fixtures import mount_disk, unmount_disk, windows_path
 from peers import Nginx, ScriptedServer, Tinyproxy, answer, free_port, reset
 
-WINE, SESSION_TOOL, DOWNLOAD_TOOL = sys.argv[1:]
+WINE, TOOL = sys.argv[1:]
 CRC_DIFFERS, DONE, FAILED = 0, 1, 2
 BODY = bytes(range(256)) * 16
 CRC = f"{zlib.crc32(BODY):X}"
@@ -66,13 +66,19 @@ class Peers(unittest.TestCase):
         self.target = self.folder / "a.zip"
         self.partial = self.folder / "a.zip.vesk-part"
 
-    def run_tool(self, proxy, downloads, timeout=20):
+    @staticmethod
+    def run_tool(*arguments):
+        run = subprocess.run([WINE, TOOL, *map(str, arguments)], timeout=100, check=True,
+                             stdin=subprocess.DEVNULL, capture_output=True)
+        return run.stdout.decode("latin-1").replace("\r", "").splitlines()
+
+    def run_sessions(self, proxy, downloads, timeout=20):
         """Downloads are pairs of checksum and addresses. Returns (result, size of the file, size of
         the partial one, reason) of each; what they left open is checked and cut off."""
         words = [word for crc, urls in downloads for word in (crc or "-", urls)]
-        run = subprocess.run([WINE, SESSION_TOOL, proxy, str(timeout), windows_path(self.target), *words],
-                             timeout=100, stdin=subprocess.DEVNULL, capture_output=True, check=True)
-        rows = [line.rstrip("\r").split("|", 5) for line in run.stdout.decode().splitlines()]
+        through = [] if proxy == "direct" else ["--proxy", proxy]
+        rows = [line.split("|", 5) for line in self.run_tool(
+            "--session", timeout, *through, windows_path(self.target), *words)]
         self.assertEqual({row[3] for row in rows}, {"0 objects, 0 sockets, 0 lookups, 0 windows"})
         # The first download loads what later ones share; from then on nothing may be added.
         handles = [int(row[4]) for row in rows[1:]]
@@ -81,9 +87,7 @@ class Peers(unittest.TestCase):
 
     def run_download(self, *arguments):
         """The events of one download as lines."""
-        run = subprocess.run([WINE, DOWNLOAD_TOOL, *map(str, arguments), windows_path(self.target)],
-                             timeout=100, stdin=subprocess.DEVNULL, capture_output=True, check=True)
-        return run.stdout.decode("latin-1").replace("\r", "").splitlines()
+        return self.run_tool("--access", 2, *arguments, windows_path(self.target))
 
     def start(self, server):
         self.addCleanup(server.stop)
@@ -105,7 +109,7 @@ class Peers(unittest.TestCase):
         _, proxy = self.serve(script)
         self.target.write_bytes(OLD)
         standing = str(len(OLD))
-        told = iter(self.run_tool(proxy, [(crc, "http://h/" + name) for name in rows for crc in (CRC, None)],
+        told = iter(self.run_sessions(proxy, [(crc, "http://h/" + name) for name in rows for crc in (CRC, None)],
                                   timeout))
         by = "proxy " + proxy.replace(":", " port ") + ": "
         for name, _, with_crc, without, *reasons in table:
@@ -175,7 +179,7 @@ class Peers(unittest.TestCase):
         downloads = [(crc, f"http://h/{offset}-{kind}") for offset in offsets
                      for kind in ("cut", "reset") for crc in (CRC, None)]
         for (crc, url), (result, size, partial, why) in zip(
-                downloads, self.run_tool(proxy, downloads)):
+                downloads, self.run_sessions(proxy, downloads)):
             came = int(url[9:].split("-")[0]) - len(HEAD)
             with self.subTest(url, crc=crc):
                 expected = FAILED if came < 0 or crc is None and came < len(BODY) else \
@@ -191,7 +195,7 @@ class Peers(unittest.TestCase):
                     f"{came:,} of 4,096 bytes came$" if came >= 0 else
                     "closed without an answer$" if came == -len(HEAD) else "no HTTP header, a text"))
         # Nothing has no checksum, not even that of nothing.
-        (result, *_), = self.run_tool(proxy, [("0", f"http://h/{len(HEAD)}-cut")])
+        (result, *_), = self.run_sessions(proxy, [("0", f"http://h/{len(HEAD)}-cut")])
         self.assertEqual(result, CRC_DIFFERS)
 
     def test_silence_in_every_state_ends_when_the_time_is_up(self):
@@ -205,7 +209,7 @@ class Peers(unittest.TestCase):
                 self.addCleanup(waiting.close)
                 waiting.setblocking(False)
                 waiting.connect_ex(full.getsockname())
-            self.assertEqual(self.run_tool(proxy, [(CRC, "http://h/x")], 1),
+            self.assertEqual(self.run_sessions(proxy, [(CRC, "http://h/x")], 1),
                              [(FAILED, "none", "none", f"proxy {proxy.replace(':', ' port ')}: {silent}")])
         started = time.monotonic()
         self.check_table(1, [
@@ -217,7 +221,7 @@ class Peers(unittest.TestCase):
              silent + ", 512 of 4,096 bytes came"),
             ("slow bytes are no silence", slowly, DONE, DONE, "")])
         _, proxy = self.serve(lambda c, url: c.sendall(redirect(url)))
-        (result, _, _, why), = self.run_tool(proxy, [(None, "http://h/in-circles")], 1)
+        (result, _, _, why), = self.run_sessions(proxy, [(None, "http://h/in-circles")], 1)
         self.assertEqual((result, why[-len(silent):]), (FAILED, silent))
         self.assertLess(time.monotonic() - started, 60)
 
@@ -227,7 +231,7 @@ class Peers(unittest.TestCase):
                    "none": lambda c: c.sendall(answer(b"", status="HTTP/1.1 404 Not Found"))}
         _, proxy = self.serve(lambda c, url: scripts[url.rsplit("/", 1)[1]](c))
         missing = f" through proxy {proxy.replace(':', ' port ')}: HTTP/1.1 404 Not Found"
-        self.assertEqual([(result, why) for result, _, _, why in self.run_tool(proxy, [
+        self.assertEqual([(result, why) for result, _, _, why in self.run_sessions(proxy, [
             (CRC, "http://a/silent,http://b/none,http://c/good"),
             (CRC, "http://a/half,http://b/none,http://c/good"),
             (CRC, "http://a/none,http://b/none,http://c/none"),
@@ -237,27 +241,27 @@ class Peers(unittest.TestCase):
 
     def test_who_cannot_be_reached(self):
         port = free_port()
-        self.assertEqual([row[3] for row in self.run_tool(f"127.0.0.1:{port}", [("-", "http://h/")])],
+        self.assertEqual([row[3] for row in self.run_sessions(f"127.0.0.1:{port}", [("-", "http://h/")])],
                          [f"proxy 127.0.0.1 port {port}: connection refused"])
         self.assertEqual(
-            [row[3] for row in self.run_tool("direct", [
+            [row[3] for row in self.run_sessions("direct", [
                 ("-", "http://no-such-host.invalid/x"), ("-", "http://h:8080/x"),
                 ("-", "https://h/x"), ("-", " ")])],
             ["no-such-host.invalid: host not found",
              "h:8080: host not found, the address must have no port",
              '"https://h/x": only addresses that begin with http:// can be downloaded',
              '"": the address names no host'])
-        self.assertEqual(self.run_download("--access", 1, "--proxy", "h:70000", "http://h/")[0][:11],
+        self.assertEqual(self.run_download("--proxy", "h:70000", "http://h/")[0][:11],
                          "Error 40014")
 
     def test_redirects(self):
         server, proxy = self.serve(lambda c, url: c.sendall(
             answer(BODY) if url[-1] == "5" else redirect(url[:-1] + str(int(url[-1]) + 1))))
-        self.assertEqual(self.run_tool(proxy, [(CRC, "http://h/1")])[0][0], DONE)
+        self.assertEqual(self.run_sessions(proxy, [(CRC, "http://h/1")])[0][0], DONE)
         self.assertEqual(b"".join(request.split()[1][-1:] for request in server.requests), b"12345")
         page = redirect("/2")
         self.assertEqual(
-            self.run_download("--access", 2, "--proxy", proxy, "--no-redirect", "1", "http://h/1"),
+            self.run_download("--proxy", proxy, "--no-redirect", "1", "http://h/1"),
             [f"Starting 4 {len(page) - 4} HTTP/1.1 302 Found", "Completed", "Bytes 4"])
 
     def test_files(self):
@@ -269,13 +273,13 @@ class Peers(unittest.TestCase):
             with self.subTest(name, mode=mode):
                 (self.folder / name).write_bytes(left)
                 (self.folder / name).chmod(mode)
-                self.assertEqual(self.run_tool(proxy, [(CRC, "http://h/x")]), [(DONE, "4096", "none", "")])
+                self.assertEqual(self.run_sessions(proxy, [(CRC, "http://h/x")]), [(DONE, "4096", "none", "")])
                 self.assertEqual(self.target.read_bytes(), BODY)
                 self.target.unlink()
         for name, verb, partial in ((self.target, "replace", "4096"), (self.partial, "create", "none")):
             self.partial.unlink(missing_ok=True)
             name.mkdir()  # nothing can take its place
-            (result, _, size, why), = self.run_tool(proxy, [(CRC, "http://h/x")])
+            (result, _, size, why), = self.run_sessions(proxy, [(CRC, "http://h/x")])
             self.assertEqual((result, size), (FAILED, partial))
             self.assertIn(f"cannot {verb} {windows_path(name)}: ", why)
         # A single download minds letter case.
@@ -283,7 +287,7 @@ class Peers(unittest.TestCase):
             self.target = self.folder / "b.zip"
             self.target.unlink(missing_ok=True)
             (self.folder / name).write_bytes(OLD)
-            self.run_download("--access", 2, "--proxy", proxy, "http://h/x")
+            self.run_download("--proxy", proxy, "http://h/x")
             self.assertEqual((self.folder / name).read_bytes(), content)
 
     def test_a_full_disk_is_told(self):
@@ -294,7 +298,7 @@ class Peers(unittest.TestCase):
         self.target = disk / "a.zip"
         _, proxy = self.serve(lambda c, _: c.sendall(answer(BODY * 100)))
         for crc, expected in ((CRC, CRC_DIFFERS), (None, FAILED)):
-            (result, size, _, why), = self.run_tool(proxy, [(crc, "http://h/x")])
+            (result, size, _, why), = self.run_sessions(proxy, [(crc, "http://h/x")])
             self.assertEqual((result, size), (expected, "none"))
             self.assertRegex(why, r"^cannot write .*a\.zip\.vesk-part: .+, [\d,]+ of 409,600 bytes")
 
@@ -304,7 +308,7 @@ class Peers(unittest.TestCase):
             _, proxy = self.serve(lambda c, _, page=page: c.sendall(page))
             for action in ("cancel", "restart", "destroy"):
                 with self.subTest(f"{action} in {event}"):
-                    lines = self.run_download("--access", 2, "--proxy", proxy, "--act", f"{event}:{action}",
+                    lines = self.run_download("--proxy", proxy, "--act", f"{event}:{action}",
                                               "http://h/x")
                     done = lines.index(f"{action} in {event}")
                     if action != "restart":
@@ -324,7 +328,7 @@ class Peers(unittest.TestCase):
         if nginx.direct:
             routes += [("direct", "http://" + nginx.direct_host)]
         for proxy, url in routes:
-            rows = self.run_tool(proxy, [(f"{zlib.crc32(content):X}", url + "/small.bin"), ("-", url + "/none"),
+            rows = self.run_sessions(proxy, [(f"{zlib.crc32(content):X}", url + "/small.bin"), ("-", url + "/none"),
                                          ("-", url + "/secret")])
             self.assertEqual([row[:2] for row in rows], [(DONE, "300000"), *[(FAILED, "300000")] * 2])
             self.assertEqual([row[3][-12:] for row in rows[1:]], ["04 Not Found", "Unauthorized"])
@@ -334,7 +338,7 @@ class Peers(unittest.TestCase):
         with open(nginx.root / "huge.bin", "wb") as huge:
             huge.truncate(400_000_000)
         with subprocess.Popen(
-                [WINE, DOWNLOAD_TOOL, "--access", "2", "--proxy", address, "http://h/huge.bin",
+                [WINE, TOOL, "--access", "2", "--proxy", address, "http://h/huge.bin",
                  windows_path(self.target)], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE) as tool:
             status = pathlib.Path(f"/proc/{tool.pid}/status")
             most = 0

@@ -1,7 +1,18 @@
-// Downloads one URL and prints every event as a line, for tests that bring their own servers.
+// Downloads for tests that bring their own servers.
+//
+//   download_tool [--proxy HOST:PORT] [--access N] [--act EVENT:ACTION] [--no-redirect 1] URL
+//   TARGET
+// prints every event of one download as a line (--only-time: only how long it took).
+//
+//   download_tool --session SECONDS [--proxy HOST:PORT] TARGET [CHECKSUM|- URLS]...
+// runs sessions one after the other, each given up after so many seconds of silence, and prints of
+// each its result, the sizes of its two files, what it left open, and the reason.
 #include "net/MessagePump.h"
 #include "net/clsDownload.h"
+#include "net/clsDownloadSession.h"
 #include "net/modSocketMaster.h"
+
+#include "base/modFile.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -15,10 +26,11 @@ using namespace vesk;
 
 namespace {
 
-/// What the command line says: "--name value", "--only-time", and two names: URL, destination.
+/// What the command line says: "--name value", "--only-time", and names.
 struct Options {
     std::map<std::string, std::string> values;
     std::vector<std::string> names;
+    ProxySettings proxy;
 
     Options(int count, char** words) {
         for (int i = 1; i < count; ++i) {
@@ -28,10 +40,19 @@ struct Options {
             else
                 values[word] = word == "--only-time" || i + 1 == count ? "" : words[++i];
         }
+        if (!Has("--proxy"))
+            return;
+        const std::string text = Text("--proxy");
+        const std::size_t colon = text.rfind(':');
+        proxy = {Has("--access") ? Number("--access") : kAccessProxy, text.substr(0, colon),
+                 std::atoi(text.c_str() + colon + 1)};
     }
     [[nodiscard]] bool Has(const std::string& name) const { return values.contains(name); }
     [[nodiscard]] std::string Text(const std::string& name) const {
         return Has(name) ? values.at(name) : std::string();
+    }
+    [[nodiscard]] int Number(const std::string& name) const {
+        return std::atoi(Text(name).c_str());
     }
 };
 
@@ -44,11 +65,9 @@ class Recorder : public DownloadEvents {
 public:
     explicit Recorder(const Options& options)
         : options_(options), download_(std::make_unique<clsDownload>(*this)) {
-        const std::string proxy = options.Text("--proxy");
-        const std::size_t colon = proxy.find(':');
-        download_->SetAccessType(std::atoi(options.Text("--access").c_str()));
-        download_->SetProxy(proxy.substr(0, colon));
-        download_->SetProxyPort(std::atoi(proxy.substr(colon + 1).c_str()));
+        download_->SetAccessType(options.proxy.accessType);
+        download_->SetProxy(options.proxy.proxy);
+        download_->SetProxyPort(options.proxy.proxyPort);
         download_->SetDisableRedirection(options.Has("--no-redirect"));
     }
 
@@ -110,11 +129,63 @@ private:
     bool acted_ = false;
 };
 
+class Waiter : public DownloadSessionEvents {
+public:
+    void OnProgress(const DownloadProgress&) override {}
+    void OnFinished() override {}
+};
+
+/// Handles that this process has open, sockets among them. Wine does not count them, so each
+/// number that could be one is tried.
+int OpenHandles() {
+    int count = 0;
+    for (std::uintptr_t number = 4; number < 4 * 4096; number += 4) {
+        DWORD flags = 0;
+        count += GetHandleInformation(reinterpret_cast<HANDLE>(number), &flags) != 0 ? 1 : 0;
+    }
+    return count;
+}
+
+std::string Size(const std::string& path) {
+    if (!FileExists(path))
+        return "none";
+    return std::to_string(ReadWholeFile(path).size());
+}
+
+void RunSession(const Options& options, const std::string& crc, const std::string& urls) {
+    const std::string& target = options.names.at(0);
+    DownloadOutcome outcome;
+    {
+        Waiter waiter;
+        clsDownloadSession session(waiter, {urls, target, crc == "-" ? "" : crc}, options.proxy);
+        session.SetTimeout(static_cast<std::uint32_t>(options.Number("--session")));
+        const DWORD start = GetTickCount();
+        session.Start();
+        while (!session.Finished() && GetTickCount() - start < 60000) {
+            test::PumpUntil([&] { return session.Finished(); }, 100);
+            session.OnTime();
+        }
+        outcome = session.Outcome();
+    }
+    const SocketCounts counts = CountSockets();
+    std::printf("%d|%s|%s|%d objects, %zu sockets, %zu lookups, %d windows|%d|",
+                static_cast<int>(outcome.result), Size(target).c_str(),
+                Size(PartialPath(target)).c_str(), counts.objects, counts.sockets, counts.lookups,
+                counts.window != nullptr ? 1 : 0, OpenHandles());
+    Say(outcome.reason);
+}
+
 } // namespace
 
 int main(int count, char** words) {
     const Options options(count, words);
-    if (options.names.size() != 2)
+    const auto& names = options.names;
+    if (options.Has("--session")) {
+        for (std::size_t i = 1; i + 1 < names.size(); i += 2)
+            RunSession(options, names[i], names[i + 1]);
+        return 0;
+    }
+    if (names.size() != 2)
         return 64;
     // What a program does once for all its downloads is loading libraries, and no download.
     std::optional<SocketServiceHold> hold;
