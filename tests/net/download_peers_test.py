@@ -155,16 +155,14 @@ class Peers(unittest.TestCase):
             ("larger header", largest.replace(b"X: ", b"X:  "), FAILED, FAILED, too_large),
             ("endless header", endless(b"X: " + b"y" * 60_000 + b"\r\n"), FAILED, FAILED, too_large),
             ("empty address", redirect(""), FAILED, FAILED, 'HTTP/1.1 302 Found, a text came instead: "gone"'),
-            *((f"led into a request {i}", redirect(where), FAILED, FAILED,
-               "HTTP/1.1 302 Found, the server redirects to an address with a control character in it")
-              for i, where in enumerate(("http://h/\nX: y", "http://h/\rX: y", "http://h/a\tb", "http://h/\x7f"))),
+            ("led into a request", redirect("http://h/\nX: y"), FAILED, FAILED,
+             "HTTP/1.1 302 Found, the server redirects to an address with a control character in it"),
         ])
 
     def test_cut_and_reset_anywhere(self):
-        whole = HEAD + BODY
-        offsets = [0, 1, 8, len(HEAD) // 2, *range(len(HEAD) - 4, len(HEAD) + 2)]
-        offsets += range(len(HEAD) + 400, len(whole) - 1, (len(BODY) - 400) // 9)
-        offsets += [len(whole) - 1, len(whole)]
+        whole, begun = HEAD + BODY, len(HEAD)
+        offsets = [0, 1, 8, begun // 2, *range(begun - 4, begun + 2),
+                   *range(begun + 400, len(whole) - 1, (len(BODY) - 400) // 9), len(whole) - 1, len(whole)]
         self.assertGreaterEqual(len(offsets), 20)
 
         def script(connection, url):
@@ -176,27 +174,23 @@ class Peers(unittest.TestCase):
 
         _, proxy = self.serve(script)
         self.target.write_bytes(OLD)
-        downloads = [(crc, f"http://h/{offset}-{kind}") for offset in offsets
+        downloads = [(offset - begun, crc, f"http://h/{offset}-{kind}") for offset in offsets
                      for kind in ("cut", "reset") for crc in (CRC, None)]
-        for (crc, url), (result, size, partial, why) in zip(
-                downloads, self.run_sessions(proxy, downloads)):
-            came = int(url[9:].split("-")[0]) - len(HEAD)
+        # Nothing has no checksum, not even that of nothing.
+        downloads.append((0, "0", f"http://h/{begun}-cut"))
+        told = self.run_sessions(proxy, [download[1:] for download in downloads])
+        standing = str(len(OLD))
+        for (came, crc, url), (result, size, partial, why) in zip(downloads, told):
             with self.subTest(url, crc=crc):
                 expected = FAILED if came < 0 or crc is None and came < len(BODY) else \
                     DONE if came == len(BODY) else CRC_DIFFERS
-                self.assertEqual(result, expected)
-                if result == DONE:
-                    self.target.write_bytes(OLD)
-                    continue
-                self.assertEqual(size, str(len(OLD)))
-                self.assertTrue(came < 0 or partial == str(came), partial)
+                standing = size if expected == DONE else standing
+                self.assertEqual((result, size), (expected, standing))
+                self.assertTrue(came < 0 or partial == ("none" if result == DONE else str(came)), partial)
                 # Wine reports a reset as if it were an ordinary end.
                 self.assertRegex(why, "connection reset by peer|" + (
-                    f"{came:,} of 4,096 bytes came$" if came >= 0 else
-                    "closed without an answer$" if came == -len(HEAD) else "no HTTP header, a text"))
-        # Nothing has no checksum, not even that of nothing.
-        (result, *_), = self.run_sessions(proxy, [("0", f"http://h/{len(HEAD)}-cut")])
-        self.assertEqual(result, CRC_DIFFERS)
+                    "^$" if result == DONE else f"{came:,} of 4,096 bytes came$" if came >= 0 else
+                    "closed without an answer$" if came == -begun else "no HTTP header, a text"))
 
     def test_silence_in_every_state_ends_when_the_time_is_up(self):
         silent = "no data for 1 s"
