@@ -75,8 +75,8 @@ struct Pair {
     }
 };
 
-struct CheckNothingLeft {
-    ~CheckNothingLeft() {
+struct NothingLeft {
+    ~NothingLeft() {
         const SocketCounts counts = CountSockets();
         CHECK(counts.objects + counts.sockets + counts.accepted + counts.lookups == 0);
         CHECK(counts.window == nullptr);
@@ -94,8 +94,7 @@ std::string FailureText(const std::function<void()>& action) {
 
 } // namespace
 
-TEST_CASE("connect, talk, look at what waits, close: states, events, properties") {
-    const CheckNothingLeft after;
+TEST_CASE_FIXTURE(NothingLeft, "connect, talk, look at what waits, close") {
     Pair pair;
     CHECK(pair.client.log == "c");
     CHECK(pair.client.socket->RemoteHostIP() == kLocal);
@@ -129,8 +128,7 @@ TEST_CASE("connect, talk, look at what waits, close: states, events, properties"
     CHECK_FALSE(pair.server.Saw('x'));
 }
 
-TEST_CASE("what must not be done is refused with number, source and text, and changes nothing") {
-    const CheckNothingLeft after;
+TEST_CASE_FIXTURE(NothingLeft, "what must not be done is refused and changes nothing") {
     Pair pair;
     Peer closed;
     SocketValue data;
@@ -170,8 +168,7 @@ TEST_CASE("what must not be done is refused with number, source and text, and ch
     CHECK(FailureText([&] { idle.Listen(); }) == "40020 clsSocketMaster.Listen" + invalidState);
 }
 
-TEST_CASE("after a failure to connect the object can be used again") {
-    const CheckNothingLeft after;
+TEST_CASE_FIXTURE(NothingLeft, "after a failure to connect the object can be used again") {
     Peer peer;
     for (const std::string& host : {kLocal, std::string(300, 'a'), std::string("a\0b", 3)}) {
         peer.log.clear();
@@ -192,8 +189,7 @@ TEST_CASE("after a failure to connect the object can be used again") {
     CHECK(PumpUntil([&] { return peer.Is(SocketState::sckConnected) && second.Saw('c'); }));
 }
 
-TEST_CASE("a look-up given up answers nobody") {
-    const CheckNothingLeft after;
+TEST_CASE_FIXTURE(NothingLeft, "a look-up given up answers nobody") {
     Peer keepsWindow, peer;
     keepsWindow.socket->Listen();
     for (const bool windowStays : {true, false}) {
@@ -208,8 +204,7 @@ TEST_CASE("a look-up given up answers nobody") {
     }
 }
 
-TEST_CASE("more than the system takes goes out in pieces, what is sent meanwhile behind it") {
-    const CheckNothingLeft after;
+TEST_CASE_FIXTURE(NothingLeft, "what the system does not take at once goes out in pieces") {
     Pair pair;
     std::string big(9'000'000, '\0');
     for (std::size_t i = 0; i < big.size(); ++i)
@@ -227,8 +222,7 @@ TEST_CASE("more than the system takes goes out in pieces, what is sent meanwhile
     CHECK(pair.server.log.ends_with("pps")); // one completion, after several pieces
 }
 
-TEST_CASE("an unclaimed connection is closed") {
-    const CheckNothingLeft after;
+TEST_CASE_FIXTURE(NothingLeft, "an unclaimed connection is closed") {
     Peer listener, client;
     listener.socket->Listen();
     client.socket->Connect(kLocal, listener.socket->LocalPort());
@@ -237,8 +231,7 @@ TEST_CASE("an unclaimed connection is closed") {
     CHECK(CountSockets().accepted == 0);
 }
 
-TEST_CASE("datagrams") {
-    const CheckNothingLeft after;
+TEST_CASE_FIXTURE(NothingLeft, "datagrams") {
     Peer left, right;
     for (Peer* peer : {&left, &right})
         peer->socket->SetProtocol(SocketProtocol::UDP);
@@ -270,8 +263,7 @@ TEST_CASE("datagrams") {
     CHECK(left.error.source == "clsSocketMaster.SendBufferedData");
 }
 
-TEST_CASE("in every event the handler may close, reconnect or destroy its socket") {
-    const CheckNothingLeft after;
+TEST_CASE_FIXTURE(NothingLeft, "in every event a socket may be closed, reused and destroyed") {
     enum Action { Close, CloseAndReuse, Destroy };
     for (const char event : {'c', 'd', 'x', 'e', 'p', 's', 'r'}) {
         for (const Action action : {Close, CloseAndReuse, Destroy}) {
@@ -319,8 +311,7 @@ TEST_CASE("in every event the handler may close, reconnect or destroy its socket
     }
 }
 
-TEST_CASE("bytes overtaken by the notice of the close are delivered first") {
-    const CheckNothingLeft after;
+TEST_CASE_FIXTURE(NothingLeft, "bytes overtaken by the notice of the close are delivered first") {
     const std::string bytes(700'000, 'b');
     for (const char action : {'n', 'c', 'd'}) { // nothing, close, destroy
         CAPTURE(action);
@@ -344,8 +335,7 @@ TEST_CASE("bytes overtaken by the notice of the close are delivered first") {
     }
 }
 
-TEST_CASE("a notification for a closed socket does not reach the next one with its number") {
-    const CheckNothingLeft after;
+TEST_CASE_FIXTURE(NothingLeft, "no notification reaches the next socket with its number") {
     Pair pair;
     const std::uintptr_t number = pair.client.socket->SocketHandle();
     const LPARAM reset = WSAMAKESELECTREPLY(FD_CLOSE, WSAECONNRESET);
