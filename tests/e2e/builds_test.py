@@ -37,8 +37,9 @@ def wants(systems, packs):
     return ("[VeskBuilder]", f"OSType={systems}", f"SP={packs}")
 
 
-def script(*lines):
-    return "\r\n".join(lines) + "\r\n"
+def script(name):
+    """They differ in what they write, and in which headings end a section."""
+    return (TOP / f"tests/data/builds/{name}.script").read_text().replace("\n", "\r\n")
 
 
 class Builds(ProgramTest):
@@ -100,10 +101,10 @@ class Builds(ProgramTest):
         base = [
             ("PE Builder", 1, 1, *self.full_pe_builder()),
             ("Cabinet", 1, 0, *self.archive(
-                "cabinet.cab", Member("a.script", FIRST_SCRIPT), Member("b.script", SECOND_SCRIPT),
+                "cabinet.cab", Member("a.script", script("first")), Member("b.script", script("second")),
                 Member("vesk.ico", "icon", SUMMER, 0x01), Member("sub\\w.dat", "w", WINTER, 0x26))),
             ("Unticked", 0, 0, *self.archive("unticked.zip", Member("unticked.dat", "u"))),
-            ("Scripted", 1, 0, *self.archive("scripted.zip", Member("deep/er/c.script", LAST_SCRIPT))),
+            ("Scripted", 1, 0, *self.archive("scripted.zip", Member("deep/er/c.script", script("last")))),
             ("Absent", 1, 0, "absent.zip", "1"),
             ("Other sum", 1, 0, self.archive("sum.zip", Member("sum.dat", "s"))[0], "ABCDEF")]
         plugins = [
@@ -183,7 +184,7 @@ class Builds(ProgramTest):
     def test_what_is_not_done(self):
         """Archives that cannot be extracted whole, texts in UTF-16, values that are too long, digests that
         differ: each is told once, by the build and, where it is in an archive, by the check."""
-        good, script_text = inf("Good"), script("[base]", "dirmake,%ProgramPath%\\made")
+        good, script_text = inf("Good"), "[base]\r\ndirmake,%ProgramPath%\\made\r\n"
         marked = ("\ufeff" + inf("Marked", *menu("t.xml"))).encode("utf-16-le")
         plain = inf("Plain", *wants("0", "1")).encode("utf-16-le")
         base = [("PE Builder", 1, 1, *self.archive(
@@ -209,25 +210,6 @@ class Builds(ProgramTest):
         self.write_entries(base, [("100", name, 1, 0, name, crc) for name, crc in archives])
         self.build_and_compare("what_is_not_done", *self.to_tree, then=["--check"])
 
-
-# It differs from the second in what it writes; "[ab]" is too short to end a section.
-FIRST_SCRIPT = script(
-    "[Other]", "dirmake,%ProgramPath%\\never", "[BASE]",
-    "regwrite,HKCU,0x0,Software\\Vesk Builder Test",
-    'regwrite,HKCU,0x1,"Software\\Vesk Builder Test", "Tree" ,%ProgramPath%\\plugin',
-    "regwrite, HKCU,0x1,Software\\Vesk Builder Test,Source,%SourcePath%\\i386",
-    "regwrite,HKCU,0x2,Software\\Vesk Builder Test,Expandable,%TEMP%",
-    "regwrite,HKCU,0x3,Software\\Vesk Builder Test,Binary,1",
-    "regwrite,HKCU,0x4,Software\\Vesk Builder Test,Decimal,16",
-    "REGWRITE,HKCU,0x4,Software\\Vesk Builder Test,Cut,0x15",
-    "regwrite,HKCU,0x1,Software\\Vesk Builder Test,Pair,a, b ",
-    "regwrite,HKCU,0x1,Software\\Vesk Builder Test,Three,a,b,c",
-    "dirmove,a,b", "dircopy,a,b", "dirdelete,a", "no command", "[ab]",
-    "dirmake,%ProgramPath%\\made", "[end]", "dirmake,%ProgramPath%\\never")
-SECOND_SCRIPT = script(
-    "[base]", "dirmake, \"%ProgramPath%\\second\" ,x", "regwrite,HKLM,0x1,No such key,Name,refused",
-    "regwrite,HKCU,0x7,Software\\Vesk Builder Test,List,a", "dirmake,%ProgramPath%\\never")
-LAST_SCRIPT = script("[base]", "dirmake,%ProgramPath%\\third", "[end]", "[plugins]", "x")
 
 STAMPED = [
     Member("times/summer.dat", "s", SUMMER), Member("times/winter.dat", "w", WINTER),
