@@ -60,7 +60,8 @@ class Console(SaidTest):
 
     def test_check(self):
         self.run_program("--check")
-        self.write_entries([self.pe_builder()], [("100", "Two", 1, 0, *self.archive("two.zip", Member("i", "x")))],
+        two = self.archive("two.zip", Member("i", "x"))
+        self.write_entries([self.pe_builder()], [("100", "Two", 1, 0, *two)],
                            [(key, key + "_x") for key in ("100", "200", "300", "500")])
         self.run_program("--check")
         self.raw("two.zip", b"damaged")

@@ -47,7 +47,8 @@ class Truth(SaidTest):
         """Makes an archive that holds one locked member behind a plain one."""
         for name, text, options in (("plain.inf", INF, []), ("locked.txt", "x", ["-P", "open sesame"])):
             (self.folder / name).write_text(text)
-            subprocess.run(["zip", "-q", *options, self.program / "safe.zip", name], cwd=self.folder, check=True)
+            subprocess.run(["zip", "-q", *options, self.program / "safe.zip", name],
+                           cwd=self.folder, check=True)
         return self.raw("safe.zip"), self.tree / "Plugin/100_tools/safe/locked.txt"
 
     def test_passwords(self):

@@ -22,6 +22,7 @@ CRC_DIFFERS, DONE, FAILED = 0, 1, 2
 BODY = bytes(range(256)) * 16
 CRC = f"{zlib.crc32(BODY):X}"
 HEAD = answer(BODY)[:-len(BODY)]
+NOT_FOUND = answer(b"", status="HTTP/1.1 404 Not Found")
 OLD = b"the archive that was there before"
 
 
@@ -109,8 +110,8 @@ class Peers(unittest.TestCase):
         _, proxy = self.serve(script)
         self.target.write_bytes(OLD)
         standing = str(len(OLD))
-        told = iter(self.run_sessions(proxy, [(crc, "http://h/" + name) for name in rows for crc in (CRC, None)],
-                                  timeout))
+        downloads = [(crc, "http://h/" + name) for name in rows for crc in (CRC, None)]
+        told = iter(self.run_sessions(proxy, downloads, timeout))
         by = "proxy " + proxy.replace(":", " port ") + ": "
         for name, _, with_crc, without, *reasons in table:
             for expected, reason in ((with_crc, reasons[0]), (without, reasons[-1])):
@@ -149,8 +150,7 @@ class Peers(unittest.TestCase):
              f"CRC differs, expected {CRC}, found 134FD3C3, a page came instead: \"Log in first\"", ""),
             ("error page", answer(b"<p>Too busy", status="HTTP/1.1 503 Busy"), FAILED, FAILED,
              'HTTP/1.1 503 Busy, a page came instead: "Too busy"'),
-            ("not found", answer(b"", status="HTTP/1.1 404 Not Found"), FAILED, FAILED,
-             "HTTP/1.1 404 Not Found"),
+            ("not found", NOT_FOUND, FAILED, FAILED, "HTTP/1.1 404 Not Found"),
             ("largest header", largest, DONE, DONE, ""),
             ("larger header", largest.replace(b"X: ", b"X:  "), FAILED, FAILED, too_large),
             ("endless header", endless(b"X: " + b"y" * 60_000 + b"\r\n"), FAILED, FAILED, too_large),
@@ -222,7 +222,7 @@ class Peers(unittest.TestCase):
     def test_of_three_addresses_the_reasons_of_all_are_told(self):
         scripts = {"silent": silent_after(b""), "half": silent_after(HEAD + BODY[:512]),
                    "good": lambda c: c.sendall(answer(BODY)),
-                   "none": lambda c: c.sendall(answer(b"", status="HTTP/1.1 404 Not Found"))}
+                   "none": lambda c: c.sendall(NOT_FOUND)}
         _, proxy = self.serve(lambda c, url: scripts[url.rsplit("/", 1)[1]](c))
         missing = f" through proxy {proxy.replace(':', ' port ')}: HTTP/1.1 404 Not Found"
         self.assertEqual([(result, why) for result, _, _, why in self.run_sessions(proxy, [
@@ -298,7 +298,7 @@ class Peers(unittest.TestCase):
 
     def test_handlers_may_cancel_restart_and_destroy_in_every_event(self):
         for event in ("starting", "data", "completed", "error"):
-            page = answer(b"", status="HTTP/1.1 404 Not Found") if event == "error" else answer(b"b" * 3_000_000)
+            page = NOT_FOUND if event == "error" else answer(b"b" * 3_000_000)
             _, proxy = self.serve(lambda c, _, page=page: c.sendall(page))
             for action in ("cancel", "restart", "destroy"):
                 with self.subTest(f"{action} in {event}"):
@@ -322,8 +322,8 @@ class Peers(unittest.TestCase):
         if nginx.direct:
             routes += [("direct", "http://" + nginx.direct_host)]
         for proxy, url in routes:
-            rows = self.run_sessions(proxy, [(f"{zlib.crc32(content):X}", url + "/small.bin"), ("-", url + "/none"),
-                                         ("-", url + "/secret")])
+            rows = self.run_sessions(proxy, [(f"{zlib.crc32(content):X}", url + "/small.bin"),
+                                             ("-", url + "/none"), ("-", url + "/secret")])
             self.assertEqual([row[:2] for row in rows], [(DONE, "300000"), *[(FAILED, "300000")] * 2])
             self.assertEqual([row[3][-12:] for row in rows[1:]], ["04 Not Found", "Unauthorized"])
 
