@@ -4,7 +4,7 @@
 #
 # delayed::NAME is NAME.dll with the functions that cmake/delayed/NAME.def lists; one that is not
 # listed there is linked in the ordinary way and has the library loaded at the start again, which
-# e2e.imports notices.
+# e2e.loading notices.
 if(NOT WIN32)
     return()
 endif()

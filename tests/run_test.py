@@ -26,7 +26,7 @@ def add_skip(result, test, reason, plain=unittest.TestResult.addSkip):
 if __name__ == "__main__":
     unittest.TestResult.startTest, unittest.TestResult.addSkip = start_test, add_skip
     sys.argv = sys.argv[1:]
-    sys.path[0] = sys.argv[0].rpartition("/")[0]
+    sys.path.insert(0, sys.argv[0].rpartition("/")[0])  # before that of tests/ itself
     try:
         runpy.run_path(sys.argv[0], run_name="__main__")
     except SystemExit as end:

@@ -16,7 +16,8 @@ import struct
 import subprocess
 import zlib
 
-from program import WINE, windows_path
+from fixtures import windows_path
+from program import WINE
 
 TEXTS = (".inf", ".ini", ".txt", ".cmd", ".script")
 LONG = 30  # lines
@@ -49,7 +50,8 @@ def tree_lines(folder, windows_folder, began):
             lines.append(f"{name}\\  {shown}  {flags}")
             continue
         content = path.read_bytes()
-        text = text_lines(content) if path.suffix.lower() in TEXTS else []
+        is_text = path.suffix.lower() in TEXTS and b"\0" not in content
+        text = text_lines(content) if is_text else []
         is_shown = text and (len(text) <= LONG or path.suffix == ".ini")
         size = "" if is_shown else f"  {len(content)} bytes, CRC {zlib.crc32(content):X}"
         lines += [f"{name}  {shown}  {flags}{size}", *(text if is_shown else [])]

@@ -11,27 +11,20 @@ import subprocess
 import sys
 import tempfile
 import unittest
-import zipfile
-import zlib
+
+sys.path.append(str(pathlib.Path(__file__).resolve().parents[1]))
+from fixtures import TOP, Member, compare, crc_of, windows_path, write_archive  # noqa: E402
 
 PROGRAMS = pathlib.Path(sys.argv[1])
 WINE = sys.argv[2:]
-TOP = pathlib.Path(__file__).resolve().parents[2]
+INF = "[PEBuilder]\r\nName=Tool\r\nEnable=1\r\n"
 
-DATE = re.compile(r"\[\d+/\d+/\d{4} \d+:\d\d:\d\d [AP]M\]")
-
-
-def windows_path(path):
-    return "Z:" + str(path).replace("/", "\\")
-
-
-def zip_bytes(path, members):
-    """Writes a ZIP archive of names and texts; returns its checksum as catalogues hold it."""
-    with zipfile.ZipFile(path, "w", zipfile.ZIP_DEFLATED) as archive:
-        for name, text in members.items():
-            archive.writestr(zipfile.ZipInfo(name, (2006, 5, 4, 3, 2, 2)), text)
-    return f"{zlib.crc32(path.read_bytes()):X}"
-
+CHANGING = (  # what of a line depends on the day, the machine or the version
+    (r"\[\d+/\d+/\d{4} \d+:\d\d:\d\d [AP]M\]", "[{DATE}]"),
+    (r"C:\\users\\[^\\]+\\Desktop", "{DESKTOP}"),
+    (r"\b(Vesk Builder v)[\d.]+", r"\1{VERSION}"),
+    (r"process \d+", "process {NUMBER}"),
+)
 
 def link_drive(test, folder):
     """Gives a test a drive that is the folder. Another test may take a letter at the same time."""
@@ -59,13 +52,19 @@ class ProgramTest(unittest.TestCase):
         shutil.copy(PROGRAMS / "veskbuild.exe", self.program)
         (self.program / "readme.txt").write_text("read me")
         self.tree = self.folder / "tree"
+        self.to_tree = ("--install", windows_path(self.tree))
         self.said = "none"
+        self.transcript = []
 
-    def run_program(self, *arguments, stdin=subprocess.DEVNULL, cwd=None, zone=None):
+    def command(self, *arguments):
+        return [*WINE, str(self.program / "veskbuild.exe"), *arguments]
+
+    def run_program(self, *arguments, cwd=None, zone=None):
+        """Returns exit code, lines of the output, and the error output."""
         environment = dict(os.environ, TZ=zone) if zone else None
         start = lambda: subprocess.run(
-            [*WINE, str(self.program / "veskbuild.exe"), *arguments], env=environment,
-            stdin=stdin, capture_output=True, timeout=60, encoding="cp1252", cwd=cwd)
+            self.command(*arguments), env=environment, stdin=subprocess.DEVNULL, capture_output=True,
+            timeout=60, encoding="cp1252", cwd=cwd)
         result = start()
         # On a busy machine Wine's server ends a process now and then, with 1 and without a word. The
         # program says something whenever it returns 1, and if it did not it would do so again.
@@ -76,7 +75,17 @@ class ProgramTest(unittest.TestCase):
         errors = [line for line in result.stderr.splitlines(True) if not line.startswith("wine: ")]
         self.said = (f"arguments {arguments}\nexit code {result.returncode}\n{result.stderr}"
                      f"--- log\n{result.stdout}")
-        return result.returncode, result.stdout.splitlines(), "".join(errors)
+        lines = result.stdout.splitlines()
+        self.note(result.returncode, lines, "".join(errors), *arguments)
+        return result.returncode, lines, "".join(errors)
+
+    def note(self, code, lines, errors, *arguments):
+        """Adds a run to the transcript; of a build's log only what is worth a word."""
+        if lines[-1:] == ["click 'Finish' to exit"]:
+            lines = [line for line in lines if re.match("Warning|ERROR|Downl|Abort|Done|Source|click", line)]
+        told = ["$ " + " ".join(arguments), *("  " + line for line in lines),
+                *("! " + line for line in errors.splitlines()), f"= {code}"]
+        self.transcript += map(self.normalised, told)
 
     def _formatMessage(self, msg, standard):
         """Every failed assertion shows what the last run said."""
@@ -84,16 +93,20 @@ class ProgramTest(unittest.TestCase):
 
     def build(self, *arguments):
         """A run into the tree; returns exit code, normalised log lines and the error output."""
-        code, lines, errors = self.run_program("--install", windows_path(self.tree), *arguments)
+        self.to_tree = ("--install", windows_path(self.tree))
+        code, lines, errors = self.run_program(*self.to_tree, *arguments)
         return code, [self.normalised(line) for line in lines], errors
 
     def normalised(self, line):
-        line = line.replace(windows_path(self.program), "{PROGRAM}")
-        line = line.replace(windows_path(self.tree), "{TREE}")
-        line = line.replace(windows_path(self.folder), "{FOLDER}")
-        line = re.sub(r"C:\\users\\[^\\]+\\Desktop", "{DESKTOP}", line)
-        line = re.sub(r"^(Vesk Builder v)[\d.]+ ----", r"\1{VERSION} ----", line)
-        return DATE.sub("[{DATE}]", line)
+        for name in ("program", "tree", "folder"):
+            line = line.replace(windows_path(getattr(self, name)), "{" + name.upper() + "}")
+        for changing, word in CHANGING:
+            line = re.sub(changing, word, line)
+        return line
+
+    def archive(self, name, *members):
+        """Makes an archive in the program folder. Returns its name and checksum."""
+        return name, write_archive(self.program / name, *members)
 
     def write_catalogue(self, base, plugins=(), categories=(("100", "100_tools"),),
                         install=("VeskLive", 0), show_categories=-1):
@@ -111,14 +124,37 @@ class ProgramTest(unittest.TestCase):
         (self.program / "veskbuilder.ini").write_text("\r\n".join(lines) + "\r\n", "cp1252",
                                                        newline="")
 
+    def raw(self, name, content=None):
+        """The same of an archive that is there, or of these bytes."""
+        if content is not None:
+            (self.program / name).write_bytes(content)
+        return name, crc_of(self.program / name)
+
+    def write_entries(self, base, plugins=(), *options, **more):
+        """Entries are (name, ticked, locked, archive, checksum), of plug-ins with the category first."""
+        self.write_catalogue(
+            [(name, file, "", on, lock, "", crc) for name, on, lock, file, crc in base],
+            [(name, file, cat, on, lock, "", crc) for cat, name, on, lock, file, crc in plugins],
+            *options, **more)
+
+    def pe_builder(self, *members):
+        """The one base component that a catalogue needs."""
+        archive = self.archive("pebuilder3110a.zip", Member("pebuilder.exe", "x"), *members)
+        return ("PE Builder", 1, 1, *archive)
+
     def write_small_catalogue(self):
         """One base component and two plug-ins, the second locked and unticked."""
-        crc = zip_bytes(self.program / "pebuilder3110a.zip", {"pebuilder.exe": "x"})
-        one = zip_bytes(self.program / "one.zip", {"one.inf": "[PEBuilder]\r\nName=One\r\n"})
-        self.write_catalogue(
-            [("PE Builder", "pebuilder3110a.zip", "", 1, 1, "", crc)],
-            [("One", "one.zip", "100", 1, 0, "", one),
-             ("Locked", "locked.zip", "100", 0, 1, "", "1")])
+        one = self.archive("one.zip", Member("one.inf", "[PEBuilder]\r\nName=One\r\n"))
+        self.write_entries([self.pe_builder()],
+                           [("100", "One", 1, 0, *one), ("100", "Locked", 0, 1, "locked.zip", "1")])
+
+
+class SaidTest(ProgramTest):
+    """Compares what all runs of a test say and return with tests/data/said: "$" what was called,
+    "!" the error output, "=" the exit code."""
+
+    def tearDown(self):
+        compare(self, f"said/{self._testMethodName.removeprefix('test_')}.txt", self.transcript)
 
 
 class SampleTest(ProgramTest):

@@ -46,39 +46,25 @@ import unittest
 
 ENGINE_TESTS = sys.argv.pop(2)
 
-from archives import Member, write_cab, write_zip
-from program import WINE, ProgramTest, contents_below
+from program import INF, WINE, Member, SaidTest, contents_below
 
-INF = "[PEBuilder]\r\nName=Tool\r\nEnable=1\r\n[VeskBuilder]\r\nOSType=9\r\nSP=9\r\n"
+OTHER_SYSTEM = INF + "[VeskBuilder]\r\nOSType=9\r\nSP=9\r\n"
 READ_ONLY = 0x21
 
 
-class User(ProgramTest):
-    def write(self, base, plugins=()):
-        self.write_catalogue(
-            [("Base", name, "", 1, 1, "", crc) for name, crc in base],
-            [(name, name, "100", 1, 0, "", crc) for name, crc in plugins])
-
-    def archive(self, name, *members):
-        write = write_cab if name.endswith(".cab") else write_zip
-        return name, write(self.program / name, members)
-
-    def pe_builder(self, *members):
-        return self.archive("pebuilder3110a.zip", Member("pebuilder.exe", "x"), *members)
-
+class User(SaidTest):
     def test_files_that_archives_store_read_only(self):
         """They are edited, written over, and removed with an old tree, and nothing is reported."""
-        over = [Member("old.dat", "new", attributes=READ_ONLY)]
-        base = [self.pe_builder(Member("old.dat", "old", attributes=READ_ONLY),
-                                Member("input.inf", "[input]\r\nverify=0\r\n", attributes=READ_ONLY),
-                                Member("plugin/a43/x", "x", attributes=READ_ONLY)),
-                self.archive("over.zip", *over), self.archive("over.cab", *over)]
-        plugins = [self.archive(name, Member("x.inf", INF, attributes=READ_ONLY))
-                   for name in ("one.zip", "two.cab")]
-        self.write(base, plugins)
+        read_only = lambda name, text: Member(name, text, attributes=READ_ONLY)
+        over = read_only("old.dat", "new")
+        self.write_entries(
+            [self.pe_builder(read_only("old.dat", "old"), read_only("plugin/a43/x", "x"),
+                             read_only("input.inf", "[input]\r\nverify=0\r\n")),
+             *((name, 1, 1, *self.archive(name, over)) for name in ("over.zip", "over.cab"))],
+            [("100", name, 1, 0, *self.archive(name, read_only("x.inf", OTHER_SYSTEM)))
+             for name in ("one.zip", "two.cab")])
         for arguments in ([], ["--yes"]):
-            code, _, errors = self.build(*arguments)
-            self.assertEqual((code, errors), (0, ""))
+            self.build(*arguments)
             files = contents_below(self.tree)
             self.assertEqual(files["old.dat"], b"new")
             self.assertIn(b"verify=1", files["input.inf"])
@@ -89,29 +75,22 @@ class User(ProgramTest):
                 self.assertIn(b"Enable=0", inf)
 
     def test_what_may_not_be_read(self):
-        self.write([self.pe_builder()], [self.archive("one.zip", Member("x.inf", INF))])
+        self.write_entries([self.pe_builder()], [
+            ("100", "One", 1, 0, *self.archive("one.zip", Member("x.inf", INF)))])
         (self.program / "one.zip").chmod(0)
-        code, lines, errors = self.build()
-        self.assertEqual(code, 1)
-        self.assertIn("Warning: one.zip CRC failed. !!!", lines)
-        self.assertRegex(errors, r"^veskbuild: one.zip: not installed, .*access denied")
+        self.build()
         (self.program / "veskbuilder.ini").chmod(0)
-        code, lines, errors = self.build("--yes")
-        self.assertEqual((code, lines), (64, []))
-        self.assertIn("access denied", errors)
+        self.build("--yes")
         self.assertTrue((self.tree / "pebuilder.exe").exists())
 
     def test_what_may_not_be_written(self):
-        self.write([self.pe_builder()])
+        self.write_entries([self.pe_builder()])
         self.tree = self.folder / "locked/tree"
         self.tree.parent.mkdir()
         self.tree.parent.chmod(0o500)
         self.program.chmod(0o500)
         self.addCleanup(self.program.chmod, 0o700)
-        code, _, errors = self.build()
-        self.assertNotEqual(code, 0)
-        self.assertIn("access denied", errors)
-        self.assertIn("veskbuider.log: not saved, access denied", errors)
+        self.build()
         self.assertFalse(self.tree.exists())
 
     def test_the_engine(self):
@@ -124,4 +103,4 @@ class User(ProgramTest):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1])
+    unittest.main(argv=["user_test.py"])

@@ -10,17 +10,17 @@ function is drawn: the first, the last or one between.
 """
 
 import argparse
+import collections
+import concurrent.futures
 import dataclasses
 import os
 import pathlib
-import queue
 import random
 import re
 import shutil
 import subprocess
 import sys
 import tempfile
-import threading
 
 from sample import Sample, picture, serve, windows_path
 
@@ -53,22 +53,25 @@ class Run:
     reasons: dict = dataclasses.field(default_factory=dict)
     places: dict = dataclasses.field(default_factory=dict)
     open: dict = dataclasses.field(default_factory=dict)
-    values: list = dataclasses.field(default_factory=list)
+    registry: int = 0  # a mark of what was written there
 
     def read(self, report):
         for line in report.read_text("cp1252").splitlines():
-            kind, rest = line.split(" ", 1)
-            if kind == "value":
-                self.values.append(rest)
-                continue
-            name, *numbers = re.match(r"(.*?)((?: -?\d+)+)$", rest).group(1, 2)
-            numbers = [int(number) for number in numbers[0].split()]
+            kind, name, *numbers = line.split("\t")
+            numbers = [int(number) for number in numbers]
             if kind == "call":
                 self.calls[name], self.reasons[name] = numbers[0], numbers[1:]
             elif kind == "open":
                 self.open[name] = numbers[0]
-            else:
+            elif kind == "place":
                 self.places.setdefault(name, []).append(numbers[0])
+            else:
+                self.registry = numbers[0]
+
+    def differing(self, other):
+        """Names of what two runs made differently."""
+        return sorted(name for name in self.made.keys() | other.made.keys()
+                      if self.made.get(name) != other.made.get(name))
 
 
 class Builder:
@@ -90,14 +93,14 @@ class Builder:
         self.server.stdout.close()
         self.server.wait()
 
-    def build(self, fault, *arguments, **options):
+    def build(self, fault, **options):
         """As build_once. On a busy machine Wine ends a process now and then before it has begun, with 1
         and without a word, or loses its exit code; the program would do so again."""
-        run = self.build_once(fault, *arguments, **options)
+        run = self.build_once(fault, **options)
         if (run.code == 1 and not (run.lines or run.errors or run.calls)) or (
                 run.code == 0 and run.errors):
             print("left out: a run that Wine ended", file=sys.stderr)
-            run = self.build_once(fault, *arguments, **options)
+            run = self.build_once(fault, **options)
         return run
 
     def build_once(self, fault, places=False, fresh=True, after=None):
@@ -107,29 +110,28 @@ class Builder:
         report.unlink(missing_ok=True)
         if fresh:
             self.sample.fill(self.run_folder, self.program)
-        environment = dict(
-            os.environ, VESK_FAIL_CALL=fault.call, VESK_FAIL_AT=str(fault.number),
-            VESK_FAIL_WITH=str(fault.reason), VESK_FAIL_ON=str(int(fault.on)),
-            VESK_FAIL_REPORT=windows_path(report), VESK_FAIL_KEY=self.key,
-            VESK_FAIL_SHELL=windows_path(self.run_folder / "shell"),
-            VESK_FAIL_PLACES=str(int(places)))
-        process = subprocess.Popen(
-            [*self.wine, str(self.run_folder / "program/veskbuild.exe"), *self.arguments],
-            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
-            env=environment)
+        told = {"CALL": fault.call, "AT": fault.number, "WITH": fault.reason, "ON": int(fault.on),
+                "REPORT": windows_path(report), "KEY": self.key, "PLACES": int(places),
+                "SHELL": windows_path(self.run_folder / "shell")}
         try:
-            output, errors = process.communicate(timeout=60 if after is None else after)
-            code = process.returncode
+            done = subprocess.run(
+                [*self.wine, str(self.run_folder / "program/veskbuild.exe"), *self.arguments], check=False,
+                stdin=subprocess.DEVNULL, capture_output=True, timeout=60 if after is None else after,
+                env=os.environ | {f"VESK_FAIL_{name}": str(value) for name, value in told.items()})
         except subprocess.TimeoutExpired:
-            process.kill()
-            output, errors = process.communicate()
-            code = None
-        errors = "".join(line for line in errors.decode("cp1252").splitlines(True)
+            done = subprocess.CompletedProcess((), None, b"", b"")
+        errors = "".join(line for line in done.stderr.decode("cp1252").splitlines(True)
                          if line.startswith("veskbuild:"))
-        run = Run(code, output.decode("cp1252").splitlines(), errors, picture(self.run_folder))
+        run = Run(done.returncode, done.stdout.decode("cp1252").splitlines(), errors,
+                  picture(self.run_folder))
         if report.exists():
             run.read(report)
         return run
+
+    def half_archives(self):
+        """What stands half under an archive's name in the program folder."""
+        return [f"half an archive: {name}" for name, content in self.sample.archives.items()
+                if (path := self.run_folder / "program" / name).exists() and path.read_bytes() != content]
 
     def judge(self, fault, run):
         """What is wrong with a run; nothing when the program told the truth."""
@@ -140,9 +142,8 @@ class Builder:
         if not run.calls or run.code not in ENDS + REFUSALS:
             return [f"crash: exit code {run.code}"]
         own = ("program/veskbuider.log", "program/veskbuilder-problems.txt")
-        differing = sorted(name for name in run.made.keys() | self.good.made.keys()
-                           if run.made.get(name) != self.good.made.get(name) and name not in own)
-        if run.values != self.good.values:
+        differing = [name for name in run.differing(self.good) if name not in own]
+        if run.registry != self.good.registry:
             differing.append("registry")
         told = bool(run.errors) or own[1] in run.made or fault.call in PRINTING
         found = []
@@ -154,10 +155,7 @@ class Builder:
             found.append("log: its last line is missing")
         if run.code in ENDS and own[0] not in run.made and "veskbuider.log: not saved" not in run.errors:
             found.append("log: not saved, and not told")
-        for name, content in self.sample.archives.items():
-            path = self.run_folder / "program" / name
-            if path.exists() and path.read_bytes() != content:
-                found.append(f"half an archive: {name}")
+        found += self.half_archives()
         found += [f"left open: {count} {kind}" for kind, count in run.open.items()
                   if count > self.good.open[kind]]
         return found
@@ -194,35 +192,25 @@ class Campaign:
         self.builders = [Builder(self.folder, program, wine, f"w{i}") for i in range(workers)]
         self.good = self.builders[0].good
         self.faults = plan(self.good, how)
-        self.tried, self.whole, self.found = {}, {}, []
+        self.tried, self.whole = collections.Counter(), collections.Counter()
+        self.found = []
 
     def run(self, tell=lambda text: None):
-        waiting = queue.SimpleQueue()
-        for fault in self.faults:
-            waiting.put(fault)
+        waiting = iter(self.faults)
 
         def work(builder):
-            while True:
-                try:
-                    fault = waiting.get_nowait()
-                except queue.Empty:
-                    return
+            for fault in waiting:
                 run = builder.build(fault)
-                wrong = builder.judge(fault, run)
-                self.tried[fault.call] = self.tried.get(fault.call, 0) + 1
-                if sum(self.tried.values()) % 100 == 0:
-                    tell(f"{sum(self.tried.values())} tried")
-                if run.code == 0:
-                    self.whole[fault.call] = self.whole.get(fault.call, 0) + 1
-                for what in wrong:
+                self.tried[fault.call] += 1
+                self.whole[fault.call] += run.code == 0
+                if self.tried.total() % 100 == 0:
+                    tell(f"{self.tried.total()} tried")
+                for what in builder.judge(fault, run):
                     self.found.append((fault, what))
                     tell(f"{fault}: {what}")
 
-        threads = [threading.Thread(target=work, args=(builder,), daemon=True) for builder in self.builders]
-        for thread in threads:
-            thread.start()
-        for thread in threads:
-            thread.join()
+        with concurrent.futures.ThreadPoolExecutor(len(self.builders)) as pool:
+            list(pool.map(work, self.builders))
 
     def close(self):
         for builder in self.builders:
@@ -231,18 +219,13 @@ class Campaign:
 
     def table(self):
         kinds = ("false success", "silent", "crash", "hang", "log", "half an archive", "left open")
-        lines = [f"{'function':32}{'calls':>7}{'tried':>7}{'whole':>7}" +
-                 "".join(f"{kind:>16}" for kind in kinds)]
-        sums = [0] * (3 + len(kinds))
-        for call, tried in self.tried.items():
-            row = [self.good.calls[call], tried, self.whole.get(call, 0)]
-            row += [sum(1 for fault, what in self.found if fault.call == call
-                        and what.startswith(kind)) for kind in kinds]
-            sums = [a + b for a, b in zip(sums, row)]
-            lines.append(f"{call:32}{row[0]:7}{row[1]:7}{row[2]:7}" +
-                         "".join(f"{number:16}" for number in row[3:]))
-        lines.append(f"{'in all':32}{sums[0]:7}{sums[1]:7}{sums[2]:7}" +
-                     "".join(f"{number:16}" for number in sums[3:]))
+        found = collections.Counter((fault.call, kind) for fault, what in self.found
+                                    for kind in kinds if what.startswith(kind))
+        rows = [[self.good.calls[call], tried, self.whole[call], *(found[call, kind] for kind in kinds)]
+                for call, tried in self.tried.items()]
+        lines = ["".join(f"{cell:>16}" for cell in ("calls", "tried", "whole", *kinds, " function"))]
+        lines += ["".join(f"{cell:16}" for cell in row) + f"  {name}" for name, row in
+                  zip([*self.tried, "in all"], [*rows, map(sum, zip(*rows))])]
         silent = [call for call, count in self.good.calls.items() if count == 0]
         lines.append("never called by the sample's build: " + ", ".join(silent))
         return "\n".join(lines)
@@ -268,10 +251,8 @@ def main():
             builder = campaign.builders[0]
             run = builder.build(fault)
             print("\n".join(run.lines), run.errors, run.code, *builder.judge(fault, run), sep="\n")
-            differing = {name: (run.made.get(name), builder.good.made.get(name))
-                         for name in run.made.keys() | builder.good.made.keys()
-                         if run.made.get(name) != builder.good.made.get(name)}
-            print(*differing.items(), sep="\n")
+            print(*((name, run.made.get(name), builder.good.made.get(name))
+                    for name in run.differing(builder.good)), sep="\n")
             return
         if campaign.good.code != 0 or campaign.good.errors:
             sys.exit(f"the build fails without a failure: {campaign.good}")

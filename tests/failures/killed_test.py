@@ -5,39 +5,17 @@ no file stands half under its final name, and the next build ends whole.
     killed_test.py PROGRAM SAVE_TOOL RUNS SEED WINE...
 """
 
-import http.server
 import pathlib
 import random
 import shutil
 import subprocess
 import sys
 import tempfile
-import threading
 import time
 
 from failures import LAST_LINE, Builder, Fault
-from sample import picture, windows_path
-
-
-class Slow(http.server.BaseHTTPRequestHandler):
-    """Sends an archive in pieces, so that many moments lie within a download."""
-    protocol_version = "HTTP/1.1"
-    archives = {}
-
-    def do_GET(self):
-        content = self.archives[self.path.rsplit("/", 1)[-1]]
-        self.send_response(200)
-        self.send_header("Content-Length", str(len(content)))
-        self.end_headers()
-        for start in range(0, len(content), 200):
-            try:
-                self.wfile.write(content[start:start + 200])
-            except OSError:
-                return
-            time.sleep(0.02)
-
-    def log_message(self, *_):
-        pass
+from sample import catalogue_faults, picture, windows_path
+from net.peers import ScriptedServer, answer
 
 
 class Killed:
@@ -46,18 +24,22 @@ class Killed:
         self.save_tool, self.wine, self.draw = save_tool, wine, random.Random(seed)
         self.builder = Builder(self.folder, program, wine, "killed")
         self.builder.stop()
-        Slow.archives = self.builder.sample.archives
-        self.server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Slow)
-        threading.Thread(target=self.server.serve_forever, daemon=True).start()
-        self.builder.arguments[-1] = f"127.0.0.1:{self.server.server_port}"
+        self.server = ScriptedServer(self.send_slowly)
+        self.builder.arguments[-1] = f"127.0.0.1:{self.server.port}"
         start = time.monotonic()
         self.good = self.builder.build(Fault())
         self.length = time.monotonic() - start
         self.unfinished = self.downloading = 0
 
+    def send_slowly(self, connection, url):
+        """An archive in pieces, so that many moments lie within a download."""
+        content = answer(self.builder.sample.archives[url.rsplit("/", 1)[1]])
+        for start in range(0, len(content), 200):
+            connection.sendall(content[start:start + 200])
+            time.sleep(0.02)
+
     def close(self):
-        self.server.shutdown()
-        self.server.server_close()
+        self.server.stop()
         shutil.rmtree(self.folder, ignore_errors=True)
 
     def tree(self, made):
@@ -66,12 +48,8 @@ class Killed:
     def build(self):
         """One build killed and one that goes through. @return what is wrong"""
         killed = self.builder.build(Fault(), after=self.draw.uniform(0, self.length))
-        found = []
+        found = self.builder.half_archives()
         program = self.builder.run_folder / "program"
-        for name, content in self.builder.sample.archives.items():
-            path = program / name
-            if path.exists() and path.read_bytes() != content:
-                found.append(f"half an archive: {name}")
         self.downloading += any(program.glob("*.zip.*"))
         log = program / "veskbuider.log"
         if log.exists() and LAST_LINE not in log.read_text("cp1252"):
@@ -83,9 +61,7 @@ class Killed:
             found.append(f"a tree that is not whole bears no mark: {sorted(tree)[:5]}")
         again = self.builder.build(Fault(), fresh=False)
         if again.code != 0 or again.errors or self.tree(again.made) != self.tree(self.good.made):
-            differing = [name for name in again.made.keys() | self.good.made.keys()
-                         if again.made.get(name) != self.good.made.get(name)]
-            found.append(f"the next build: {again.code} {again.errors} {differing[:5]}")
+            found.append(f"the next build: {again.code} {again.errors} {again.differing(self.good)[:5]}")
         return found
 
     def old_tree(self):
@@ -105,9 +81,7 @@ class Killed:
         time.sleep(self.draw.uniform(0, 0.4))
         process.kill()
         process.wait()
-        text = (place / "veskbuilder.ini").read_text("cp1252")
-        whole = text.rstrip().endswith("500=500_security") and "Name6=Pressed" in text
-        return [] if whole else [f"half a catalogue: {len(text)} characters"]
+        return catalogue_faults(place)
 
 
 def main(program, save_tool, runs, seed, *wine):

@@ -1,158 +1,309 @@
-"""Runs the download tool against real and scripted servers and compares events and files.
-Arguments: the program that runs Windows programs, the download tool."""
+"""Runs whole downloads against real servers and against scripted ones that answer as they should not, and
+compares what became of them, the reasons told, the events and the files.
+Arguments: the program that runs Windows programs, the tool."""
 
 import os
 import pathlib
 import re
+import shutil
+import socket
 import subprocess
 import sys
 import tempfile
 import time
 import unittest
+import zlib
 
-sys.path.insert(0, os.path.dirname(__file__))
-from peers import Nginx, ScriptedServer, Tinyproxy, answer  # noqa: E402
+from fixtures import mount_disk, unmount_disk, windows_path
+from peers import Nginx, ScriptedServer, Tinyproxy, answer, free_port, reset
 
-WINE, TOOL = sys.argv[1:3]
-WORK = pathlib.Path(tempfile.mkdtemp(prefix="vesk-net-"))
-ALL_BYTES = bytes(range(256)) * 40
-CLOSED = "Open objects 0 sockets 0 lookups 0 window 0"
-
-
-def windows(path):
-    return "Z:" + str(path).replace("/", "\\")
-
-
-def download(*arguments, target=None):
-    """Runs the tool. Returns its lines; what is left open is checked and cut off."""
-    target = target or WORK / "target.bin"
-    run = subprocess.run([WINE, TOOL, *map(str, arguments), windows(target)], timeout=100,
-                         stdin=subprocess.DEVNULL, capture_output=True, check=True)
-    lines = run.stdout.decode("latin-1").replace("\r", "").splitlines()
-    for line in lines:
-        if line.startswith("Open "):
-            assert line.startswith(CLOSED), line
-    handles = [line.split()[-1] for line in lines if line.startswith("Open ")]
-    # The first download loads what later ones share; from then on nothing may be added.
-    assert len(set(handles[1:])) <= 1, handles
-    return [line for line in lines if not line.startswith("Open ")]
+WINE, TOOL = sys.argv[1:]
+CRC_DIFFERS, DONE, FAILED = 0, 1, 2
+BODY = bytes(range(256)) * 16
+CRC = f"{zlib.crc32(BODY):X}"
+HEAD = answer(BODY)[:-len(BODY)]
+NOT_FOUND = answer(b"", status="HTTP/1.1 404 Not Found")
+OLD = b"the archive that was there before"
 
 
-class ScriptedAnswers(unittest.TestCase):
+def redirect(where):
+    return answer(b"gone", "LOCATION: " + where, status="HTTP/1.1 302 Found")
+
+
+def silent_after(text):
+    def script(connection):
+        connection.sendall(text)
+        connection.recv(1)
+    return script
+
+
+def endless(text, pause=0.0):
+    def script(connection):
+        connection.sendall(b"HTTP/1.1 200 OK\r\n")
+        while True:
+            connection.sendall(text)
+            time.sleep(pause)
+    return script
+
+
+def byte_by_byte(connection):
+    for byte in HEAD + BODY[:50]:
+        connection.sendall(bytes([byte]))
+        time.sleep(0.001)
+    connection.sendall(BODY[50:])
+
+
+def slowly(connection):
+    connection.sendall(HEAD)
+    for at in range(0, len(BODY), 512):
+        time.sleep(0.3)
+        connection.sendall(BODY[at:at + 512])
+
+
+class Peers(unittest.TestCase):
     def setUp(self):
-        self.target = WORK / "target.bin"
-        self.target.unlink(missing_ok=True)
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="vesk-net-"))
+        self.addCleanup(shutil.rmtree, self.folder)
+        self.target = self.folder / "a.zip"
+        self.partial = self.folder / "a.zip.vesk-part"
+
+    @staticmethod
+    def run_tool(*arguments):
+        run = subprocess.run([WINE, TOOL, *map(str, arguments)], timeout=100, check=True,
+                             stdin=subprocess.DEVNULL, capture_output=True)
+        return run.stdout.decode("latin-1").replace("\r", "").splitlines()
+
+    def run_sessions(self, proxy, downloads, timeout=20):
+        """Downloads are pairs of checksum and addresses. Returns (result, size of the file, size of
+        the partial one, reason) of each; what they left open is checked and cut off."""
+        words = [word for crc, urls in downloads for word in (crc or "-", urls)]
+        through = [] if proxy == "direct" else ["--proxy", proxy]
+        rows = [line.split("|", 5) for line in self.run_tool(
+            "--session", timeout, *through, windows_path(self.target), *words)]
+        self.assertEqual({row[3] for row in rows}, {"0 objects, 0 sockets, 0 lookups, 0 windows"})
+        # The first download loads what later ones share; from then on nothing may be added.
+        handles = [int(row[4]) for row in rows[1:]]
+        self.assertLessEqual(len(set(handles)), 1, handles)
+        return [(int(result), file, partial, why) for result, file, partial, _, _, why in rows]
+
+    def run_download(self, *arguments):
+        """The events of one download as lines."""
+        return self.run_tool("--access", 2, *arguments, windows_path(self.target))
+
+    def start(self, server):
+        self.addCleanup(server.stop)
+        return server, f"127.0.0.1:{server.port}"
 
     def serve(self, script):
-        server = ScriptedServer(script)
-        self.addCleanup(server.stop)
-        return server
+        """A server, and its address as a proxy."""
+        return self.start(ScriptedServer(script))
 
-    def through(self, server, *arguments, url="http://host/file"):
-        return download("--access", 2, "--proxy", f"127.0.0.1:{server.port}", *arguments, url,
-                        target=self.target)
+    def check_table(self, timeout, table):
+        """Rows of name, what the server sends or does, result with the checksum, result without one, reason of
+        the first and of the second. Where it failed, the file that stood there must stay."""
+        rows = {row[0].replace(" ", "-"): row for row in table}
 
-    def expect(self, script, lines, content, *arguments):
-        server = self.serve(script)
-        self.assertEqual(self.through(server, *arguments), lines)
-        if content is not None:
-            self.assertEqual(self.target.read_bytes(), content)
-        return server
+        def script(connection, url):
+            does = rows[url.rsplit("/", 1)[1]][1]
+            return does(connection) if callable(does) else connection.sendall(does)
 
-    def test_every_answer_yields_its_events_and_its_file(self):
-        ok = "HTTP/1.1 200 OK"
-        head = answer(ALL_BYTES)[:-len(ALL_BYTES)]
-        size = len(ALL_BYTES)
-        started = f"Starting {size} {len(head)} {ok}"
-        moved = answer(b"here", "Location:", status="HTTP/1.1 302 Found")
+        _, proxy = self.serve(script)
+        self.target.write_bytes(OLD)
+        standing = str(len(OLD))
+        downloads = [(crc, "http://h/" + name) for name in rows for crc in (CRC, None)]
+        told = iter(self.run_sessions(proxy, downloads, timeout))
+        by = "proxy " + proxy.replace(":", " port ") + ": "
+        for name, _, with_crc, without, *reasons in table:
+            for expected, reason in ((with_crc, reasons[0]), (without, reasons[-1])):
+                with self.subTest(name, result=expected):
+                    result, size, _, why = next(told)
+                    self.assertEqual(result, expected)
+                    self.assertEqual(why.replace("h through " + by, "").replace(by, "not reached: "), reason)
+                    if expected != DONE:
+                        self.assertEqual(size, standing, "the file that stood there")
+                    standing = size
 
-        def byte_by_byte(connection, _):
-            for byte in head + ALL_BYTES[:50]:
-                connection.sendall(bytes([byte]))
-                time.sleep(0.001)
-            connection.sendall(ALL_BYTES[50:])
+    def test_answers(self):
+        def length(text):
+            return HEAD.replace(b"4096", text) + BODY
 
-        big_head = answer(b"x", "Filler: " + "y" * 1_000_000)[:-1]
-        for name, script, lines, content in (
-                ("byte by byte", byte_by_byte, [started], ALL_BYTES),
-                ("one piece", lambda c, _: c.sendall(head + ALL_BYTES), [started], ALL_BYTES),
-                ("1 MB header", lambda c, _: c.sendall(big_head + b"x"),
-                 [f"Starting 1 {len(big_head)} {ok}"], b"x"),
-                ("empty Location", lambda c, _: c.sendall(moved),
-                 [f"Starting 4 {len(moved) - 4} HTTP/1.1 302 Found"], b"here"),
-                ("no header end", lambda c, _: c.sendall(b"just\r\ntext\0"), ["Starting 11 0 "],
-                 b"just\r\ntext\0"),
-                ("nothing", lambda c, _: None, ["Starting 0 0 "], b""),
-                ("server error", lambda c, _: c.sendall(answer(b"?", status="HTTP/1.1 500 No")),
-                 ["Starting 1 38 HTTP/1.1 500 No"], b"?")):
-            with self.subTest(name):
-                self.expect(script, [*lines, "Completed", f"Bytes {len(content)}"], content)
-
-    def test_redirects(self):
-        def chain(connection, path):
-            step = int(path[1:])
-            where = f"LOCATION: http://host/{step + 1}"
-            page = answer(b"gone", where, status="HTTP/1.1 302 Found")
-            connection.sendall(page if step < 5 else answer(b"end"))
-
-        server = self.serve(chain)
-        head = len(answer(b"end")) - 3
-        self.assertEqual(self.through(server, "--times", 3, url="http://host/1")[:3],
-                         [f"Starting 3 {head} HTTP/1.1 200 OK", "Completed", "Bytes 3"])
-        self.assertEqual([r.split()[1] for r in server.requests[:5]],
-                         [b"/1", b"/2", b"/3", b"/4", b"/5"])
-        page = answer(b"gone", "Location: http://host/1", status="HTTP/1.1 302 Found")
-        self.expect(lambda c, _: c.sendall(page),
-                    [f"Starting 4 {len(page) - 4} HTTP/1.1 302 Found", "Completed", "Bytes 4"],
-                    b"gone", "--no-redirect")
-        for where in ("http://h/\nX: y", "http://h/\rX: y", "http://h/a\tb", "http://h/\x7f\0"):
-            split = answer(b"gone", "Location: " + where, status="HTTP/1.1 302 Found")
-            server = self.expect(
-                lambda c, _, text=split: c.sendall(text),
-                ["Error 400 [The server redirects to an address with a control character in it]",
-                 "Bytes 0"], b"")
-            self.assertEqual(len(server.requests), 1)
-        server = self.expect(lambda c, _: c.sendall(page), ["Cancelled", "Bytes 0"] * 3, None,
-                             "--cancel-after", 400, "--times", 3)
-        self.assertGreater(len(server.requests), 10)
-
-    def test_error_pages_and_endless_headers_end_in_an_error(self):
-        def endless(connection, _):
-            while True:
-                connection.sendall(b"X: " + b"y" * 60_000 + b"\r\n")
-
-        self.expect(endless, ["Error 431 [The header of the server's answer does not end]",
-                              "Bytes 0"] * 3, b"", "--times", 3)
         most = 16 * 1024 * 1024
-        start = b"HTTP/1.1 200 OK\r\nContent-Length: 1\r\nX: "
-        for size in (most, most + 1):
-            header = start + b"y" * (size - len(start) - 4) + b"\r\n\r\n"
-            self.expect(lambda c, _, text=header + b"b": c.sendall(text),
-                        [f"Starting 1 {most} HTTP/1.1 200 OK", "Completed", "Bytes 1"]
-                        if size == most else
-                        ["Error 431 [The header of the server's answer does not end]", "Bytes 0"],
-                        b"b" if size == most else b"")
-        page = answer(b"page", status="HTTP/1.1 403 Web site blocked")
-        self.expect(lambda c, _: c.sendall(page), ["Error 403 [Forbidden ]", "Bytes 0"], b"")
+        start = HEAD[:-4] + b"\r\nX: "
+        largest = start + b"y" * (most - len(start) - 4) + b"\r\n\r\n" + BODY
+        too_large = "not reached: the header of the server's answer does not end"
+        no_length = "HTTP/1.1 200 OK, no Content-Length above 0"
+        self.check_table(20, [
+            ("byte by byte", byte_by_byte, DONE, DONE, ""),
+            ("closed at once", b"", FAILED, FAILED, "the connection was closed without an answer"),
+            ("announced shorter", length(b"12"), DONE, DONE, ""),
+            ("announced longer", length(b"5000"), DONE, FAILED, "", "4,096 of 5,000 bytes came"),
+            ("announced huge", length(b"99999999999"), DONE, FAILED, "",
+             "4,096 of 99,999,999,999 bytes came"),
+            ("announced nothing", length(b"-5"), FAILED, FAILED, no_length),
+            ("announced twice", length(b"1\r\nContent-Length: 4096"), DONE, DONE, ""),
+            ("chunked", b"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n1000\r\n" + BODY +
+             b"\r\n0\r\n\r\n", FAILED, FAILED, no_length),
+            ("as HTTP 1.0", HEAD.replace(b"1.1", b"1.0") + BODY, FAILED, FAILED,
+             "HTTP/1.0 200 OK, only HTTP/1.1 200 OK counts"),
+            ("as HTTP 0.9", BODY, FAILED, FAILED, "the answer has no HTTP header"),
+            ("page", answer(b"<html><title>Log in</title><p>first"), CRC_DIFFERS, DONE,
+             f"CRC differs, expected {CRC}, found 134FD3C3, a page came instead: \"Log in first\"", ""),
+            ("error page", answer(b"<p>Too busy", status="HTTP/1.1 503 Busy"), FAILED, FAILED,
+             'HTTP/1.1 503 Busy, a page came instead: "Too busy"'),
+            ("not found", NOT_FOUND, FAILED, FAILED, "HTTP/1.1 404 Not Found"),
+            ("largest header", largest, DONE, DONE, ""),
+            ("larger header", largest.replace(b"X: ", b"X:  "), FAILED, FAILED, too_large),
+            ("endless header", endless(b"X: " + b"y" * 60_000 + b"\r\n"), FAILED, FAILED, too_large),
+            ("empty address", redirect(""), FAILED, FAILED, 'HTTP/1.1 302 Found, a text came instead: "gone"'),
+            ("led into a request", redirect("http://h/\nX: y"), FAILED, FAILED,
+             "HTTP/1.1 302 Found, the server redirects to an address with a control character in it"),
+        ])
 
-    def test_silence_a_bad_port_and_unknown_hosts(self):
-        def silent(connection, _):
-            connection.recv(1)
+    def test_cut_and_reset_anywhere(self):
+        whole, begun = HEAD + BODY, len(HEAD)
+        offsets = [0, 1, 8, begun // 2, *range(begun - 4, begun + 2),
+                   *range(begun + 400, len(whole) - 1, (len(BODY) - 400) // 9), len(whole) - 1, len(whole)]
+        self.assertGreaterEqual(len(offsets), 20)
 
-        self.expect(silent, ["Cancelled", "Bytes 0"] * 3, b"", "--cancel-after", 300, "--times", 3)
-        self.assertEqual(download("--times", 3, "http://no-such-host.invalid/x"),
-                         ["Error 11001 [Host not found.]", "Bytes 0"] * 3)
-        self.assertEqual(download("--access", 1, "--proxy", "h:70000", "http://h/")[0][:11],
+        def script(connection, url):
+            offset, kind = url.rsplit("/", 1)[1].split("-")
+            connection.sendall(whole[:int(offset)])
+            if kind == "reset":
+                time.sleep(0.05)
+                reset(connection)
+
+        _, proxy = self.serve(script)
+        self.target.write_bytes(OLD)
+        downloads = [(offset - begun, crc, f"http://h/{offset}-{kind}") for offset in offsets
+                     for kind in ("cut", "reset") for crc in (CRC, None)]
+        # Nothing has no checksum, not even that of nothing.
+        downloads.append((0, "0", f"http://h/{begun}-cut"))
+        told = self.run_sessions(proxy, [download[1:] for download in downloads])
+        standing = str(len(OLD))
+        for (came, crc, url), (result, size, partial, why) in zip(downloads, told):
+            with self.subTest(url, crc=crc):
+                expected = FAILED if came < 0 or crc is None and came < len(BODY) else \
+                    DONE if came == len(BODY) else CRC_DIFFERS
+                standing = size if expected == DONE else standing
+                self.assertEqual((result, size), (expected, standing))
+                self.assertTrue(came < 0 or partial == ("none" if result == DONE else str(came)), partial)
+                # Wine reports a reset as if it were an ordinary end.
+                self.assertRegex(why, "connection reset by peer|" + (
+                    "^$" if result == DONE else f"{came:,} of 4,096 bytes came$" if came >= 0 else
+                    "closed without an answer$" if came == -begun else "no HTTP header, a text"))
+
+    def test_silence_in_every_state_ends_when_the_time_is_up(self):
+        silent = "no data for 1 s"
+        with socket.socket() as full:  # nobody accepts the connection
+            full.bind(("127.0.0.1", 0))
+            full.listen(0)
+            proxy = f"127.0.0.1:{full.getsockname()[1]}"
+            for _ in range(4):
+                waiting = socket.socket()
+                self.addCleanup(waiting.close)
+                waiting.setblocking(False)
+                waiting.connect_ex(full.getsockname())
+            self.assertEqual(self.run_sessions(proxy, [(CRC, "http://h/x")], 1),
+                             [(FAILED, "none", "none", f"proxy {proxy.replace(':', ' port ')}: {silent}")])
+        started = time.monotonic()
+        self.check_table(1, [
+            ("before the header", silent_after(b""), FAILED, FAILED, "not reached: " + silent),
+            ("drops of a header", endless(b"X: y\r\n", 0.02), FAILED, FAILED,
+             "not reached: " + silent),
+            ("before the body", silent_after(HEAD), FAILED, FAILED, silent + ", 0 of 4,096 bytes came"),
+            ("in mid body", silent_after(HEAD + BODY[:512]), FAILED, FAILED,
+             silent + ", 512 of 4,096 bytes came"),
+            ("slow bytes are no silence", slowly, DONE, DONE, "")])
+        _, proxy = self.serve(lambda c, url: c.sendall(redirect(url)))
+        (result, _, _, why), = self.run_sessions(proxy, [(None, "http://h/in-circles")], 1)
+        self.assertEqual((result, why[-len(silent):]), (FAILED, silent))
+        self.assertLess(time.monotonic() - started, 60)
+
+    def test_of_three_addresses_the_reasons_of_all_are_told(self):
+        scripts = {"silent": silent_after(b""), "half": silent_after(HEAD + BODY[:512]),
+                   "good": lambda c: c.sendall(answer(BODY)),
+                   "none": lambda c: c.sendall(NOT_FOUND)}
+        _, proxy = self.serve(lambda c, url: scripts[url.rsplit("/", 1)[1]](c))
+        missing = f" through proxy {proxy.replace(':', ' port ')}: HTTP/1.1 404 Not Found"
+        self.assertEqual([(result, why) for result, _, _, why in self.run_sessions(proxy, [
+            (CRC, "http://a/silent,http://b/none,http://c/good"),
+            (CRC, "http://a/half,http://b/none,http://c/good"),
+            (CRC, "http://a/none,http://b/none,http://c/none"),
+            (CRC, "http://a/none, http://b/a\tb ,http://c/good")], 1)], [
+                (DONE, ""), (DONE, ""), (FAILED, f"a{missing}; b{missing}; c{missing}"),
+                (FAILED, f'a{missing}; "http://b/a b": the address holds a control character')])
+
+    def test_who_cannot_be_reached(self):
+        port = free_port()
+        self.assertEqual([row[3] for row in self.run_sessions(f"127.0.0.1:{port}", [("-", "http://h/")])],
+                         [f"proxy 127.0.0.1 port {port}: connection refused"])
+        self.assertEqual(
+            [row[3] for row in self.run_sessions("direct", [
+                ("-", "http://no-such-host.invalid/x"), ("-", "http://h:8080/x"),
+                ("-", "https://h/x"), ("-", " ")])],
+            ["no-such-host.invalid: host not found",
+             "h:8080: host not found, the address must have no port",
+             '"https://h/x": only addresses that begin with http:// can be downloaded',
+             '"": the address names no host'])
+        self.assertEqual(self.run_download("--proxy", "h:70000", "http://h/")[0][:11],
                          "Error 40014")
 
+    def test_redirects(self):
+        server, proxy = self.serve(lambda c, url: c.sendall(
+            answer(BODY) if url[-1] == "5" else redirect(url[:-1] + str(int(url[-1]) + 1))))
+        self.assertEqual(self.run_sessions(proxy, [(CRC, "http://h/1")])[0][0], DONE)
+        self.assertEqual(b"".join(request.split()[1][-1:] for request in server.requests), b"12345")
+        page = redirect("/2")
+        self.assertEqual(
+            self.run_download("--proxy", proxy, "--no-redirect", "1", "http://h/1"),
+            [f"Starting 4 {len(page) - 4} HTTP/1.1 302 Found", "Completed", "Bytes 4"])
+
+    def test_files(self):
+        _, proxy = self.serve(lambda c, _: c.sendall(answer(BODY)))
+        for name, left, mode in (
+                ("none", b"", 0o644), (self.partial.name, b"left by a killed run" * 999, 0o644),
+                ("A.zip.vesk-part", b"left", 0o644), (self.partial.name, b"left", 0o444),
+                (self.target.name, OLD, 0o644), (self.target.name, OLD, 0o444)):
+            with self.subTest(name, mode=mode):
+                (self.folder / name).write_bytes(left)
+                (self.folder / name).chmod(mode)
+                self.assertEqual(self.run_sessions(proxy, [(CRC, "http://h/x")]), [(DONE, "4096", "none", "")])
+                self.assertEqual(self.target.read_bytes(), BODY)
+                self.target.unlink()
+        for name, verb, partial in ((self.target, "replace", "4096"), (self.partial, "create", "none")):
+            self.partial.unlink(missing_ok=True)
+            name.mkdir()  # nothing can take its place
+            (result, _, size, why), = self.run_sessions(proxy, [(CRC, "http://h/x")])
+            self.assertEqual((result, size), (FAILED, partial))
+            self.assertIn(f"cannot {verb} {windows_path(name)}: ", why)
+        # A single download minds letter case.
+        for name, content in (("b.zip", BODY), ("B.zip", OLD + BODY)):
+            self.target = self.folder / "b.zip"
+            self.target.unlink(missing_ok=True)
+            (self.folder / name).write_bytes(OLD)
+            self.run_download("--proxy", proxy, "http://h/x")
+            self.assertEqual((self.folder / name).read_bytes(), content)
+
+    def test_a_full_disk_is_told(self):
+        disk = self.folder / "disk"
+        self.addCleanup(unmount_disk, disk)
+        if not mount_disk(disk, 65536):
+            self.skipTest("no rights to make a small disk")
+        self.target = disk / "a.zip"
+        _, proxy = self.serve(lambda c, _: c.sendall(answer(BODY * 100)))
+        for crc, expected in ((CRC, CRC_DIFFERS), (None, FAILED)):
+            (result, size, _, why), = self.run_sessions(proxy, [(crc, "http://h/x")])
+            self.assertEqual((result, size), (expected, "none"))
+            self.assertRegex(why, r"^cannot write .*a\.zip\.vesk-part: .+, [\d,]+ of 409,600 bytes")
+
     def test_handlers_may_cancel_restart_and_destroy_in_every_event(self):
-        page = answer(b"b" * 3_000_000)
-        bad = answer(b"", status="HTTP/1.1 404 Not Found")
         for event in ("starting", "data", "completed", "error"):
-            server = self.serve(lambda c, _: c.sendall(bad if event == "error" else page))
+            page = NOT_FOUND if event == "error" else answer(b"b" * 3_000_000)
+            _, proxy = self.serve(lambda c, _, page=page: c.sendall(page))
             for action in ("cancel", "restart", "destroy"):
                 with self.subTest(f"{action} in {event}"):
-                    lines = self.through(server, "--act", f"{event}:{action}")
+                    lines = self.run_download("--proxy", proxy, "--act", f"{event}:{action}",
+                                              "http://h/x")
                     done = lines.index(f"{action} in {event}")
                     if action != "restart":
                         self.assertEqual(len(lines), done + 2, lines)
@@ -162,51 +313,27 @@ class ScriptedAnswers(unittest.TestCase):
                         self.assertEqual(lines[-2:], ["Completed", "Bytes 3000000"])
                         self.assertEqual(self.target.stat().st_size, 3_000_000)
 
-    def test_a_file_in_the_way_is_replaced_and_one_in_other_letter_case_appended_to(self):
-        server = self.serve(lambda c, _: c.sendall(answer(b"new")))
-        for name, mode, content in (("target.bin", 0o444, b"new"), ("Target.bin", 0o644, b"oldnew")):
-            self.target.unlink(missing_ok=True)
-            self.addCleanup((WORK / name).unlink, missing_ok=True)
-            (WORK / name).write_bytes(b"old")
-            (WORK / name).chmod(mode)
-            self.through(server)
-            self.assertEqual((WORK / name).read_bytes(), content)
-
-
-class RealServers(unittest.TestCase):
-    @classmethod
-    def setUpClass(cls):
-        cls.nginx = Nginx(WORK / "nginx")
-        cls.addClassCleanup(cls.nginx.stop)
-        cls.tinyproxy = Tinyproxy(WORK / "tinyproxy")
-        cls.addClassCleanup(cls.tinyproxy.stop)
-        cls.small = os.urandom(300_000)
-        (cls.nginx.root / "small.bin").write_bytes(cls.small)
-
     def test_nginx_and_tinyproxy_serve_the_same_bytes(self):
-        nginx = f"http://127.0.0.1:{self.nginx.port}"
-        routes = [(nginx, "--access", 2, "--proxy", f"127.0.0.1:{self.nginx.port}"),
-                  (nginx, "--access", 1, "--proxy", f"127.0.0.1:{self.tinyproxy.port}")]
-        if self.nginx.direct:
-            routes.append(("http://" + self.nginx.direct_host,))
-        for url, *arguments in routes:
-            with self.subTest(arguments=arguments):
-                for path in ("/small.bin", *(["/moved"] if not arguments else [])):
-                    lines = download(*arguments, "--times", 2, url + path)
-                    self.assertTrue(lines[0].endswith("HTTP/1.1 200 OK"), lines)
-                    self.assertEqual(lines[1:3], ["Completed", "Bytes 300000"])
-                    self.assertEqual((WORK / "target.bin").read_bytes(), self.small)
-                for path, line in (("/none", "Error 404 [File not found]"),
-                                   ("/secret", "Error 401 [Unauthorized]")):
-                    self.assertEqual(download(*arguments, url + path)[0], line)
+        nginx, address = self.start(Nginx(self.folder / "nginx"))
+        _, tinyproxy = self.start(Tinyproxy(self.folder / "tinyproxy"))
+        content = os.urandom(300_000)
+        (nginx.root / "small.bin").write_bytes(content)
+        routes = [(tinyproxy, "http://" + address)]
+        if nginx.direct:
+            routes += [("direct", "http://" + nginx.direct_host)]
+        for proxy, url in routes:
+            rows = self.run_sessions(proxy, [(f"{zlib.crc32(content):X}", url + "/small.bin"),
+                                             ("-", url + "/none"), ("-", url + "/secret")])
+            self.assertEqual([row[:2] for row in rows], [(DONE, "300000"), *[(FAILED, "300000")] * 2])
+            self.assertEqual([row[3][-12:] for row in rows[1:]], ["04 Not Found", "Unauthorized"])
 
     def test_memory_stays_flat(self):
-        with open(self.nginx.root / "huge.bin", "wb") as huge:
+        nginx, address = self.start(Nginx(self.folder / "nginx"))
+        with open(nginx.root / "huge.bin", "wb") as huge:
             huge.truncate(400_000_000)
         with subprocess.Popen(
-                [WINE, TOOL, "--access", "2", "--proxy", f"127.0.0.1:{self.nginx.port}",
-                 "http://h/huge.bin", windows(WORK / "target.bin")],
-                stdin=subprocess.DEVNULL, stdout=subprocess.PIPE) as tool:
+                [WINE, TOOL, "--access", "2", "--proxy", address, "http://h/huge.bin",
+                 windows_path(self.target)], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE) as tool:
             status = pathlib.Path(f"/proc/{tool.pid}/status")
             most = 0
             while tool.poll() is None:
@@ -215,11 +342,7 @@ class RealServers(unittest.TestCase):
             self.assertIn(b"Bytes 400000000", tool.stdout.read())
         self.assertGreater(most, 0)
         self.assertLess(most, 100_000, "kilobytes in memory")
-        (WORK / "target.bin").unlink()
 
 
 if __name__ == "__main__":
-    try:
-        unittest.main(argv=[sys.argv[0], *sys.argv[3:]], verbosity=2)
-    finally:
-        subprocess.run(["rm", "-rf", str(WORK)], check=False)
+    unittest.main(argv=sys.argv[:1], verbosity=2)

@@ -1,7 +1,18 @@
-// Downloads one URL and prints every event as a line, for tests that bring their own servers.
+// Downloads for tests that bring their own servers.
+//
+//   download_tool [--proxy HOST:PORT] [--access N] [--act EVENT:ACTION] [--no-redirect 1] URL
+//   TARGET
+// prints every event of one download as a line (--only-time: only how long it took).
+//
+//   download_tool --session SECONDS [--proxy HOST:PORT] TARGET [CHECKSUM|- URLS]...
+// runs sessions one after the other, each given up after so many seconds of silence, and prints of
+// each its result, the sizes of its two files, what it left open, and the reason.
 #include "net/MessagePump.h"
 #include "net/clsDownload.h"
+#include "net/clsDownloadSession.h"
 #include "net/modSocketMaster.h"
+
+#include "base/modFile.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -15,28 +26,33 @@ using namespace vesk;
 
 namespace {
 
-/// What the command line says: "--name value", switches, and two names: URL, destination.
+/// What the command line says: "--name value", "--only-time", and names.
 struct Options {
     std::map<std::string, std::string> values;
     std::vector<std::string> names;
+    ProxySettings proxy;
 
     Options(int count, char** words) {
         for (int i = 1; i < count; ++i) {
             const std::string word = words[i];
             if (!word.starts_with("--"))
                 names.push_back(word);
-            else if (word == "--only-time" || word == "--no-redirect" || i + 1 == count)
-                values[word] = "1";
             else
-                values[word] = words[++i];
+                values[word] = word == "--only-time" || i + 1 == count ? "" : words[++i];
         }
+        if (!Has("--proxy"))
+            return;
+        const std::string text = Text("--proxy");
+        const std::size_t colon = text.rfind(':');
+        proxy = {Has("--access") ? Number("--access") : kAccessProxy, text.substr(0, colon),
+                 std::atoi(text.c_str() + colon + 1)};
     }
     [[nodiscard]] bool Has(const std::string& name) const { return values.contains(name); }
     [[nodiscard]] std::string Text(const std::string& name) const {
         return Has(name) ? values.at(name) : std::string();
     }
-    [[nodiscard]] int Number(const std::string& name, int otherwise) const {
-        return Has(name) ? std::atoi(values.at(name).c_str()) : otherwise;
+    [[nodiscard]] int Number(const std::string& name) const {
+        return std::atoi(Text(name).c_str());
     }
 };
 
@@ -45,49 +61,31 @@ void Say(const std::string& line) {
     std::fflush(stdout);
 }
 
-/// Handles that this process has open, sockets among them. Wine does not count them, so each
-/// number that could be one is tried.
-int OpenHandles() {
-    int count = 0;
-    for (std::uintptr_t number = 4; number < 4 * 4096; number += 4) {
-        DWORD flags = 0;
-        count += GetHandleInformation(reinterpret_cast<HANDLE>(number), &flags) != 0 ? 1 : 0;
-    }
-    return count;
-}
-
 class Recorder : public DownloadEvents {
 public:
     explicit Recorder(const Options& options)
         : options_(options), download_(std::make_unique<clsDownload>(*this)) {
-        const std::string proxy = options.Text("--proxy");
-        const std::size_t colon = proxy.find(':');
-        download_->SetAccessType(options.Number("--access", 0));
-        download_->SetProxy(proxy.substr(0, colon));
-        download_->SetProxyPort(std::atoi(proxy.substr(colon + 1).c_str()));
+        download_->SetAccessType(options.proxy.accessType);
+        download_->SetProxy(options.proxy.proxy);
+        download_->SetProxyPort(options.proxy.proxyPort);
         download_->SetDisableRedirection(options.Has("--no-redirect"));
     }
 
     void Run() {
-        over_ = false;
-        bytes_ = 0;
         download_->Download(options_.names.at(0), options_.names.at(1));
-        const auto limit = static_cast<DWORD>(options_.Number("--cancel-after", 60000));
-        if (!test::PumpUntil([this] { return over_; }, limit)) {
-            download_->Cancel();
-            Say("Cancelled");
-            test::PumpFor(50);
-        }
-        if (options_.Has("--only-time"))
-            return;
-        Say("Bytes " + std::to_string(bytes_));
+        if (!test::PumpUntil([this] { return over_; }, 60000))
+            Say("not over after a minute");
+        Tell("Bytes " + std::to_string(bytes_));
     }
 
 private:
-    void OnStarting(std::int32_t fileSize, const std::string& header) override {
+    void Tell(const std::string& event) const {
         if (!options_.Has("--only-time"))
-            Say("Starting " + std::to_string(fileSize) + " " + std::to_string(header.size()) + " " +
-                header.substr(0, header.find('\r')));
+            Say(event);
+    }
+    void OnStarting(std::int32_t fileSize, const std::string& header) override {
+        Tell("Starting " + std::to_string(fileSize) + " " + std::to_string(header.size()) + " " +
+             header.substr(0, header.find('\r')));
         Act("starting", false);
     }
     void OnDataArrival(std::int32_t bytesTotal) override {
@@ -99,8 +97,7 @@ private:
         Act("error", true);
     }
     void OnCompleted() override {
-        if (!options_.Has("--only-time"))
-            Say("Completed");
+        Tell("Completed");
         Act("completed", true);
     }
 
@@ -132,18 +129,63 @@ private:
     bool acted_ = false;
 };
 
-void SayWhatIsOpen() {
+class Waiter : public DownloadSessionEvents {
+public:
+    void OnProgress(const DownloadProgress&) override {}
+    void OnFinished() override {}
+};
+
+/// Handles that this process has open, sockets among them. Wine does not count them, so each
+/// number that could be one is tried.
+int OpenHandles() {
+    int count = 0;
+    for (std::uintptr_t number = 4; number < 4 * 4096; number += 4) {
+        DWORD flags = 0;
+        count += GetHandleInformation(reinterpret_cast<HANDLE>(number), &flags) != 0 ? 1 : 0;
+    }
+    return count;
+}
+
+std::string Size(const std::string& path) {
+    if (!FileExists(path))
+        return "none";
+    return std::to_string(ReadWholeFile(path).size());
+}
+
+void RunSession(const Options& options, const std::string& crc, const std::string& urls) {
+    const std::string& target = options.names.at(0);
+    DownloadOutcome outcome;
+    {
+        Waiter waiter;
+        clsDownloadSession session(waiter, {urls, target, crc == "-" ? "" : crc}, options.proxy);
+        session.SetTimeout(static_cast<std::uint32_t>(options.Number("--session")));
+        const DWORD start = GetTickCount();
+        session.Start();
+        while (!session.Finished() && GetTickCount() - start < 60000) {
+            test::PumpUntil([&] { return session.Finished(); }, 100);
+            session.OnTime();
+        }
+        outcome = session.Outcome();
+    }
     const SocketCounts counts = CountSockets();
-    Say("Open objects " + std::to_string(counts.objects) + " sockets " +
-        std::to_string(counts.sockets) + " lookups " + std::to_string(counts.lookups) + " window " +
-        (counts.window != nullptr ? "1" : "0") + " handles " + std::to_string(OpenHandles()));
+    std::printf("%d|%s|%s|%d objects, %zu sockets, %zu lookups, %d windows|%d|",
+                static_cast<int>(outcome.result), Size(target).c_str(),
+                Size(PartialPath(target)).c_str(), counts.objects, counts.sockets, counts.lookups,
+                counts.window != nullptr ? 1 : 0, OpenHandles());
+    Say(outcome.reason);
 }
 
 } // namespace
 
 int main(int count, char** words) {
     const Options options(count, words);
-    if (options.names.size() != 2)
+    const auto& names = options.names;
+    if (options.Has("--session")) {
+        for (std::size_t i = 1; i + 1 < names.size(); i += 2)
+            RunSession(options, names[i], names[i + 1]);
+        return 0;
+    }
+    if (names.size() != 2)
         return 64;
     // What a program does once for all its downloads is loading libraries, and no download.
     std::optional<SocketServiceHold> hold;
@@ -151,11 +193,7 @@ int main(int count, char** words) {
         hold.emplace();
     Recorder recorder(options);
     const DWORD start = GetTickCount();
-    for (int i = 0; i < options.Number("--times", 1); ++i) {
-        recorder.Run();
-        if (!options.Has("--only-time"))
-            SayWhatIsOpen();
-    }
+    recorder.Run();
     if (options.Has("--only-time"))
         Say("Milliseconds " + std::to_string(GetTickCount() - start));
     return 0;

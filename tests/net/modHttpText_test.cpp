@@ -68,7 +68,6 @@ TEST_CASE("header values are found by name, loosely") {
         CHECK(HeaderValue("Location", row.header) == row.value);
     }
     CHECK(LeadingNumber("1234 bytes") == 1234);
-    CHECK(LeadingNumber("-5") == 0);
     CHECK(LeadingNumber("99999999999999999999999") == 2147483647);
     CHECK(LeadingCount("4294967297") == 4294967297);
     CHECK(LeadingCount("99999999999999999999999") == 1'000'000'000'000'000'000);

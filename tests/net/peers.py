@@ -1,6 +1,7 @@
 """Servers on free loopback ports for tests of downloads: nginx, tinyproxy, and one that says what
 a script tells it to. All are ended with the test that started them."""
 
+import contextlib
 import pathlib
 import socket
 import struct
@@ -15,25 +16,18 @@ def free_port():
         return probe.getsockname()[1]
 
 
-def wait_for(host, port, process):
-    for _ in range(500):
-        try:
-            socket.create_connection((host, port), 1).close()
-            return
-        except OSError:
-            if process.poll() is not None:
-                break
-            time.sleep(0.02)
-    raise RuntimeError(f"no server came up at {host}:{port}")
-
-
 class ServerProcess:
     """A server program that is ended by stop."""
 
     def start(self, port, *command):
         self.process = subprocess.Popen(command, stdin=subprocess.DEVNULL,
                                         stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        wait_for("127.0.0.1", port, self.process)
+        for _ in range(500):
+            try:
+                return socket.create_connection(("127.0.0.1", port), 1).close()
+            except OSError:
+                time.sleep(0.02)
+        raise RuntimeError(f"no server came up at port {port}: {command}")
 
     def stop(self):
         self.process.terminate()
@@ -51,16 +45,13 @@ class Nginx(ServerProcess):
         self.root.mkdir(parents=True)
         self.folder.chmod(0o755)
         self.port = free_port()
+        listen = f"listen 127.0.0.1:{self.port};"
         try:
-            with socket.socket() as probe:
-                probe.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
-                probe.bind((self.direct_host, 80))
+            socket.create_server((self.direct_host, 80)).close()
+            listen += f" listen {self.direct_host}:80;"
             self.direct = True
         except OSError:
             self.direct = False
-        listen = f"listen 127.0.0.1:{self.port};"
-        if self.direct:
-            listen += f" listen {self.direct_host}:80;"
         temporary = "".join(f"{kind}_temp_path {self.folder}/{kind};"
                             for kind in ("client_body", "proxy", "fastcgi", "uwsgi", "scgi"))
         config = self.folder / "nginx.conf"
@@ -69,7 +60,6 @@ class Nginx(ServerProcess):
             events {{ worker_connections 64; }}
             http {{ access_log off; sendfile on; {temporary}
                 server {{ {listen} root {self.root};
-                    location /moved {{ return 302 http://{self.direct_host}/small.bin; }}
                     location /secret {{ return 401; }} }} }}""")
         self.start(self.port, "/usr/sbin/nginx", "-p", str(self.folder), "-e",
                    f"{self.folder}/log", "-c", str(config))
@@ -97,28 +87,23 @@ class ScriptedServer:
         threading.Thread(target=self.serve, daemon=True).start()
 
     def serve(self):
-        while True:
-            try:
+        with contextlib.suppress(OSError):  # of a listener that is closed
+            while True:
                 connection, _ = self.listener.accept()
-            except OSError:
-                return
-            threading.Thread(target=self.answer, args=(connection,), daemon=True).start()
+                threading.Thread(target=self.answer, args=(connection,), daemon=True).start()
 
     def answer(self, connection):
         connection.settimeout(30)
         connection.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
-        with connection:
-            try:
-                request = b""
-                while not request.endswith(b"\r\n\r\n"):
-                    piece = connection.recv(65536)
-                    if not piece:
-                        return
-                    request += piece
-                self.requests.append(request)
-                self.script(connection, request.split(b" ")[1].decode())
-            except OSError:
-                pass  # the client hung up
+        with connection, contextlib.suppress(OSError):  # the client may hang up
+            request = b""
+            while not request.endswith(b"\r\n\r\n"):
+                piece = connection.recv(65536)
+                if not piece:
+                    return
+                request += piece
+            self.requests.append(request)
+            self.script(connection, request.split(b" ")[1].decode())
 
     def stop(self):
         self.listener.shutdown(socket.SHUT_RDWR)

@@ -1,0 +1,133 @@
+"""What tests of several folders start from: paths as Windows programs know them, archives with all
+that a member may carry (time, attributes, storing, damage), small disks, terminals, comparisons."""
+
+import difflib
+import os
+import pathlib
+import pty
+import select
+import struct
+import subprocess
+import time
+import tty
+import zipfile
+import zlib
+from typing import NamedTuple
+
+TOP = pathlib.Path(__file__).resolve().parents[1]
+
+
+def windows_path(path):
+    return "Z:" + str(path).replace("/", "\\")
+
+
+class Member(NamedTuple):
+    """@c stamp is local time; @c unix_time, where it is given, says the same exactly."""
+    name: str
+    text: str | bytes = ""
+    stamp: tuple = (2006, 5, 4, 3, 2, 2)
+    attributes: int = 0x20
+    kind: int = zipfile.ZIP_DEFLATED
+    unix_time: int | None = None
+    damaged: bool = False
+
+    @property
+    def content(self):
+        return self.text if isinstance(self.text, bytes) else self.text.encode("cp1252")
+
+
+def crc_of(path):
+    """An archive's checksum as catalogues hold it."""
+    return f"{zlib.crc32(path.read_bytes()):X}"
+
+
+def write_zip(path, members):
+    with zipfile.ZipFile(path, "w") as archive:
+        for member in members:
+            info = zipfile.ZipInfo(member.name, member.stamp)
+            info.filename = member.name  # as it is, whatever the class makes of it
+            info.create_system = 0
+            info.external_attr = member.attributes
+            info.compress_type = member.kind
+            if member.unix_time is not None:
+                info.extra = struct.pack("<HHBI", 0x5455, 5, 1, member.unix_time)
+            archive.writestr(info, member.content)
+    content = bytearray(path.read_bytes())
+    for member in members:
+        if member.damaged:  # it must be stored
+            content[content.index(member.content)] ^= 1
+    path.write_bytes(content)
+
+
+def write_cab(path, members, pressed=False):
+    """All members in one folder and one block: stored, or pressed as the system's library only
+    unpacks it (LZX, of one block that is not compressed)."""
+    names = [member.name.encode("cp1252") + b"\0" for member in members]
+    data = packed = b"".join(member.content for member in members)
+    if pressed:
+        head = 3 << 28 | len(data) << 4  # no translation, kind 3, length, filled up to 16 bits
+        packed = struct.pack("<HHIII", head >> 16, head & 0xFFFF, 1, 1, 1) + data + b"\0" * (len(data) % 2)
+    data_at = 36 + 8 + sum(16 + len(name) for name in names)
+    cabinet = struct.pack("<4s5I2B5H", b"MSCF", 0, data_at + 8 + len(packed), 0, 44, 0, 3, 1, 1,
+                          len(members), 0, 0, 0) + struct.pack("<IHH", data_at, 1, 0x0F03 if pressed else 0)
+    offset = 0
+    for name, member in zip(names, members):
+        year, month, day, hour, minute, second = member.stamp
+        cabinet += struct.pack("<IIHHHH", len(member.content), offset, 0, (year - 1980) << 9 | month << 5 | day,
+                               hour << 11 | minute << 5 | second // 2, member.attributes) + name
+        offset += len(member.content)
+    path.write_bytes(cabinet + struct.pack("<IHH", 0, len(packed), len(data)) + packed)
+
+
+def write_archive(path, *members):
+    """Returns its checksum."""
+    (write_cab if path.suffix == ".cab" else write_zip)(path, members)
+    return crc_of(path)
+
+
+def mount_disk(place, size):
+    """Makes a folder a disk of so many bytes, in place of the one that it was.
+    @return whether that is possible here"""
+    place.mkdir(exist_ok=True)
+    unmount_disk(place)
+    return subprocess.run(["mount", "-t", "tmpfs", "-o", f"size={size}", "tmpfs", place],
+                          capture_output=True, check=False).returncode == 0
+
+
+def unmount_disk(place):
+    while place.is_mount():
+        subprocess.run(["umount", place], check=True)
+
+
+def run_on_a_terminal(test, command, react, **streams):
+    """Runs a program whose error output, and its input unless stated otherwise, is a terminal.
+    @param react called with the process, what was shown so far, and the terminal; again and again
+    @return exit code, and what the terminal showed"""
+    try:
+        terminal, program_side = pty.openpty()
+    except OSError as error:
+        test.skipTest(f"no pseudo-terminal to be had: {error}")
+    tty.setraw(program_side)
+    test.addCleanup(os.close, terminal)
+    streams = {"stdin": program_side, "stdout": subprocess.DEVNULL, "stderr": program_side} | streams
+    process = subprocess.Popen(command, start_new_session=True, **streams)
+    os.close(program_side)
+    shown, deadline = b"", time.monotonic() + 60
+    while process.poll() is None and time.monotonic() < deadline:
+        if select.select([terminal], [], [], 0.02)[0]:
+            try:
+                shown += os.read(terminal, 65536)
+            except OSError:
+                break  # the other side is closed
+        react(process, shown, terminal)
+    if time.monotonic() >= deadline:
+        process.kill()
+    return process.wait(60), shown
+
+
+def compare(test, path, found):
+    """Fails with the differences between some lines and those of a file below tests/data."""
+    path = TOP / "tests/data" / path
+    wanted = path.read_text("utf-8").splitlines() if path.exists() else []
+    if found != wanted:
+        test.fail("\n".join(difflib.unified_diff(wanted, found, str(path), "this run", "", "", 2, "")))
