@@ -2,8 +2,8 @@
 
 #include "ExpectedText.h"
 #include "RecordingFrontEnd.h"
-#include "TestArchive.h"
 #include "TestFolder.h"
+#include "archive/ZipBuilder.h"
 #include "base/UniqueHandle.h"
 #include "base/modText.h"
 #include "build/clsBuildLog.h"
@@ -42,8 +42,10 @@ struct Fixture {
     }
 
     std::string WriteArchive(const std::string& name, const Members& members) {
-        const TestArchive archive(members);
-        return clsCRC().CalculateFile(folder.Write("program\\" + name, archive.Bytes()));
+        std::vector<TestMember> stored;
+        for (const auto& [member, text] : members)
+            stored.push_back(TestMember::Stored(member, text));
+        return clsCRC().CalculateFile(folder.Write("program\\" + name, MakeZip(stored)));
     }
     void FillPeBuilder(const Members& members) {
         catalogue.baseComponents[0].crc = WriteArchive("pebuilder3110a.zip", members);

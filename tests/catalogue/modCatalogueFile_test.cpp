@@ -60,7 +60,8 @@ TEST_CASE_FIXTURE(Fixture,
     std::string text;
     for (const std::string& read :
          {install + base + rest, install + base + key + rest, install, install + base,
-          install + base + plugins, ReplaceAll(install + base + rest, "e=1", "e=maybe")}) {
+          install + base + plugins, ReplaceAll(install + base + rest, "e=1", "e=maybe"),
+          ReplaceAll(good, "ies=0", "ies=-1")}) {
         const CatalogueLoad load = Load(read);
         text += "= " + ReplaceAll(load.sentence, folder.Path(), "{FOLDER}") + "\n" +
                 loaded.pluginFolder + "\n" + CatalogueText(loaded, "now");
