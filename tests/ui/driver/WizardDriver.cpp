@@ -370,6 +370,16 @@ void WizardDriver::FocusOn(int id) const {
     Await("the keyboard in " + std::to_string(id), [&] { return Focus() == Control(id); });
 }
 
+void WizardDriver::PressOnKeyboard(BYTE key, bool withControl) const {
+    SetForegroundWindow(GetAncestor(Focus(), GA_ROOT));
+    if (withControl)
+        keybd_event(VK_CONTROL, 0, 0, 0);
+    keybd_event(key, 0, 0, 0);
+    keybd_event(key, 0, KEYEVENTF_KEYUP, 0);
+    if (withControl)
+        keybd_event(VK_CONTROL, 0, KEYEVENTF_KEYUP, 0);
+}
+
 int WizardDriver::Chosen(int combo) const {
     return static_cast<int>(SendMessageA(Control(combo), CB_GETCURSEL, 0, 0));
 }

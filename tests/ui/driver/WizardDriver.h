@@ -66,6 +66,10 @@ public:
     void FocusOn(int id) const;
     void Press(WPARAM key) const { PostMessageA(Focus(), WM_KEYDOWN, key, 1); }
 
+    /// Presses a key as the keyboard does, together with Ctrl if wanted.
+    void PressOnKeyboard(BYTE key, bool withControl = false) const;
+    void PressWithControl(BYTE key) const { PressOnKeyboard(key, true); }
+
     /// Number of a combo box's selected item, -1 for none; its items; choosing one by keys.
     [[nodiscard]] int Chosen(int combo) const;
     [[nodiscard]] std::vector<std::string> Items(int combo) const;

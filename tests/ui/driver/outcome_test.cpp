@@ -46,16 +46,17 @@ TEST_CASE("a build with problems lists them, to be read, copied and found again 
     CHECK(warning - top < 5);
 
     const std::string saved = ReadWholeFile(program.Path() + kProblemsFileName);
-    const std::string first = saved.substr(0, saved.find("\r\n"));
     wizard.Click(IDC_CMD_PROBLEMS);
     const HWND dialog = wizard.AwaitDialog(""); // its title tells their number
     wizard.CheckShows(dialog, "problems", program.Folder().Path());
     ClickIn(dialog, IDC_CMD_COPY);
     wizard.AwaitClipboard(saved); // no line is selected: all of them
-    PostMessageA(GetDlgItem(dialog, IDC_LST_NOT_DONE), WM_KEYDOWN, VK_HOME, 0);
-    PostMessageA(GetDlgItem(dialog, IDC_LST_NOT_DONE), WM_KEYDOWN, VK_DOWN, 0);
+    const HWND list = GetDlgItem(dialog, IDC_LST_NOT_DONE);
+    PostMessageA(list, WM_KEYDOWN, VK_END, 0);
     AWAIT(wizard, Holds(TextIn(dialog, IDC_TXT_NOT_DONE), "Gamma.zip"));
-    ClickIn(dialog, IDC_CMD_COPY);
+    PostMessageA(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(list), TRUE);
+    AWAIT(wizard, wizard.Focus() == list);
+    wizard.PressWithControl('C');
     wizard.AwaitClipboard(TextIn(dialog, IDC_TXT_NOT_DONE) + "\r\n");
     wizard.Answer(dialog, IDCANCEL);
     wizard.Finish();
