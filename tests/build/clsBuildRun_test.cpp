@@ -41,7 +41,7 @@ struct Fixture {
         folder.Write("program\\readme.txt", "read me");
     }
 
-    std::string WriteArchive(const std::string& name, const Members& members) {
+    [[nodiscard]] std::string WriteArchive(const std::string& name, const Members& members) const {
         std::vector<TestMember> stored;
         for (const auto& [member, text] : members)
             stored.push_back(TestMember::Stored(member, text));
@@ -108,9 +108,9 @@ std::string TextOf(const Fixture& fixture) {
     std::string all = "*.*";
     std::map<std::string, std::string> folders;
     for (const std::string& path : FindFiles(fixture.folder.Path() + "\\", all, "").paths)
-        folders[ParentOf(path)] += " " + FileNameOf(path);
+        folders[ParentOf(path)].append(" ").append(FileNameOf(path));
     for (const auto& [folder, names] : folders)
-        text += "\n  " + folder + ":" + names;
+        text.append("\n  ").append(folder).append(":").append(names);
     return ReplaceAll(text, fixture.folder.Path(), "{FOLDER}") + "\n";
 }
 
@@ -230,7 +230,7 @@ TEST_CASE("whatever happens, a run ends in its own way, with everything else don
         {"two archives for one folder", [](Fixture& f) { f.AddPlugin("Other", "one.cab"); }},
     };
     // What a catalogue may name: nothing outside the two folders is read, written or removed.
-    for (const char* zip : {"..\\victim.zip", "../victim.zip", "..\\program\\..\\victim.zip", "",
+    for (const char* zip : {R"(..\victim.zip)", "../victim.zip", R"(..\program\..\victim.zip)", "",
                             "ReadMe.txt", "VESKBUILDER.INI"})
         rows.emplace_back(std::string("archive ") + zip, [zip](Fixture& f) {
             const std::string victim = f.folder.Write("victim.zip", "x");
@@ -238,7 +238,7 @@ TEST_CASE("whatever happens, a run ends in its own way, with everything else don
                 "One", zip, "100", true, false, "http://h/x.zip", clsCRC().CalculateFile(victim)};
         });
     for (const char* value :
-         {"..\\..\\outside", "..\\..\\..", "x\\..\\..\\..\\outside", "C:\\outside"})
+         {R"(..\..\outside)", R"(..\..\..)", R"(x\..\..\..\outside)", R"(C:\outside)"})
         rows.emplace_back(std::string("category ") + value, [value](Fixture& f) {
             f.catalogue.categories = {{value, "100", "Tools"}};
         });

@@ -23,7 +23,7 @@ KEPT = ["program/veskbuild.exe", "cd/I386/LAYOUT.INF", "Windows/system32/kernel.
         "users/other/letter.txt", "work/sub/notes.txt", "Recycled/hidden/file", "file.txt"]
 
 # {D} is the drive that all lies on; {S} one that leads to its Windows, {U} one to its users, {A} one
-# to the folder that {D} is in. The current folder is {D}\work\sub. Behind "=>" are words of the reason.
+# to the folder that {D} is in. The current folder is {D}\work\sub. Words of the reason follow "=>".
 TESTS = pathlib.Path(__file__).resolve().parents[1]
 REFUSED = (TESTS / "data/refused_folders.txt").read_text("utf-8").split("\n") + [
     " ", "\t", "x" * 300, "{D}\\" + "long\\" * 60]

@@ -180,7 +180,7 @@ std::string WizardDriver::Contents(HWND dialog, const std::vector<HWND>& tabs) c
 }
 
 std::string WizardDriver::LinesOfList(HWND list) const {
-    const auto header = reinterpret_cast<HWND>(SendMessageA(list, LVM_GETHEADER, 0, 0));
+    auto* const header = reinterpret_cast<HWND>(SendMessageA(list, LVM_GETHEADER, 0, 0));
     const auto columns = static_cast<int>(SendMessageA(header, HDM_GETITEMCOUNT, 0, 0));
     const auto count = static_cast<int>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0));
     const bool hasTicks = SendMessageA(list, LVM_GETEXTENDEDLISTVIEWSTYLE, 0, 0) & 4;
@@ -251,7 +251,7 @@ void WizardDriver::Answer(HWND dialog, int button) const {
 
 std::string WizardDriver::AnswerBox(const std::string& title, int button) const {
     const HWND box = AwaitDialog(title);
-    const std::string text = TextIn(box, 0xFFFF);
+    std::string text = TextIn(box, 0xFFFF);
     Answer(box, button);
     return text;
 }
@@ -289,7 +289,7 @@ void WizardDriver::GoTo(int button, const std::string& heading) const {
     Await("the page \"" + heading + "\"", [&] { return Heading() == heading; });
 }
 
-bool WizardDriver::IsTicked(HWND list, int line) const {
+bool WizardDriver::IsTicked(HWND list, int line) {
     const LRESULT state =
         SendMessageA(list, LVM_GETITEMSTATE, static_cast<WPARAM>(line), LVIS_STATEIMAGEMASK);
     return state >> 12 == 2;

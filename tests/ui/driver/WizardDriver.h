@@ -38,6 +38,7 @@ public:
                           const std::string& title = "Vesk Builder");
     WizardDriver(const WizardDriver&) = delete;
     WizardDriver& operator=(const WizardDriver&) = delete;
+    ~WizardDriver() = default;
 
     [[nodiscard]] HWND Window() const { return window_; }
 
@@ -98,7 +99,7 @@ public:
     static void TypeInto(HWND dialog, const std::string& text);
 
     /// Tick of a list view's line, and a press of the space bar on it.
-    [[nodiscard]] bool IsTicked(HWND list, int line) const;
+    [[nodiscard]] static bool IsTicked(HWND list, int line);
     void PressSpaceOn(int list, int line) const;
 
     /// What a cell of a list view shows, in any dialog of the program.
