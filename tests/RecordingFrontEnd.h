@@ -2,7 +2,6 @@
 
 #include "build/BuildFrontEnd.h"
 
-#include <deque>
 #include <functional>
 #include <optional>
 #include <string>
@@ -25,8 +24,6 @@ public:
     bool answer = true;
     /// What a download does and gives; by default it fails.
     std::function<DownloadResult(const std::string& destination)> download;
-    std::string downloadReason = "the test said no";
-    std::optional<std::string> password;
     std::function<void(const std::string& line)> onLine;
     bool stop = false;
 
@@ -41,12 +38,13 @@ public:
         questions.push_back(question);
         return answer;
     }
-    std::optional<std::string> AskPassword(const std::string&, bool wrongBefore) override {
-        return wrongBefore ? std::nullopt : password;
+    std::optional<std::string> AskPassword(const std::string&, bool) override {
+        return std::nullopt;
     }
     DownloadOutcome DownloadFile(const DownloadRequest& request) override {
         downloads.push_back(request.destination);
-        return {download ? download(request.destination) : DownloadResult::Failed, downloadReason};
+        return {download ? download(request.destination) : DownloadResult::Failed,
+                "the test said no"};
     }
     void LetEventsRun() override {}
     void SetProgress(const BuildProgress& progress) override {
@@ -56,14 +54,6 @@ public:
     }
     bool StopRequested() override { return stop; }
     void EnterFinishedState(const BuildOutcome& how) override { outcome = how; }
-
-    [[nodiscard]] bool Logged(const std::string& part) const {
-        for (const std::string& line : lines) {
-            if (line.find(part) != std::string::npos)
-                return true;
-        }
-        return false;
-    }
 };
 
 } // namespace vesk::test

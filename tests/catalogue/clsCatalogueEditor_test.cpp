@@ -1,11 +1,11 @@
 #include "catalogue/clsCatalogueEditor.h"
 
+#include "ExpectedText.h"
 #include "catalogue/clsCategoryEditor.h"
 
 #include <doctest/doctest.h>
 
 #include <array>
-#include <functional>
 #include <stdexcept>
 
 using namespace vesk;
@@ -16,11 +16,7 @@ constexpr int kNone = clsEntryEditor::kNoSelection;
 using Names = std::vector<std::string>;
 
 CatalogueEntry Entry(const std::string& name, bool lock = false, const std::string& cat = "") {
-    CatalogueEntry entry;
-    entry.name = name;
-    entry.lock = lock;
-    entry.cat = cat;
-    return entry;
+    return {name, "", cat, false, lock, "", ""};
 }
 
 Catalogue Sample() {
@@ -36,52 +32,39 @@ Catalogue Sample() {
 
 } // namespace
 
-TEST_CASE("list and selection after each action") {
-    struct Row {
-        std::function<void(clsEntryEditor&)> action;
-        int select;
-        int selected; ///< Afterwards.
-        Names names;
+TEST_CASE("list, selection, buttons and question after each action on each entry") {
+    std::string text;
+    const auto tell = [&](const char* what, const clsEntryEditor& editor) {
+        text += what;
+        int line = 0;
+        for (const std::string& name : editor.Names())
+            text += editor.Selected() == line++ ? " [" + name + "]" : " " + name;
+        text += std::string(editor.CanRemove() ? ", remove" : "") +
+                (editor.CanMoveUp() ? ", up" : "") + (editor.CanMoveDown() ? ", down" : "");
+        if (const auto prompt = editor.PromptForRemoval())
+            text += ", " + prompt->title + ": " + ReplaceAll(prompt->text, "\r\n", " / ") +
+                    (prompt->asksYesNo ? " ?" : "");
+        text += "\n";
     };
-    for (const Row& row : {
-             Row{&clsEntryEditor::MoveUp, 0, 0, {"a", "b", "c"}},
-             Row{&clsEntryEditor::MoveUp, 2, 1, {"a", "c", "b"}},
-             Row{&clsEntryEditor::MoveUp, kNone, kNone, {"a", "b", "c"}},
-             Row{&clsEntryEditor::MoveDown, 0, 1, {"b", "a", "c"}},
-             Row{&clsEntryEditor::MoveDown, 2, 2, {"a", "b", "c"}},
-             Row{&clsEntryEditor::MoveDown, kNone, kNone, {"a", "b", "c"}},
-             Row{&clsEntryEditor::Remove, 0, kNone, {"b", "c"}},
-             Row{&clsEntryEditor::Remove, 2, 1, {"a", "b"}},
-             Row{&clsEntryEditor::Remove, 1, 1, {"a", "b", "c"}}, // is locked
-             Row{&clsEntryEditor::Remove, 7, kNone, {"a", "b", "c"}},
-             Row{&clsEntryEditor::Add, 0, 3, {"a", "b", "c", ""}},
-         }) {
-        CAPTURE(row.names);
-        CAPTURE(row.select);
-        clsEntryEditor editor;
-        editor.Load(Sample().baseComponents);
-        CHECK(editor.Selected() == 0);
-        editor.Select(row.select);
-        row.action(editor);
-        CHECK(editor.Names() == row.names);
-        CHECK(editor.Selected() == row.selected);
+    const std::pair<const char*, void (clsEntryEditor::*)()> actions[] = {
+        {"up:", nullptr}, {"remove:", &clsEntryEditor::Remove}, {"add:", &clsEntryEditor::Add}};
+    for (const auto& entries : {Sample().baseComponents, {Entry("only")}, {CatalogueEntry()}}) {
+        for (const int select : {0, 1, 2, kNone}) {
+            clsEntryEditor editor;
+            editor.Load(entries);
+            CHECK(editor.Selected() == 0);
+            editor.Select(select);
+            tell("\nselected:", editor);
+            for (const auto& [name, act] : actions) {
+                clsEntryEditor copy = editor;
+                act ? (copy.*act)() : void(copy.MoveUp());
+                tell(name, copy);
+            }
+            editor.MoveDown();
+            tell("down:", editor);
+        }
     }
-}
-
-TEST_CASE("what is asked before a removal; the only entry gives way to an empty one") {
-    clsEntryEditor editor;
-    editor.Load({Entry("only")});
-    editor.Remove();
-    CHECK(editor.Entries() == std::vector<CatalogueEntry>{CatalogueEntry()});
-    CHECK(editor.Selected() == kNone);
-    CHECK_FALSE(editor.PromptForRemoval());
-    editor.Load(Sample().baseComponents);
-    CHECK(
-        editor.PromptForRemoval() ==
-        EditorPrompt{"Are you sure you want to remove this entry ?\r\n'a'", "Confirmation", true});
-    editor.Select(1);
-    CHECK(editor.PromptForRemoval() ==
-          EditorPrompt{"Plugin is locked, unlock plugin\r\nto delete...", "Locked", false});
+    test::CheckExpected("entry_editor", text);
 }
 
 TEST_CASE("fields and a browsed archive go to the selected entry only") {
@@ -150,50 +133,27 @@ TEST_CASE("the installation path's two items") {
     CHECK_FALSE(editor.IsModified());
     editor.SetInstallPathItem(0);
     CHECK(editor.InstallPathItem() == 0);
+    // A list without entries keeps an empty one: the file counts by position.
+    const clsCatalogueEditor empty{Catalogue()};
+    CHECK_FALSE(empty.IsModified());
+    CHECK(empty.Edited().baseComponents == std::vector<CatalogueEntry>(1));
+    CHECK(empty.Edited().plugins == std::vector<CatalogueEntry>(1));
 }
 
 TEST_CASE("the category combo keeps a key that no category has") {
     clsCatalogueEditor editor(Sample());
-    const std::vector<CategoryItem> known = {{"100", "System"}, {"200", "Tools"}};
-    CHECK(editor.CategoryItems() == known);
-    CHECK(editor.CategoryItemIndex() == 0);
-    editor.Plugins().Select(1);
-    CHECK(editor.CategoryItems() ==
-          std::vector<CategoryItem>{known[0], known[1], {"gone", "", false}});
-    CHECK(editor.CategoryItemIndex() == 2);
-    const std::vector<CategoryItem> items = editor.CategoryItems();
-    CHECK(items[0].Text() == "100 - System");
-    CHECK(items[2].Text() == "gone (no such category)");
+    std::string text;
+    for (const int plugin : {0, 1, kNone}) {
+        editor.Plugins().Select(plugin);
+        for (const CategoryItem& item : editor.CategoryItems())
+            text += item.Text() + "; ";
+        text += std::to_string(editor.CategoryItemIndex()) + "\n";
+    }
+    CHECK(text == "100 - System; 200 - Tools; 0\n"
+                  "100 - System; 200 - Tools; gone (no such category); 2\n"
+                  "100 - System; 200 - Tools; -1\n");
     CHECK(CategoryItem{"100", ""}.Text() == "100");
     CHECK(CategoryItem{}.Text() == "(none)");
-    editor.Plugins().Select(kNone);
-    CHECK(editor.CategoryItemIndex() == -1);
-}
-
-TEST_CASE("a list without entries keeps an empty one: the file counts by position") {
-    const clsCatalogueEditor editor{Catalogue()};
-    CHECK_FALSE(editor.IsModified());
-    CHECK(editor.Edited().baseComponents == std::vector<CatalogueEntry>{CatalogueEntry()});
-    CHECK(editor.Edited().plugins == std::vector<CatalogueEntry>{CatalogueEntry()});
-}
-
-TEST_CASE("what the buttons of a frame would do something for") {
-    clsEntryEditor editor;
-    editor.Load({CatalogueEntry()});
-    CHECK_FALSE(editor.CanRemove());
-    CHECK_FALSE(editor.CanMoveUp());
-    CHECK_FALSE(editor.CanMoveDown());
-    editor.Load(Sample().baseComponents);
-    CHECK(editor.CanRemove());
-    CHECK_FALSE(editor.CanMoveUp());
-    CHECK(editor.CanMoveDown());
-    editor.Select(2);
-    CHECK(editor.CanMoveUp());
-    CHECK_FALSE(editor.CanMoveDown());
-    editor.Select(kNone);
-    CHECK_FALSE(editor.CanRemove());
-    CHECK_FALSE(editor.CanMoveUp());
-    CHECK_FALSE(editor.CanMoveDown());
 }
 
 TEST_CASE("plug-ins follow the keys of their categories, also two that change places") {

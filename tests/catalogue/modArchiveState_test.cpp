@@ -1,57 +1,58 @@
 #include "catalogue/modArchiveState.h"
 
-#include <doctest/doctest.h>
+#include "ExpectedText.h"
 
 using namespace vesk;
-using State = ArchiveState;
 
-TEST_CASE("what a build does about an archive") {
+TEST_CASE("what a build does about an archive, and what is said of it") {
     constexpr EntryPlace kPe{EntryList::BaseComponents, 0};
     constexpr EntryPlace kBase{EntryList::BaseComponents, 1};
     constexpr EntryPlace kPlugin{EntryList::Plugins, 0};
-    const ArchiveFacts missing;
-    const ArchiveFacts good{true, true, "1F"};
-    const ArchiveFacts other{true, true, "2E"};
-    const ArchiveFacts empty{true, true, ""};
-    const ArchiveFacts unread{true, true, std::nullopt};
-    const ArchiveFacts noName{false, false, std::nullopt};
-    const std::string pe = "PEBuilder3110a.ZIP";
-    const std::string url = "http://h/x";
+    const ArchiveFacts missing, noName{false, false, std::nullopt};
+    const ArchiveFacts good{true, true, "1F"}, other{true, true, "2E"};
+    const ArchiveFacts empty{true, true, ""}, unread{true, true, std::nullopt};
+    const ArchiveFacts forged{true, true, "1F", "SHA-256 differs"};
+    const std::string pe = "PEBuilder3110a.ZIP", url = "http://h/x";
     struct Row {
+        const char* name;
         EntryPlace place;
         std::string zip, url, crc;
         ArchiveFacts facts;
-        State state;
     };
+    std::string text;
     for (const Row& row : {
-             Row{kPlugin, "a.zip", "", "1F", good, State::Good},
-             Row{kPlugin, "a.CAB", "", "1F", unread, State::Unchecked},
-             Row{kPlugin, "a.zip", url, "1F", other, State::CrcDiffers}, // it is there: not fetched
-             Row{kPlugin, "a.zip", url, "1f", good, State::CrcDiffers},
-             Row{kPlugin, "a.zip", "", "1F", empty, State::Empty},
-             Row{kPlugin, "a.zip", "", "", empty,
-                 State::NoCrc}, // an empty checksum matches nothing
-             Row{kPlugin, "a.zip", "", "", good, State::NoCrc},
-             Row{kPlugin, "a.zip", url, "", missing, State::NoCrc}, // fetched in vain
-             Row{kPlugin, "a.zip", "", "1F", missing, State::Missing},
-             Row{kPlugin, "a.zip", url, "1F", missing, State::ToDownload},
-             Row{kPlugin, "..\\a.zip", url, "1F", noName, State::BadName},
-             Row{kPlugin, "a.rar", url, "1F", good, State::WrongType},
-             Row{kBase, "a.zip", url, "1F", missing, State::Missing}, // only the first is fetched
-             Row{kBase, "a.zip", url, "1F", other, State::CrcDiffers},
-             Row{kPe, pe, "", "1F", good, State::Good},
-             Row{kPe, pe, "", "1F", other, State::CrcDiffers},
-             Row{kPe, pe, url, "1F", other, State::ToReplace},
-             Row{kPe, pe, url, "1F", empty, State::ToReplace},
-             Row{kPe, pe, url, "1F", missing, State::ToDownload},
-             Row{kPe, pe, "", "1F", missing, State::Missing},
-             Row{kPe, "other.zip", url, "1F", good, State::NotPeBuilder},
+             Row{"good", kPlugin, "a.zip", "", "1F", good},
+             Row{"not read yet", kPlugin, "a.CAB", "", "1F", unread},
+             Row{"other: not fetched", kPlugin, "a.zip", url, "1F", other},
+             Row{"in lower case", kPlugin, "a.zip", url, "1f", good},
+             Row{"forged", kPlugin, "a.zip", url, "1F", forged},
+             Row{"empty", kPlugin, "a.zip", "", "1F", empty},
+             Row{"empty, without a checksum", kPlugin, "a.zip", "", "", empty},
+             Row{"without a checksum", kPlugin, "a.zip", "", "", good},
+             Row{"fetched in vain", kPlugin, "a.zip", url, "", missing},
+             Row{"missing", kPlugin, "a.zip", "", "1F", missing},
+             Row{"to download", kPlugin, "a.zip", url, "1F", missing},
+             Row{"no file name", kPlugin, "..\\a.zip", url, "1F", noName},
+             Row{"another kind", kPlugin, "a.rar", url, "1F", good},
+             Row{"base component", kBase, "a.zip", "", "1F", good},
+             Row{"base component, not read yet", kBase, "a.zip", "", "1F", unread},
+             Row{"base component, missing", kBase, "a.zip", url, "1F", missing},
+             Row{"base component, other", kBase, "a.zip", url, "1F", other},
+             Row{"PE Builder", kPe, pe, "", "1F", good},
+             Row{"PE Builder, other, no address", kPe, pe, "", "1F", other},
+             Row{"PE Builder, other", kPe, pe, url, "1F", other},
+             Row{"PE Builder, empty", kPe, pe, url, "1F", empty},
+             Row{"PE Builder, to download", kPe, pe, url, "1F", missing},
+             Row{"PE Builder, missing", kPe, pe, "", "1F", missing},
+             Row{"PE Builder, wrong name", kPe, "other.zip", url, "1F", good},
          }) {
-        CAPTURE(row.zip);
-        CAPTURE(row.crc);
-        const CatalogueEntry entry{"x", row.zip, "", true, false, row.url, row.crc};
-        const State state = JudgeArchive(entry, row.place, row.facts);
-        CAPTURE(ArchiveWords(entry, row.place, state));
-        CHECK(state == row.state);
+        CatalogueEntry entry{"x", row.zip, "", true, false, row.url, row.crc};
+        const ArchiveState state = JudgeArchive(entry, row.place, row.facts);
+        text += std::string(row.name) + ": " + ArchiveWords(entry, row.place, state);
+        entry.enabled = false;
+        text += "; unticked: " + ArchiveWords(entry, row.place, state) +
+                (ComesIntoBuild(state) ? "; comes into the build\n  " : "\n  ") +
+                ArchiveSentence(entry, row.place, state) + "\n";
     }
+    test::CheckExpected("archive_states", text);
 }

@@ -1,24 +1,9 @@
 #include "source/modSourceFolder.h"
 
-#include "TestFolder.h"
+#include "source/WindowsCd.h"
 
 using namespace vesk;
-using vesk::test::TestFolder;
-
-namespace {
-
-std::string Layout(const std::string& product, const std::string& tag) {
-    return "[Strings]\r\nproductname = \"" + product + "\"\r\n" +
-           (tag.empty() ? "" : "spcdtagfilei = \"" + tag + "\"\r\n");
-}
-
-void WriteSource(const TestFolder& folder, const std::string& layout) {
-    folder.Write("I386\\LAYOUT.INF", layout);
-    folder.Write("I386\\NTDLL.DLL", "x");
-    folder.Write("I386\\SETUPLDR.BIN", "x");
-}
-
-} // namespace
+using namespace vesk::test;
 
 TEST_CASE("product and service pack are read from the source") {
     struct Row {
@@ -32,7 +17,7 @@ TEST_CASE("product and service pack are read from the source") {
                            Row{"Windows 2000", "xpsp.cat", "Windows 2000 CAT", "", ""}}) {
         CAPTURE(row.product);
         const TestFolder folder;
-        WriteSource(folder, Layout(row.product, row.tag));
+        WriteCd(folder, "I386", row.product, row.tag);
         SourceState state;
         const SourceCheck check = CheckSourceFolder(folder.Path(), state);
         CHECK(check.usable);
@@ -44,45 +29,33 @@ TEST_CASE("product and service pack are read from the source") {
     }
 }
 
-TEST_CASE("a folder that is no source changes nothing; a file stands for its folder") {
-    const TestFolder good;
-    WriteSource(good, Layout("Windows XP Professional", "a.sp1"));
-    const TestFolder bad;
-    bad.Write("I386\\LAYOUT.INF", "x");
-    bad.Write("I386\\NTDLL.DLL", "x");
-    SourceState state;
-    CHECK_FALSE(CheckSourceFolder(bad.Path(), state).usable);
-    CHECK_FALSE(state.valid);
-    CheckSourceFolder(good.Path(), state);
-    const SourceCheck check = CheckSourceFolder(bad.Path(), state);
-    CHECK_FALSE(check.usable);
-    CHECK(check.productLabel.empty());
-    CHECK(state.valid);
-    CHECK(state.servicePackCode == "1");
-    const SourceCheck file = CheckSourceFolder(good / "I386\\LAYOUT.INF", state);
-    CHECK_FALSE(file.usable);
-    CHECK(file.path == (good / "I386\\"));
-}
-
-TEST_CASE("a path at which there is nothing is no source and stays as it is") {
+TEST_CASE("what is no source changes nothing; a file, and a drive's letter, stand for a folder") {
     const TestFolder folder;
-    WriteSource(folder, Layout("Windows XP Professional", "a.sp1"));
-    SourceState state;
-    for (const std::string& path : {folder / "missing", folder / "I386\\missing.txt"}) {
-        const SourceCheck check = CheckSourceFolder(path, state);
-        CHECK_FALSE(check.usable);
-        CHECK(check.path == path);
-    }
-    CHECK_FALSE(state.valid);
-}
-
-TEST_CASE("a file in a drive's root, and the drive's letter, stand for that root") {
-    const TestFolder folder;
+    WriteCd(folder, "good\\I386", "Windows XP Professional", "a.sp1");
+    WriteCd(folder, "bad\\I386");
+    RemoveFile(folder / "bad\\I386\\SETUPLDR.BIN");
     const std::string root = folder.Path().substr(0, 3);
-    const std::string file = root + "vesk-" + std::to_string(GetCurrentProcessId()) + ".txt";
-    WriteCompleteFile(file, "x");
+    const std::string inRoot = root + "vesk-" + std::to_string(GetCurrentProcessId()) + ".txt";
+    WriteCompleteFile(inRoot, "x");
     SourceState state;
-    CHECK(CheckSourceFolder(file, state).path == root);
-    CHECK(CheckSourceFolder(root.substr(0, 2), state).path == root);
-    RemoveFile(file);
+    for (const bool before : {false, true}) {
+        for (const auto& [path, taken] : {
+                 std::pair{folder / "bad", folder / "bad\\"},
+                 {folder / "good\\I386\\LAYOUT.INF", folder / "good\\I386\\"},
+                 {folder / "missing", folder / "missing"},
+                 {folder / "good\\missing.txt", folder / "good\\missing.txt"},
+                 {inRoot, root},
+                 {root.substr(0, 2), root},
+             }) {
+            CAPTURE(path);
+            const SourceCheck check = CheckSourceFolder(path, state);
+            CHECK_FALSE(check.usable);
+            CHECK(check.path == taken);
+            CHECK(check.productLabel.empty());
+            CHECK(state.valid == before); // a source chosen earlier still counts
+        }
+        CHECK(CheckSourceFolder(folder / "good", state).usable);
+        CHECK(state.servicePackCode == "1");
+    }
+    RemoveFile(inRoot);
 }

@@ -23,7 +23,6 @@ inline constexpr int kChecksum = 5;
 inline constexpr int kEnabled = 1;
 inline constexpr int kLocked = 2;
 inline constexpr int kCategory = 3;
-inline constexpr int kAddBase = IDC_CMD_BUTTONS;
 inline constexpr int kRemoveBase = IDC_CMD_BUTTONS + 1;
 inline constexpr int kBrowseBase = IDC_CMD_BUTTONS + 2;
 inline constexpr int kAddPlugin = IDC_CMD_BUTTONS + 3;
@@ -37,53 +36,48 @@ inline constexpr int kDownPlugin = IDC_CMD_BUTTONS + 9;
 class Editor : public WizardDriver {
 public:
     explicit Editor(const ProgramFolder& program)
-        : WizardDriver(program.Wizard(), "-SETUP further words", "Plugin Setup") {}
+        : WizardDriver(program.Wizard(), "-SETUP further words", "Plugin Setup"),
+          program_(program) {}
 
     /// Waits for what a selector offers.
-    [[nodiscard]] bool Offers(int selector, const Names& names) const {
-        return WaitUntil([&] { return Items(selector) == names; }, 5000);
+    void AwaitOffer(int selector, const Names& names) const {
+        AWAIT(*this, Items(selector) == names);
     }
 
     /// Waits for the sentence beside the actions.
-    [[nodiscard]] bool Says(const std::string& sentence) const {
-        return WaitUntil([&] { return Text(IDC_LBL_STATE) == sentence; }, 5000);
+    void AwaitState(const std::string& sentence) const {
+        Await("the state " + sentence, [&] { return Text(IDC_LBL_STATE) == sentence; });
     }
-
-    [[nodiscard]] bool HasFocus(int id) const {
-        return WaitUntil([&] { return Focus() == Control(id); }, 5000);
+    void Apply() const {
+        Click(IDC_CMD_APPLY);
+        AwaitState("Saved.");
     }
-    void FocusOn(int id) const {
-        SendMessageA(Window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Control(id)), TRUE);
-        REQUIRE(HasFocus(id));
+    void Exit() const {
+        Click(IDCANCEL);
+        CHECK(AwaitEnd() == 0);
     }
-    /// Presses a key where the keyboard is.
-    void Press(WPARAM key) const { PostMessageA(Focus(), WM_KEYDOWN, key, 1); }
 
     /// Waits for a message box, checks its text and answers it.
-    void AnswerBox(const std::string& title, const std::string& text, int button) const {
-        const HWND box = AwaitDialog(title);
-        CHECK(BoxText(box) == text);
-        Answer(box, button);
+    void CheckBox(const std::string& title, const std::string& text, int button) const {
+        CHECK(AnswerBox(title, button) == text);
+    }
+
+    /// Whether the file says what a catalogue would be saved as. What stands before its first
+    /// section holds the date.
+    void CheckSaved(const Catalogue& catalogue) const {
+        const auto sections = [](const std::string& text) {
+            return text.substr(std::min(text.find('['), text.size()));
+        };
+        CHECK(sections(ReadWholeFile(program_.Path() + kCatalogueFileName)) ==
+              sections(CatalogueText(catalogue, "")));
+    }
+
+    void CheckShows(const std::string& name) const {
+        WizardDriver::CheckShows(Window(), name, program_.Folder().Path());
     }
 
 private:
-    [[nodiscard]] HWND Focus() const {
-        GUITHREADINFO info{};
-        info.cbSize = sizeof info;
-        GetGUIThreadInfo(GetWindowThreadProcessId(Window(), nullptr), &info);
-        return info.hwndFocus;
-    }
+    const ProgramFolder& program_;
 };
-
-/// The catalogue file from its first section on; what stands before it holds the date.
-inline std::string SavedText(const ProgramFolder& program) {
-    const std::string text = ReadWholeFile(program.Path() + kCatalogueFileName);
-    return text.substr(std::min(text.find('['), text.size()));
-}
-
-inline std::string TextOfCatalogue(const Catalogue& catalogue) {
-    const std::string text = CatalogueText(catalogue, "");
-    return text.substr(text.find('['));
-}
 
 } // namespace vesk::test

@@ -4,6 +4,7 @@
 #include "archive/ZipBuilder.h"
 #include "catalogue/modCatalogueFile.h"
 
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -14,8 +15,8 @@ namespace vesk::test {
 class ProgramFolder {
 public:
     ProgramFolder() {
-        const std::string program = GetEnvironment("VESK_WIZARD");
-        REQUIRE_MESSAGE(!program.empty(), "VESK_WIZARD names the wizard");
+        const char* const program = std::getenv("VESK_WIZARD");
+        REQUIRE_MESSAGE(program, "VESK_WIZARD names the wizard");
         CreateFolderPath(folder_ / "program");
         CopyFileOver(program, Wizard());
         folder_.Write("program\\readme.txt", "Read me.");
@@ -42,8 +43,8 @@ public:
 
     /// Puts the delivered console program into the folder. @return its path
     [[nodiscard]] std::string Console() const {
-        const std::string program = GetEnvironment("VESK_CONSOLE");
-        REQUIRE_MESSAGE(!program.empty(), "VESK_CONSOLE names the console program");
+        const char* const program = std::getenv("VESK_CONSOLE");
+        REQUIRE_MESSAGE(program, "VESK_CONSOLE names the console program");
         CopyFileOver(program, Path() + "veskbuild.exe");
         return Path() + "veskbuild.exe";
     }
@@ -63,12 +64,6 @@ public:
     Catalogue catalogue;
 
 private:
-    static std::string GetEnvironment(const char* name) {
-        std::string value(32767, '\0');
-        value.resize(GetEnvironmentVariableA(name, value.data(), static_cast<DWORD>(value.size())));
-        return value;
-    }
-
     void AddPlugin(const std::string& name, bool enabled, bool lock) {
         const std::string zip = name + ".zip";
         const std::string crc = WriteArchive(

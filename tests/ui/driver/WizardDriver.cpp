@@ -1,14 +1,21 @@
 #include "WizardDriver.h"
 
+#include "ExpectedText.h"
+#include "base/Version.h"
+#include "base/modText.h"
 #include "ui/resources/ids.h"
 
 #include <commctrl.h>
 
 #include <doctest/doctest.h>
 
+#include <algorithm>
+
 namespace vesk::test {
 
 namespace {
+
+constexpr const char* kDialogClass = "#32770";
 
 std::string TextOf(HWND window) {
     std::string text(4096, '\0');
@@ -42,6 +49,13 @@ struct Search {
     }
 };
 
+HWND FindChild(HWND dialog, const std::function<bool(HWND)>& matches) {
+    Search search{matches};
+    if (IsWindow(dialog)) // without one, all windows of the screen would be searched
+        EnumChildWindows(dialog, Search::Visit, reinterpret_cast<LPARAM>(&search));
+    return search.found;
+}
+
 /// The messages that ask a list for its lines.
 struct LineMessages {
     UINT count;
@@ -50,12 +64,13 @@ struct LineMessages {
 };
 
 std::vector<std::string> Lines(HWND list, const LineMessages& messages) {
-    const auto count = static_cast<WPARAM>(SendMessageW(list, messages.count, 0, 0));
+    const LRESULT count = SendMessageW(list, messages.count, 0, 0);
     std::vector<std::string> lines;
-    for (WPARAM line = 0; line < count; ++line) {
+    for (LRESULT i = 0; i < count; ++i) {
         // Across processes only the wide form is converted right.
-        std::wstring text(
-            static_cast<std::size_t>(SendMessageW(list, messages.length, line, 0)) + 1, L'\0');
+        const auto line = static_cast<WPARAM>(i);
+        const LRESULT length = std::max<LRESULT>(SendMessageW(list, messages.length, line, 0), 0);
+        std::wstring text(static_cast<std::size_t>(length) + 1, L'\0');
         SendMessageW(list, messages.text, line, reinterpret_cast<LPARAM>(text.data()));
         text.pop_back();
         lines.emplace_back();
@@ -63,6 +78,16 @@ std::vector<std::string> Lines(HWND list, const LineMessages& messages) {
             lines.back() += static_cast<char>(c);
     }
     return lines;
+}
+
+std::string ChoicesOf(HWND combo) {
+    std::string text;
+    int number = 0;
+    for (const std::string& item : Lines(combo, {CB_GETCOUNT, CB_GETLBTEXTLEN, CB_GETLBTEXT})) {
+        const bool chosen = SendMessageA(combo, CB_GETCURSEL, 0, 0) == number++;
+        text += (chosen ? "\n    > " : "\n      ") + item;
+    }
+    return text;
 }
 
 } // namespace
@@ -81,6 +106,12 @@ std::string TextIn(HWND dialog, int id) {
     return ShownTextOf(GetDlgItem(dialog, id));
 }
 
+void EndProgram(HANDLE process) {
+    TerminateProcess(process, 99);
+    WaitForSingleObject(process, 5000);
+    CloseHandle(process);
+}
+
 WizardDriver::WizardDriver(const std::string& program, const std::string& arguments,
                            const std::string& title) {
     std::string commandLine = "\"" + program + "\" " + arguments;
@@ -93,21 +124,98 @@ WizardDriver::WizardDriver(const std::string& program, const std::string& argume
     process_.Reset(started.hProcess);
     processId_ = started.dwProcessId;
     // What it asks at its start has the same title, and the window as its owner.
-    REQUIRE(WaitUntil([&] {
+    Await("its window", [&] {
         window_ = FindTopWindow([&](HWND window) {
-            return !GetWindow(window, GW_OWNER) && ClassOf(window) == "#32770" &&
+            return !GetWindow(window, GW_OWNER) && ClassOf(window) == kDialogClass &&
                    TextOf(window).starts_with(title);
         });
-        return window_ != nullptr || HasEnded();
-    }));
-    REQUIRE(window_);
+        return window_ != nullptr;
+    });
 }
 
-WizardDriver::~WizardDriver() {
-    if (HasEnded())
+void WizardDriver::Await(const std::string& what, const std::function<bool()>& condition) const {
+    static DWORD patience = 30000; // milliseconds
+    bool holds = false;
+    WaitUntil([&] { return (holds = condition()) || HasEnded(); }, patience);
+    if (holds || condition())
         return;
-    TerminateProcess(process_.Get(), 99);
-    WaitForSingleObject(process_.Get(), 5000);
+    // Where one wait was in vain the next ones seldom do better, and the tests have a limit too.
+    patience = HasEnded() ? patience : 3000;
+    FAIL("waited in vain for: ", what, "\n", Seen());
+}
+
+std::string WizardDriver::Seen() const {
+    if (HasEnded())
+        return "The program has ended, with " + std::to_string(AwaitEnd()) + ".";
+    std::string text = "What it shows:";
+    (void)FindTopWindow([&](HWND window) {
+        text += "\n" + Contents(window);
+        return false;
+    });
+    return text;
+}
+
+std::string WizardDriver::Contents(HWND dialog, const std::vector<HWND>& tabs) const {
+    std::string text = TextOf(dialog) + "\n";
+    FindChild(dialog, [&](HWND control) {
+        const std::string type = ClassOf(control);
+        const std::string own = TextOf(control);
+        if (!IsWindowVisible(control) || ClassOf(GetParent(control)) != kDialogClass ||
+            type == kDialogClass || (type == "Static" && own.empty()))
+            return false;
+        const auto place = std::ranges::find(tabs, control);
+        text += place == tabs.end() ? "  " : std::to_string(place - tabs.begin() + 1) + " ";
+        text += type + (IsWindowEnabled(control) ? "" : ", disabled") +
+                (SendMessageA(control, BM_GETCHECK, 0, 0) == BST_CHECKED ? ", ticked" : "");
+        if (type == "ComboBox")
+            text += ChoicesOf(control);
+        else if (type == WC_LISTVIEWA)
+            text += LinesOfList(control);
+        else
+            text += ": " + ReplaceAll(own, "\r\n", "\n    ");
+        text += "\n";
+        return false;
+    });
+    return ReplaceAll(text, kVersionText, "{VERSION}");
+}
+
+std::string WizardDriver::LinesOfList(HWND list) const {
+    auto* const header = reinterpret_cast<HWND>(SendMessageA(list, LVM_GETHEADER, 0, 0));
+    const auto columns = static_cast<int>(SendMessageA(header, HDM_GETITEMCOUNT, 0, 0));
+    const auto count = static_cast<int>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0));
+    const bool hasTicks = SendMessageA(list, LVM_GETEXTENDEDLISTVIEWSTYLE, 0, 0) & 4;
+    std::string text;
+    for (int line = 0; line < count; ++line) {
+        text += std::string("\n    ") + (!hasTicks ? "" : IsTicked(list, line) ? "[x] " : "[ ] ");
+        for (int column = 0; column < columns; ++column)
+            text += (column == 0 ? "" : " | ") + CellText(list, line, column);
+    }
+    return text;
+}
+
+std::vector<HWND> WizardDriver::TabOrder() const {
+    std::vector<HWND> order;
+    for (HWND control = Focus(); std::ranges::find(order, control) == order.end();
+         control = Focus()) {
+        order.push_back(control);
+        Press(VK_TAB);
+        AWAIT(*this, Focus() != control && Focus() != nullptr);
+    }
+    return order;
+}
+
+void WizardDriver::CheckShows(HWND dialog, const std::string& name,
+                              const std::string& folder) const {
+    const std::string wanted = ExpectedText("windows/" + name);
+    const std::vector<HWND> tabs = TabOrder();
+    std::string shown;
+    WaitUntil(
+        [&] {
+            shown = ReplaceAll(Contents(dialog, tabs), folder, "{FOLDER}");
+            return shown == wanted || HasEnded();
+        },
+        5000);
+    CheckExpected("windows/" + name, shown);
 }
 
 HWND WizardDriver::FindTopWindow(const std::function<bool(HWND)>& matches) const {
@@ -123,48 +231,40 @@ HWND WizardDriver::FindTopWindow(const std::function<bool(HWND)>& matches) const
 
 HWND WizardDriver::AwaitDialog(const std::string& titleStart) const {
     HWND found = nullptr;
-    const bool appeared = WaitUntil([&] {
+    Await("a dialog \"" + titleStart + "\"", [&] {
         found = FindTopWindow([&](HWND window) {
-            return window != window_ && ClassOf(window) == "#32770" &&
+            return window != window_ && ClassOf(window) == kDialogClass &&
                    TextOf(window).starts_with(titleStart);
         });
-        return found != nullptr || HasEnded();
+        return found != nullptr;
     });
-    CAPTURE(titleStart);
-    REQUIRE(appeared);
-    REQUIRE(found);
     return found;
 }
 
-void WizardDriver::Answer(HWND dialog, int button) {
+void WizardDriver::Answer(HWND dialog, int button) const {
     const HWND control = GetDlgItem(dialog, button);
-    REQUIRE(control);
-    REQUIRE(WaitUntil([&] { return IsWindowVisible(control) && IsWindowEnabled(control); }, 5000));
+    AWAIT(*this, IsWindowVisible(control) && IsWindowEnabled(control));
     PostMessageA(control, BM_CLICK, 0, 0);
-    REQUIRE(WaitUntil([&] { return !IsWindow(dialog) || !IsWindowVisible(dialog); }));
+    WaitUntil([&] { return !IsWindowVisible(dialog); }); // it may be the program's last window
+    CHECK_FALSE(IsWindowVisible(dialog));
+}
+
+std::string WizardDriver::AnswerBox(const std::string& title, int button) const {
+    const HWND box = AwaitDialog(title);
+    std::string text = TextIn(box, 0xFFFF);
+    Answer(box, button);
+    return text;
 }
 
 void WizardDriver::TypeInto(HWND dialog, const std::string& text) {
-    const std::function<bool(HWND)> isField = [](HWND window) {
-        return ClassOf(window) == "Edit" && IsWindowVisible(window);
-    };
-    Search search{isField};
-    EnumChildWindows(dialog, Search::Visit, reinterpret_cast<LPARAM>(&search));
-    REQUIRE(search.found);
-    SendMessageA(search.found, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
-}
-
-std::string WizardDriver::BoxText(HWND box) {
-    return ShownTextOf(GetDlgItem(box, 0xFFFF));
+    const HWND field = FindChild(
+        dialog, [](HWND window) { return ClassOf(window) == "Edit" && IsWindowVisible(window); });
+    REQUIRE(field);
+    SendMessageA(field, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
 }
 
 HWND WizardDriver::Control(int id) const {
-    const std::function<bool(HWND)> matches = [&](HWND window) {
-        return GetDlgCtrlID(window) == id;
-    };
-    Search search{matches};
-    EnumChildWindows(window_, Search::Visit, reinterpret_cast<LPARAM>(&search));
-    return search.found;
+    return FindChild(window_, [&](HWND window) { return GetDlgCtrlID(window) == id; });
 }
 
 std::string WizardDriver::Text(int id) const {
@@ -176,8 +276,7 @@ void WizardDriver::SetText(int id, const std::string& text) const {
 }
 
 void WizardDriver::Click(int id) const {
-    CAPTURE(id);
-    REQUIRE(WaitUntil([&] { return IsEnabled(id) && IsShown(id); }));
+    Await("button " + std::to_string(id), [&] { return IsEnabled(id) && IsShown(id); });
     PostMessageA(Control(id), BM_CLICK, 0, 0);
 }
 
@@ -187,15 +286,12 @@ std::string WizardDriver::Heading() const {
 
 void WizardDriver::GoTo(int button, const std::string& heading) const {
     Click(button);
-    const bool reached = WaitUntil([&] { return Heading() == heading; }, 5000);
-    CAPTURE(heading);
-    CAPTURE(Heading());
-    REQUIRE(reached);
+    Await("the page \"" + heading + "\"", [&] { return Heading() == heading; });
 }
 
-bool WizardDriver::IsTicked(int list, int line) const {
-    const LRESULT state = SendMessageA(Control(list), LVM_GETITEMSTATE, static_cast<WPARAM>(line),
-                                       LVIS_STATEIMAGEMASK);
+bool WizardDriver::IsTicked(HWND list, int line) {
+    const LRESULT state =
+        SendMessageA(list, LVM_GETITEMSTATE, static_cast<WPARAM>(line), LVIS_STATEIMAGEMASK);
     return state >> 12 == 2;
 }
 
@@ -211,7 +307,7 @@ void WizardDriver::PressSpaceOn(int list, int line) const {
     static LPARAM mark = 1000;
     ++mark;
     PostMessageA(window, LVM_SETHOVERTIME, 0, mark);
-    WaitUntil([&] { return SendMessageA(window, LVM_GETHOVERTIME, 0, 0) == mark; });
+    AWAIT(*this, SendMessageA(window, LVM_GETHOVERTIME, 0, 0) == mark);
 }
 
 std::string WizardDriver::CellText(HWND list, int line, int column) const {
@@ -219,7 +315,7 @@ std::string WizardDriver::CellText(HWND list, int line, int column) const {
     constexpr int kLength = 400;
     void* const there = VirtualAllocEx(process_.Get(), nullptr, sizeof(LVITEMA) + kLength,
                                        MEM_COMMIT, PAGE_READWRITE);
-    REQUIRE(there);
+    REQUIRE_MESSAGE(there, Seen());
     LVITEMA item{};
     item.iSubItem = column;
     item.pszText = static_cast<char*>(there) + sizeof item;
@@ -237,30 +333,51 @@ void WizardDriver::ChangeDpi(HWND dialog, int dpi, const RECT& place) const {
     constexpr UINT kDpiChanged = 0x02E0;
     void* const there =
         VirtualAllocEx(process_.Get(), nullptr, sizeof place, MEM_COMMIT, PAGE_READWRITE);
-    REQUIRE(there);
+    REQUIRE_MESSAGE(there, Seen());
     WriteProcessMemory(process_.Get(), there, &place, sizeof place, nullptr);
     SendMessageA(dialog, kDpiChanged, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(there));
     VirtualFreeEx(process_.Get(), there, 0, MEM_RELEASE);
 }
 
 std::string WizardDriver::AwaitTip() const {
-    HWND tip = nullptr;
-    REQUIRE(WaitUntil([&] {
-        tip = FindTopWindow([](HWND window) { return ClassOf(window) == "tooltips_class32"; });
-        return tip != nullptr;
-    }));
-    return TextOf(tip);
+    const auto tip = [&] {
+        return FindTopWindow([](HWND window) { return ClassOf(window) == TOOLTIPS_CLASSA; });
+    };
+    AWAIT(*this, tip() != nullptr);
+    return TextOf(tip());
 }
 
 std::vector<std::string> WizardDriver::LogLines() const {
     return Lines(Control(IDC_LST_PROGRESS), {LB_GETCOUNT, LB_GETTEXTLEN, LB_GETTEXT});
 }
 
-void WizardDriver::Type(int id, const std::string& text) const {
-    SendMessageA(Control(id), EM_SETSEL, 0, -1);
-    SendMessageA(Control(id), WM_CLEAR, 0, 0);
-    for (const char c : text)
-        SendMessageA(Control(id), WM_CHAR, static_cast<WPARAM>(c), 1);
+void WizardDriver::Type(int id, const std::wstring& text) const {
+    SendMessageW(Control(id), EM_SETSEL, 0, -1);
+    SendMessageW(Control(id), WM_CLEAR, 0, 0);
+    for (const wchar_t c : text)
+        SendMessageW(Control(id), WM_CHAR, c, 1);
+}
+
+HWND WizardDriver::Focus() const {
+    GUITHREADINFO info{};
+    info.cbSize = sizeof info;
+    GetGUIThreadInfo(GetWindowThreadProcessId(window_, nullptr), &info);
+    return info.hwndFocus;
+}
+
+void WizardDriver::FocusOn(int id) const {
+    PostMessageA(Window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Control(id)), TRUE);
+    Await("the keyboard in " + std::to_string(id), [&] { return Focus() == Control(id); });
+}
+
+void WizardDriver::PressOnKeyboard(BYTE key, bool withControl) const {
+    SetForegroundWindow(GetAncestor(Focus(), GA_ROOT));
+    if (withControl)
+        keybd_event(VK_CONTROL, 0, 0, 0);
+    keybd_event(key, 0, 0, 0);
+    keybd_event(key, 0, KEYEVENTF_KEYUP, 0);
+    if (withControl)
+        keybd_event(VK_CONTROL, 0, KEYEVENTF_KEYUP, 0);
 }
 
 int WizardDriver::Chosen(int combo) const {
@@ -279,39 +396,22 @@ void WizardDriver::Choose(int combo, int item) const {
     REQUIRE(Chosen(combo) == item);
 }
 
-void WizardDriver::CheckTabOrder(const std::vector<int>& ids) const {
-    const auto focus = [this] {
-        GUITHREADINFO info{};
-        info.cbSize = sizeof info;
-        GetGUIThreadInfo(GetWindowThreadProcessId(window_, nullptr), &info);
-        return info.hwndFocus;
-    };
-    for (const int id : ids) {
-        CAPTURE(id);
-        REQUIRE(WaitUntil([&] { return focus() == Control(id); }, 5000));
-        PostMessageA(focus(), WM_KEYDOWN, VK_TAB, 0);
-    }
-}
-
 void WizardDriver::PickFromLogMenu(int entry) const {
-    PostMessageA(Control(IDC_LST_PROGRESS), WM_CONTEXTMENU,
-                 reinterpret_cast<WPARAM>(Control(IDC_LST_PROGRESS)), -1);
-    HWND menu = nullptr;
-    const std::function<bool(HWND)> isMenu = [](HWND window) {
-        return ClassOf(window) == "#32768";
+    const HWND list = Control(IDC_LST_PROGRESS);
+    PostMessageA(list, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(list), -1);
+    const auto menu = [&] {
+        return FindTopWindow([](HWND window) { return ClassOf(window) == "#32768"; });
     };
-    REQUIRE(WaitUntil([&] {
-        menu = FindTopWindow(isMenu);
-        return menu != nullptr;
-    }));
+    AWAIT(*this, menu() != nullptr);
     for (int i = 0; i < entry; ++i)
-        PostMessageA(menu, WM_KEYDOWN, VK_DOWN, 0);
-    PostMessageA(menu, WM_KEYDOWN, VK_RETURN, 0);
-    REQUIRE(WaitUntil([&] { return FindTopWindow(isMenu) == nullptr; }));
+        PostMessageA(menu(), WM_KEYDOWN, VK_DOWN, 0);
+    PostMessageA(menu(), WM_KEYDOWN, VK_RETURN, 0);
+    AWAIT(*this, menu() == nullptr);
 }
 
 DWORD WizardDriver::AwaitEnd() const {
-    REQUIRE(WaitForSingleObject(process_.Get(), 30000) == WAIT_OBJECT_0);
+    if (!WaitUntil([&] { return HasEnded(); }))
+        FAIL("the program goes on\n", Seen());
     DWORD code = 0;
     GetExitCodeProcess(process_.Get(), &code);
     return code;

@@ -16,8 +16,21 @@ bool WaitUntil(const std::function<bool()>& condition, DWORD milliseconds = 3000
 /// The text of a dialog's control that is shown, "(not shown)" for others.
 std::string TextIn(HWND dialog, int id);
 
+/// Clicks a button of a dialog; does not wait for what it does.
+inline void ClickIn(HWND dialog, int button) {
+    PostMessageA(GetDlgItem(dialog, button), BM_CLICK, 0, 0);
+}
+
+/// Ends a program that still runs, and closes its handle.
+void EndProgram(HANDLE process);
+
+/// Waits for something that a driven program is to do; where it does not come, the test fails with
+/// this condition and with what the program shows.
+#define AWAIT(driver, ...) (driver).Await(#__VA_ARGS__, [&] { return __VA_ARGS__; })
+
 /// The wizard or the catalogue editor as another process, worked through its windows: they are
-/// found by class, number and title, never by their place on the screen.
+/// found by class, number and title, never by their place on the screen. Every wait ends, and fails
+/// the test, when the program has ended.
 class WizardDriver {
 public:
     /// Starts a program and waits for its main window.
@@ -25,11 +38,19 @@ public:
                           const std::string& title = "Vesk Builder");
     WizardDriver(const WizardDriver&) = delete;
     WizardDriver& operator=(const WizardDriver&) = delete;
-    ~WizardDriver();
+    ~WizardDriver() = default;
 
     [[nodiscard]] HWND Window() const { return window_; }
 
-    /// A control of the wizard or of one of its pages.
+    /// Waits until a condition holds. @param what in words, for a failure; see AWAIT
+    void Await(const std::string& what, const std::function<bool()>& condition) const;
+
+    /// Compares what a dialog shows with tests/data/windows/NAME.txt, once it has come to that: a
+    /// line for each control with its place in the Tab order, its text or lines, and whether it is
+    /// disabled. @param folder stands as {FOLDER} in the file
+    void CheckShows(HWND dialog, const std::string& name, const std::string& folder) const;
+
+    /// A control of the main window or of one of its pages.
     [[nodiscard]] HWND Control(int id) const;
 
     /// The text of a control that is shown; what no user can read is "(not shown)".
@@ -39,7 +60,16 @@ public:
     void SetText(int id, const std::string& text) const;
 
     /// Types over a text field, key by key.
-    void Type(int id, const std::string& text) const;
+    void Type(int id, const std::wstring& text) const;
+
+    /// The control with the keyboard; giving it to one; pressing a key there.
+    [[nodiscard]] HWND Focus() const;
+    void FocusOn(int id) const;
+    void Press(WPARAM key) const { PostMessageA(Focus(), WM_KEYDOWN, key, 1); }
+
+    /// Presses a key as the keyboard does, together with Ctrl if wanted.
+    void PressOnKeyboard(BYTE key, bool withControl = false) const;
+    void PressWithControl(BYTE key) const { PressOnKeyboard(key, true); }
 
     /// Number of a combo box's selected item, -1 for none; its items; choosing one by keys.
     [[nodiscard]] int Chosen(int combo) const;
@@ -49,27 +79,27 @@ public:
     /// Clicks a button as soon as it is enabled; does not wait for what it does.
     void Click(int id) const;
 
-    /// Clicks Next and waits for the heading of the page it leads to.
+    /// Clicks a button and waits for the heading of the page it leads to.
     void GoTo(int button, const std::string& heading) const;
 
     /// The heading that is shown.
     [[nodiscard]] std::string Heading() const;
 
-    /// Waits for a dialog or message box of the program, other than the wizard itself, whose title
+    /// Waits for a dialog or message box of the program, other than the main window, whose title
     /// begins so.
     [[nodiscard]] HWND AwaitDialog(const std::string& titleStart) const;
 
     /// Presses an enabled button of a dialog or message box and waits for it to go.
-    static void Answer(HWND dialog, int button);
+    void Answer(HWND dialog, int button) const;
+
+    /// Waits for a message box and answers it. @return what it says
+    std::string AnswerBox(const std::string& title, int button) const;
 
     /// Puts a text into the edit field of one of the system's dialogs.
     static void TypeInto(HWND dialog, const std::string& text);
 
-    /// The text of a message box.
-    static std::string BoxText(HWND box);
-
     /// Tick of a list view's line, and a press of the space bar on it.
-    [[nodiscard]] bool IsTicked(int list, int line) const;
+    [[nodiscard]] static bool IsTicked(HWND list, int line);
     void PressSpaceOn(int list, int line) const;
 
     /// What a cell of a list view shows, in any dialog of the program.
@@ -84,9 +114,6 @@ public:
 
     [[nodiscard]] std::vector<std::string> LogLines() const;
 
-    /// Presses Tab from the first of the controls on; each must get the keyboard in its turn.
-    void CheckTabOrder(const std::vector<int>& ids) const;
-
     /// Picks an entry of the build log's context menu, by its number from the top. What the entry
     /// does may come later.
     void PickFromLogMenu(int entry) const;
@@ -97,8 +124,12 @@ public:
 
 private:
     [[nodiscard]] HWND FindTopWindow(const std::function<bool(HWND)>& matches) const;
+    [[nodiscard]] std::string Seen() const;
+    [[nodiscard]] std::string Contents(HWND dialog, const std::vector<HWND>& tabs = {}) const;
+    [[nodiscard]] std::string LinesOfList(HWND list) const;
+    [[nodiscard]] std::vector<HWND> TabOrder() const;
 
-    UniqueHandle<::CloseHandle, HANDLE> process_;
+    UniqueHandle<EndProgram, HANDLE> process_;
     DWORD processId_ = 0;
     HWND window_ = nullptr;
 };

@@ -17,73 +17,63 @@ inline constexpr const char* kBaseHeading = "Vesk Builder Base Components";
 inline constexpr const char* kPluginsHeading = "Vesk Builder Plugins";
 inline constexpr const char* kSummaryHeading = "Vesk Builder Summary";
 
-/// The wizard in a program folder of its own, on a page that is reached by Next. To be taken apart:
-/// const auto& [program, wizard] = Opened(kBaseHeading);
-struct Opened {
-    explicit Opened(const std::string& heading = "") {
-        for (const char* next : {kBaseHeading, kPluginsHeading}) {
-            if (heading.empty() || wizard.Heading() == heading)
-                return;
-            wizard.GoTo(IDC_CMD_NEXT, next);
-        }
+/// The wizard of a program folder, with the steps from page to page.
+class Wizard : public WizardDriver {
+public:
+    explicit Wizard(const ProgramFolder& program)
+        : WizardDriver(program.Wizard()), program_(program) {}
+
+    void Next(const std::string& heading) const { GoTo(IDC_CMD_NEXT, heading); }
+
+    void GoToPlugins() const {
+        Next(kBaseHeading);
+        Next(kPluginsHeading);
     }
 
-    const ProgramFolder program{};
-    const WizardDriver wizard{program.Wizard()};
-};
+    /// From the welcome page to the summary, with the test's own folder to build into.
+    void GoToSummary() const {
+        Next(kBaseHeading);
+        SetText(IDC_TXT_PROG_PATH, program_.Tree());
+        GoToSummaryFromBase();
+    }
+    void GoToSummaryFromBase() const {
+        Next(kPluginsHeading);
+        Next(kSummaryHeading);
+    }
 
-/// From the page of the base components to the summary.
-inline void GoToSummaryFromBase(const WizardDriver& wizard) {
-    wizard.GoTo(IDC_CMD_NEXT, kPluginsHeading);
-    wizard.GoTo(IDC_CMD_NEXT, kSummaryHeading);
-}
+    void AwaitFinish() const {
+        AWAIT(*this, Text(IDC_CMD_NEXT) == "&Finish" && IsEnabled(IDC_CMD_NEXT));
+    }
 
-/// From the welcome page to the summary, with the test's own folder to build into.
-inline void GoToSummary(const WizardDriver& wizard, const ProgramFolder& program) {
-    wizard.GoTo(IDC_CMD_NEXT, kBaseHeading);
-    wizard.SetText(IDC_TXT_PROG_PATH, program.Tree());
-    GoToSummaryFromBase(wizard);
-}
+    void Finish() const {
+        Click(IDC_CMD_NEXT);
+        CHECK(AwaitEnd() == 0);
+    }
 
-inline void AwaitFinish(const WizardDriver& wizard) {
-    REQUIRE(WaitUntil(
-        [&] { return wizard.Text(IDC_CMD_NEXT) == "&Finish" && wizard.IsEnabled(IDC_CMD_NEXT); }));
-}
-
-inline bool Holds(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
-
-inline bool Holds(const std::vector<std::string>& lines, const std::string& part) {
-    return std::ranges::any_of(lines, [&](const std::string& line) { return Holds(line, part); });
-}
-
-inline std::string Joined(const std::vector<std::string>& lines) {
-    std::string text;
-    for (const std::string& line : lines)
-        text += line + "\r\n";
-    return text;
-}
-
-/// Polls until the clipboard holds the text.
-inline bool AwaitClipboard(const std::string& wanted) {
-    return WaitUntil(
-        [&] {
+    /// Waits until the clipboard holds the text.
+    void AwaitClipboard(const std::string& wanted) const {
+        Await("the clipboard to hold " + wanted, [&] {
             if (!OpenClipboard(nullptr))
                 return false; // the program still has it
             const HANDLE data = GetClipboardData(CF_TEXT);
             const std::string text = data ? static_cast<const char*>(GlobalLock(data)) : "none";
             CloseClipboard();
             return text == wanted;
-        },
-        5000);
+        });
+    }
+
+private:
+    const ProgramFolder& program_;
+};
+
+inline bool Holds(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
 }
 
-/// A message box of the wizard: what it says, and its answer.
-inline std::string AnswerBox(const WizardDriver& wizard, const std::string& title, int answer) {
-    const HWND box = wizard.AwaitDialog(title);
-    const std::string text = WizardDriver::BoxText(box);
-    WizardDriver::Answer(box, answer);
+inline std::string Joined(const std::vector<std::string>& lines) {
+    std::string text;
+    for (const std::string& line : lines)
+        text += line + "\r\n";
     return text;
 }
 

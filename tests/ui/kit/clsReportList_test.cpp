@@ -2,7 +2,6 @@
 
 #include "ui/kit/clsReportList.h"
 
-#include <array>
 #include <string>
 #include <vector>
 
@@ -26,64 +25,38 @@ bool ShowsText(HWND list) {
     return found;
 }
 
-std::string OnClipboard() {
-    REQUIRE(OpenClipboard(nullptr));
-    const HANDLE data = GetClipboardData(CF_TEXT);
-    std::string text = data ? static_cast<const char*>(GlobalLock(data)) : "none";
-    CloseClipboard();
-    return text;
-}
-
 } // namespace
 
-TEST_CASE("a list keeps its columns in sight, gives its texts and copies its lines") {
+// What lists show and copy is compared where the programs show them.
+TEST_CASE("a list keeps its columns in sight, and its texts within the room for them") {
     const WindowHandle dialog(MakeWindow("STATIC", nullptr, 400, 200));
     const HWND window =
         MakeWindow(WC_LISTVIEWA, dialog.Get(), kWidth, 100, LVS_REPORT | LVS_OWNERDATA);
-    std::vector<std::string> lines{"one", "two " + std::string(300, 'w')};
+    const std::vector<std::string> lines{"one", "two " + std::string(300, 'w')};
     clsReportList list;
     list.Attach(window, {.titles = {"First", "Second"},
                          .count = [&] { return lines.size(); },
-                         .cell = [&](std::size_t line,
-                                     int column) { return lines[line] + (column == 0 ? "" : "!"); },
+                         .cell = [&](std::size_t line, int) { return lines[line]; },
                          .whenEmpty = "Nothing is in it."});
-    CHECK(ListView_GetItemCount(window) == 2);
     RECT inside{};
     GetClientRect(window, &inside);
     CHECK(ListView_GetColumnWidth(window, 0) + ListView_GetColumnWidth(window, 1) <= inside.right);
     CHECK(ListView_GetColumnWidth(window, 0) > 0);
-
     std::string asked(20, '\0');
     NMLVDISPINFOA question{};
     question.hdr = {window, 0, static_cast<UINT>(LVN_GETDISPINFOA)};
     question.item.mask = LVIF_TEXT;
     question.item.iItem = 1;
-    question.item.iSubItem = 1;
     question.item.pszText = asked.data();
     question.item.cchTextMax = 5;
     CHECK(list.HandleNotify(question.hdr));
     CHECK(asked.substr(0, asked.find('\0')) == "two ");
     question.item.iItem = 7; // behind the last line
     CHECK(list.HandleNotify(question.hdr));
-
-    // Ctrl+C; nothing is selected: all
-    std::array<BYTE, 256> keys{};
-    keys[VK_CONTROL] = 0x80;
-    SetKeyboardState(keys.data());
-    SendMessageA(window, WM_KEYDOWN, 'C', 1);
-    keys[VK_CONTROL] = 0;
-    SetKeyboardState(keys.data());
-    CHECK(OnClipboard() == "one\tone!\r\n" + lines[1] + "\t" + lines[1] + "!\r\n");
-    list.Select(0);
-    CHECK(list.Selected() == 0);
-    list.Copy();
-    CHECK(OnClipboard() == "one\tone!\r\n");
+    list.Select(1);
+    CHECK(list.Selected() == 1);
     list.Select(clsReportList::kNone);
     CHECK(list.Selected() == clsReportList::kNone);
-
-    lines.clear();
-    list.Refresh();
-    CHECK(ListView_GetItemCount(window) == 0);
 }
 
 TEST_CASE("an empty list says why; one with lines does not") {
@@ -100,5 +73,6 @@ TEST_CASE("an empty list says why; one with lines does not") {
     CHECK(ShowsText(window));
     count = 1;
     list.Refresh();
+    CHECK(ListView_GetItemCount(window) == 1);
     CHECK_FALSE(ShowsText(window));
 }

@@ -1,75 +1,61 @@
-#include "base/Failure.h"
-#include "ui/wizard/modListWalk.h"
 #include "ui/wizard/modNavigation.h"
 
-#include <doctest/doctest.h>
+#include "ExpectedText.h"
+#include "base/Failure.h"
+#include "ui/wizard/modListWalk.h"
 
 #include <array>
 
 using namespace vesk;
-using Kind = NavigationStep::Kind;
 
-TEST_CASE("each button leads from each page to where the wizard's plan says") {
-    const NavigationStep nothing;
-    const NavigationStep help{Kind::ShowHelp};
-    const NavigationStep close{Kind::Close};
-    const auto to = [](Page page) { return NavigationStep{Kind::GoToPage, page}; };
-    struct Row {
-        Page page;
-        std::array<NavigationStep, 4> steps; // Help, Back, Next, Cancel
-    };
-    for (const Row& row : {
-             Row{Page::Welcome, {help, nothing, to(Page::BaseComponents), close}},
-             Row{Page::BaseComponents, {help, to(Page::Welcome), to(Page::Plugins), close}},
-             Row{Page::Plugins, {help, to(Page::BaseComponents), to(Page::Summary), close}},
-             Row{Page::Summary,
-                 {help, to(Page::Plugins), {Kind::StartBuild}, {Kind::ClearBusyAndClose}}},
-             Row{Page::Build, {help, nothing, close, nothing}},
-         }) {
+TEST_CASE("where the buttons lead, what closing does, and how a build is said to have ended") {
+    std::string text;
+    constexpr std::array kSteps{"nothing", "help", "page ", "build", "close", "not busy, close"};
+    for (int page = 0; page < 5; ++page) {
+        const auto thisPage = static_cast<Page>(page);
+        text += PageHeading(thisPage, "v1") + "; " + PageSubheading(thisPage) + ":";
         for (int button = 0; button < 4; ++button) {
-            CAPTURE(static_cast<int>(row.page));
-            CAPTURE(button);
-            CHECK(NextStep(row.page, static_cast<WizardButton>(button)) ==
-                  row.steps[static_cast<std::size_t>(button)]);
+            const NavigationStep step = NextStep(thisPage, static_cast<WizardButton>(button));
+            text += std::string(" ") + kSteps.at(static_cast<std::size_t>(step.kind));
+            if (step.kind == NavigationStep::Kind::GoToPage)
+                text += std::to_string(static_cast<int>(step.page));
         }
+        text += "\n";
     }
-}
-
-TEST_CASE("closing is refused while busy, asked for once, and free when finished") {
-    struct Row {
-        ClosingState state;
-        ClosingAnswer answer;
-    };
-    for (const Row& row : {
-             Row{{.finished = false, .busy = false, .exitConfirmed = false}, ClosingAnswer::Ask},
-             Row{{.finished = false, .busy = false, .exitConfirmed = true}, ClosingAnswer::Close},
-             Row{{.finished = false, .busy = true, .exitConfirmed = false}, ClosingAnswer::Refuse},
-             Row{{.finished = false, .busy = true, .exitConfirmed = true}, ClosingAnswer::Refuse},
-             Row{{.finished = true, .busy = true, .exitConfirmed = false}, ClosingAnswer::Close},
+    for (const unsigned bits : {0u, 1u, 2u, 3u, 6u, 4u}) {
+        const ClosingState state{
+            .finished = (bits & 4) != 0, .busy = (bits & 2) != 0, .exitConfirmed = (bits & 1) != 0};
+        constexpr std::array kAnswers{"closes", "refuses", "asks"};
+        text += std::string(state.finished ? "finished " : "") + (state.busy ? "busy " : "") +
+                (state.exitConfirmed ? "confirmed " : "") +
+                kAnswers.at(static_cast<std::size_t>(AnswerClosing(state))) + "\n";
+    }
+    for (const BuildOutcome& outcome : {
+             BuildOutcome{BuildEnding::Done, true, true, 0, ""},
+             BuildOutcome{BuildEnding::Done, true, true, 1, ""},
+             BuildOutcome{BuildEnding::Done, true, true, 12, ""},
+             BuildOutcome{BuildEnding::Done, true, false, 2, "no such host"},
+             BuildOutcome{BuildEnding::Aborted, false, false, 1, "answered No"},
+             BuildOutcome{BuildEnding::Done, false, false, 1, "no network connection"},
+             BuildOutcome{BuildEnding::InstallFailed, false, false, 1, ""},
          })
-        CHECK(AnswerClosing(row.state) == row.answer);
+        text += HeadingOf(outcome).title + "; " + HeadingOf(outcome).sentence + "\n";
+    test::CheckExpected("navigation", text);
 }
 
 TEST_CASE("a walk over the list springs locked lines back and takes over the others") {
-    struct Row {
-        bool enabled, lock, ticked; // before
-        bool enabledAfter, tickedAfter;
-    };
-    for (const Row& row : {
-             Row{true, true, false, true, true},
-             Row{false, true, true, false, false},
-             Row{true, false, false, false, false},
-             Row{false, false, true, true, true},
-         }) {
+    for (const unsigned bits : {0u, 1u, 2u, 3u, 4u, 5u, 6u, 7u}) {
         std::vector<CatalogueEntry> entries(1);
-        entries[0].enabled = row.enabled;
-        entries[0].lock = row.lock;
-        bool ticked = row.ticked;
+        const bool enabled = entries[0].enabled = (bits & 1) != 0;
+        const bool lock = entries[0].lock = (bits & 2) != 0;
+        bool ticked = (bits & 4) != 0;
+        const bool expected = lock ? enabled : ticked;
         WalkTicks(
             entries, 1,
             {[&](std::size_t) { return ticked; }, [&](std::size_t, bool tick) { ticked = tick; }});
-        CHECK(entries[0].enabled == row.enabledAfter);
-        CHECK(ticked == row.tickedAfter);
+        CAPTURE(bits);
+        CHECK(entries[0].enabled == expected);
+        CHECK(ticked == expected);
     }
 }
 
@@ -80,38 +66,4 @@ TEST_CASE("a walk ends in an overflow behind 256 lines") {
     CHECK_FALSE(entries[256].enabled);
     CHECK_THROWS_WITH_AS(WalkTicks(entries, 257, allTicked), "Overflow", Failure);
     CHECK(entries[255].enabled);
-}
-
-TEST_CASE("the heading tells what became of a build, and why") {
-    struct Row {
-        BuildOutcome outcome;
-        const char *title, *sentence;
-    };
-    for (const Row& row : {
-             Row{{BuildEnding::Done, true, true, 0, ""},
-                 "Build Complete",
-                 "Everything is in the build tree, which is ready for PE Builder."},
-             Row{{BuildEnding::Done, true, true, 1, ""},
-                 "Built, with 1 Problem",
-                 "Not everything is in the build tree: the list of problems shows what is "
-                 "missing and why."},
-             Row{{BuildEnding::Done, true, true, 12, ""}, "Built, with 12 Problems", nullptr},
-             Row{{BuildEnding::Done, true, false, 2, "no such host"},
-                 "Not Usable",
-                 "PE Builder's archive was not installed: no such host."},
-             Row{{BuildEnding::Aborted, false, false, 1, "answered No"},
-                 "Not Built",
-                 "No usable build tree was made: answered No."},
-             Row{{BuildEnding::Done, false, false, 1, "no network connection"},
-                 "Not Built",
-                 "No usable build tree was made: no network connection."},
-             Row{{BuildEnding::InstallFailed, false, false, 1, ""},
-                 "Not Built",
-                 "No usable build tree was made."},
-         }) {
-        const EndingHeading heading = HeadingOf(row.outcome);
-        CHECK(heading.title == row.title);
-        if (row.sentence)
-            CHECK(heading.sentence == row.sentence);
-    }
 }

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "base/modText.h"
+
+#include <doctest/doctest.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+namespace vesk::test {
+
+/// What tests/data/NAME.txt says is to come.
+inline std::string ExpectedText(const std::string& name) {
+    const char* const folder = std::getenv("VESK_DATA");
+    REQUIRE_MESSAGE(folder, "VESK_DATA names the folder of the expected texts");
+    std::ifstream file(std::string(folder) + "/" + name + ".txt", std::ios::binary);
+    return ReplaceAll(std::string(std::istreambuf_iterator<char>(file), {}), "\r", "");
+}
+
+/// Compares a text with tests/data/NAME.txt as a whole, and shows both where they differ.
+inline void CheckExpected(const std::string& name, const std::string& found) {
+    const std::string wanted = ExpectedText(name);
+    CHECK_MESSAGE(found == wanted, name, "\n--- wanted\n", wanted, "--- found\n", found, "---");
+}
+
+} // namespace vesk::test
