@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Require.h"
+#include "archive/clsCRC.h"
 #include "archive/clsZipMemberReader.h"
 #include "archive/modCabDirectory.h"
 #include "archive/modCabImage.h"
@@ -12,19 +14,13 @@
 #include <algorithm>
 #include <map>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
 /// Whole extractions without a disk, for whatever bytes: tests and fuzzers ask for them. The
-/// sanitizers watch; what breaks a promise throws a std::logic_error.
+/// sanitizers watch, and what is required of every archive.
 namespace vesk::test {
-
-inline void Promise(bool kept) {
-    if (!kept)
-        throw std::logic_error("a promise is broken");
-}
 
 /// An archive in memory, as the program would find it in a file.
 class MemorySource : public ByteSource {
@@ -72,28 +68,17 @@ struct Reading {
     }
 };
 
-/// The definition, bit by bit: nothing of the code that is tested.
-inline std::uint32_t PlainCrc(const std::string& text) {
-    std::uint32_t crc = 0xFFFFFFFF;
-    for (const char c : text) {
-        crc ^= static_cast<std::uint8_t>(c);
-        for (int bit = 0; bit < 8; ++bit)
-            crc = crc >> 1 ^ ((crc & 1) != 0 ? 0xEDB88320 : 0);
-    }
-    return ~crc;
-}
-
 /// A path that is handed out lies below the folder, part by part.
 template <class Char>
 void CheckPath(const std::basic_string<Char>& path) {
     const auto text = [](std::string_view ascii) {
         return std::basic_string<Char>(ascii.begin(), ascii.end());
     };
-    Promise(path.starts_with(text("C:\\tree\\")));
+    Require(path.starts_with(text("C:\\tree\\")));
     const auto rest = path.substr(7) + text("\\"); // each part stands between two backslashes
-    Promise(rest.find_first_of(text("/:*?\"<>|")) == rest.npos);
+    Require(rest.find_first_of(text("/:*?\"<>|")) == rest.npos);
     for (const char* hostile : {"\\\\", ".\\", " \\", "\\nul\\", "\\CON.", "\\CON\\"})
-        Promise(rest.find(text(hostile)) == rest.npos);
+        Require(rest.find(text(hostile)) == rest.npos);
 }
 
 inline void CheckName(const std::string& name) {
@@ -103,7 +88,7 @@ inline void CheckName(const std::string& name) {
     const auto path = wide ? PathInside(L"C:\\tree", *wide) : std::nullopt;
     if (path)
         CheckPath(*path);
-    Promise(!path || !NamesFolderItself(*wide));
+    Require(!path || !NamesFolderItself(*wide));
 }
 
 inline std::string TextOf(std::span<const std::byte> bytes) {
@@ -118,13 +103,13 @@ inline std::string ZipContent(clsZipMemberReader& reader, const ZipMember& membe
     std::string text;
     if (inPieces)
         reader.Stream(member, [&](std::span<const std::byte> piece, std::uint64_t packedDone) {
-            Promise(packedDone <= member.packedSize || member.otherSizes);
+            Require(packedDone <= member.packedSize || member.otherSizes);
             text += TextOf(piece);
         });
     else
         text = TextOf(reader.Read(member));
-    Promise(PlainCrc(text) == member.crc);
-    Promise(text.size() == member.size || member.otherSizes);
+    Require(static_cast<std::uint32_t>(clsCRC().CalculateString(text)) == member.crc);
+    Require(text.size() == member.size || member.otherSizes);
     return text;
 }
 
@@ -141,7 +126,7 @@ inline Reading ReadZip(const std::string& archive, const std::vector<std::string
         return reading;
     }
     reading.problem = directory->Problem();
-    Promise(directory->Count() != 0 || reading.problem.empty());
+    Require(directory->Count() != 0 || reading.problem.empty());
     clsZipMemberReader reader(source, *directory, [&](bool wrongBefore) {
         const std::size_t number = reading.asked.size();
         reading.asked += wrongBefore ? '!' : '?';
@@ -160,12 +145,16 @@ inline Reading ReadZip(const std::string& archive, const std::vector<std::string
     return reading;
 }
 
-/// Both ways to read a ZIP archive give the same.
+/// What comes in pieces is what comes whole. It may be less: zlib refuses two codes of lengths that
+/// nothing writes, and libdeflate does not.
 inline Contents ZipContents(const std::string& archive) {
     static const std::vector<std::string> kAnswers(99, "pass");
-    Contents whole = ReadZip(archive, kAnswers, false).Whole();
-    Promise(ReadZip(archive, kAnswers, true).Whole() == whole);
-    return whole;
+    const Reading whole = ReadZip(archive, kAnswers, false);
+    const Reading pieces = ReadZip(archive, kAnswers, true);
+    Require(pieces.members.size() == whole.members.size());
+    for (std::size_t i = 0; i < whole.members.size(); ++i)
+        Require(!pieces.members[i].text || pieces.members[i].text == whole.members[i].text);
+    return whole.Whole();
 }
 
 inline std::string ZipTold(const std::string& archive,
@@ -202,11 +191,11 @@ inline void CheckImage(const std::string& cabinet, const CabDirectory& directory
     CabDirectory again = ReadCabDirectory(window);
     JudgeCabData(window, again, [] {});
     JudgeCabEntries(again);
-    Promise(again.folders.size() == 1 && again.entries.size() == entries.size());
-    Promise(again.folders[0].blocks == folder.goodBlocks && again.folders[0].fault.empty());
-    Promise(again.folders[0].goodUnpacked == folder.goodUnpacked);
+    Require(again.folders.size() == 1 && again.entries.size() == entries.size());
+    Require(again.folders[0].blocks == folder.goodBlocks && again.folders[0].fault.empty());
+    Require(again.folders[0].goodUnpacked == folder.goodUnpacked);
     for (std::size_t i = 0; i < entries.size(); ++i)
-        Promise(again.entries[i].refusal.empty() && again.entries[i].name == std::to_string(i));
+        Require(again.entries[i].refusal.empty() && again.entries[i].name == std::to_string(i));
 }
 
 inline Reading ReadCab(const std::string& archive) {
@@ -246,7 +235,7 @@ inline Reading ReadCab(const std::string& archive) {
         const CabEntry& entry = directory.entries[i];
         if (entry.twin)
             reading.members[i].text = reading.members[*entry.twin].text;
-        Promise(!reading.members[i].text || reading.members[i].text->size() == entry.size);
+        Require(!reading.members[i].text || reading.members[i].text->size() == entry.size);
     }
     return reading;
 }

@@ -1,8 +1,8 @@
 #include "archive/modArchive.h"
 
-#include "TestFolder.h"
 #include "archive/CabBuilder.h"
 #include "archive/NameTable.h"
+#include "archive/TreeOnDisk.h"
 #include "base/Failure.h"
 #include "base/Problem.h"
 #include "base/UniqueHandle.h"
@@ -74,48 +74,6 @@ struct Kind {
 };
 const Kind kKinds[] = {{"x.zip", Zip, "wrong CRC"}, {"x.CAB", Cab, "its data is damaged"}};
 
-using Tree = std::map<std::wstring, std::string>; ///< What files hold; names of folders end in "\".
-
-std::string ContentOf(const std::wstring& path, std::uint64_t size) {
-    const FileHandle file(
-        CreateFileW(path.c_str(), GENERIC_READ, 7, nullptr, OPEN_EXISTING, 0, nullptr));
-    std::string text(static_cast<std::size_t>(size), '\0');
-    DWORD read = 0;
-    if (!file || ReadFile(file.Get(), text.data(), static_cast<DWORD>(size), &read, nullptr) == 0)
-        return "cannot be read";
-    return text.substr(0, read);
-}
-
-Tree TreeIn(const std::string& folder) {
-    Tree tree;
-    std::vector<std::wstring> folders{L""};
-    for (std::size_t i = 0; i < folders.size(); ++i)
-        ForEachEntry(LongPath(folder) + L"\\" + folders[i],
-                     [&, below = folders[i]](const FolderEntry& entry) {
-                         const std::wstring path = below + entry.name;
-                         if (entry.IsFolder())
-                             tree[folders.emplace_back(path + L"\\")] = "";
-                         else
-                             tree[path] = ContentOf(LongPath(folder) + L"\\" + path, entry.size);
-                     });
-    return tree;
-}
-
-/// As in FilesOf, in the order of the names.
-std::string Listed(const Tree& tree) {
-    std::string list;
-    for (const auto& [path, text] : tree)
-        list += (list.empty() ? "" : "|") + Narrowed(path) + "=" + ReplaceAll(text, kLong, "*");
-    return list;
-}
-
-std::string Lines(const std::vector<MemberFailure>& failures) {
-    std::string lines;
-    for (const MemberFailure& failure : failures)
-        lines += failure.member + ": " + failure.what + ", " + failure.reason + "\n";
-    return lines;
-}
-
 /// An archive and the folder it is extracted into.
 struct Extracting {
     TestFolder folder;
@@ -125,7 +83,9 @@ struct Extracting {
         : path(folder.Write(kind.path, kind.make(files))) {}
     [[nodiscard]] std::string Out(const std::string& name) const { return folder / "out\\" + name; }
     [[nodiscard]] Tree Found() const { return TreeIn(folder / "out"); }
-    [[nodiscard]] std::string Listed() const { return ::Listed(Found()); }
+    [[nodiscard]] std::string Listed() const {
+        return ReplaceAll(ListedIn(folder / "out"), kLong, "*");
+    }
     /// @return a line for each failure
     [[nodiscard]] std::string Told(const ExtractionOwner& owner = {}) const {
         return Lines(ExtractArchive(path, folder / "out", owner).failures);
