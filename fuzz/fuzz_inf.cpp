@@ -1,4 +1,4 @@
-#include "Require.h"
+#include "Input.h"
 #include "base/Failure.h"
 #include "base/modText.h"
 #include "build/modInfText.h"
@@ -14,8 +14,7 @@ std::string Plain(std::string text) {
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string text = TextOf(data, size);
+void CheckInput(const std::string& text) {
     if (const auto edited = CommentedOutAppendMenu(text)) {
         // Signs are put in and nothing is taken away; the words get the letters' case of our own.
         Require(edited->size() > text.size());
@@ -32,5 +31,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     } catch (const Failure&) { // a title that is too long
         Require(text.size() > 50);
     }
-    return 0;
 }

@@ -1,4 +1,4 @@
-#include "Require.h"
+#include "Input.h"
 #include "catalogue/modCatalogueCheck.h"
 #include "catalogue/modCatalogueFaults.h"
 #include "catalogue/modCatalogueText.h"
@@ -43,8 +43,7 @@ void CheckWritten(const std::string& text) {
 } // namespace
 
 /// The input as a catalogue's text, as a list of names, and as the fields of an entry.
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string text = TextOf(data, size);
+void CheckInput(const std::string& text) {
     const IniText file = ParseIni(text);
     std::size_t length = 0;
     for (const IniSection& section : file.sections) {
@@ -62,5 +61,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::vector<std::string> names = SplitNameList(text);
     Require(!names.empty() && names.back().empty());
     CheckWritten(text);
-    return 0;
 }

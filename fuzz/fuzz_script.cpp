@@ -1,4 +1,4 @@
-#include "Require.h"
+#include "Input.h"
 #include "base/Failure.h"
 #include "script/modScriptText.h"
 
@@ -24,8 +24,7 @@ struct Counter : ScriptTarget {
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string text = TextOf(data, size);
+void CheckInput(const std::string& text) {
     const std::vector<std::string> lines = SplitScriptLines(text);
     Require(!lines.empty());
     std::size_t length = 0;
@@ -46,5 +45,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         Require(counter.effects <= lines.size());
     }
     Require(ExpandScriptVariables(text, {"P", "S"}).size() <= text.size() + 1);
-    return 0;
 }

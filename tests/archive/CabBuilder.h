@@ -1,9 +1,9 @@
 #pragma once
 
-#include "archive/MemorySource.h"
 #include "archive/ZipBuilder.h"
 
-#include <cstring>
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -16,6 +16,8 @@ struct TestBlock {
     std::optional<std::uint32_t> checksum = std::nullopt;
     std::optional<std::uint16_t> packed = std::nullopt;
     std::optional<std::uint16_t> unpacked = std::nullopt;
+
+    void SetSizes(std::uint16_t size) { packed = unpacked = size; }
 };
 
 struct TestFolderData {
@@ -35,17 +37,13 @@ struct TestCabMember {
     std::uint16_t time = 13 << 11 | 37 << 5 | 42 / 2;
 };
 
+/// Words of four bytes, the lowest first, but the highest first in what is left at the end.
 inline std::uint32_t CabChecksum(const std::string& bytes, std::uint32_t sum) {
-    std::size_t i = 0;
-    for (; i + 4 <= bytes.size(); i += 4) {
-        std::uint32_t word = 0;
-        std::memcpy(&word, bytes.data() + i, 4);
-        sum ^= word;
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        const std::size_t place = i < bytes.size() / 4 * 4 ? i % 4 : bytes.size() - 1 - i;
+        sum ^= std::uint32_t{static_cast<std::uint8_t>(bytes[i])} << 8 * place;
     }
-    std::uint32_t tail = 0;
-    for (; i < bytes.size(); ++i)
-        tail = tail << 8 | static_cast<std::uint8_t>(bytes[i]);
-    return sum ^ tail;
+    return sum;
 }
 
 inline const std::string kFirst =
@@ -70,10 +68,9 @@ struct TestCab {
     std::optional<std::string> headerReserve;
     std::string folderReserve, blockReserve;
 
-    /// One member after the other, all in one folder of one block.
+    /// One member after the other, all in one folder, not compressed.
     static TestCab Of(const std::vector<std::pair<std::string, std::string>>& files) {
         TestCab cab;
-        cab.folders.resize(1);
         std::string data;
         for (const auto& [name, content] : files) {
             cab.members.push_back({.name = name,
@@ -81,76 +78,78 @@ struct TestCab {
                                    .offset = static_cast<std::uint32_t>(data.size())});
             data += content;
         }
-        cab.folders[0].blocks.push_back({data});
+        TestFolderData& folder = cab.folders.emplace_back();
+        for (std::size_t at = 0; at < data.size(); at += 32768)
+            folder.blocks.push_back({data.substr(at, 32768)});
         return cab;
     }
 
     /// Three members over two packed blocks; the second one lies across both.
     static TestCab Mszip() {
         TestCab cab;
-        cab.folders.resize(1);
-        cab.folders[0].packing = 1;
-        const auto unpacked = [](const std::string& text) {
-            return static_cast<std::uint16_t>(text.size());
-        };
-        cab.folders[0].blocks = {{.data = kFirstPacked, .unpacked = unpacked(kFirst)},
-                                 {.data = kSecondPacked, .unpacked = unpacked(kSecond)}};
+        cab.folders.push_back({.packing = 1});
+        cab.folders[0].blocks = {{.data = kFirstPacked, .unpacked = 68},
+                                 {.data = kSecondPacked, .unpacked = 46}};
         cab.members = {{.name = "a", .size = 10},
                        {.name = "b", .size = 100, .offset = 10},
                        {.name = "c", .size = 2, .offset = 112}};
         return cab;
     }
 
+    /// Adds a member in a folder of its own, not compressed.
+    TestCab& Add(const std::string& name, const std::string& text) {
+        const TestCab alone = Of({{name, text}});
+        members.push_back(alone.members[0]);
+        members.back().folder = static_cast<std::uint16_t>(folders.size());
+        folders.push_back(alone.folders[0]);
+        return *this;
+    }
+    /// The same with data that its checksum speaks against.
+    TestCab& AddDamaged(const std::string& name, const std::string& text) {
+        Add(name, text).folders.back().blocks.back().checksum = 0x12345678;
+        return *this;
+    }
+
     [[nodiscard]] std::string Bytes() const {
-        const std::string variable = VariablePart();
-        const std::string list = MemberList();
+        std::string variable;
+        if (headerReserve)
+            variable += U16(headerReserve->size()) + U8(folderReserve.size()) +
+                        U8(blockReserve.size()) + *headerReserve;
+        if (!next.empty())
+            variable += next + '\0' + "disk 2" + '\0';
+        std::string list;
+        for (const TestCabMember& member : members)
+            list += U32(member.size) + U32(member.offset) + U16(member.folder) + U16(member.date) +
+                    U16(member.time) + U16(member.attributes) + member.name + '\0';
         const std::size_t listAt =
             36 + variable.size() + folders.size() * (8 + folderReserve.size());
         std::string heads;
         std::string data;
         for (const TestFolderData& folder : folders) {
-            heads += U32(folder.dataAt.value_or(
-                static_cast<std::uint32_t>(listAt + list.size() + data.size())));
-            heads +=
-                U16(folder.blockCount.value_or(static_cast<std::uint16_t>(folder.blocks.size()))) +
-                U16(folder.packing) + folderReserve;
+            heads += U32(Or(folder.dataAt, listAt + list.size() + data.size())) +
+                     U16(Or(folder.blockCount, folder.blocks.size())) + U16(folder.packing) +
+                     folderReserve;
             for (const TestBlock& block : folder.blocks)
                 data += BlockBytes(block);
         }
-        const std::size_t size = listAt + list.size() + data.size();
-        return signature + U32(0) + U32(size) + U32(0) +
-               U32(membersAt.value_or(static_cast<std::uint32_t>(listAt))) + U32(0) + version +
-               U16(folderCount.value_or(static_cast<std::uint16_t>(folders.size()))) +
-               U16(memberCount.value_or(static_cast<std::uint16_t>(members.size()))) +
-               U16((next.empty() ? 0U : 2U) | (headerReserve ? 4U : 0U)) + U16(0) + U16(0) +
-               variable + heads + list + data;
+        return signature + U32(0) + U32(listAt + list.size() + data.size()) + U32(0) +
+               U32(Or(membersAt, listAt)) + U32(0) + version +
+               U16(Or(folderCount, folders.size())) + U16(Or(memberCount, members.size())) +
+               U16((next.empty() ? 0U : 2U) | (headerReserve ? 4U : 0U)) + U32(0) + variable +
+               heads + list + data;
     }
 
 private:
-    [[nodiscard]] std::string VariablePart() const {
-        std::string part;
-        if (headerReserve)
-            part += U16(headerReserve->size()) + U8(folderReserve.size()) +
-                    U8(blockReserve.size()) + *headerReserve;
-        if (!next.empty())
-            part += next + '\0' + "disk 2" + '\0';
-        return part;
-    }
-
-    [[nodiscard]] std::string MemberList() const {
-        std::string list;
-        for (const TestCabMember& member : members)
-            list += U32(member.size) + U32(member.offset) + U16(member.folder) + U16(member.date) +
-                    U16(member.time) + U16(member.attributes) + member.name + '\0';
-        return list;
+    /// What a test wants a field to be, or else what is right.
+    static std::uint64_t Or(const auto& wanted, std::uint64_t right) {
+        return wanted ? *wanted : right;
     }
 
     [[nodiscard]] std::string BlockBytes(const TestBlock& block) const {
-        const auto length = static_cast<std::uint16_t>(block.data.size());
         const std::string sizes =
-            U16(block.packed.value_or(length)) + U16(block.unpacked.value_or(length));
-        const std::uint32_t sum = CabChecksum(sizes, CabChecksum(block.data, 0));
-        return U32(block.checksum.value_or(sum)) + sizes + blockReserve + block.data;
+            U16(Or(block.packed, block.data.size())) + U16(Or(block.unpacked, block.data.size()));
+        return U32(Or(block.checksum, CabChecksum(sizes, CabChecksum(block.data, 0)))) + sizes +
+               blockReserve + block.data;
     }
 };
 

@@ -1,38 +1,26 @@
 #pragma once
 
 #include "archive/clsCRC.h"
-#include "archive/clsZipDirectory.h"
 
-#include <algorithm>
 #include <cstdint>
-#include <initializer_list>
-#include <map>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace vesk::test {
 
-/// Little-endian fields, to be joined with "+".
-inline std::string Field(std::uint64_t value, int bytes) {
+/// A little-endian field; fields are joined with "+".
+template <int kBytes>
+std::string Field(std::uint64_t value) {
     std::string text;
-    for (int i = 0; i < bytes; ++i)
+    for (int i = 0; i < kBytes; ++i)
         text += static_cast<char>(value >> (8 * i) & 0xFF);
     return text;
 }
-inline std::string U8(std::uint64_t value) {
-    return Field(value, 1);
-}
-inline std::string U16(std::uint64_t value) {
-    return Field(value, 2);
-}
-inline std::string U32(std::uint64_t value) {
-    return Field(value, 4);
-}
-inline std::string U64(std::uint64_t value) {
-    return Field(value, 8);
-}
+constexpr auto U8 = Field<1>;
+constexpr auto U16 = Field<2>;
+constexpr auto U32 = Field<4>;
+constexpr auto U64 = Field<8>;
 
 /// One extra field.
 inline std::string Extra(std::uint16_t tag, const std::string& data) {
@@ -147,46 +135,6 @@ inline std::string MakeZip(const std::vector<TestMember>& members, const TestEnd
            U32(end.size.value_or(static_cast<std::uint32_t>(central.size())) | saturated) +
            U32(end.offset.value_or(local.size()) | saturated) + U16(end.comment.size()) +
            end.comment;
-}
-
-/// Bytes by their place in a file; there are zeros between them.
-using SparseBytes = std::map<std::uint64_t, std::string>;
-
-/// An archive whose members lie around 2 and 4 GiB, and the text of its members by their names.
-inline std::pair<SparseBytes, std::map<std::string, std::string>> HugeZip() {
-    constexpr std::uint64_t kGiB = 1ULL << 30;
-    constexpr std::uint64_t kAcross = 1ULL << 20; // and its data goes on behind the border
-    SparseBytes parts;
-    std::map<std::string, std::string> texts;
-    std::vector<TestMember> members;
-    for (const std::uint64_t at : {0 * kGiB, 2 * kGiB - kAcross, 4 * kGiB - kAcross, 5 * kGiB}) {
-        const std::string name = std::to_string(at);
-        texts[name] = name + std::string(at % kGiB == 0 ? 0 : 5 * kAcross, 'x');
-        TestMember& member = members.emplace_back(TestMember::Stored(name, texts[name]));
-        const std::string one = MakeZip({member});
-        parts[at] = one.substr(0, one.rfind("PK\1\2"));
-        member.offset = 0xFFFFFFFF;
-        member.extra = Extra(1, U64(at));
-    }
-    TestEnd end;
-    end.wide = true;
-    end.offset = 6 * kGiB;
-    const std::string all = MakeZip(members, end);
-    parts[6 * kGiB] = all.substr(all.find("PK\1\2"));
-    return {parts, texts};
-}
-
-/// Everything that an archive's directory tells.
-struct ZipListing {
-    std::vector<ZipMember> members;
-    std::string comment, problem;
-};
-
-inline ZipListing ListingOf(clsZipDirectory& directory) {
-    ZipListing listing{{}, directory.Comment(), directory.Problem()};
-    for (std::size_t number = 0; number < directory.Count(); ++number)
-        listing.members.push_back(directory.Member(number));
-    return listing;
 }
 
 } // namespace vesk::test

@@ -1,9 +1,7 @@
 #include "archive/modCabJudge.h"
 
+#include "archive/ArchiveContents.h"
 #include "archive/CabBuilder.h"
-#include "archive/modCabDirectory.h"
-#include "archive/modCabImage.h"
-#include "base/Failure.h"
 
 #include <doctest/doctest.h>
 
@@ -13,36 +11,6 @@ using namespace vesk;
 using namespace vesk::test;
 
 namespace {
-
-struct Judged {
-    CabDirectory directory;
-    std::vector<std::size_t> order;
-    std::size_t blocks = 0; ///< Walked through.
-};
-
-Judged Judge(const std::string& bytes) {
-    MemorySource source(bytes);
-    ByteWindow window(source);
-    Judged judged{ReadCabDirectory(window), {}, 0};
-    JudgeCabData(window, judged.directory, [&] { ++judged.blocks; });
-    judged.order = JudgeCabEntries(judged.directory);
-    return judged;
-}
-
-/// The reason why the whole is not read, or each member's refusal, separated by "|".
-std::string Verdict(const std::string& bytes) {
-    try {
-        std::string verdict;
-        for (const CabEntry& entry : Judge(bytes).directory.entries)
-            verdict +=
-                (verdict.empty() ? "" : "|") + (entry.refusal.empty() ? "ok" : entry.refusal);
-        return verdict;
-    } catch (const Failure& failure) {
-        CHECK(failure.number == 13);
-        CHECK(failure.what() == std::string("Invalid data."));
-        return "none: " + failure.reason;
-    }
-}
 
 /// Two members in one folder with two blocks, and a third one in a folder of its own.
 TestCab Good() {
@@ -54,8 +22,10 @@ TestCab Good() {
     return cab;
 }
 
+const std::string kGood = "a=aaaaaaaa|b=bbbbb|c=ccc";
+
 struct Row {
-    const char* verdict;
+    std::string told;
     std::function<void(TestCab&)> change;
 };
 
@@ -63,145 +33,165 @@ void CheckRows(const std::vector<Row>& rows) {
     for (const Row& row : rows) {
         TestCab cab = Good();
         row.change(cab);
-        CHECK(Verdict(cab.Bytes()) == row.verdict);
+        CHECK(ReadCab(cab.Bytes()).Told() == row.told);
     }
 }
 
 } // namespace
 
 TEST_CASE("a cabinet whose headers cannot be read is refused with the reason") {
-    CHECK(Verdict("") == "none: it is not a cabinet");
-    CHECK(Verdict("this is no cabinet, only a text of some length") == "none: it is not a cabinet");
+    CHECK(ReadCab("").Told() == "it is not a cabinet: ");
+    CHECK(ReadCab("this is no cabinet, only a text of some length").Told() ==
+          "it is not a cabinet: ");
     CheckRows({
-        {"none: it is not a cabinet", [](TestCab& cab) { cab.signature = "MSCG"; }},
-        {"none: cabinets of format 2.3 are not supported",
+        {"it is not a cabinet: ", [](TestCab& cab) { cab.signature = "MSCG"; }},
+        {"cabinets of format 2.3 are not supported: ",
          [](TestCab& cab) { cab.version = "\x03\x02"; }},
-        {"none: it lists files but holds no data for them",
-         [](TestCab& cab) { cab.folders.clear(); }},
-        {"none: its list of files lies outside it",
-         [](TestCab& cab) { cab.membersAt = 0xFFFFFFF0; }},
-        {"none: its directory is cut short", [](TestCab& cab) { cab.folderCount = 0xFFFF; }},
-        {"none: its directory is cut short", [](TestCab& cab) { cab.memberCount = 0xFFFF; }},
-        {"none: a name in its directory has no end",
+        {"it lists files but holds no data for them: ", [](TestCab& cab) { cab.folders.clear(); }},
+        {"its list of files lies outside it: ", [](TestCab& cab) { cab.membersAt = 0xFFFFFFF0; }},
+        {"its directory is cut short: ", [](TestCab& cab) { cab.folderCount = 0xFFFF; }},
+        {"its directory is cut short: ", [](TestCab& cab) { cab.memberCount = 0xFFFF; }},
+        {"a name in its directory has no end: ",
          [](TestCab& cab) { cab.members[1].name = std::string(5000, 'n'); }},
-        {"none: a name in its directory has no end",
+        {"a name in its directory has no end: ",
          [](TestCab& cab) { cab.next = std::string(5000, 'n'); }},
     });
 }
 
 TEST_CASE("what a reader gets along with is not refused") {
     CheckRows({
-        {"ok|ok|ok", [](TestCab&) {}},
-        {"ok|ok|ok", [](TestCab& cab) { cab.version = std::string("\0\1", 2); }},
-        {"ok|ok|ok", [](TestCab& cab) { cab.members[1].name = std::string(255, 'n'); }},
-        {"ok|ok|ok", [](TestCab& cab) { cab.next = "next.cab"; }},
-        {"ok|ok|ok",
+        {kGood, [](TestCab& cab) { cab.version = std::string("\0\1", 2); }},
+        {kGood, [](TestCab& cab) { cab.next = "next.cab"; }},
+        {kGood,
          [](TestCab& cab) {
              cab.headerReserve = "signature";
              cab.folderReserve = "fff";
              cab.blockReserve = "bbbb";
          }},
-        {"ok|ok|ok", [](TestCab& cab) { cab.folders[0].blocks[1].checksum = 0; }},
-        {"ok|ok|ok", [](TestCab& cab) { std::swap(cab.members[0], cab.members[2]); }},
-        {"ok|ok|ok", [](TestCab& cab) { cab.members[0] = {.name = "a", .offset = 900}; }},
+        {kGood, [](TestCab& cab) { cab.folders[0].blocks[1].checksum = 0; }},
+        {"c=ccc|b=bbbbb|a=aaaaaaaa",
+         [](TestCab& cab) { std::swap(cab.members[0], cab.members[2]); }},
+        {"a=|b=bbbbb|c=ccc", [](TestCab& cab) { cab.members[0] = {.name = "a", .offset = 900}; }},
         {"", [](TestCab& cab) { cab.members.clear(), cab.folders.clear(); }},
     });
-    CHECK(Verdict(Good().Bytes() + "appended: a signature, for example") == "ok|ok|ok");
+    CHECK(ReadCab(Good().Bytes() + "appended: a signature, for example").Told() == kGood);
 }
 
 TEST_CASE("damage is the trouble of those members only whose data it meets") {
-    CheckRows({
-        {"ok|its data is damaged|ok",
-         [](TestCab& cab) { cab.folders[0].blocks[1].checksum = 0x12345678; }},
-        {"its data is damaged|its data is damaged|ok",
+    constexpr const char* kDamaged = "its data is damaged";
+    constexpr const char* kCut = "its data is cut short";
+    constexpr const char* kTooLittle = "the cabinet does not have enough data for it";
+    constexpr const char* kBefore = "it begins in another cabinet";
+    constexpr const char* kOthers = "its data belongs to other members";
+    constexpr const char* kMethod = "compression method 5 is not supported";
+    struct DamageRow {
+        const char *a, *b, *c; ///< Why the member is refused; empty: it is not.
+        std::function<void(TestCab&)> change;
+    };
+    const std::vector<DamageRow> rows = {
+        {"", kDamaged, "", [](TestCab& cab) { cab.folders[0].blocks[1].checksum = 0x12345678; }},
+        {kDamaged, kDamaged, "",
          [](TestCab& cab) { cab.folders[0].blocks[0].checksum = 0x12345678; }},
-        {"ok|its data is damaged|ok",
-         [](TestCab& cab) { cab.folders[0].blocks[1].unpacked = 4; }}, // it is not compressed
-        {"ok|its data is damaged|ok", [](TestCab& cab) { cab.folders[0].blocks[1].unpacked = 0; }},
-        {"ok|its data is damaged|ok",
-         [](TestCab& cab) { // into the next folder
-             cab.folders[0].blocks[1].packed = cab.folders[0].blocks[1].unpacked = 10;
-         }},
-        {"ok|its data is damaged|ok",
-         [](TestCab& cab) { cab.folders[0].blocks[1].packed = 0xFFFF; }},
-        {"ok|ok|its data is cut short",
-         [](TestCab& cab) {
-             cab.folders[1].blocks[0].packed = cab.folders[1].blocks[0].unpacked = 9;
-         }},
-        {"ok|ok|its data is cut short", [](TestCab& cab) { cab.folders[1].dataAt = 0xFFFFFFFF; }},
-        {"ok|the cabinet does not have enough data for it|ok",
-         [](TestCab& cab) { cab.members[1].size = 6; }},
-        {"ok|the cabinet does not have enough data for it|ok",
+        // It is not compressed; this block ends a set; it reaches into the next folder; too large.
+        {"", kDamaged, "", [](TestCab& cab) { cab.folders[0].blocks[1].unpacked = 4; }},
+        {"", kDamaged, "", [](TestCab& cab) { cab.folders[0].blocks[1].unpacked = 0; }},
+        {"", kDamaged, "", [](TestCab& cab) { cab.folders[0].blocks[1].SetSizes(10); }},
+        {"", kDamaged, "", [](TestCab& cab) { cab.folders[0].blocks[1].packed = 0xFFFF; }},
+        {"", "", kCut, [](TestCab& cab) { cab.folders[1].blocks[0].SetSizes(9); }},
+        {"", "", kCut, [](TestCab& cab) { cab.folders[1].dataAt = 0xFFFFFFFF; }},
+        {"", kTooLittle, "", [](TestCab& cab) { cab.members[1].size = 6; }},
+        {"", kTooLittle, "",
          [](TestCab& cab) { cab.members[1].offset = cab.members[1].size = 0xFFFFFFFF; }},
-        {"ok|the cabinet does not have enough data for it|ok",
-         [](TestCab& cab) { cab.folders[0].blockCount = 1; }},
-        {"ok|the cabinet has no data for it|ok", [](TestCab& cab) { cab.members[1].folder = 2; }},
-        {"ok|it begins in another cabinet|ok",
-         [](TestCab& cab) { cab.members[1].folder = CabEntry::kFromPrevious; }},
-        {"ok|it begins in another cabinet|ok",
+        {"", kTooLittle, "", [](TestCab& cab) { cab.folders[0].blockCount = 1; }},
+        {"", "the cabinet has no data for it", "", [](TestCab& cab) { cab.members[1].folder = 2; }},
+        {"", kBefore, "", [](TestCab& cab) { cab.members[1].folder = CabEntry::kFromPrevious; }},
+        {"", kBefore, "",
          [](TestCab& cab) { cab.members[1].folder = CabEntry::kFromPreviousToNext; }},
-        {"ok|it continues in another cabinet|ok",
+        {"", "it continues in another cabinet", "",
          [](TestCab& cab) { cab.members[1].folder = CabEntry::kToNext; }},
-        {"ok|it overlaps another member|ok", [](TestCab& cab) { cab.members[1].offset = 7; }},
-        {"ok|ok|ok",
-         [](TestCab& cab) {
-             cab.members[1].offset = cab.members[0].offset;
-             cab.members[1].size = cab.members[0].size;
-         }},
-        {"its data belongs to other members|its data belongs to other members|ok",
+        {"", "it overlaps another member", "", [](TestCab& cab) { cab.members[1].offset = 7; }},
+        {kOthers, kOthers, "",
          [](TestCab& cab) {
              std::swap(cab.folders[0], cab.folders[1]);
              cab.members[0].folder = cab.members[1].folder = 1;
              cab.members[2].folder = 0;
-             const std::string bytes = cab.Bytes();
-             cab.folders[1].dataAt =
-                 static_cast<std::uint32_t>(bytes.size() - 8 - 8 - 8 - 5 - 8 - 3);
+             const std::size_t data = 8 + 8 + 8 + 5 + 8 + 3;
+             cab.folders[1].dataAt = static_cast<std::uint32_t>(cab.Bytes().size() - data);
          }},
-        {"compression method 5 is not supported|compression method 5 is not supported|ok",
-         [](TestCab& cab) { cab.folders[0].packing = 5; }},
-        {"ok|ok|its settings for LZX compression are impossible",
+        {kMethod, kMethod, "", [](TestCab& cab) { cab.folders[0].packing = 5; }},
+        {"", "", "its settings for LZX compression are impossible",
          [](TestCab& cab) { cab.folders[1].packing = 22 << 8 | 3; }},
-        {"ok|ok|its settings for Quantum compression are impossible",
+        {"", "", "its settings for Quantum compression are impossible",
          [](TestCab& cab) { cab.folders[1].packing = 9 << 8 | 1 << 4 | 2; }},
-        {"ok|ok|ok", [](TestCab& cab) { cab.folders[1].packing = 21 << 8 | 3; }},
-        {"ok|ok|ok", [](TestCab& cab) { cab.folders[1].packing = 21 << 8 | 7 << 4 | 2; }},
-    });
+        {"", "", "not unpacked", [](TestCab& cab) { cab.folders[1].packing = 21 << 8 | 3; }},
+        {"", "", "not unpacked",
+         [](TestCab& cab) { cab.folders[1].packing = 21 << 8 | 7 << 4 | 2; }},
+    };
+    const auto part = [](const std::string& good, const std::string& reason) {
+        return reason.empty() ? good : good.substr(0, 1) + "!" + reason;
+    };
+    for (const DamageRow& row : rows) {
+        TestCab cab = Good();
+        row.change(cab);
+        CHECK(ReadCab(cab.Bytes()).Told() == part("a=aaaaaaaa", row.a) + "|" +
+                                                 part("b=bbbbb", row.b) + "|" +
+                                                 part("c=ccc", row.c));
+    }
+    TestCab twins = Good();
+    twins.members[1] = {.name = "b", .size = 8};
+    CHECK(ReadCab(twins.Bytes()).Told() == "a=aaaaaaaa|b=aaaaaaaa|c=ccc");
 }
 
 TEST_CASE("many folders over the same bytes are not walked again and again") {
     TestCab cab;
     for (int i = 0; i < 500; ++i)
         cab.folders.push_back({.dataAt = 0, .blockCount = 0xFFFF});
-    for (int i = 0; i < 2000; ++i)
-        cab.folders[0].blocks.push_back({"x"});
-    std::string bytes = cab.Bytes();
-    const auto dataAt = static_cast<std::uint32_t>(bytes.size() - 2000 * 9);
-    for (std::uint32_t i = 0; i < 500; ++i)
-        cab.folders[i].dataAt = dataAt + i * 9;
-    CHECK(Judge(cab.Bytes()).blocks == 2000);
-    for (TestFolderData& folder : cab.folders)
-        folder.dataAt = dataAt;
-    CHECK(Judge(cab.Bytes()).blocks == 2000);
+    cab.folders[0].blocks.assign(2000, {"x"});
+    const auto dataAt = static_cast<std::uint32_t>(cab.Bytes().size() - 2000 * 9);
+    for (const std::uint32_t distance : {9U, 0U}) {
+        for (std::uint32_t i = 0; i < 500; ++i)
+            cab.folders[i].dataAt = dataAt + i * distance;
+        CHECK(ReadCab(cab.Bytes()).blocks == 2000);
+    }
 }
 
-TEST_CASE("the reader is given one folder's sound blocks under headers of our own") {
-    TestCab cab = Good();
-    cab.headerReserve = "x";
-    cab.blockReserve = "bb";
-    cab.folders[0].blocks[1].checksum = 0x12345678;
-    std::string bytes = cab.Bytes();
-    const Judged judged = Judge(bytes);
-    const CabFolder& folder = judged.directory.folders[0];
-    const std::vector<std::size_t> entries{0};
-    const std::string image =
-        CabFolderImage(judged.directory, folder, entries) +
-        bytes.substr(folder.dataAt, static_cast<std::size_t>(folder.goodPacked));
-    const Judged again = Judge(image);
-    REQUIRE(again.directory.folders.size() == 1);
-    CHECK(again.directory.folders[0].blocks == 1);
-    CHECK(again.directory.folders[0].goodUnpacked == 8);
-    REQUIRE(again.directory.entries.size() == 1);
-    CHECK(again.directory.entries[0].name == "0");
-    CHECK(again.directory.entries[0].refusal.empty());
-    CHECK(image.ends_with("bbaaaaaaaa"));
+TEST_CASE("members are cut out of packed blocks, which refer to the ones before them") {
+    const std::string all = kFirst + kSecond;
+    const std::string a = "a=" + all.substr(0, 10);
+    const std::string b = "|b=" + all.substr(10, 100);
+    const std::string c = "|c=" + all.substr(112, 2);
+    TestCab cab = TestCab::Mszip();
+    CHECK(ReadCab(cab.Bytes()).Told() == a + b + c);
+    cab.members[1].name = "pass me over";
+    CHECK(ReadCab(cab.Bytes()).Told() == a + "|pass me over!not unpacked" + c);
+    cab = TestCab::Mszip();
+    cab.folders[0] = {.blocks = {{kFirst}, {kSecond}}};
+    cab.headerReserve = "";
+    cab.blockReserve = "rr";
+    CHECK(ReadCab(cab.Bytes()).Told() == a + b + c);
+    // References reach into the last 32,768 bytes, whatever was before.
+    const std::string far(32768, 'x');
+    cab = TestCab::Mszip();
+    cab.folders[0].blocks.insert(cab.folders[0].blocks.begin(),
+                                 {.data = "CK" + Deflated(far), .unpacked = 32768});
+    cab.members = {{.name = "all", .size = 32768 + 114}};
+    CHECK(ReadCab(cab.Bytes()).Told() == "all=" + far + all);
+}
+
+TEST_CASE("data that cannot be unpacked ends the folder, and no member is passed off as whole") {
+    const std::string reachesTooFar = "CK" + std::string("\x4B\x04\x62\x00\x7F\xFF\x0F", 7);
+    const std::vector<TestBlock> seconds = {
+        {.data = "KC" + kSecondPacked.substr(2), .unpacked = 46}, // no mark
+        {.data = kSecondPacked.substr(0, 9), .unpacked = 46},     // cut short
+        {.data = kSecondPacked, .unpacked = 47},
+        {.data = kSecondPacked, .unpacked = 45},
+        {.data = reachesTooFar, .unpacked = 46}, // before the first block
+    };
+    for (const TestBlock& second : seconds) {
+        TestCab cab = TestCab::Mszip();
+        cab.folders[0].blocks[1] = second;
+        cab.members[2].offset = 110; // wholly in what is promised at the least
+        CHECK(ReadCab(cab.Bytes()).Told() ==
+              "a=" + kFirst.substr(0, 10) + "|b!not unpacked|c!not unpacked");
+    }
 }

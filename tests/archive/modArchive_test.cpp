@@ -1,0 +1,311 @@
+#include "archive/modArchive.h"
+
+#include "archive/CabBuilder.h"
+#include "archive/NameTable.h"
+#include "archive/TreeOnDisk.h"
+#include "base/Failure.h"
+#include "base/Problem.h"
+#include "base/UniqueHandle.h"
+#include "base/modSystemError.h"
+#include "base/modUtf8.h"
+
+#include <algorithm>
+#include <map>
+
+using namespace vesk;
+using namespace vesk::test;
+
+namespace {
+
+const std::string kLong(5 << 20, 'x'); ///< More than is held in memory at once.
+
+/// A member as either kind of archive can hold it, with its name in UTF-8.
+struct File {
+    std::string name, text;
+    bool isDamaged = false;
+    std::uint16_t attributes = 0; ///< Those of DOS.
+    std::uint16_t date = (2024 - 1980) << 9 | 2 << 5 | 29;
+    std::uint16_t time = 13 << 11 | 37 << 5 | 42 / 2;
+};
+
+/// "name=text|...": "!" in front of a name damages the member, "d:" makes it a folder of DOS; "*"
+/// stands for the long text.
+std::vector<File> FilesOf(const std::string& list) {
+    std::vector<File> files;
+    for (const std::string& item : Split(list, '|')) {
+        const std::size_t sign = item.find('=');
+        File& file = files.emplace_back(
+            File{item.substr(0, sign), ReplaceAll(item.substr(sign + 1), "*", kLong)});
+        file.isDamaged = item[0] == '!';
+        file.attributes = item.starts_with("d:") ? FILE_ATTRIBUTE_DIRECTORY : 0;
+        file.name.erase(0, file.isDamaged ? 1 : file.attributes != 0 ? 2 : 0);
+    }
+    return files;
+}
+
+std::string Zip(const std::vector<File>& files) {
+    std::vector<TestMember> members;
+    for (const File& file : files) {
+        TestMember& member = members.emplace_back(TestMember::Stored(file.name, file.text));
+        member.crc ^= file.isDamaged ? 1U : 0U;
+        member.attributes = file.attributes;
+        member.flags = 0x800;
+        member.date = file.date;
+        member.time = file.time;
+    }
+    return MakeZip(members);
+}
+
+std::string Cab(const std::vector<File>& files) {
+    vesk::test::TestCab cab;
+    for (const File& file : files) {
+        (file.isDamaged ? cab.AddDamaged(file.name, file.text) : cab.Add(file.name, file.text));
+        cab.members.back().attributes = static_cast<std::uint16_t>(file.attributes | 0xA0);
+        cab.members.back().date = file.date;
+        cab.members.back().time = file.time;
+    }
+    return cab.Bytes();
+}
+
+struct Kind {
+    const char* path;
+    std::string (*make)(const std::vector<File>&);
+    const char* whyDamaged;
+};
+const Kind kKinds[] = {{"x.zip", Zip, "wrong CRC"}, {"x.CAB", Cab, "its data is damaged"}};
+
+/// An archive and the folder it is extracted into.
+struct Extracting {
+    TestFolder folder;
+    std::string path;
+
+    Extracting(const Kind& kind, const std::vector<File>& files)
+        : path(folder.Write(kind.path, kind.make(files))) {}
+    [[nodiscard]] std::string Out(const std::string& name) const { return folder / "out\\" + name; }
+    [[nodiscard]] Tree Found() const { return TreeIn(folder / "out"); }
+    [[nodiscard]] std::string Listed() const {
+        return ReplaceAll(ListedIn(folder / "out"), kLong, "*");
+    }
+    /// @return a line for each failure
+    [[nodiscard]] std::string Told(const ExtractionOwner& owner = {}) const {
+        return Lines(ExtractArchive(path, folder / "out", owner).failures);
+    }
+};
+
+SYSTEMTIME LocalTimeOf(const std::string& path) {
+    WIN32_FILE_ATTRIBUTE_DATA data{};
+    SYSTEMTIME utc{}, local{};
+    REQUIRE(GetFileAttributesExA(path.c_str(), GetFileExInfoStandard, &data) != 0);
+    FileTimeToSystemTime(&data.ftLastWriteTime, &utc);
+    SystemTimeToTzSpecificLocalTime(nullptr, &utc, &local);
+    return local;
+}
+
+} // namespace
+
+TEST_CASE("what becomes of members, in both kinds of archive") {
+    const std::string level(200, 'x');
+    struct Row {
+        const char* what;
+        std::string files;
+        std::string told; ///< "%": what the kind says of damage.
+        std::string found;
+        std::size_t extracted;
+        std::string old = {}; ///< Files that are there before, and are read-only and hidden.
+    };
+    for (const Row& row : {
+             Row{"folders and files, over whatever files were there",
+                 "empty/=|a.txt=new|deep/er\\b.txt=two|zero=", "",
+                 "a.txt=new|deep\\=|deep\\er\\=|deep\\er\\b.txt=two|empty\\=|zero=", 4,
+                 "a.txt=much longer old text"},
+             Row{"what is refused is told once, the rest is extracted",
+                 "..\\up=x|C:/abs=x|line\nbreak=x|../outside/=|=x|" + std::string(400, 'n') +
+                     "=x|fine=x",
+                 "..\\up: not extracted, its name leads out of the folder\n"
+                 "C:\\abs: not extracted, its name holds a character that no file name can\n"
+                 "line?break: not extracted, its name holds a character that no file name can\n"
+                 "..\\outside\\: not extracted, its name leads out of the folder\n"
+                 "(no name): not extracted, it has no name\n" +
+                     std::string(300, 'n') + "...: not extracted, its name is too long\n",
+                 "fine=x", 1},
+             Row{"what archivers write for the folder itself, and for folders in DOS",
+                 "./=|./sub/=|d:dos=|dos/d=4", "", "dos\\=|dos\\d=4|sub\\=", 4},
+             Row{"of two members with one name the last one stays, and what is lost is told",
+                 "sub/a=1|SUB/./A=2|\xC3\xA4=3|\xC3\x84=4|sub/=|sub=5|sub/a/b=6|twice=7|TWICE=7|"
+                 "sub//a=8",
+                 "SUB\\.\\A: written over another member, has the same name as sub\\a\n"
+                 "\xC4: written over another member, has the same name as \xE4\n"
+                 "sub: not extracted, there is a folder in its place\n"
+                 "sub\\a\\b: not extracted, its path leads through a file\n"
+                 "sub\\\\a: written over another member, has the same name as SUB\\.\\A\n",
+                 "sub\\=|sub\\a=8|twice=7|\xE4=4", 8},
+             Row{"a name that is not the UTF-8 it is said to be", "\xC3=1", "", "\xC3=1", 1},
+             Row{"paths longer than MAX_PATH",
+                 level + "/" + level + "/=|" + level + "/" + level + "/" + level + "=deep", "",
+                 level + "\\=|" + level + "\\" + level + "\\=|" + level + "\\" + level + "\\" +
+                     level + "=deep",
+                 2},
+             Row{"a damaged member leaves the old file alone, and no part of itself",
+                 "!a=text|!b=text|!c=*|!d=*|e=*.",
+                 "a: not extracted, %\nb: not extracted, %\nc: not extracted, %\n"
+                 "d: not extracted, %\n",
+                 "a=old|d=old|e=*.", 1, "a=old|d=old|e=old"},
+         })
+        for (const Kind& kind : kKinds) {
+            CAPTURE(row.what);
+            CAPTURE(kind.path);
+            const Extracting archive(kind, FilesOf(row.files));
+            for (const File& file : FilesOf(row.old))
+                SetFileAttributesA(archive.folder.Write("out\\" + file.name, file.text).c_str(),
+                                   FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN);
+            const std::string told = ReplaceAll(row.told, "%", kind.whyDamaged);
+            for (int again = 0; again < 2; ++again) {
+                const auto outcome = ExtractArchive(archive.path, archive.folder / "out", {});
+                CHECK(Lines(outcome.failures) == told);
+                CHECK(outcome.extracted == row.extracted);
+                CHECK(archive.Listed() == row.found);
+            }
+            CHECK(Lines(InspectArchive(archive.path)) == told);
+            CHECK(TreeIn(archive.folder.Path()).size() == archive.Found().size() + 2);
+        }
+}
+
+TEST_CASE("valid names come out as themselves and hostile ones not at all") {
+    std::vector<File> files;
+    std::string reasons;
+    Tree expected;
+    for (const auto& [name, path, reason] : NameTable()) {
+        files.push_back({name, std::to_string(files.size())});
+        if (path.empty())
+            reasons += reason + "\n";
+        else
+            expected[*FromUtf8(path)] = files.back().text;
+    }
+    CHECK(expected.size() == 360);
+    CHECK(files.size() - expected.size() == 316);
+    const bool western = GetACP() == 1252; // elsewhere other characters look like strokes
+    for (const Kind& kind : kKinds) {
+        CAPTURE(kind.path);
+        const Extracting archive(kind, files);
+        const ExtractionOutcome outcome = ExtractArchive(archive.path, archive.folder / "out", {});
+        std::string told;
+        for (const MemberFailure& failure : outcome.failures)
+            told += failure.reason + "\n";
+        CHECK((told == reasons || !western));
+        CHECK(InspectArchive(archive.path) == outcome.failures);
+        Tree found = archive.Found();
+        std::erase_if(found, [](const auto& entry) { return entry.first.ends_with(L'\\'); });
+        std::string differing; // told rather than two maps
+        for (const auto& [path, text] : expected)
+            if (!found.contains(path) || found.at(path) != text)
+                differing += Narrowed(path) + " ";
+        CHECK(differing == "");
+        CHECK(found.size() == expected.size());
+        CHECK(TreeIn(archive.folder.Path()).size() == archive.Found().size() + 2);
+    }
+}
+
+TEST_CASE("what stands in the way is told") {
+    const std::string inUse = AsReason(SystemErrorText(ERROR_SHARING_VIOLATION));
+    for (const Kind& kind : kKinds) {
+        CAPTURE(kind.path);
+        const Extracting archive(
+            kind,
+            {{"folder", "x"}, {"file/sub", "x"}, {"locked", "x"}, {"fine", "x"}, {"file/", ""}});
+        CreateFolderPath(archive.Out("folder"));
+        archive.folder.Write("out\\file", "old");
+        const std::string locked = archive.folder.Write("out\\locked", "old");
+        SetFileAttributesA(locked.c_str(), FILE_ATTRIBUTE_READONLY);
+        {
+            const FileHandle lock(
+                CreateFileA(locked.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+            CHECK(archive.Told() == "folder: not extracted, there is a folder in its place\n"
+                                    "file\\sub: not extracted, its path leads through a file\n"
+                                    "locked: not written, " +
+                                        inUse +
+                                        "\nfile\\: not extracted, its path leads through a file\n");
+        }
+        CHECK(archive.Listed() == "file=old|fine=x|folder\\=|locked=old");
+        CHECK((GetFileAttributesA(locked.c_str()) & FILE_ATTRIBUTE_READONLY) != 0);
+        CHECK(Lines(ExtractArchive(archive.path, locked, {}).failures) ==
+              ": not extracted, " + AsReason(SystemErrorText(ERROR_ALREADY_EXISTS)) + "\n");
+    }
+}
+
+TEST_CASE("times and attributes are restored, and the next extraction replaces them") {
+    for (const Kind& kind : kKinds) {
+        CAPTURE(kind.path);
+        const Extracting archive(
+            kind, {{"folder/", ""}, {"folder/plain", "1"}, {"special", "2", false, 7, 0}});
+        for (int round = 0; round < 2; ++round) {
+            CHECK(archive.Told() == "");
+            CHECK(ReadWholeFile(archive.Out("special")) == "2"); // whose month and day are 0
+            CHECK((GetFileAttributesA(archive.Out("special").c_str()) & 7) == 7);
+            CHECK((GetFileAttributesA(archive.Out("folder\\plain").c_str()) & 7) == 0);
+        }
+        for (const char* name : {"folder", "folder\\plain"}) {
+            const SYSTEMTIME time = LocalTimeOf(archive.Out(name));
+            CHECK(std::vector<int>{time.wYear, time.wMonth, time.wDay, time.wHour, time.wMinute,
+                                   time.wSecond} == std::vector<int>{2024, 2, 29, 13, 37, 42});
+        }
+    }
+}
+
+TEST_CASE("a large member is told of while it comes, and stands under its name when complete") {
+    for (const Kind& kind : kKinds)
+        for (const char* old : {"", "old"}) {
+            CAPTURE(kind.path);
+            const Extracting archive(kind, FilesOf("!bad=x|large=**|small=x"));
+            if (*old != '\0')
+                SetFileAttributesA(archive.folder.Write("out\\large", old).c_str(),
+                                   FILE_ATTRIBUTE_READONLY);
+            double before = 0;
+            int steps = 0;
+            ExtractionOwner owner;
+            owner.progress = [&](double fraction) {
+                CHECK(fraction >= before);
+                CHECK(fraction - before < 0.2);
+                steps += fraction > before ? 1 : 0;
+                before = fraction;
+                if (fraction < 0.99)
+                    CHECK(ReadWholeFile(archive.Out("large")) == old);
+            };
+            CHECK(archive.Told(owner) ==
+                  std::string("bad: not extracted, ") + kind.whyDamaged + "\n");
+            CHECK(before == 1);
+            CHECK(steps > 7);
+            CHECK(archive.Listed() == "large=**|small=x");
+        }
+}
+
+TEST_CASE("what an owner throws ends the extraction and is not taken for a member's failure") {
+    for (const Kind& kind : kKinds) {
+        const Extracting archive(kind, FilesOf("large=*"));
+        ExtractionOwner owner;
+        owner.progress = [](double fraction) {
+            if (fraction > 0.3)
+                throw Failure(5, "owner", "enough");
+        };
+        CHECK_THROWS_WITH(archive.Told(owner), "enough");
+        CHECK(archive.Found().empty());
+        CHECK(archive.Told() == "");
+    }
+}
+
+TEST_CASE("what is no archive is told as a whole") {
+    const TestFolder folder;
+    for (const char* extension : {".zip", ".cab"}) {
+        CreateFolderPath(folder / "folder" + extension);
+        folder.Write(std::string("text") + extension, "this is no archive");
+        folder.Write(std::string("empty") + extension, "");
+        for (const char* name : {"missing", "folder", "text", "empty"}) {
+            const std::string path = folder / (std::string(name) + extension);
+            const ExtractionOutcome outcome = ExtractArchive(path, folder / "out", {});
+            REQUIRE(outcome.failures.size() == 1);
+            CHECK(outcome.extracted == 0);
+            CHECK(Lines(outcome.failures).starts_with(": not extracted, "));
+            CHECK(outcome.failures[0].reason.find('\\') == std::string::npos);
+            CHECK(InspectArchive(path) == outcome.failures);
+        }
+    }
+}
