@@ -4,6 +4,7 @@
 #include "archive/ZipMember.h"
 #include "archive/clsByteReader.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 
@@ -11,6 +12,9 @@ namespace vesk {
 
 /// What the header in front of a member's data begins with.
 constexpr std::uint32_t kZipLocalSignature = 0x04034B50;
+
+/// Bytes of its fixed fields, that signature included.
+constexpr std::size_t kZipLocalSize = 30;
 
 /// The sizes of what follows a member's fixed fields.
 struct ZipTailSizes {

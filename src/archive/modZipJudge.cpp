@@ -21,8 +21,6 @@ namespace {
 
 using Bytes = std::span<const std::byte>;
 
-constexpr std::size_t kLocalSize = 30;
-
 /// Two bits of deflate stand for at most 258 bytes.
 constexpr std::uint64_t kMaxDeflateRatio = 1032;
 
@@ -178,15 +176,15 @@ void CompareSizes(const ZipMember& local, std::uint64_t dataAt, std::uint64_t da
 
 /// Sets `dataAt`, or says why there is no data.
 std::string LocateData(ByteWindow& archive, std::uint64_t dataEnd, ZipMember& member) {
-    if (member.headerAt > dataEnd || dataEnd - member.headerAt < kLocalSize)
+    if (member.headerAt > dataEnd || dataEnd - member.headerAt < kZipLocalSize)
         return "its local header lies outside the archive";
-    clsByteReader reader(archive.View(member.headerAt, kLocalSize));
+    clsByteReader reader(archive.View(member.headerAt, kZipLocalSize));
     if (reader.U32() != kZipLocalSignature)
         return "its local header is damaged";
     reader.Skip(2); // version needed
     ZipMember local;
     const auto [nameSize, extraSize] = ReadSharedFields(reader, local);
-    const std::uint64_t dataAt = member.headerAt + kLocalSize + nameSize + extraSize;
+    const std::uint64_t dataAt = member.headerAt + kZipLocalSize + nameSize + extraSize;
     CompareSizes(local, dataAt, dataEnd, member);
     if (dataAt > dataEnd || member.packedSize > dataEnd - dataAt)
         return "its data reaches beyond the archive";

@@ -14,7 +14,6 @@ namespace vesk {
 namespace {
 
 constexpr std::uint32_t kDescriptorSignature = 0x08074B50;
-constexpr std::size_t kHeaderSize = 30;
 
 /// CRC and sizes of a streamed member, which stand behind its data.
 struct Descriptor {
@@ -63,19 +62,19 @@ std::optional<Descriptor> FindDescriptor(ByteWindow& archive, std::uint64_t data
 /// @param dataAt set to where the member's data begins
 std::optional<ZipMember> ReadLocalHeader(ByteWindow& archive, std::uint64_t at,
                                          std::uint64_t& dataAt) {
-    clsByteReader fixed(archive.View(at, kHeaderSize));
+    clsByteReader fixed(archive.View(at, kZipLocalSize));
     if (fixed.U32() != kZipLocalSignature)
         return std::nullopt;
     ZipMember member;
     member.headerAt = at;
     fixed.Skip(2); // version needed
     const auto [nameSize, extraSize] = ReadSharedFields(fixed, member);
-    clsByteReader reader(archive.View(at + kHeaderSize, std::size_t{nameSize} + extraSize));
+    clsByteReader reader(archive.View(at + kZipLocalSize, std::size_t{nameSize} + extraSize));
     member.name = reader.Text(nameSize);
     const auto extra = reader.Bytes(extraSize);
     if (!fixed.Ok() || !reader.Ok())
         return std::nullopt;
-    dataAt = at + kHeaderSize + nameSize + extraSize;
+    dataAt = at + kZipLocalSize + nameSize + extraSize;
     // Which system made the entry stands in the central directory only.
     constexpr std::uint8_t kUnix = 3;
     constexpr std::uint8_t kDos = 0;
