@@ -402,7 +402,14 @@ void WizardDriver::PickFromLogMenu(int entry) const {
     const auto menu = [&] {
         return FindTopWindow([](HWND window) { return ClassOf(window) == "#32768"; });
     };
-    AWAIT(*this, menu() != nullptr);
+    // It is shown before it takes keys.
+    const auto takesKeys = [&] {
+        GUITHREADINFO thread{};
+        thread.cbSize = sizeof thread;
+        return GetGUIThreadInfo(GetWindowThreadProcessId(list, nullptr), &thread) != FALSE &&
+               (thread.flags & GUI_INMENUMODE) != 0;
+    };
+    AWAIT(*this, menu() != nullptr && takesKeys());
     for (int i = 0; i < entry; ++i)
         PostMessageA(menu(), WM_KEYDOWN, VK_DOWN, 0);
     PostMessageA(menu(), WM_KEYDOWN, VK_RETURN, 0);
