@@ -47,11 +47,11 @@ std::string Zip(const std::vector<File>& files) {
     std::vector<TestMember> members;
     for (const File& file : files) {
         TestMember& member = members.emplace_back(TestMember::Stored(file.name, file.text));
-        member.crc ^= file.isDamaged ? 1U : 0U;
-        member.attributes = file.attributes;
-        member.flags = 0x800;
-        member.date = file.date;
-        member.time = file.time;
+        member.fields["crc"] ^= file.isDamaged ? 1U : 0U;
+        member.fields.merge(Fields{{"attributes", file.attributes},
+                                   {"flags", 0x800},
+                                   {"date", file.date},
+                                   {"time", file.time}});
     }
     return MakeZip(members);
 }
@@ -59,10 +59,14 @@ std::string Zip(const std::vector<File>& files) {
 std::string Cab(const std::vector<File>& files) {
     vesk::test::TestCab cab;
     for (const File& file : files) {
-        (file.isDamaged ? cab.AddDamaged(file.name, file.text) : cab.Add(file.name, file.text));
-        cab.members.back().attributes = static_cast<std::uint16_t>(file.attributes | 0xA0);
-        cab.members.back().date = file.date;
-        cab.members.back().time = file.time;
+        const std::string number = std::to_string(cab.members.size());
+        cab.Add(file.name, file.text);
+        cab.fields["member" + number + ".attributes"] = file.attributes | 0xA0U;
+        cab.fields["member" + number + ".date"] = file.date;
+        cab.fields["member" + number + ".time"] = file.time;
+        if (file.isDamaged)
+            cab.fields["block" + number + "." + std::to_string(cab.folders.back().size() - 1) +
+                       ".checksum"] = 0x12345678;
     }
     return cab.Bytes();
 }
