@@ -25,4 +25,17 @@ inline void CheckExpected(const std::string& name, const std::string& found) {
     CHECK_MESSAGE(found == wanted, name, "\n--- wanted\n", wanted, "--- found\n", found, "---");
 }
 
+/// Compares as a whole what is said of each line of tests/data/NAME.txt in front of " => ".
+template <class Say>
+void CheckLines(const std::string& name, Say&& say) {
+    std::string found;
+    for (const std::string& line : Split(ExpectedText(name), '\n')) {
+        const std::size_t arrow = line.find(" => ");
+        found += (found.empty() ? "" : "\n") + line.substr(0, arrow);
+        if (arrow != std::string::npos)
+            found += " => " + say(line.substr(0, arrow));
+    }
+    CheckExpected(name, found);
+}
+
 } // namespace vesk::test

@@ -15,13 +15,10 @@ from datetime import datetime, timedelta, timezone
 from pathlib import Path
 from xml.etree import ElementTree
 
+from fixtures import windows_path
+
 TOOL = []
 ENV = {**os.environ, "LC_ALL": "C.UTF-8"}  # in which zip knows what characters names are made of
-
-
-def windows_path(path):
-    """Wine shows the whole system as drive Z:; on Windows a path stays as it is."""
-    return str(path) if os.name == "nt" else "Z:" + str(path).replace("/", "\\")
 
 
 def run(*command, **options):

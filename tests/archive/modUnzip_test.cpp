@@ -62,13 +62,10 @@ std::map<std::string, std::string> WriteHugeZip(const std::string& path) {
         TestMember& member = members.emplace_back(TestMember::Stored(name, texts[name]));
         const std::string one = MakeZip({member});
         write(at, one.substr(0, one.rfind("PK\1\2")));
-        member.offset = 0xFFFFFFFF;
+        member.fields["offset"] = 0xFFFFFFFF;
         member.extra = Extra(1, U64(at));
     }
-    TestEnd end;
-    end.wide = true;
-    end.offset = 6 * kGiB;
-    const std::string all = MakeZip(members, end);
+    const std::string all = MakeZip(members, {{"wide", 1}, {"offset", 6 * kGiB}});
     write(6 * kGiB, all.substr(all.find("PK\1\2")));
     return texts;
 }
@@ -77,7 +74,7 @@ std::map<std::string, std::string> WriteHugeZip(const std::string& path) {
 
 TEST_CASE("what was not extracted is in the messages too, with a summary of the rest") {
     TestMember method = TestMember::Stored("method", "x");
-    method.method = 14;
+    method.fields["method"] = 14;
     const Unzipping unzip({method, TestMember::Stored("filled/", "x"),
                            TestMember::Packed("deep/er\\b.txt", "two"),
                            TestMember::Stored("oem\x84\xC4\xB3", "2")});

@@ -218,16 +218,13 @@ class Campaign:
         shutil.rmtree(self.folder, ignore_errors=True)
 
     def table(self):
-        kinds = ("false success", "silent", "crash", "hang", "log", "half an archive", "left open")
-        found = collections.Counter((fault.call, kind) for fault, what in self.found
-                                    for kind in kinds if what.startswith(kind))
-        rows = [[self.good.calls[call], tried, self.whole[call], *(found[call, kind] for kind in kinds)]
-                for call, tried in self.tried.items()]
-        lines = ["".join(f"{cell:>16}" for cell in ("calls", "tried", "whole", *kinds, " function"))]
-        lines += ["".join(f"{cell:16}" for cell in row) + f"  {name}" for name, row in
-                  zip([*self.tried, "in all"], [*rows, map(sum, zip(*rows))])]
+        found = collections.Counter(fault.call for fault, _ in self.found)
+        lines = ["   calls   tried   whole   wrong  function"]
+        lines += [f"{self.good.calls[call]:8}{tried:8}{self.whole[call]:8}{found[call]:8}  {call}"
+                  for call, tried in self.tried.items()]
         silent = [call for call, count in self.good.calls.items() if count == 0]
-        lines.append("never called by the sample's build: " + ", ".join(silent))
+        lines += [f"{self.tried.total()} tried, {self.whole.total()} whole, {len(self.found)} wrong",
+                  "never called by the sample's build: " + ", ".join(silent)]
         return "\n".join(lines)
 
 
