@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <string>
 
 namespace vesk::test {
@@ -23,6 +24,22 @@ inline std::string ExpectedText(const std::string& name) {
 inline void CheckExpected(const std::string& name, const std::string& found) {
     const std::string wanted = ExpectedText(name);
     CHECK_MESSAGE(found == wanted, name, "\n--- wanted\n", wanted, "--- found\n", found, "---");
+}
+
+/// Compares tests/data/NAME.txt with the answers to the questions in it, which are the lines that
+/// begin with "= ". Lines that begin with "#" are remarks.
+/// @param answer gives the lines that belong under a question
+template <class Answer>
+void CheckAnswers(const std::string& name, const Answer& answer) {
+    std::istringstream wanted(ExpectedText(name));
+    std::string found;
+    for (std::string line; std::getline(wanted, line);) {
+        const bool asks = line.starts_with("= ");
+        found += asks || line.starts_with("#") ? line + "\n" : "";
+        found += asks ? answer(line.substr(2)) : "";
+    }
+    CHECK_FALSE(found.empty());
+    CheckExpected(name, found);
 }
 
 } // namespace vesk::test
