@@ -7,7 +7,7 @@ import statistics
 import subprocess
 
 import data
-from harness import TOP, Row, Skip, at_least, at_most, below, in_turn, windows_path
+from harness import TOP, Goal, Row, Skip, at_least, at_most, fresh, in_turn, windows_path
 
 SEVEN_ZIPS = {64: "package/win/x64/7za.exe", 32: "package/win/ia32/7za.exe"}
 
@@ -29,37 +29,25 @@ def seven_zip(wine):
     return program
 
 
-def unpack_by_seven_zip(wine, archives, target):
-    """Milliseconds that 7-Zip says it took, without its own start."""
-    said = wine.run(seven_zip(wine), "x", "-y", "-bt", "-o" + target, archives)
-    return 1000 * float(re.search(r"Global +Time = +([\d.]+)", said)[1])
-
-
 def unpack_in_turn(wine, rounds, archive, target):
-    """Milliseconds of UnzipFile and of 7-Zip, and the longest silences of ours."""
-    seven_zip(wine)
-    silences = []
-
-    def ours():
-        shutil.rmtree(target, ignore_errors=True)
-        took, silence = wine.tool("unzip", windows_path(archive), windows_path(target))[0]
-        silences.append(silence)
-        return took
-
+    """Milliseconds of UnzipFile and those that 7-Zip says it took, without its own start, and the
+    longest silences of ours."""
     def peer():
-        shutil.rmtree(target, ignore_errors=True)
-        return unpack_by_seven_zip(wine, windows_path(archive), windows_path(target))
+        said = wine.run(seven_zip(wine), "x", "-y", "-bt", "-o" + windows_path(target), archive)
+        return 1000 * float(re.search(r"Global +Time = +([\d.]+)", said)[1])
 
-    mine, theirs = in_turn(rounds, ours=ours, peer=peer)
+    seven_zip(wine)
+    ours, theirs = in_turn(rounds, ours=fresh(target, wine.tool, "unzip", archive, target),
+                           peer=fresh(target, peer))
     shutil.rmtree(target, ignore_errors=True)
-    return mine, theirs, silences
+    return [took for took, _ in ours], theirs, [silence for _, silence in ours]
 
 
 def checksum(wine, folder, rounds):
     file = folder / "64MiB"
     file.write_bytes(random.Random(2).randbytes(64 << 20))
-    lines = wine.tool("checksum", windows_path(file), 3 * rounds + 1)[1:]
-    fetch, look, crc = zip(*lines)
+    figures = wine.tool("checksum", file, 3 * rounds + 1)
+    fetch, look, crc = (figures[kind + 3::3] for kind in range(3))
     file.unlink()
     yield Row("CalculateFile, 64 MiB, to looking at every byte", crc, look, at_most(1.15),
               f"only fetching them: {statistics.median(fetch):.1f} ms")
@@ -75,14 +63,9 @@ def zip_tree(wine, folder, rounds):
     except Skip as reason:
         yield name, reason
 
-    def action(name):
-        def work():
-            shutil.rmtree(target, ignore_errors=True)
-            return wine.figure(name, windows_path(archive), windows_path(target))
-        return work
-
-    ours, create, inflate = in_turn(rounds, ours=action("unzip"), create=action("create"),
-                                    inflate=action("inflate"))
+    ours, create, inflate = in_turn(
+        rounds, **{action: fresh(target, wine.figure, action, archive, target)
+                   for action in ("unzip", "create", "inflate")})
     yield Row(name + ", to creating + inflating", ours,
               [files + bits for files, bits in zip(create, inflate)], at_most(1.10),
               f"creating {statistics.median(create):.0f} ms, "
@@ -98,8 +81,7 @@ def zip_small(wine, folder, rounds):
         ours, theirs, _ = unpack_in_turn(wine, rounds if members < 100_000 else 1, archive, target)
         each[members] = [took / members for took in ours]
         yield Row(f"ZIP, {members:,} small members", ours, theirs, at_least(3.3))
-        memory[members] = wine.peak_memory(wine.built / "bench/bench_tool.exe", "unzip",
-                                           windows_path(archive), windows_path(target))
+        memory[members] = wine.peak_memory("unzip", archive, target)
         shutil.rmtree(target)
         archive.unlink()
     times = {members: statistics.median(series) for members, series in each.items()}
@@ -119,9 +101,8 @@ def zip_large(wine, folder, rounds):
                   f"longest time without progress {statistics.median(silences):.0f} ms")
     except Skip as reason:
         yield "ZIP, one member of 500 MB", reason
-    peak = wine.peak_memory(wine.built / "bench/bench_tool.exe", "unzip", windows_path(archive),
-                            windows_path(target))
-    yield Row("... its memory", [peak], None, below(64, "MiB"), unit="MiB")
+    yield Row("... its memory", [wine.peak_memory("unzip", archive, target)], None,
+              Goal("MiB", 64), unit="MiB")
     shutil.rmtree(target)
 
 
@@ -136,14 +117,8 @@ def cabinets(wine, folder, rounds):
         cabinet = folder / f"{kind}.cab"
         subprocess.run(["gcab", "-c", *options, str(cabinet), *names], cwd=source, check=True,
                        stdout=subprocess.DEVNULL)
-
-        def action(name):
-            def work():
-                shutil.rmtree(target, ignore_errors=True)
-                return wine.figure(name, windows_path(cabinet), windows_path(target))
-            return work
-
-        ours, bare = in_turn(rounds, ours=action("cabinet"), bare=action("cabinet-setup"))
+        ours, bare = in_turn(rounds, **{action: fresh(target, wine.figure, action, cabinet, target)
+                                        for action in ("cabinet", "cabinet-setup")})
         yield Row(f"cabinet, {kind}, to SetupIterateCabinet", ours, bare, at_most(1.1))
     shutil.rmtree(target)
 

@@ -1,8 +1,11 @@
 """What the benchmarks work on; the same at every run."""
 
 import random
+import shutil
 import zipfile
-import zlib
+
+import fixtures
+from fixtures import crc_of
 
 INF = "[Version]\r\nSignature=$Windows NT$\r\n\r\n[PEBuilder]\r\nName=\"{}\"\r\nEnable=1\r\n"
 
@@ -61,24 +64,20 @@ def large_archive(path, megabytes):
                 member.write(piece)
 
 
-def crc(path):
-    """The checksum of a file as catalogues hold it."""
-    value = 0
-    with open(path, "rb") as file:
-        while piece := file.read(1 << 20):
-            value = zlib.crc32(piece, value)
-    return f"{value:X}"
+def program_folder(wine, folder):
+    """A folder with the delivered programs and their read-me in it."""
+    program = folder / "program"
+    program.mkdir(parents=True)
+    for path in ("src/console/veskbuild.exe", "src/ui/veskbuilder.exe"):
+        shutil.copy(wine.built / path, program)
+    (program / "readme.txt").write_text("Read me.")
+    return program
 
 
-def write_catalogue(folder, plugins, base_crc, base_url=""):
+def write_catalogue(program, plugins=()):
     """veskbuilder.ini with PE Builder and plug-ins (archive, address, checksum)."""
-    lines = ["[Install]", "Folder=VeskLive", "Path=0", "[Base]", "Name0=PE Builder ",
-             "Zip0=pebuilder3110a.zip ", "Enabled0=1", "Lock0=1", f"Url0={base_url} ",
-             f"CRC0={base_crc} ", "[Plugin]"]
-    for number, (archive, url, checksum) in enumerate(plugins):
-        lines += [f"Name{number}=Plug-in {number} ", f"Zip{number}={archive} ",
-                  f"Cat{number}=100 ", f"Enabled{number}=1", f"Lock{number}=0",
-                  f"Url{number}={url} ", f"CRC{number}={checksum} "]
-    lines += ["[Categories]", "ShowCategories=-1", "100=100_tools"]
-    (folder / "veskbuilder.ini").write_text("\r\n".join(lines) + "\r\n", "cp1252", newline="")
-    (folder / "readme.txt").write_text("Read me.")
+    base = program / "pebuilder3110a.zip"
+    fixtures.write_catalogue(
+        program, [("PE Builder", base.name, "", 1, 1, "", crc_of(base) if base.exists() else "1")],
+        [(f"Plug-in {number}", archive, "100", 1, 0, url, checksum)
+         for number, (archive, url, checksum) in enumerate(plugins)])

@@ -1,12 +1,12 @@
 """Downloads from nginx on the loopback, beside curl."""
 
+import functools
 import re
 import shutil
 import subprocess
 
 import data
-from building import program_folder
-from harness import Row, Skip, at_most, in_turn, windows_path
+from harness import Row, Skip, at_most, fresh, in_turn
 from peers import Nginx
 
 MEGABYTES = 256
@@ -35,8 +35,7 @@ def large(wine, folder, nginx, rounds):
 
     def ours():
         said = wine.run(wine.built / "tests/net/download_tool.exe", "--only-time", "--access", 2,
-                        "--proxy", f"127.0.0.1:{nginx.port}", "http://h/big.bin",
-                        windows_path(target))
+                        "--proxy", f"127.0.0.1:{nginx.port}", "http://h/big.bin", target)
         return whole(float(re.search(r"Milliseconds (\d+)", said)[1]))
 
     def peer():
@@ -50,19 +49,15 @@ def small(wine, folder, nginx, count, rounds):
     """Through the delivered program: what a build takes longer that has to download its plug-ins
     than one that has them. They are no archives, so nothing is extracted in either."""
     folder = folder / str(count)
-    folder.mkdir()
-    program, target = program_folder(wine, folder), folder / "small.bin"
+    program, target = data.program_folder(wine, folder), folder / "small.bin"
     data.small_archive(program / "pebuilder3110a.zip", 1)
     (nginx.root / "small.bin").write_bytes(b"vesk" * 256)
-    checksum = data.crc(nginx.root / "small.bin")
-    plugins = [(f"plugin{number}.bin", "http://h/small.bin", checksum) for number in range(count)]
-    data.write_catalogue(program, plugins, data.crc(program / "pebuilder3110a.zip"))
-
-    def build():
-        shutil.rmtree(folder / "tree", ignore_errors=True)
-        return wine.time(program / "veskbuild.exe", "--yes", "--quiet", "--install",
-                         windows_path(folder / "tree"), "--proxy", f"127.0.0.1:{nginx.port}",
-                         codes=(1,))
+    checksum = data.crc_of(nginx.root / "small.bin")
+    data.write_catalogue(program, [(f"plugin{number}.bin", "http://h/small.bin", checksum)
+                                   for number in range(count)])
+    build = fresh(folder / "tree", functools.partial(
+        wine.time, program / "veskbuild.exe", "--yes", "--quiet", "--install", folder / "tree",
+        "--proxy", f"127.0.0.1:{nginx.port}", codes=(1,)))
 
     def ours():
         for plugin in program.glob("*.bin"):
@@ -71,9 +66,7 @@ def small(wine, folder, nginx, count, rounds):
         assert len(list(program.glob("*.bin"))) == count, "not all was downloaded"
         return took
 
-    transfers = []
-    for _ in range(count):
-        transfers += ["-o", target, f"http://127.0.0.1:{nginx.port}/small.bin"]
+    transfers = ["-o", target, f"http://127.0.0.1:{nginx.port}/small.bin"] * count
     downloading, without, theirs = in_turn(rounds, ours=ours, without=build,
                                            peer=lambda: curl("-H", "Connection: close", *transfers))
     yield Row(f"{count:,} downloads of 1 KiB by veskbuild, to curl",

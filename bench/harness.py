@@ -1,16 +1,20 @@
 """How bench/run measures: works taken in turn, medians with their spread, a goal for each."""
 
-import dataclasses
-import math
+import contextlib
+import functools
 import os
 import pathlib
+import re
+import shutil
 import statistics
 import subprocess
 import tempfile
 import threading
 import time
+from typing import NamedTuple
 
-TOP = pathlib.Path(__file__).resolve().parents[1]
+from fixtures import TOP, windows_path
+
 PREFIX = "bench"
 PRESETS = {64: "windows", 32: "windows32"}
 LAUNCHERS = {64: TOP / "tools/wine", 32: TOP / "tools/wine32"}
@@ -20,8 +24,7 @@ class Skip(Exception):
     """A row cannot be measured here; the text says why."""
 
 
-@dataclasses.dataclass
-class Goal:
+class Goal(NamedTuple):
     """What the figures have to be. `kind` is "at most" or "at least" for a ratio (ours to the
     peer's, or the peer's to ours), and a unit for ours alone, which then is to be below."""
     kind: str
@@ -36,25 +39,16 @@ class Goal:
         return figure >= self.limit if self.kind == "at least" else figure <= self.limit
 
     def __str__(self):
-        if self.kind in ("at most", "at least"):
-            return f"{self.kind} {self.limit:g}"
-        return f"{self.limit:g} {self.kind}"
+        kind, limit = self.kind, f"{self.limit:g}"
+        return f"{kind} {limit}" if kind in ("at most", "at least") else f"{limit} {kind}"
 
 
-def at_most(limit):
-    return Goal("at most", limit)
+at_most = functools.partial(Goal, "at most")
+at_least = functools.partial(Goal, "at least")
+below = functools.partial(Goal, "ms")
 
 
-def at_least(limit):
-    return Goal("at least", limit)
-
-
-def below(limit, unit="ms"):
-    return Goal(unit, limit)
-
-
-@dataclasses.dataclass
-class Row:
+class Row(NamedTuple):
     """A line of the table: what each round took, in the order of the rounds."""
     name: str
     ours: list
@@ -63,35 +57,19 @@ class Row:
     note: str = ""
     unit: str = "ms"
 
-    def figures(self):
-        """The goal's figure of each round. Neighbours in time saw the same machine: so the spread
-        is that of their ratios and not that of the times."""
-        pairs = zip(self.ours, self.peer or [math.nan] * len(self.ours))
-        return [self.goal.figure(ours, peer) for ours, peer in pairs]
-
-    def quartiles(self):
-        figures = self.figures()
-        if len(figures) < 3:
-            return min(figures), max(figures)
-        low, _, high = statistics.quantiles(figures, n=4, method="inclusive")
-        return low, high
-
-    def verdict(self):
-        """Short is what misses its goal by more than its noise: also with the better quartile."""
-        low, high = self.quartiles()
-        if self.goal.holds(statistics.median(self.figures())):
-            return "held"
-        better = high if self.goal.kind == "at least" else low
-        return "within noise" if self.goal.holds(better) else "SHORT"
-
     def cells(self):
-        low, high = self.quartiles()
-        ratio = ""
-        if self.peer:
-            ratio = f"{statistics.median(self.figures()):.2f} ({low:.2f}-{high:.2f})"
-        return (self.name, shown(self.ours, self.unit),
-                shown(self.peer, self.unit) if self.peer else "-", ratio, str(self.goal),
-                self.verdict())
+        """The goal's figure of each round counts. Neighbours in time saw the same machine: so the
+        spread is that of their ratios and not that of the times. Short is what misses its goal by
+        more than its noise: also with the better quartile."""
+        figures = sorted(map(self.goal.figure, self.ours, self.peer or self.ours))
+        low, middle, high = (statistics.quantiles(figures, n=4, method="inclusive") if len(figures) > 2
+                             else (figures[0], statistics.median(figures), figures[-1]))
+        better = high if self.goal.kind == "at least" else low
+        verdict = ("held" if self.goal.holds(middle) else
+                   "within noise" if self.goal.holds(better) else "SHORT")
+        peers = ((shown(self.peer, self.unit), f"{middle:.2f} ({low:.2f}-{high:.2f})") if self.peer
+                 else ("-", ""))
+        return self.name, shown(self.ours, self.unit), *peers, str(self.goal), verdict
 
 
 def shown(values, unit):
@@ -114,8 +92,12 @@ def in_turn(rounds, **works):
     return results.values()
 
 
-def windows_path(path):
-    return "Z:" + str(path).replace("/", "\\")
+def fresh(target, work, *arguments):
+    """The work, with nothing of an earlier round at its target."""
+    def start():
+        shutil.rmtree(target, ignore_errors=True)
+        return work(*arguments)
+    return start
 
 
 class Wine:
@@ -135,23 +117,23 @@ class Wine:
     def stop(self):
         if self.bits == 32:
             self.idle.terminate()
-            self.idle.wait(20)
-            return
-        environment = {**os.environ, "WINEPREFIX": str(TOP / "build/wine" / PREFIX)}
-        subprocess.run(["wineserver", "-k"], env=environment, check=False)
+        else:
+            subprocess.run(["wineserver", "-k"], check=False,
+                           env={**os.environ, "WINEPREFIX": str(TOP / "build/wine" / PREFIX)})
         self.idle.wait(20)
 
-    def start(self, program, *arguments):
-        return subprocess.Popen([self.program, str(program), *map(str, arguments)],
-                                stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
-                                stderr=subprocess.DEVNULL)
+    def start(self, program, *arguments, output=subprocess.DEVNULL):
+        """Starts a program. Arguments that are paths become those of Windows."""
+        words = [windows_path(word) if isinstance(word, pathlib.Path) else str(word)
+                 for word in arguments]
+        return subprocess.Popen([self.program, str(program), *words], stdin=subprocess.DEVNULL,
+                                stdout=output, stderr=output)
 
-    def run(self, program, *arguments, codes=(0,), cwd=None):
+    def run(self, program, *arguments, codes=(0,)):
         """@return what it printed"""
         # Not through a pipe: a process of Wine's own that it happens to start would hold it open.
         with tempfile.TemporaryFile() as output:
-            process = subprocess.Popen([self.program, str(program), *map(str, arguments)], cwd=cwd,
-                                       stdin=subprocess.DEVNULL, stdout=output, stderr=output)
+            process = self.start(program, *arguments, output=output)
             # A wait that is given a timeout only looks now and then, up to 50 ms too late.
             limit = threading.Timer(600, process.kill)
             limit.start()
@@ -161,8 +143,7 @@ class Wine:
             lines = output.read().decode("cp1252", "replace").splitlines(True)
         said = "".join(line for line in lines if not line.startswith("wine: "))  # its complaints
         if code not in codes:
-            raise RuntimeError(f"{pathlib.Path(program).name} {arguments} gave {code}: "
-                               + said[-1000:])
+            raise RuntimeError(f"{program} {arguments} gave {code}: {said[-1000:]}")
         return said
 
     def time(self, program, *arguments, **options):
@@ -172,27 +153,23 @@ class Wine:
         return 1000 * (time.perf_counter() - start)
 
     def tool(self, action, *arguments):
-        """Figures that an action of bench_tool prints, a list for each line."""
-        said = self.run(self.built / "bench/bench_tool.exe", action, *arguments)
-        return [[float(figure) for figure in line.split()] for line in said.splitlines()]
+        """Figures that an action of bench_tool prints."""
+        return [*map(float, self.run(self.built / "bench/bench_tool.exe", action, *arguments).split())]
 
     def figure(self, action, *arguments):
         """The first figure of an action."""
-        return self.tool(action, *arguments)[0][0]
+        return self.tool(action, *arguments)[0]
 
-    def peak_memory(self, program, *arguments):
-        """MiB of its own that a program has at most; the pages of files that it maps are not its
+    def peak_memory(self, *arguments):
+        """MiB of its own that an action has at most; the pages of files that it maps are not its
         own: the system may drop them at any time."""
-        process = self.start(program, *arguments)
+        process = self.start(self.built / "bench/bench_tool.exe", *arguments)
         peak = 0
         while process.poll() is None:
-            try:
+            with contextlib.suppress(OSError):  # it may end meanwhile
                 status = pathlib.Path(f"/proc/{process.pid}/status").read_text()
-                own = [line for line in status.splitlines() if line.startswith("RssAnon")]
-                peak = max(peak, int(own[0].split()[1])) if own else peak
-            except OSError:
-                pass
+                peak = max(peak, *map(int, re.findall(r"RssAnon:\s*(\d+)", status)), 0)
             time.sleep(0.002)
         if process.returncode != 0:
-            raise RuntimeError(f"{program} {arguments} gave {process.returncode}")
+            raise RuntimeError(f"{arguments} gave {process.returncode}")
         return peak / 1024

@@ -1,10 +1,10 @@
 """Texts of strangers that must not hold a build up, and starts of programs."""
 
-import shutil
+import functools
 import statistics
 
 import data
-from harness import Row, at_most, below, in_turn, windows_path
+from harness import Row, at_most, below, in_turn
 
 MEGABYTE = 1 << 20
 SCRIPTS = {"[base] lines": "[base]\r\n", "log lines": "log,a line of the log\r\n",
@@ -31,20 +31,14 @@ def texts(wine, folder, rounds):
     tree = folder / "tree"
     tree.mkdir()
 
-    def script(piece):
-        def measure(size):
-            (folder / "text.script").write_text("[base]\r\n" + piece * (size // len(piece)),
-                                                newline="")
-            return wine.figure("script", windows_path(folder / "text.script"))
-        return measure
+    def measure(file, head, tail, action, *arguments):
+        def work(piece, size):
+            file.write_text(head + piece * (size // len(piece)) + tail, newline="")
+            return wine.figure(action, *arguments, file)
+        return lambda piece: functools.partial(work, piece)
 
-    def inf(piece):
-        def measure(size):
-            text = piece * (size // len(piece)) + "\r\n" + INF_END
-            (tree / "plugin.inf").write_text(text, newline="")
-            return wine.figure("inf", windows_path(tree), windows_path(tree / "plugin.inf"))
-        return measure
-
+    script = measure(folder / "text.script", "[base]\r\n", "", "script")
+    inf = measure(tree / "plugin.inf", "", "\r\n" + INF_END, "inf", tree)
     for name, piece in SCRIPTS.items():
         yield linear(f"script of 1 MB, {name}", min(rounds, 3), script(piece))
     for name, piece in INFS.items():
@@ -59,13 +53,11 @@ def starts(wine, folder, rounds):
         version=lambda: wine.time(wine.built / "src/console/veskbuild.exe", "--version"),
         empty=lambda: wine.time(wine.built / "bench/bench_empty.exe"))
     yield Row("veskbuild --version, to an empty program", version, empty, at_most(1.3))
-    program = folder / "veskbuilder.exe"
-    shutil.copy(wine.built / "src/ui/veskbuilder.exe", program)
-    data.write_catalogue(folder, [("plugin.zip", "", "1")], "1")
+    program = data.program_folder(wine, folder) / "veskbuilder.exe"
+    data.write_catalogue(program.parent, [("plugin.zip", "", "1")])
     first, dialog = in_turn(
-        rounds, first=lambda: wine.figure("first-window", windows_path(program)),
-        dialog=lambda: wine.figure("first-window",
-                                   windows_path(wine.built / "bench/bench_dialog.exe")))
+        rounds, first=lambda: wine.figure("first-window", program),
+        dialog=lambda: wine.figure("first-window", wine.built / "bench/bench_dialog.exe"))
     yield Row("wizard's first page, to an empty dialog", first, dialog, at_most(1.3))
 
 

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <string>
 
 namespace vesk::test {
@@ -35,6 +36,22 @@ void CheckLines(const std::string& name, Say&& say) {
         if (arrow != std::string::npos)
             found += " => " + say(line.substr(0, arrow));
     }
+    CheckExpected(name, found);
+}
+
+/// Compares tests/data/NAME.txt with the answers to the questions in it, which are the lines that
+/// begin with "= ". Lines that begin with "#" are remarks.
+/// @param answer gives the lines that belong under a question
+template <class Answer>
+void CheckAnswers(const std::string& name, const Answer& answer) {
+    std::istringstream wanted(ExpectedText(name));
+    std::string found;
+    for (std::string line; std::getline(wanted, line);) {
+        const bool asks = line.starts_with("= ");
+        found += asks || line.starts_with("#") ? line + "\n" : "";
+        found += asks ? answer(line.substr(2)) : "";
+    }
+    CHECK_FALSE(found.empty());
     CheckExpected(name, found);
 }
 

@@ -85,6 +85,20 @@ def write_archive(path, *members):
     return crc_of(path)
 
 
+def write_catalogue(folder, base, plugins=(), categories=(("100", "100_tools"),),
+                    install=("VeskLive", 0), show_categories=-1):
+    """Entries are (name, archive, category, enabled, lock, url, crc)."""
+    lines = ["[Install]", f"Folder={install[0]}", f"Path={install[1]}"]
+    for section, entries in (("Base", base), ("Plugin", plugins)):
+        lines.append(f"[{section}]")
+        for i, (name, zip_name, cat, enabled, lock, url, crc) in enumerate(entries):
+            lines += [f"Name{i}={name} ", f"Zip{i}={zip_name} "]
+            lines += [f"Cat{i}={cat} "] if section == "Plugin" else []
+            lines += [f"Enabled{i}={enabled}", f"Lock{i}={lock}", f"Url{i}={url} ", f"CRC{i}={crc} "]
+    lines += ["[Categories]", f"ShowCategories={show_categories}"] + [f"{k}={v}" for k, v in categories]
+    (folder / "veskbuilder.ini").write_text("\r\n".join(lines) + "\r\n", "cp1252", newline="")
+
+
 def mount_disk(place, size):
     """Makes a folder a disk of so many bytes, in place of the one that it was.
     @return whether that is possible here"""

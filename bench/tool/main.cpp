@@ -10,40 +10,27 @@
 
 namespace vesk::bench {
 
-void Print(const std::vector<double>& figures) {
-    for (const double figure : figures)
-        std::printf("%.3f ", figure);
-    std::printf("\n");
-}
-
 namespace {
 
-/// SECONDS: keeps the system's server processes alive, the desktop's included.
-void Idle(const Arguments& arguments) {
-    GetDesktopWindow();
-    Sleep(static_cast<DWORD>(std::stoul(arguments.at(0))) * 1000);
+using Works = std::map<std::string, Figures (*)(const Arguments&)>;
+
+Works& KnownWorks() {
+    static Works works;
+    return works;
 }
 
-const std::map<std::string, void (*)(const Arguments&)> kActions = {
-    {"answers", Answers},
-    {"cabinet", Cabinet},
-    {"cabinet-setup", CabinetBySetup},
-    {"checksum", Checksum},
-    {"create", CreateFiles},
-    {"first-window", FirstWindow},
-    {"header", Header},
-    {"idle", Idle},
-    {"inf", Inf},
-    {"inflate", InflateAll},
-    {"load", LoadTheCatalogue},
-    {"remove", RemoveTree},
-    {"remove-bare", RemoveBare},
-    {"save", SaveTheCatalogue},
-    {"script", Script},
-    {"unzip", Unzip},
-};
+/// SECONDS: keeps the system's server processes alive, the desktop's included.
+const Action kIdle("idle", [](const Arguments& arguments) {
+    GetDesktopWindow();
+    Sleep(static_cast<DWORD>(std::stoul(arguments.at(0))) * 1000);
+    return Figures();
+});
 
 } // namespace
+
+Action::Action(const char* name, Figures (*work)(const Arguments&)) {
+    KnownWorks()[name] = work;
+}
 
 } // namespace vesk::bench
 
@@ -54,12 +41,10 @@ int main(int argc, char** argv) {
     checks.setAssertHandler([](const doctest::AssertData& failed) {
         throw std::runtime_error(std::string("does not hold: ") + failed.m_expr);
     });
-    const vesk::bench::Arguments words(argv + 1, argv + argc);
     try {
-        const auto action = vesk::bench::kActions.find(words.empty() ? "" : words.front());
-        if (action == vesk::bench::kActions.end())
-            return 64;
-        action->second({words.begin() + 1, words.end()});
+        auto* const work = vesk::bench::KnownWorks().at(argc < 2 ? "" : argv[1]);
+        for (const double figure : work({argv + 2, argv + argc}))
+            std::printf("%.3f ", figure);
         return 0;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "%s\n", error.what());

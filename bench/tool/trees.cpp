@@ -31,19 +31,19 @@ void EmptyFolder(const std::wstring& folder, std::vector<std::wstring>& folders)
     } while (FindNextFileW(search.Get(), &found) != 0);
 }
 
-} // namespace
-
-void RemoveTree(const Arguments& arguments) {
+/// TREE: removes it as a build does.
+const Action kRemove("remove", [](const Arguments& arguments) {
     const clsInstallFolder folder(arguments.at(0), clsFolderGuard::OfSystem("C:\\none\\", ""));
     const clsRemovableTree tree = clsRemovableTree::Of(folder);
     std::vector<Failure> failures;
     const double took = Timed([&] { failures = tree.Remove([] {}); });
     if (!failures.empty())
         throw failures.front();
-    Print({took});
-}
+    return Figures{took};
+});
 
-void RemoveBare(const Arguments& arguments) {
+/// TREE: removes it by a bare walk.
+const Action kRemoveBare("remove-bare", [](const Arguments& arguments) {
     std::vector<std::wstring> folders{Widen(arguments.at(0))};
     const double took = Timed([&] {
         for (std::size_t i = 0; i < folders.size(); ++i) {
@@ -55,24 +55,28 @@ void RemoveBare(const Arguments& arguments) {
     });
     if (GetFileAttributesA(arguments.at(0).c_str()) != INVALID_FILE_ATTRIBUTES)
         throw std::runtime_error("the tree is still there");
-    Print({took});
-}
+    return Figures{took};
+});
 
-void LoadTheCatalogue(const Arguments& arguments) {
+/// PROGRAMPATH: loads the catalogue in it.
+const Action kLoad("load", [](const Arguments& arguments) {
     Catalogue catalogue;
     CatalogueLoad load;
     const double took = Timed([&] { load = LoadCatalogueReporting(arguments.at(0), catalogue); });
     if (load.state != CatalogueState::Whole)
         throw std::runtime_error(load.sentence);
-    Print({took, static_cast<double>(catalogue.plugins.size())});
-}
+    return Figures{took};
+});
 
-void SaveTheCatalogue(const Arguments& arguments) {
+/// PROGRAMPATH: saves what it loads from it.
+const Action kSave("save", [](const Arguments& arguments) {
     Catalogue catalogue;
     clsEditedFile file(arguments.at(0));
     if (file.Load(catalogue).state != CatalogueState::Whole)
         throw std::runtime_error("the catalogue is not whole");
-    Print({Timed([&] { file.Save(catalogue); })});
-}
+    return Figures{Timed([&] { file.Save(catalogue); })};
+});
+
+} // namespace
 
 } // namespace vesk::bench

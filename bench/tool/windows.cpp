@@ -29,34 +29,29 @@ void StartBuild(const WizardDriver& wizard, const std::string& tree) {
     }
 }
 
-} // namespace
+/// PROGRAM: starts it, and ends it; milliseconds until its window answers.
+const Action kFirstWindow("first-window", [](const Arguments& arguments) {
+    return Figures{Timed([&] { AnswerTime(WizardDriver(arguments.at(0)).Window()); })};
+});
 
-void FirstWindow(const Arguments& arguments) {
-    Print({Timed([&] {
-        const WizardDriver program(arguments.at(0));
-        AnswerTime(program.Window());
-    })});
-}
-
-void Answers(const Arguments& arguments) {
+/// WIZARD TREE: lets the wizard build into the tree; the milliseconds of its window's longest
+/// answer.
+const Action kAnswers("answers", [](const Arguments& arguments) {
     const WizardDriver wizard(arguments.at(0));
     StartBuild(wizard, arguments.at(1));
     constexpr DWORD kPatience = 120'000;
     double longest = 0;
-    bool done = false;
-    const double took = Timed([&] {
-        done = test::WaitUntil(
-            [&] {
-                longest = std::max(longest, AnswerTime(wizard.Window()));
-                if (const HWND question = FindWindowA("#32770", "Confirmation"))
-                    PostMessageA(question, WM_COMMAND, IDYES, 0);
-                return wizard.IsEnabled(IDC_CMD_NEXT) && wizard.Text(IDC_CMD_NEXT) == "&Finish";
-            },
-            kPatience);
-    });
-    if (!done)
+    const auto isDone = [&] {
+        longest = std::max(longest, AnswerTime(wizard.Window()));
+        if (const HWND question = FindWindowA("#32770", "Confirmation"))
+            PostMessageA(question, WM_COMMAND, IDYES, 0);
+        return wizard.IsEnabled(IDC_CMD_NEXT) && wizard.Text(IDC_CMD_NEXT) == "&Finish";
+    };
+    if (!test::WaitUntil(isDone, kPatience))
         throw std::runtime_error("the build did not end");
-    Print({longest, took});
-}
+    return Figures{longest};
+});
+
+} // namespace
 
 } // namespace vesk::bench

@@ -11,15 +11,14 @@
 using namespace vesk;
 
 TEST_CASE("a sentence becomes the end of another one") {
-    struct Row {
-        const char* sentence;
-        const char* reason;
-    };
-    for (const Row& row :
-         {Row{"Disk full.", "disk full"}, Row{"Access denied.\r\n", "access denied"},
-          Row{"HTTP/1.1 404 Not Found", "HTTP/1.1 404 Not Found"}, Row{"A", "A"}, Row{"", ""},
-          Row{"I386 is missing", "I386 is missing"}, Row{" two\nlines\x01.. ", "two lines"}})
-        CHECK(AsReason(row.sentence) == row.reason);
+    for (const auto& [sentence, reason] : {std::pair{"Disk full.", "disk full"},
+                                           {"Access denied.\r\n", "access denied"},
+                                           {"HTTP/1.1 404 Not Found", "HTTP/1.1 404 Not Found"},
+                                           {"A", "A"},
+                                           {"", ""},
+                                           {"I386 is missing", "I386 is missing"},
+                                           {" two\nlines\x01.. ", "two lines"}})
+        CHECK(AsReason(sentence) == reason);
 }
 
 TEST_CASE("no name begins a line of its own") {

@@ -4,21 +4,21 @@
 
 #include <doctest/doctest.h>
 
+#include <array>
+
 using namespace vesk;
 
 TEST_CASE("paths come apart at their last backslash and last dot") {
-    struct Row {
-        const char *path, *parent, *file, *base, *extension;
-    };
-    for (const Row& row :
-         {Row{"C:\\a\\b.tar.zip", "C:\\a", "b.tar.zip", "b.tar", "zip"},
-          Row{"plain", "", "plain", "plain", ""}, Row{"C:\\a.b\\c", "C:\\a.b", "c", "c", ""},
-          Row{"\\top\\", "\\top", "", "", ""}, Row{"", "", "", "", ""}}) {
-        CAPTURE(row.path);
-        CHECK(ParentOf(row.path) == row.parent);
-        CHECK(FileNameOf(row.path) == row.file);
-        CHECK(BaseNameOf(row.path) == row.base);
-        CHECK(ExtensionOf(row.path) == row.extension);
+    for (const auto& [path, parent, file, base, extension] :
+         {std::array{"C:\\a\\b.tar.zip", "C:\\a", "b.tar.zip", "b.tar", "zip"},
+          {"plain", "", "plain", "plain", ""},
+          {"C:\\a.b\\c", "C:\\a.b", "c", "c", ""},
+          {"\\top\\", "\\top", "", "", ""},
+          {"", "", "", "", ""}}) {
+        CHECK(ParentOf(path) == parent);
+        CHECK(FileNameOf(path) == file);
+        CHECK(BaseNameOf(path) == base);
+        CHECK(ExtensionOf(path) == extension);
     }
 }
 

@@ -153,11 +153,6 @@ TEST_CASE("whatever happens, a run ends in its own way, with everything else don
          [](Fixture& f) { f.When("Skipping", [&f] { f.WriteOldTree(); }); }},
         {"what no build made, without a word to empty it",
          [](Fixture& f) { f.folder.Write("tree\\letter.txt", "x"); }},
-        {"what no build made, to be replaced",
-         [](Fixture& f) {
-             f.folder.Write("tree\\letter.txt", "x");
-             f.inputs.replaceForeign = true;
-         }},
         {"a catalogue with what the editor leaves of an empty list",
          [](Fixture& f) {
              f.WriteOldTree();
@@ -177,8 +172,6 @@ TEST_CASE("whatever happens, a run ends in its own way, with everything else don
              f.catalogue.baseComponents[0].crc = "BAD";
              f.Download(DownloadResult::CrcDiffers);
          }},
-        {"PE Builder's archive that could not be downloaded",
-         [](Fixture& f) { f.catalogue.baseComponents[0].crc = "BAD"; }},
         {"a download that the user cancelled",
          [](Fixture& f) {
              f.catalogue.baseComponents[0].crc = "BAD";
@@ -214,7 +207,6 @@ TEST_CASE("whatever happens, a run ends in its own way, with everything else don
                               {"mymkisofs.exe/", ""},
                               {"Plugin/100_tools/one/p.inf/", ""}});
          }},
-        {"PE Builder's archive with nothing in it", [](Fixture& f) { f.FillPeBuilder({}); }},
         {"empty checksums, which match nothing",
          [](Fixture& f) {
              f.folder.Write("program\\one.zip", "");

@@ -4,6 +4,8 @@
 
 #include <doctest/doctest.h>
 
+#include <array>
+
 using namespace vesk;
 
 TEST_CASE("commenting out the menu section") {
@@ -27,18 +29,17 @@ TEST_CASE("the plug-in's own menu file") {
 }
 
 TEST_CASE("names lose their numbering and gain a prefix") {
-    struct Row {
-        const char *name, *stripped, *prefixed;
-    };
-    for (const Row& row :
-         {Row{"1. My Tool", "My Tool", "1. My Tool"},
-          Row{"01 - Network Tools", "- Network Tools", "3 - Network Tools"},
-          Row{"7-Zip", "Zip", "3 Zip"}, Row{"Tool 2", "Tool 2", "3 Tool 2"},
-          Row{"\xA3\xAC(5) x", "x", "3 x"}, Row{"123", "", "3 "}, Row{"", "", "3 "}}) {
-        CAPTURE(row.name);
-        CHECK(StripLeadingNumbering(row.name) == row.stripped);
-        if (std::string(row.name) != "1. My Tool")
-            CHECK(PrefixedName(row.name, "3") == row.prefixed);
+    for (const auto& [name, stripped, prefixed] :
+         {std::array{"1. My Tool", "My Tool", "1. My Tool"},
+          {"01 - Network Tools", "- Network Tools", "3 - Network Tools"},
+          {"7-Zip", "Zip", "3 Zip"},
+          {"Tool 2", "Tool 2", "3 Tool 2"},
+          {"\xA3\xAC(5) x", "x", "3 x"},
+          {"123", "", "3 "},
+          {"", "", "3 "}}) {
+        CHECK(StripLeadingNumbering(name) == stripped);
+        if (std::string(name) != "1. My Tool")
+            CHECK(PrefixedName(name, "3") == prefixed);
     }
     // The numbering falls away before the first word is looked at, so only a letter prefix is
     // found.

@@ -7,7 +7,7 @@ import socket
 import subprocess
 import unittest
 
-from fixtures import Member, windows_path
+from fixtures import Member, windows_path, write_catalogue
 from program import SaidTest, contents_below
 
 
@@ -91,8 +91,9 @@ class Console(SaidTest):
         self.build("--quiet")
 
     def test_one_build_at_a_time(self):
-        self.write_catalogue([("PE Builder", "pebuilder3110a.zip", "", 1, 1, "", self.pe_builder()[-1])],
-                             [("Far", "far.zip", "100", 1, 0, "http://h/far.zip", "1")])
+        write_catalogue(self.program,
+                        [("PE Builder", "pebuilder3110a.zip", "", 1, 1, "", self.pe_builder()[-1])],
+                        [("Far", "far.zip", "100", 1, 0, "http://h/far.zip", "1")])
         with socket.create_server(("127.0.0.1", 0)) as silent:
             first = subprocess.Popen(
                 self.command(*self.to_tree, "--proxy", f"127.0.0.1:{silent.getsockname()[1]}"),

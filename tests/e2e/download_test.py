@@ -7,7 +7,7 @@ import signal
 import subprocess
 import unittest
 
-from fixtures import Member, run_on_a_terminal, write_archive
+from fixtures import Member, run_on_a_terminal, write_archive, write_catalogue
 from net.peers import ScriptedServer, answer
 from program import SaidTest
 
@@ -28,8 +28,8 @@ class Download(SaidTest):
         plugins = [("One", "one.zip", f"{host}none, {host}gone ,{host}one.zip", one),
                    ("Damaged", "damaged.zip", host + "damaged.zip", one),
                    ("None", "none.zip", host + "none", one)]
-        self.write_catalogue(
-            [("PE Builder", "pebuilder3110a.zip", "", 1, 1, host + "pebuilder3110a.zip", base)],
+        write_catalogue(
+            self.program, [("PE Builder", "pebuilder3110a.zip", "", 1, 1, host + "pebuilder3110a.zip", base)],
             [(name, archive, "100", 1, 0, url, crc) for name, archive, url, crc in plugins])
         self.slow = ""  # a file of which half comes at once and the rest never
 

@@ -13,7 +13,7 @@ import tempfile
 import unittest
 
 sys.path.append(str(pathlib.Path(__file__).resolve().parents[1]))
-from fixtures import TOP, Member, compare, crc_of, windows_path, write_archive  # noqa: E402
+from fixtures import TOP, Member, compare, crc_of, windows_path, write_archive, write_catalogue  # noqa: E402
 
 PROGRAMS = pathlib.Path(sys.argv[1])
 WINE = sys.argv[2:]
@@ -108,22 +108,6 @@ class ProgramTest(unittest.TestCase):
         """Makes an archive in the program folder. Returns its name and checksum."""
         return name, write_archive(self.program / name, *members)
 
-    def write_catalogue(self, base, plugins=(), categories=(("100", "100_tools"),),
-                        install=("VeskLive", 0), show_categories=-1):
-        """Entries are (name, archive, category, enabled, lock, url, crc)."""
-        lines = ["[Install]", f"Folder={install[0]}", f"Path={install[1]}", "[Base]"]
-        for section, entries in (("Base", base), ("Plugin", plugins)):
-            if section == "Plugin":
-                lines.append("[Plugin]")
-            for i, (name, zip_name, cat, enabled, lock, url, crc) in enumerate(entries):
-                lines += [f"Name{i}={name} ", f"Zip{i}={zip_name} "]
-                lines += [f"Cat{i}={cat} "] if section == "Plugin" else []
-                lines += [f"Enabled{i}={enabled}", f"Lock{i}={lock}", f"Url{i}={url} ",
-                          f"CRC{i}={crc} "]
-        lines += ["[Categories]", f"ShowCategories={show_categories}"] + [f"{k}={v}" for k, v in categories]
-        (self.program / "veskbuilder.ini").write_text("\r\n".join(lines) + "\r\n", "cp1252",
-                                                       newline="")
-
     def raw(self, name, content=None):
         """The same of an archive that is there, or of these bytes."""
         if content is not None:
@@ -132,8 +116,8 @@ class ProgramTest(unittest.TestCase):
 
     def write_entries(self, base, plugins=(), *options, **more):
         """Entries are (name, ticked, locked, archive, checksum), of plug-ins with the category first."""
-        self.write_catalogue(
-            [(name, file, "", on, lock, "", crc) for name, on, lock, file, crc in base],
+        write_catalogue(
+            self.program, [(name, file, "", on, lock, "", crc) for name, on, lock, file, crc in base],
             [(name, file, cat, on, lock, "", crc) for cat, name, on, lock, file, crc in plugins],
             *options, **more)
 

@@ -4,19 +4,19 @@
 
 #include <doctest/doctest.h>
 
+#include <utility>
+
 using namespace vesk;
 
 TEST_CASE("texts as numbers") {
-    struct Row {
-        const char* text;
-        std::int32_t expected;
-    };
-    for (const Row& row :
-         {Row{" -7 ", -7}, Row{"+7", 7}, Row{"2.5", 2}, Row{"3.5", 4}, Row{"1e3", 1000},
-          Row{"2147483647", 2147483647}, Row{"-2147483648", -2147483647 - 1}}) {
-        CAPTURE(row.text);
-        CHECK(NumberOf(row.text) == row.expected);
-    }
+    for (const auto& [text, expected] : {std::pair{" -7 ", -7},
+                                         {"+7", 7},
+                                         {"2.5", 2},
+                                         {"3.5", 4},
+                                         {"1e3", 1000},
+                                         {"2147483647", 2147483647},
+                                         {"-2147483648", -2147483647 - 1}})
+        CHECK(NumberOf(text) == expected);
     for (const char* text : {"", " ", "x", "12a", "0x10", "inf", "nan", "+-1", "--1", "1 2",
                              "2147483648", "-2147483649", "1e999", "1e"}) {
         CAPTURE(text);

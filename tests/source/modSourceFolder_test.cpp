@@ -2,30 +2,29 @@
 
 #include "source/WindowsCd.h"
 
+#include <array>
+
 using namespace vesk;
 using namespace vesk::test;
 
 TEST_CASE("product and service pack are read from the source") {
-    struct Row {
-        const char *product, *tag, *label, *productCode, *servicePackCode;
-    };
-    for (const Row& row : {Row{"Microsoft Windows XP Professional", "\\xpsp2.sp2",
-                               "Microsoft Windows XP Professional SP2", "1", "2"},
-                           Row{"Microsoft Windows XP Home Edition", "x.SP3",
-                               "Microsoft Windows XP Home Edition SP3", "0", "3"},
-                           Row{"Windows Server 2003", "", "Windows Server 2003 ", "2", ""},
-                           Row{"Windows 2000", "xpsp.cat", "Windows 2000 CAT", "", ""}}) {
-        CAPTURE(row.product);
+    for (const auto& [product, tag, label, productCode, servicePackCode] :
+         {std::array{"Microsoft Windows XP Professional", "\\xpsp2.sp2",
+                     "Microsoft Windows XP Professional SP2", "1", "2"},
+          {"Microsoft Windows XP Home Edition", "x.SP3", "Microsoft Windows XP Home Edition SP3",
+           "0", "3"},
+          {"Windows Server 2003", "", "Windows Server 2003 ", "2", ""},
+          {"Windows 2000", "xpsp.cat", "Windows 2000 CAT", "", ""}}) {
         const TestFolder folder;
-        WriteCd(folder, "I386", row.product, row.tag);
+        WriteCd(folder, "I386", product, tag);
         SourceState state;
         const SourceCheck check = CheckSourceFolder(folder.Path(), state);
         CHECK(check.usable);
         CHECK(check.path == folder.Path() + "\\");
-        CHECK(check.productLabel == row.label);
+        CHECK(check.productLabel == label);
         CHECK(state.valid);
-        CHECK(state.productCode == row.productCode);
-        CHECK(state.servicePackCode == row.servicePackCode);
+        CHECK(state.productCode == productCode);
+        CHECK(state.servicePackCode == servicePackCode);
     }
 }
 

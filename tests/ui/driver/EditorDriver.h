@@ -17,12 +17,8 @@ namespace vesk::test {
 using Names = std::vector<std::string>;
 
 // Indices in the form's control arrays.
-inline constexpr int kFileName = 1;
-inline constexpr int kAddress = 4;
-inline constexpr int kChecksum = 5;
-inline constexpr int kEnabled = 1;
-inline constexpr int kLocked = 2;
-inline constexpr int kCategory = 3;
+enum : int { kFileName = 1, kAddress = 4, kChecksum = 5 };
+enum : int { kEnabled = 1, kLocked, kCategory };
 inline constexpr int kRemoveBase = IDC_CMD_BUTTONS + 1;
 inline constexpr int kBrowseBase = IDC_CMD_BUTTONS + 2;
 inline constexpr int kAddPlugin = IDC_CMD_BUTTONS + 3;

@@ -41,6 +41,8 @@ public:
     /// False where this user may not use the port.
     [[nodiscard]] bool IsReady() const { return ready_; }
 
+    [[nodiscard]] const std::string& Body() const { return body_; }
+
     /// Answers a request that has come in with the header and half of the file.
     void Serve() {
         const SOCKET client = accept(listener_, nullptr, nullptr);

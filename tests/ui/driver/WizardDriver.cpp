@@ -124,13 +124,7 @@ WizardDriver::WizardDriver(const std::string& program, const std::string& argume
     process_.Reset(started.hProcess);
     processId_ = started.dwProcessId;
     // What it asks at its start has the same title, and the window as its owner.
-    Await("its window", [&] {
-        window_ = FindTopWindow([&](HWND window) {
-            return !GetWindow(window, GW_OWNER) && ClassOf(window) == kDialogClass &&
-                   TextOf(window).starts_with(title);
-        });
-        return window_ != nullptr;
-    });
+    window_ = AwaitTopWindow(kDialogClass, title, false);
 }
 
 void WizardDriver::Await(const std::string& what, const std::function<bool()>& condition) const {
@@ -229,16 +223,21 @@ HWND WizardDriver::FindTopWindow(const std::function<bool(HWND)>& matches) const
     return search.found;
 }
 
-HWND WizardDriver::AwaitDialog(const std::string& titleStart) const {
+HWND WizardDriver::AwaitTopWindow(const std::string& type, const std::string& titleStart,
+                                  bool mayBeOwned) const {
     HWND found = nullptr;
-    Await("a dialog \"" + titleStart + "\"", [&] {
+    Await("a window \"" + titleStart + "\" of the class " + type, [&] {
         found = FindTopWindow([&](HWND window) {
-            return window != window_ && ClassOf(window) == kDialogClass &&
-                   TextOf(window).starts_with(titleStart);
+            return window != window_ && (mayBeOwned || !GetWindow(window, GW_OWNER)) &&
+                   ClassOf(window) == type && TextOf(window).starts_with(titleStart);
         });
         return found != nullptr;
     });
     return found;
+}
+
+HWND WizardDriver::AwaitDialog(const std::string& titleStart) const {
+    return AwaitTopWindow(kDialogClass, titleStart, true);
 }
 
 void WizardDriver::Answer(HWND dialog, int button) const {
@@ -340,11 +339,7 @@ void WizardDriver::ChangeDpi(HWND dialog, int dpi, const RECT& place) const {
 }
 
 std::string WizardDriver::AwaitTip() const {
-    const auto tip = [&] {
-        return FindTopWindow([](HWND window) { return ClassOf(window) == TOOLTIPS_CLASSA; });
-    };
-    AWAIT(*this, tip() != nullptr);
-    return TextOf(tip());
+    return TextOf(AwaitTopWindow(TOOLTIPS_CLASSA, "", true));
 }
 
 std::vector<std::string> WizardDriver::LogLines() const {
@@ -399,9 +394,7 @@ void WizardDriver::Choose(int combo, int item) const {
 void WizardDriver::PickFromLogMenu(int entry) const {
     const HWND list = Control(IDC_LST_PROGRESS);
     PostMessageA(list, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(list), -1);
-    const auto menu = [&] {
-        return FindTopWindow([](HWND window) { return ClassOf(window) == "#32768"; });
-    };
+    const HWND menu = AwaitTopWindow("#32768", "", true);
     // It is shown before it takes keys.
     const auto takesKeys = [&] {
         GUITHREADINFO thread{};
@@ -409,11 +402,11 @@ void WizardDriver::PickFromLogMenu(int entry) const {
         return GetGUIThreadInfo(GetWindowThreadProcessId(list, nullptr), &thread) != FALSE &&
                (thread.flags & GUI_INMENUMODE) != 0;
     };
-    AWAIT(*this, menu() != nullptr && takesKeys());
+    AWAIT(*this, takesKeys());
     for (int i = 0; i < entry; ++i)
-        PostMessageA(menu(), WM_KEYDOWN, VK_DOWN, 0);
-    PostMessageA(menu(), WM_KEYDOWN, VK_RETURN, 0);
-    AWAIT(*this, menu() == nullptr);
+        PostMessageA(menu, WM_KEYDOWN, VK_DOWN, 0);
+    PostMessageA(menu, WM_KEYDOWN, VK_RETURN, 0);
+    AWAIT(*this, !IsWindowVisible(menu));
 }
 
 DWORD WizardDriver::AwaitEnd() const {

@@ -16,6 +16,11 @@ bool WaitUntil(const std::function<bool()>& condition, DWORD milliseconds = 3000
 /// The text of a dialog's control that is shown, "(not shown)" for others.
 std::string TextIn(HWND dialog, int id);
 
+/// Puts a text into a field of a dialog.
+inline void TypeIn(HWND dialog, int field, const std::string& text) {
+    SendDlgItemMessageA(dialog, field, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
+}
+
 /// Clicks a button of a dialog; does not wait for what it does.
 inline void ClickIn(HWND dialog, int button) {
     PostMessageA(GetDlgItem(dialog, button), BM_CLICK, 0, 0);
@@ -124,6 +129,8 @@ public:
 
 private:
     [[nodiscard]] HWND FindTopWindow(const std::function<bool(HWND)>& matches) const;
+    [[nodiscard]] HWND AwaitTopWindow(const std::string& type, const std::string& titleStart,
+                                      bool mayBeOwned) const;
     [[nodiscard]] std::string Seen() const;
     [[nodiscard]] std::string Contents(HWND dialog, const std::vector<HWND>& tabs = {}) const;
     [[nodiscard]] std::string LinesOfList(HWND list) const;

@@ -14,9 +14,6 @@ struct CategoriesDialog {
         window = editor.AwaitDialog("Categories");
     }
     void Press(int button) const { SendDlgItemMessageA(window, button, BM_CLICK, 0, 0); }
-    void Type(int field, const std::string& text) const {
-        SendDlgItemMessageA(window, field, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
-    }
 
     HWND window = nullptr;
 };
@@ -32,22 +29,22 @@ TEST_CASE("categories are edited, and plug-ins follow a key that became another"
     {
         const CategoriesDialog dialog(editor);
         editor.WizardDriver::CheckShows(dialog.window, "categories", "");
-        dialog.Type(IDC_TXT_CATEGORY_KEY, "dropped");
+        TypeIn(dialog.window, IDC_TXT_CATEGORY_KEY, "dropped");
         editor.Answer(dialog.window, IDCANCEL);
         CHECK(editor.Text(IDC_LBL_STATE).empty());
     }
     const CategoriesDialog dialog(editor);
-    dialog.Type(IDC_TXT_CATEGORY_KEY, "110");
+    TypeIn(dialog.window, IDC_TXT_CATEGORY_KEY, "110");
     dialog.Press(IDC_CMD_CATEGORY_DOWN);
     dialog.Press(IDC_CMD_CATEGORY_ADD);
-    dialog.Type(IDC_TXT_CATEGORY_KEY, "200");
-    dialog.Type(IDC_TXT_CATEGORY_FOLDER, "300_new_ones");
+    TypeIn(dialog.window, IDC_TXT_CATEGORY_KEY, "200");
+    TypeIn(dialog.window, IDC_TXT_CATEGORY_FOLDER, "300_new_ones");
     dialog.Press(IDC_CHK_SHOW_CATEGORIES);
     ClickIn(dialog.window, IDOK);
     editor.CheckBox("Category",
                     "The category '200': there is a category with the key \"200\" before it.",
                     IDOK);
-    dialog.Type(IDC_TXT_CATEGORY_KEY, "300");
+    TypeIn(dialog.window, IDC_TXT_CATEGORY_KEY, "300");
     editor.WizardDriver::CheckShows(dialog.window, "categories_edited", "");
     editor.Answer(dialog.window, IDOK);
     editor.AwaitState("There are unsaved edits.");

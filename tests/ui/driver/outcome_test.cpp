@@ -2,26 +2,12 @@
 #include "base/modText.h"
 #include "build/clsBuildLock.h"
 #include "build/clsBuildLog.h"
+#include "source/WindowsCd.h"
 
 #include <commctrl.h>
 
 using namespace vesk;
 using namespace vesk::test;
-
-namespace {
-
-/// "secret text" under the password "pass", as an archiver wrote it.
-TestMember Encrypted(const std::string& name) {
-    TestMember member = TestMember::Stored(name, "secret text");
-    member.data = std::string("\x40\x9D\x13\x30\x49\x22\x68\x1C\x7B\x0D\x3E\xA7\x2A\xF1\xFA"
-                              "\x58\x2C\x95\xD5\x3F\x6E\xC7\xAE",
-                              23);
-    member.flags = 9;
-    member.time = 0x4379;
-    return member;
-}
-
-} // namespace
 
 TEST_CASE("a build with problems lists them, to be read, copied and found again on disk") {
     ProgramFolder program;
@@ -64,8 +50,9 @@ TEST_CASE("a build with problems lists them, to be read, copied and found again 
 
 TEST_CASE("the password of an archive is asked for, again while it is wrong, and can be skipped") {
     ProgramFolder program;
-    program.AddBase("Opened", "opened.zip", {Encrypted("opened.txt"), Encrypted("too.txt")});
-    program.AddBase("Skipped", "skipped.zip", {Encrypted("skipped.txt")});
+    program.AddBase("Opened", "opened.zip",
+                    {TestMember::Encrypted("opened.txt"), TestMember::Encrypted("too.txt")});
+    program.AddBase("Skipped", "skipped.zip", {TestMember::Encrypted("skipped.txt")});
     program.Save();
     const Wizard wizard(program);
     wizard.GoToSummary();
@@ -74,8 +61,7 @@ TEST_CASE("the password of an archive is asked for, again while it is wrong, and
         const HWND box = wizard.AwaitDialog("Please Enter The Password!");
         if (!name.empty())
             wizard.CheckShows(box, name, "");
-        SendDlgItemMessageA(box, IDC_TXT_PASSWORD, WM_SETTEXT, 0,
-                            reinterpret_cast<LPARAM>(text.c_str()));
+        TypeIn(box, IDC_TXT_PASSWORD, text);
         const HWND field = GetDlgItem(box, IDC_TXT_PASSWORD);
         CHECK((GetWindowLongA(field, GWL_STYLE) & ES_PASSWORD) != 0);
         wizard.Answer(box, text.empty() ? IDCANCEL : IDOK);
@@ -183,8 +169,7 @@ TEST_CASE("an impossible folder is refused when its page is left for the next on
     wizard.GoTo(IDC_CMD_BACK, welcome);
     wizard.Next(kBaseHeading);
     // A letter that the code page lacks finds no source either, not even where "cdi" is one.
-    for (const char* name : {"LAYOUT.INF", "SETUPLDR.BIN", "NTDLL.DLL"})
-        program.Folder().Write(std::string("cdi\\I386\\") + name, "x");
+    WriteCd(program.Folder(), "cdi\\I386", "Windows XP Home", "win51.sp2", true);
     wizard.SetText(IDC_TXT_PROG_PATH, program.Tree());
     wizard.Type(IDC_TXT_WIN_PATH, Widen(program.Folder() / "cd") + L"\x012B");
     wizard.GoToSummaryFromBase();

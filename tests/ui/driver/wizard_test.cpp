@@ -1,5 +1,6 @@
 #include "WizardSteps.h"
 #include "build/clsBuildLog.h"
+#include "source/WindowsCd.h"
 
 #include <commctrl.h>
 
@@ -7,14 +8,6 @@ using namespace vesk;
 using namespace vesk::test;
 
 namespace {
-
-void WriteCd(const ProgramFolder& program) {
-    program.Folder().Write("cd\\I386\\LAYOUT.INF",
-                           "[Strings]\r\nproductname=\"Windows XP Home\"\r\n"
-                           "spcdtagfilei=\"win51.sp2\"\r\n");
-    program.Folder().Write("cd\\I386\\SETUPLDR.BIN", "x");
-    CopyFileOver(program.Wizard(), program.Folder() / "cd\\I386\\NTDLL.DLL"); // it has a version
-}
 
 /// True when the control shows a pixel of this colour.
 bool ShowsColour(HWND control, COLORREF colour) {
@@ -34,7 +27,7 @@ bool ShowsColour(HWND control, COLORREF colour) {
 
 TEST_CASE("a whole build, page by page, each compared with what it is to show") {
     const ProgramFolder program;
-    WriteCd(program);
+    WriteCd(program.Folder(), "cd\\I386", "Windows XP Home", "win51.sp2", true);
     const Wizard wizard(program);
     const auto shows = [&](const std::string& name) {
         wizard.CheckShows(wizard.Window(), name, program.Folder().Path());
@@ -132,7 +125,7 @@ TEST_CASE("leaving is asked for on each page, by Cancel, the title bar and Escap
 
 TEST_CASE("a Windows source is typed, browsed for and searched for, and shown as usable or not") {
     const ProgramFolder program;
-    WriteCd(program);
+    WriteCd(program.Folder(), "cd\\I386", "Windows XP Home", "win51.sp2", true);
     const Wizard wizard(program);
     wizard.Next(kBaseHeading);
     const HWND field = wizard.Control(IDC_TXT_WIN_PATH);

@@ -25,19 +25,29 @@ bool ShowsText(HWND list) {
     return found;
 }
 
+/// A list in a dialog.
+struct Fixture {
+    void Fill(const std::vector<const char*>& titles, DWORD style = 0) {
+        window =
+            MakeWindow(WC_LISTVIEWA, dialog.Get(), kWidth, 100, style | LVS_REPORT | LVS_OWNERDATA);
+        list.Attach(window, {.titles = titles,
+                             .count = [this] { return lines.size(); },
+                             .cell = [this](std::size_t line, int) { return lines[line]; },
+                             .whenEmpty = "Nothing is in it."});
+    }
+
+    WindowHandle dialog{MakeWindow("STATIC", nullptr, 400, 200)};
+    HWND window = nullptr;
+    std::vector<std::string> lines;
+    clsReportList list;
+};
+
 } // namespace
 
 // What lists show and copy is compared where the programs show them.
-TEST_CASE("a list keeps its columns in sight, and its texts within the room for them") {
-    const WindowHandle dialog(MakeWindow("STATIC", nullptr, 400, 200));
-    const HWND window =
-        MakeWindow(WC_LISTVIEWA, dialog.Get(), kWidth, 100, LVS_REPORT | LVS_OWNERDATA);
-    const std::vector<std::string> lines{"one", "two " + std::string(300, 'w')};
-    clsReportList list;
-    list.Attach(window, {.titles = {"First", "Second"},
-                         .count = [&] { return lines.size(); },
-                         .cell = [&](std::size_t line, int) { return lines[line]; },
-                         .whenEmpty = "Nothing is in it."});
+TEST_CASE_FIXTURE(Fixture, "a list keeps its columns in sight, its texts in the room for them") {
+    lines = {"one", "two " + std::string(300, 'w')};
+    Fill({"First", "Second"});
     RECT inside{};
     GetClientRect(window, &inside);
     CHECK(ListView_GetColumnWidth(window, 0) + ListView_GetColumnWidth(window, 1) <= inside.right);
@@ -59,19 +69,11 @@ TEST_CASE("a list keeps its columns in sight, and its texts within the room for 
     CHECK(list.Selected() == clsReportList::kNone);
 }
 
-TEST_CASE("an empty list says why; one with lines does not") {
-    const WindowHandle dialog(MakeWindow("STATIC", nullptr, 400, 200));
-    const HWND window = MakeWindow(WC_LISTVIEWA, dialog.Get(), kWidth, 100,
-                                   WS_VISIBLE | LVS_REPORT | LVS_OWNERDATA);
+TEST_CASE_FIXTURE(Fixture, "an empty list says why; one with lines does not") {
+    Fill({"First"}, WS_VISIBLE);
     ShowWindow(dialog.Get(), SW_SHOWNOACTIVATE);
-    std::size_t count = 0;
-    clsReportList list;
-    list.Attach(window, {.titles = {"First"},
-                         .count = [&] { return count; },
-                         .cell = [](std::size_t, int) { return std::string(); },
-                         .whenEmpty = "Nothing is in it."});
     CHECK(ShowsText(window));
-    count = 1;
+    lines = {""};
     list.Refresh();
     CHECK(ListView_GetItemCount(window) == 1);
     CHECK_FALSE(ShowsText(window));

@@ -1,21 +1,15 @@
-#include "ui/kit/clsSubclass.h"
+#include "KitWindow.h"
 
-#include <doctest/doctest.h>
+#include "ui/kit/clsSubclass.h"
 
 #include <memory>
 
 using vesk::clsSubclass;
+using vesk::test::MakeWindow;
 
 namespace {
 
 constexpr UINT kAsk = WM_APP + 7;
-
-HWND MakeWindow() {
-    const HWND window =
-        CreateWindowA("STATIC", "", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
-    REQUIRE(window);
-    return window;
-}
 
 std::optional<LRESULT> AnswerSeven(UINT message, WPARAM, LPARAM) {
     return message == kAsk ? std::optional<LRESULT>(7) : std::nullopt;
@@ -24,7 +18,7 @@ std::optional<LRESULT> AnswerSeven(UINT message, WPARAM, LPARAM) {
 } // namespace
 
 TEST_CASE("a control outlives the object that sees its messages, and the other way round") {
-    const HWND window = MakeWindow();
+    const HWND window = MakeWindow("STATIC", nullptr, 10, 10);
     {
         clsSubclass first;
         first.Attach(window, AnswerSeven);
@@ -46,7 +40,7 @@ TEST_CASE("a control outlives the object that sees its messages, and the other w
 
 TEST_CASE("a handler may destroy the object that it belongs to, and the control with it") {
     for (const bool controlToo : {false, true}) {
-        const HWND window = MakeWindow();
+        const HWND window = MakeWindow("STATIC", nullptr, 10, 10);
         auto owner = std::make_unique<clsSubclass>();
         auto guard = std::make_shared<int>(5); // goes with the handler
         std::weak_ptr<int> handler = guard;
