@@ -52,7 +52,7 @@ inline std::string ExtraOf(const std::string& text) {
         const std::size_t slash = part.find('/');
         data += slash == std::string::npos
                     ? Unescaped(part)
-                    : U64(ValueOf(part)).substr(0, ValueOf(part.substr(slash + 1)));
+                    : U64(ValueOf(part)).substr(0, static_cast<std::size_t>(part[slash + 1] - '0'));
     }
     return Extra(static_cast<std::uint16_t>(ValueOf(text)), data);
 }

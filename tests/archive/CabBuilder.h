@@ -49,13 +49,12 @@ struct TestCab {
 
     [[nodiscard]] std::string Bytes() const {
         const bool reserves = fields.lower_bound("reserve.") != fields.end();
-        const std::string behindFolder(ValueOf("reserve.folder", 0), 'r');
+        const std::string behindFolder = Filler("reserve.folder");
         std::string variable;
         if (reserves)
-            variable = Part("reserve", "cab:2 folder:1 block:1", {}) +
-                       std::string(ValueOf("reserve.cab", 0), 'r');
-        if (const std::size_t length = ValueOf("cab.next", 0); length != 0)
-            variable += std::string(length, 'n') + '\0' + "disk 2" + '\0';
+            variable = Part("reserve", "cab:2 folder:1 block:1", {}) + Filler("reserve.cab");
+        if (const std::string next = Filler("cab.next"); !next.empty())
+            variable += next + '\0' + "disk 2" + '\0';
         std::string list;
         for (std::size_t i = 0; i < members.size(); ++i)
             list += Part("member" + std::to_string(i),
@@ -90,6 +89,10 @@ struct TestCab {
     }
 
 private:
+    /// As many letters as a field says.
+    [[nodiscard]] std::string Filler(const std::string& field) const {
+        return std::string(static_cast<std::size_t>(ValueOf(field, 0)), 'r');
+    }
     [[nodiscard]] std::uint64_t ValueOf(const std::string& field, std::uint64_t right) const {
         const auto wanted = fields.find(field);
         return wanted != fields.end() ? wanted->second : right;
@@ -106,7 +109,7 @@ private:
         const std::string sizes = Part(place, "packed:2 unpacked:2",
                                        {{"packed", data.size()}, {"unpacked", data.size()}});
         return Part(place, "checksum:4", {{"checksum", CabChecksum(sizes, CabChecksum(data, 0))}}) +
-               sizes + std::string(ValueOf("reserve.block", 0), 'r') + data;
+               sizes + Filler("reserve.block") + data;
     }
 };
 

@@ -66,6 +66,9 @@ TEST_CASE("removals write their line first, and report what stays") {
     const std::string readOnly = folder.Write("tree\\sub\\deep\\read-only.txt", "x");
     SetFileAttributesA(readOnly.c_str(), FILE_ATTRIBUTE_READONLY);
     const std::string locked = folder.Write("tree\\sub\\a-locked.txt", "x");
+    std::wstring deep = LongPath(Widen(folder / "tree\\sub")); // until it is too long for the rest
+    for (int level = 0; level < 3; ++level)
+        REQUIRE(CreateDirectoryW((deep += L"\\" + std::wstring(100, L'd')).c_str(), nullptr) != 0);
     const auto sub = clsRemovableTree::Below(inputs.installFolder, "\\sub");
     DeleteFileLogged(context, file);
     CHECK_THROWS_AS(DeleteFileLogged(context, file), Failure);

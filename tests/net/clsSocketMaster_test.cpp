@@ -2,6 +2,7 @@
 
 #include "base/Failure.h"
 #include "net/MessagePump.h"
+#include "net/modSocketHandle.h"
 #include "net/modSocketMaster.h"
 
 #include <doctest/doctest.h>
@@ -99,6 +100,7 @@ TEST_CASE_FIXTURE(NothingLeft, "connect, talk, look at what waits, close") {
     CHECK(pair.client.log == "c");
     CHECK(pair.client.socket->RemoteHostIP() == kLocal);
     CHECK(pair.server.socket->RemotePort() == pair.client.socket->LocalPort());
+    CHECK(LocalPortOf(INVALID_SOCKET) == 0);
     CHECK(FindWindowExA(HWND_MESSAGE, nullptr, "STATIC", "SOCKET_WINDOW") == CountSockets().window);
 
     pair.server.takeData = false;
