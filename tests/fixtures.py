@@ -8,6 +8,7 @@ import pty
 import select
 import struct
 import subprocess
+import termios
 import time
 import tty
 import zipfile
@@ -114,7 +115,8 @@ def unmount_disk(place):
 
 
 def run_on_a_terminal(test, command, react, **streams):
-    """Runs a program whose error output, and its input unless stated otherwise, is a terminal.
+    """Runs a program whose error output, and its input unless stated otherwise, is a terminal of 60
+    columns.
     @param react called with the process, what was shown so far, and the terminal; again and again
     @return exit code, and what the terminal showed"""
     try:
@@ -122,6 +124,7 @@ def run_on_a_terminal(test, command, react, **streams):
     except OSError as error:
         test.skipTest(f"no pseudo-terminal to be had: {error}")
     tty.setraw(program_side)
+    termios.tcsetwinsize(program_side, (25, 60))
     test.addCleanup(os.close, terminal)
     streams = {"stdin": program_side, "stdout": subprocess.DEVNULL, "stderr": program_side} | streams
     process = subprocess.Popen(command, start_new_session=True, **streams)

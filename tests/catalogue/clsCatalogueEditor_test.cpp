@@ -56,10 +56,11 @@ TEST_CASE("list, selection, buttons and question after each action on each entry
             tell("\nselected:", editor);
             for (const auto& [name, act] : actions) {
                 clsEntryEditor copy = editor;
-                act ? (copy.*act)() : void(copy.MoveUp());
+                act ? (copy.*act)() : void(CHECK(copy.MoveUp() == editor.CanMoveUp()));
                 tell(name, copy);
             }
-            editor.MoveDown();
+            const bool canMove = editor.CanMoveDown();
+            CHECK(editor.MoveDown() == canMove);
             tell("down:", editor);
         }
     }

@@ -27,12 +27,13 @@ TEST_CASE("ports and lengths from values of every kind") {
         SocketValue value;
         std::uint32_t portError, lengthError;
     };
-    for (const Row& row : {Row{80, 0, 0}, Row{0, 0, 40014}, Row{65535, 0, 0}, Row{65536, 40014, 0},
-                           Row{-1, 40014, 40014}, Row{std::string(" 80 "), 0, 0},
-                           Row{std::string("80x"), 40014, 40014}, Row{std::string(), 40014, 40014},
-                           Row{std::string("nan"), 40014, 40014}, Row{1e300, 40014, 40014},
-                           Row{80.4, 0, 0}, Row{std::uint8_t{7}, 0, 0}, Row{true, 40014, 40014},
-                           Row{SocketBytes{80}, 40018, 40014}, Row{{}, 40018, 0}}) {
+    for (const Row& row :
+         {Row{80, 0, 0}, Row{0, 0, 40014}, Row{1, 0, 0}, Row{65535, 0, 0}, Row{65536, 40014, 0},
+          Row{-1, 40014, 40014}, Row{std::string(" 80 "), 0, 0},
+          Row{std::string("80x"), 40014, 40014}, Row{std::string(), 40014, 40014},
+          Row{std::string("nan"), 40014, 40014}, Row{1e300, 40014, 40014}, Row{80.4, 0, 0},
+          Row{std::uint8_t{7}, 0, 0}, Row{true, 40014, 40014}, Row{SocketBytes{80}, 40018, 40014},
+          Row{{}, 40018, 0}}) {
         CAPTURE(row.value.index());
         CHECK(NumberOfFailure([&] { PortOf(row.value, "Method"); }) == row.portError);
         CHECK(NumberOfFailure([&] { LengthLimitOf(row.value, "Method"); }) == row.lengthError);
