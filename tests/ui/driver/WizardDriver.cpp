@@ -366,13 +366,21 @@ void WizardDriver::FocusOn(int id) const {
 }
 
 void WizardDriver::PressOnKeyboard(BYTE key, bool withControl) const {
+    const DWORD thread = GetWindowThreadProcessId(window_, nullptr);
     SetForegroundWindow(GetAncestor(Focus(), GA_ROOT));
+    AttachThreadInput(GetCurrentThreadId(), thread, TRUE);
+    const auto isDown = [](int which) { return GetKeyState(which) < 0; };
+    const auto toggle = [&] { return GetKeyState(key) & 1; };
+    const int before = toggle();
     if (withControl)
         keybd_event(VK_CONTROL, 0, 0, 0);
     keybd_event(key, 0, 0, 0);
     keybd_event(key, 0, KEYEVENTF_KEYUP, 0);
     if (withControl)
         keybd_event(VK_CONTROL, 0, KEYEVENTF_KEYUP, 0);
+    // A key that counts as held changes what the next ones do.
+    AWAIT(*this, HasEnded() || (toggle() != before && !isDown(key) && !isDown(VK_CONTROL)));
+    AttachThreadInput(GetCurrentThreadId(), thread, FALSE);
 }
 
 int WizardDriver::Chosen(int combo) const {
