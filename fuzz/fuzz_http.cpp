@@ -9,7 +9,7 @@ using namespace vesk;
 /// An answer's header as a download reads it, and the input as an address.
 void CheckInput(const std::string& text) {
     const auto end = FindHeaderEnd(text, 0);
-    Require(end.has_value() == (text.find("\r\n\r\n") != text.npos));
+    Require(end.has_value() == (text.find("\r\n\r\n") != std::string::npos));
     if (end) {
         Require(text.substr(*end - 4, 4) == "\r\n\r\n");
         // However the bytes came in pieces, the end is the same.

@@ -23,8 +23,8 @@ struct EmptyTemplate {
 /// An empty dialog of the wizard's title, what the wizard's first page is compared with. It has the
 /// wizard's manifest and registers the same controls: any program of this kind starts with that.
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
-    INITCOMMONCONTROLSEX controls{sizeof controls,
-                                  ICC_USEREX_CLASSES | ICC_LISTVIEW_CLASSES | ICC_PROGRESS_CLASS};
+    const INITCOMMONCONTROLSEX controls{sizeof controls, ICC_USEREX_CLASSES | ICC_LISTVIEW_CLASSES |
+                                                             ICC_PROGRESS_CLASS};
     InitCommonControlsEx(&controls);
     alignas(DWORD) static const EmptyTemplate empty;
     return static_cast<int>(DialogBoxIndirectParamW(instance, &empty.head, nullptr, OnMessage, 0));

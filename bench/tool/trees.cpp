@@ -8,6 +8,7 @@
 #include "catalogue/clsEditedFile.h"
 #include "catalogue/modCatalogueFile.h"
 
+#include <ranges>
 #include <stdexcept>
 
 namespace vesk::bench {
@@ -38,7 +39,7 @@ const Action kRemove("remove", [](const Arguments& arguments) {
     std::vector<Failure> failures;
     const double took = Timed([&] { failures = tree.Remove([] {}); });
     if (!failures.empty())
-        throw failures.front();
+        throw Failure(failures.front());
     return Figures{took};
 });
 
@@ -50,8 +51,8 @@ const Action kRemoveBare("remove-bare", [](const Arguments& arguments) {
             const std::wstring folder = folders[i]; // the list grows
             EmptyFolder(folder, folders);
         }
-        for (auto folder = folders.rbegin(); folder != folders.rend(); ++folder)
-            RemoveDirectoryW(folder->c_str());
+        for (const std::wstring& folder : std::views::reverse(folders))
+            RemoveDirectoryW(folder.c_str());
     });
     if (GetFileAttributesA(arguments.at(0).c_str()) != INVALID_FILE_ATTRIBUTES)
         throw std::runtime_error("the tree is still there");

@@ -91,7 +91,8 @@ struct TestCab {
 private:
     /// As many letters as a field says.
     [[nodiscard]] std::string Filler(const std::string& field) const {
-        return std::string(static_cast<std::size_t>(ValueOf(field, 0)), 'r');
+        std::string filler(static_cast<std::size_t>(ValueOf(field, 0)), 'r');
+        return filler;
     }
     [[nodiscard]] std::uint64_t ValueOf(const std::string& field, std::uint64_t right) const {
         const auto wanted = fields.find(field);

@@ -64,7 +64,7 @@ inline std::vector<TableName> NameTable() {
         for (const std::string& part : Split(parts, '/'))
             for (const char* form : {"%", "#/%", "%/#", "#\\%\\f", "./%", "#//.//%"})
                 add(form, part, reason);
-    for (const char* absolute : {"/a", "\\a", "//s/x", "\\\\s\\x", "/", "\\\\?\\C:\\x"})
+    for (const char* absolute : {"/a", "\\a", "//s/x", R"(\\s\x)", "/", R"(\\?\C:\x)"})
         add(absolute, "", "its name is an absolute path");
     for (const char* nothing : {"", ".", "./.", ".//.\\."})
         add(nothing, "", "it has no name");

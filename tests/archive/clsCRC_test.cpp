@@ -3,6 +3,7 @@
 #include <doctest/doctest.h>
 
 #include <cstdio>
+#include <fstream>
 
 using vesk::clsCRC;
 
@@ -34,10 +35,7 @@ TEST_CASE("a file's checksum is upper-case hexadecimal without leading zeros") {
                            Row{"33", "A6216D9"}, Row{"", ""}, Row{"123456789", "31C3", false},
                            Row{std::string(600'001, 'x'), "7BEAFD55"}}) { // more than one read
         const char* const path = "clsCRC_test.tmp";
-        std::FILE* const file = std::fopen(path, "wb");
-        REQUIRE(file != nullptr);
-        std::fwrite(row.content.data(), 1, row.content.size(), file);
-        std::fclose(file);
+        std::ofstream(path, std::ios::binary) << row.content;
         crc.SetAlgorithm(row.crc32);
         CHECK(crc.CalculateFile(path) == row.digits);
         std::remove(path);

@@ -141,7 +141,7 @@ TEST_CASE("the owner can cancel, throw and restart inside an event") {
 }
 
 TEST_CASE("the owner can destroy the cabinet inside an event") {
-    Fixture f(Three());
+    const Fixture f(Three());
     for (const std::string last : {"before one.txt", "after one.txt"}) {
         CAPTURE(last);
         Recorder owner;

@@ -44,9 +44,9 @@ TEST_CASE("many folders over the same bytes are not walked again and again") {
     TestCab cab;
     cab.folders.resize(500);
     cab.folders[0].assign(2000, "x");
-    const std::size_t dataAt = cab.Bytes().size() - 2000 * 9;
-    for (const std::uint32_t distance : {9U, 0U}) {
-        for (std::uint32_t i = 0; i < 500; ++i) {
+    const std::size_t dataAt = cab.Bytes().size() - std::size_t{2000} * 9;
+    for (const std::size_t distance : {9U, 0U}) {
+        for (std::size_t i = 0; i < 500; ++i) {
             cab.fields["folder" + std::to_string(i) + ".at"] = dataAt + i * distance;
             cab.fields["folder" + std::to_string(i) + ".blocks"] = 0xFFFF;
         }

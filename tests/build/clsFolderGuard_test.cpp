@@ -54,7 +54,7 @@ TEST_CASE("no build works in, below or above another one's folder") {
             CreateFolderPath(folder / "a\\tree\\Plugin");
         const clsBuildLock held = lock("a\\tree");
         for (const char* name :
-             {"a\\tree", "A\\TREE\\", "a\\.\\tree", "a\\tree\\Plugin", "a\\tree\\new\\deep"})
+             {"a\\tree", "A\\TREE\\", "a\\.\\tree", "a\\tree\\Plugin", R"(a\tree\new\deep)"})
             CHECK_THROWS_AS(lock(name), FolderRefused);
         if (exists)
             CHECK_THROWS_AS(lock("a"), FolderRefused);
@@ -81,7 +81,7 @@ TEST_CASE("an installation folder tells what stands in it") {
     CreateFolderPath(folder / "tree\\sub\\deep");
     CHECK(tree.Content().kind == Kind::Foreign);
     CHECK(tree.Content().ForeignWords() == "it holds folders that no build made");
-    folder.Write("tree\\sub\\deep\\a", "x");
+    folder.Write(R"(tree\sub\deep\a)", "x");
     CHECK(tree.Content().ForeignWords() == "it holds 1 file that no build made");
     folder.Write("tree\\b", "x");
     CHECK(tree.Content().ForeignWords() == "it holds 2 files that no build made");

@@ -63,7 +63,7 @@ TEST_CASE("removals write their line first, and report what stays") {
                                   [&](const Problem& problem) { frontEnd.ReportProblem(problem); },
                                   noList};
     const std::string file = folder.Write("tree\\sub\\x.txt", "x");
-    const std::string readOnly = folder.Write("tree\\sub\\deep\\read-only.txt", "x");
+    const std::string readOnly = folder.Write(R"(tree\sub\deep\read-only.txt)", "x");
     SetFileAttributesA(readOnly.c_str(), FILE_ATTRIBUTE_READONLY);
     const std::string locked = folder.Write("tree\\sub\\a-locked.txt", "x");
     std::wstring deep = LongPath(Widen(folder / "tree\\sub")); // until it is too long for the rest

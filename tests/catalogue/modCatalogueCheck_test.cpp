@@ -97,8 +97,8 @@ const std::map<Text, void (*)(Case&, const Text& value)> kChanges = {
     {"all-missing",
      [](Case& c, const Text& url) { // only the first base component is ever downloaded
          c.catalogue.baseComponents.push_back(Entry("Second", "second.zip"));
-         for (auto* entry :
-              {&c.catalogue.baseComponents[0], &c.catalogue.baseComponents[1], &c.Plugin()})
+         for (auto* entry : {&c.catalogue.baseComponents.front(),
+                             &c.catalogue.baseComponents.back(), &c.Plugin()})
              entry->url = url;
          c.archives.factsOf = [](const Text&) { return ArchiveFacts(); };
      }},
@@ -112,8 +112,9 @@ TEST_CASE("what the check says of each thing that would go wrong in a build") {
         Text value = question.substr(std::min(blank + 1, question.size()));
         for (const auto& [name, c] : {std::pair{"{01}", "\x01"}, {"{TAB}", "\t"}, {"{7F}", "\x7F"}})
             value = ReplaceAll(value, name, c);
+        const auto change = kChanges.at(question.substr(0, blank));
         Case checked;
-        kChanges.at(question.substr(0, blank))(checked, value);
+        change(checked, value);
         const CatalogueCheck check =
             CheckCatalogue(checked.catalogue, checked.archives, checked.sectionNames);
         Text text;

@@ -2,12 +2,13 @@
 /// puts it there: the delivered objects are linked as they are, and know nothing of it.
 ///
 /// The environment says what it does:
-///   VESK_FAIL_CALL, VESK_FAIL_AT, VESK_FAIL_WITH: the function, its call (1: the first), the
-///   reason VESK_FAIL_ON: with 1 each later call fails as well VESK_FAIL_REPORT: the file that
-///   tells at the end how often each function was called, what was opened and not closed, and what
-///   the registry holds below VESK_FAIL_KEY VESK_FAIL_PLACES: with 1 it also tells the first call
-///   from each place in the program VESK_FAIL_SHELL: the folder that stands for desktop and start
-///   menu
+///  - VESK_FAIL_CALL, VESK_FAIL_AT, VESK_FAIL_WITH: the function, its call (1: the first), the
+///  reason
+///  - VESK_FAIL_ON: with 1 each later call fails as well
+///  - VESK_FAIL_REPORT: the file that tells at the end how often each function was called, what was
+///    opened and not closed, and what the registry holds below VESK_FAIL_KEY
+///  - VESK_FAIL_PLACES: with 1 it also tells the first call from each place in the program
+///  - VESK_FAIL_SHELL: the folder that stands for desktop and start menu
 #include <winsock2.h>
 
 #include <windows.h>
@@ -260,7 +261,8 @@ HRESULT STDMETHODCALLTYPE Method(void* object, A... a) {
 
 // The linker resolves references to the import "__imp_X" as "__wrap___imp_X", and ours to
 // "__real___imp_X" as that import.
-// NOLINTBEGIN(bugprone-reserved-identifier): these are the linker's names
+// NOLINTBEGIN(*-reserved-identifier,*-identifier-naming): the linker's names
+// NOLINTBEGIN(*-no-malloc,*-owning-memory): this is where memory comes from
 #define LAYER(name, real, value)                                                                   \
     Layer<struct Of_##name, call_##name, real, [] { return (std::uintptr_t)(value); }>::As(        \
         std::type_identity<decltype(&::name)>())
@@ -335,8 +337,6 @@ void operator delete(void* block, std::size_t) noexcept {
     std::free(block);
 }
 
-// NOLINTEND(bugprone-reserved-identifier)
-
 namespace {
 
 const char* TextIn(const char* variable) {
@@ -396,3 +396,5 @@ extern "C" int __wrap_wmain(int count, wchar_t** words) {
     Tell();
     return code;
 }
+// NOLINTEND(*-no-malloc,*-owning-memory)
+// NOLINTEND(*-reserved-identifier,*-identifier-naming)

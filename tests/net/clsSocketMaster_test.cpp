@@ -77,6 +77,9 @@ struct Pair {
 };
 
 struct NothingLeft {
+    NothingLeft() = default;
+    NothingLeft(const NothingLeft&) = delete;
+    NothingLeft& operator=(const NothingLeft&) = delete;
     ~NothingLeft() {
         const SocketCounts counts = CountSockets();
         CHECK(counts.objects + counts.sockets + counts.accepted + counts.lookups == 0);
@@ -208,7 +211,8 @@ TEST_CASE_FIXTURE(NothingLeft, "a look-up given up answers nobody") {
 
 TEST_CASE_FIXTURE(NothingLeft, "what the system does not take at once goes out in pieces") {
     Pair pair;
-    std::string big(9'000'000, '\0');
+    std::string big;
+    big.resize(9'000'000);
     for (std::size_t i = 0; i < big.size(); ++i)
         big[i] = static_cast<char>(i * 7 / 3);
     int more = 3;

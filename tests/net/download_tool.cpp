@@ -139,7 +139,7 @@ public:
 /// number that could be one is tried.
 int OpenHandles() {
     int count = 0;
-    for (std::uintptr_t number = 4; number < 4 * 4096; number += 4) {
+    for (std::uintptr_t number = 4; number < 0x4000; number += 4) {
         DWORD flags = 0;
         count += GetHandleInformation(reinterpret_cast<HANDLE>(number), &flags) != 0 ? 1 : 0;
     }

@@ -65,7 +65,7 @@ public:
     explicit MailHandler(const std::string& traceFile) {
         LONG size = static_cast<LONG>(before_.size());
         RegQueryValueA(HKEY_LOCAL_MACHINE, kKey, before_.data(), &size);
-        Set("C:\\windows\\system32\\cmd.exe /c echo %1 > " + traceFile);
+        Set(R"(C:\windows\system32\cmd.exe /c echo %1 > )" + traceFile);
     }
     MailHandler(const MailHandler&) = delete;
     MailHandler& operator=(const MailHandler&) = delete;
@@ -75,7 +75,7 @@ private:
     static void Set(const std::string& command) {
         RegSetValueA(HKEY_LOCAL_MACHINE, kKey, REG_SZ, command.c_str(), 0);
     }
-    static constexpr const char* kKey = "Software\\Classes\\mailto\\shell\\open\\command";
+    static constexpr const char* kKey = R"(Software\Classes\mailto\shell\open\command)";
     std::array<char, 1024> before_{};
 };
 

@@ -14,7 +14,7 @@ using WindowHandle = UniqueHandle<::DestroyWindow, HWND>;
 
 /// A hidden window; a child of another one when that is given.
 inline HWND MakeWindow(const char* className, HWND parent, int width, int height, DWORD style = 0) {
-    INITCOMMONCONTROLSEX request{sizeof request, ICC_LISTVIEW_CLASSES};
+    const INITCOMMONCONTROLSEX request{sizeof request, ICC_LISTVIEW_CLASSES};
     InitCommonControlsEx(&request);
     const HWND window =
         CreateWindowExA(0, className, "", style | (parent ? WS_CHILD : WS_POPUP), 0, 0, width,

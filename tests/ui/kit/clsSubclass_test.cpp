@@ -43,7 +43,7 @@ TEST_CASE("a handler may destroy the object that it belongs to, and the control 
         const HWND window = MakeWindow("STATIC", nullptr, 10, 10);
         auto owner = std::make_unique<clsSubclass>();
         auto guard = std::make_shared<int>(5); // goes with the handler
-        std::weak_ptr<int> handler = guard;
+        const std::weak_ptr<int> handler = guard;
         owner->Attach(window,
                       [&owner, window, controlToo, kept = std::move(guard)](
                           UINT message, WPARAM, LPARAM) -> std::optional<LRESULT> {
