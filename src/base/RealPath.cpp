@@ -1,11 +1,17 @@
 #include "base/RealPath.h"
 
 #include "base/UniqueHandle.h"
+#include "base/modSystemLibrary.h"
 #include "base/modWide.h"
 
 #include <windows.h>
 
+#include <winternl.h>
+
+#include <array>
 #include <cstddef>
+#include <memory>
+#include <string_view>
 
 namespace vesk {
 
@@ -50,10 +56,13 @@ std::wstring WithLongNames(const std::wstring& path) {
     return names.empty() ? path : WithoutLongPrefix(names);
 }
 
-std::wstring RealPathOf(void* handle) {
+namespace {
+
+/// What the system's interface says; before Windows Vista it has nothing to say.
+std::wstring FinalPathOf(HANDLE handle) {
     using Function = DWORD(WINAPI*)(HANDLE, LPWSTR, DWORD, DWORD);
-    static const auto function = reinterpret_cast<Function>(reinterpret_cast<void*>(
-        GetProcAddress(GetModuleHandleA("kernel32.dll"), "GetFinalPathNameByHandleW")));
+    static const auto function =
+        LoadedFunction<Function>("kernel32.dll", "GetFinalPathNameByHandleW");
     if (function == nullptr)
         return {};
     std::wstring real(MAX_PATH, L'\0');
@@ -66,6 +75,42 @@ std::wstring RealPathOf(void* handle) {
     real = WithoutLongPrefix(real);
     const bool isPath = real.starts_with(L"\\\\") || (real.size() > 2 && real[1] == L':');
     return isPath ? real : std::wstring();
+}
+
+std::wstring DeviceNameOf(HANDLE handle) {
+    struct Name {
+        UNICODE_STRING head;
+        std::array<wchar_t, kLongest> letters;
+    };
+    static const auto function =
+        LoadedFunction<decltype(&NtQueryObject)>("ntdll.dll", "NtQueryObject");
+    const auto name = std::make_unique<Name>();
+    if (function == nullptr ||
+        function(handle, ObjectNameInformation, name.get(), sizeof(Name), nullptr) < 0)
+        return {};
+    return {name->head.Buffer, name->head.Length / sizeof(wchar_t)};
+}
+
+} // namespace
+
+std::wstring PathOfDeviceName(const std::wstring& name) {
+    constexpr std::wstring_view kPath = L"\\??\\";
+    if (name.starts_with(kPath))
+        return WithoutLongPrefix(L"\\\\?\\" + name.substr(kPath.size()));
+    for (std::wstring drive = L"A:"; drive[0] <= L'Z'; ++drive[0]) {
+        std::array<wchar_t, MAX_PATH> letters{};
+        const DWORD length = QueryDosDeviceW(drive.c_str(), letters.data(), letters.size());
+        const std::wstring device = std::wstring(letters.data()) + L"\\";
+        if (length != 0 && name.starts_with(device))
+            return drive + name.substr(device.size() - 1);
+    }
+    return {};
+}
+
+std::wstring RealPathOf(void* handle) {
+    const std::wstring path = FinalPathOf(handle);
+    // Before Windows Vista, and in Wine where the path is longer than the usual limit.
+    return path.empty() ? PathOfDeviceName(DeviceNameOf(handle)) : path;
 }
 
 std::wstring RealPath(const std::wstring& path) {

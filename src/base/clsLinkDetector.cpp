@@ -2,6 +2,7 @@
 
 #include "base/RealPath.h"
 #include "base/UniqueHandle.h"
+#include "base/modSystemLibrary.h"
 #include "base/modWide.h"
 
 #include <windows.h>
@@ -19,8 +20,8 @@ bool IsSameName(const std::wstring& left, const std::wstring& right) {
 /// Windows XP lacks the function, and needs none of this.
 bool MarkForDeletion(HANDLE file) {
     using Function = BOOL(WINAPI*)(HANDLE, int, LPVOID, DWORD);
-    static const auto function = reinterpret_cast<Function>(reinterpret_cast<void*>(
-        GetProcAddress(GetModuleHandleA("kernel32.dll"), "SetFileInformationByHandle")));
+    static const auto function =
+        LoadedFunction<Function>("kernel32.dll", "SetFileInformationByHandle");
     constexpr int kFileDispositionInfo = 4;
     BOOLEAN goes = TRUE;
     return function != nullptr && function(file, kFileDispositionInfo, &goes, sizeof goes) != FALSE;
@@ -29,8 +30,7 @@ bool MarkForDeletion(HANDLE file) {
 } // namespace
 
 bool clsLinkDetector::SystemHidesLinks() {
-    static const bool hides =
-        GetProcAddress(GetModuleHandleA("ntdll.dll"), "wine_get_version") != nullptr;
+    static const bool hides = FindLoadedFunction("ntdll.dll", "wine_get_version") != nullptr;
     return hides;
 }
 

@@ -11,12 +11,6 @@ namespace vesk {
 
 namespace {
 
-template <class Function>
-Function KernelFunction(const char* name) {
-    return reinterpret_cast<Function>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("kernel32.dll"), name)));
-}
-
 void (*missingLibraryHandler)(const char* library) = nullptr;
 
 FARPROC WINAPI EndForMissingLibrary(unsigned /*stage*/, PDelayLoadInfo info) {
@@ -34,12 +28,18 @@ void OnMissingLibrary(void (*handler)(const char* library)) {
 void LoadFromSystemOnly() {
     constexpr DWORD kSystemFolder = 0x800;
     // Windows 8, or 7 with its updates.
-    const auto setFolders = KernelFunction<BOOL(WINAPI*)(DWORD)>("SetDefaultDllDirectories");
+    const auto setFolders =
+        LoadedFunction<BOOL(WINAPI*)(DWORD)>("kernel32.dll", "SetDefaultDllDirectories");
     if (setFolders != nullptr && setFolders(kSystemFolder) != FALSE)
         return;
     // Windows XP SP1: only the current folder can be left out.
-    if (const auto setFolder = KernelFunction<BOOL(WINAPI*)(LPCSTR)>("SetDllDirectoryA"))
+    if (const auto setFolder =
+            LoadedFunction<BOOL(WINAPI*)(LPCSTR)>("kernel32.dll", "SetDllDirectoryA"))
         setFolder("");
+}
+
+void* FindLoadedFunction(const char* library, const char* function) {
+    return reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA(library), function));
 }
 
 void* FindSystemFunction(const char* library, const char* function) {

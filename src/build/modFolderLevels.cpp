@@ -2,6 +2,7 @@
 
 #include "base/RealPath.h"
 #include "base/UniqueHandle.h"
+#include "base/modSystemLibrary.h"
 #include "base/modWide.h"
 
 #include <windows.h>
@@ -53,8 +54,8 @@ void FreeOutsideName(char* name) {
 /// of ours reaches. The other system's own names do.
 std::vector<FolderLevel> ClimbOutside(const std::wstring& root) {
     using Function = char*(CDECL*)(LPCWSTR);
-    static const auto function = reinterpret_cast<Function>(reinterpret_cast<void*>(
-        GetProcAddress(GetModuleHandleA("kernel32.dll"), "wine_get_unix_file_name")));
+    static const auto function =
+        LoadedFunction<Function>("kernel32.dll", "wine_get_unix_file_name");
     std::vector<FolderLevel> levels;
     const UniqueHandle<FreeOutsideName, char*> outside(
         function == nullptr ? nullptr : function(root.c_str()));

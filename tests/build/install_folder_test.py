@@ -18,9 +18,12 @@ from program import link_drive  # noqa: E402
 
 TOOL, *WINE = sys.argv[1:]
 
+# Its real path has more letters than the usual limit.
+DEEP = "Windows" + "/a folder with a name of some forty letters" * 8
 KEPT = ["program/veskbuild.exe", "cd/I386/LAYOUT.INF", "Windows/system32/kernel.dll",
         "Windows/win.ini", "Program Files/Tool/tool.exe", "users/me/Documents/letter.txt",
-        "users/other/letter.txt", "work/sub/notes.txt", "Recycled/hidden/file", "file.txt"]
+        "users/other/letter.txt", "work/sub/notes.txt", "Recycled/hidden/file", "file.txt",
+        DEEP + "/file"]
 
 # {D} is the drive that all lies on; {S} one that leads to its Windows, {U} one to its users, {A} one
 # to the folder that {D} is in. The current folder is {D}\work\sub. Words of the reason follow "=>".
@@ -48,6 +51,7 @@ class InstallFolder(unittest.TestCase):
             (self.folder / name).write_text("x")
         os.symlink("Windows", self.folder / "junction")
         os.symlink("Windows/system32", self.folder / "deep")
+        os.symlink(DEEP, self.folder / "deeper")
         self.drive = link_drive(self, self.folder)
         self.windows = link_drive(self, self.folder / "Windows")
         self.users = link_drive(self, self.folder / "users")
