@@ -17,7 +17,6 @@ from fixtures import TOP, windows_path
 
 PREFIX = "bench"
 PRESETS = {64: "windows", 32: "windows32"}
-LAUNCHERS = {64: TOP / "tools/wine", 32: TOP / "tools/wine32"}
 
 
 class Skip(Exception):
@@ -104,22 +103,19 @@ class Wine:
     """The project's own Wine, in a prefix of the benchmarks, kept running."""
 
     def __init__(self, bits=64):
-        os.environ["VESK_PREFIX"] = PREFIX
+        self.prefix = PREFIX if bits == 64 else PREFIX + "32"
+        os.environ["VESK_PREFIX"] = self.prefix
         self.bits = bits
-        self.program = LAUNCHERS[bits]
+        self.program = TOP / "tools/wine"
         self.built = TOP / f"build/{PRESETS[bits]}"
-        if bits == 64:
-            subprocess.run([TOP / "tools/wine-prefix", PREFIX], check=True)
+        subprocess.run([TOP / "tools/wine-prefix", self.prefix], check=True)
         # Without a program that runs all the time every start would also start the server.
         self.idle = self.start(self.built / "bench/bench_tool.exe", "idle", "100000")
         time.sleep(2)
 
     def stop(self):
-        if self.bits == 32:
-            self.idle.terminate()
-        else:
-            subprocess.run(["wineserver", "-k"], check=False,
-                           env={**os.environ, "WINEPREFIX": str(TOP / "build/wine" / PREFIX)})
+        subprocess.run(["wineserver", "-k"], check=False,
+                       env={**os.environ, "WINEPREFIX": str(TOP / "build/wine" / self.prefix)})
         self.idle.wait(20)
 
     def start(self, program, *arguments, output=subprocess.DEVNULL):
