@@ -12,11 +12,24 @@
 
 namespace vesk::test {
 
+inline bool Holds(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+inline void CheckHolds(const std::string& text, const std::string& part) {
+    CHECK_MESSAGE(Holds(text, part), "\"", text, "\" holds \"", part, "\"");
+}
+
+inline void CheckStarts(const std::string& text, const std::string& start) {
+    CHECK_MESSAGE(text.starts_with(start), "\"", text, "\" starts with \"", start, "\"");
+}
+
 /// What tests/data/NAME.txt says is to come.
 inline std::string ExpectedText(const std::string& name) {
     const char* const folder = std::getenv("VESK_DATA");
     REQUIRE_MESSAGE(folder, "VESK_DATA names the folder of the expected texts");
     std::ifstream file(std::string(folder) + "/" + name + ".txt", std::ios::binary);
+    REQUIRE_MESSAGE(file, "the expected text cannot be read: ", name);
     return ReplaceAll(std::string(std::istreambuf_iterator<char>(file), {}), "\r", "");
 }
 
@@ -30,12 +43,16 @@ inline void CheckExpected(const std::string& name, const std::string& found) {
 template <class Say>
 void CheckLines(const std::string& name, Say&& say) {
     std::string found;
+    int said = 0;
     for (const std::string& line : Split(ExpectedText(name), '\n')) {
         const std::size_t arrow = line.find(" => ");
         found += (found.empty() ? "" : "\n") + line.substr(0, arrow);
-        if (arrow != std::string::npos)
-            found += " => " + say(line.substr(0, arrow));
+        if (arrow == std::string::npos)
+            continue;
+        found += " => " + say(line.substr(0, arrow));
+        ++said;
     }
+    CHECK(said > 0);
     CheckExpected(name, found);
 }
 

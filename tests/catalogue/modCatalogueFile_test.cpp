@@ -44,10 +44,6 @@ struct Fixture {
     std::string good;
 };
 
-bool Holds(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
-
 } // namespace
 
 TEST_CASE_FIXTURE(Fixture,

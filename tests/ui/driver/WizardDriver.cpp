@@ -201,14 +201,16 @@ std::vector<HWND> WizardDriver::TabOrder() const {
 void WizardDriver::CheckShows(HWND dialog, const std::string& name,
                               const std::string& folder) const {
     const std::string wanted = ExpectedText("windows/" + name);
-    const std::vector<HWND> tabs = TabOrder();
     std::string shown;
-    WaitUntil(
-        [&] {
-            shown = ReplaceAll(Contents(dialog, tabs), folder, "{FOLDER}");
-            return shown == wanted || HasEnded();
-        },
-        5000);
+    for (int attempt = 0; attempt < 2 && shown != wanted; ++attempt) {
+        const std::vector<HWND> tabs = TabOrder(); // it changes with what is enabled later
+        WaitUntil(
+            [&] {
+                shown = ReplaceAll(Contents(dialog, tabs), folder, "{FOLDER}");
+                return shown == wanted || HasEnded();
+            },
+            10000);
+    }
     CheckExpected("windows/" + name, shown);
 }
 
@@ -367,7 +369,9 @@ void WizardDriver::FocusOn(int id) const {
 
 void WizardDriver::PressOnKeyboard(BYTE key, bool withControl) const {
     const DWORD thread = GetWindowThreadProcessId(window_, nullptr);
-    SetForegroundWindow(GetAncestor(Focus(), GA_ROOT));
+    const HWND root = GetAncestor(Focus(), GA_ROOT);
+    SetForegroundWindow(root);
+    AWAIT(*this, GetForegroundWindow() == root);
     AttachThreadInput(GetCurrentThreadId(), thread, TRUE);
     const auto isDown = [](int which) { return GetKeyState(which) < 0; };
     const auto toggle = [&] { return GetKeyState(key) & 1; };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ExpectedText.h"
 #include "ProgramFolder.h"
 #include "WizardDriver.h"
 #include "ui/resources/ids.h"
@@ -65,10 +66,6 @@ public:
 private:
     const ProgramFolder& program_;
 };
-
-inline bool Holds(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
 
 inline std::string Joined(const std::vector<std::string>& lines) {
     std::string text;

@@ -1,5 +1,6 @@
 #include "EditorDriver.h"
 
+#include "ExpectedText.h"
 #include "base/modText.h"
 
 using namespace vesk;
@@ -28,7 +29,7 @@ TEST_CASE("unsaved edits are asked about, and survive a save that fails") {
     editor.Click(IDCANCEL);
     editor.CheckBox("Plugin Setup", question, IDYES);
     const std::string told = editor.AnswerBox("Plugin Setup", IDOK);
-    CHECK(told.starts_with("The catalogue could not be saved.\r\nCannot "));
+    CheckStarts(told, "The catalogue could not be saved.\r\nCannot ");
     CHECK(told.find(kCatalogueFileName) != std::string::npos);
     CHECK_FALSE(editor.HasEnded());
     CHECK(editor.Text(IDC_TXT_BASE) == "t?n");
@@ -79,7 +80,7 @@ TEST_CASE("a catalogue is begun from nothing, and not written before Apply") {
     const Editor editor(program);
     editor.CheckShows("editor_new");
     editor.Click(IDC_CMD_CHECK);
-    CHECK(editor.AnswerBox("Check", IDOK).starts_with("No faults found"));
+    CheckStarts(editor.AnswerBox("Check", IDOK), "No faults found");
     CHECK_FALSE(FileExists(file));
     editor.Click(IDC_CMD_DISCARD);
     editor.AwaitState("Edits discarded.");

@@ -21,9 +21,9 @@ TEST_CASE("a build with problems lists them, to be read, copied and found again 
     const Wizard wizard(program);
     wizard.GoToSummary();
     wizard.Click(IDC_CMD_NEXT);
-    CHECK(wizard.AnswerBox("Vesk Builder", IDOK).starts_with("The log could not be saved: "));
+    CheckStarts(wizard.AnswerBox("Vesk Builder", IDOK), "The log could not be saved: ");
     wizard.AwaitFinish();
-    CHECK(wizard.Heading().starts_with("Built, with "));
+    CheckStarts(wizard.Heading(), "Built, with ");
 
     const auto lines = wizard.LogLines();
     const auto warning = std::ranges::find_if(lines, IsWarningLine) - lines.begin();
@@ -100,7 +100,7 @@ TEST_CASE("the summary warns of what is emptied and of what is missing, each tim
         wizard.Next(kSummaryHeading);
         CHECK(wizard.IsShown(IDC_LBL_FOREIGN) == !row.parts.empty());
         for (const char* part : row.parts)
-            CHECK(Holds(wizard.Text(IDC_LBL_FOREIGN), part));
+            CheckHolds(wizard.Text(IDC_LBL_FOREIGN), part);
     }
 }
 
@@ -120,7 +120,7 @@ TEST_CASE("a folder that no build made is emptied only after what is in it was t
     wizard.GoToSummary();
     const auto refused = [&](const std::string& reason) {
         wizard.Click(IDC_CMD_NEXT);
-        CHECK(Holds(wizard.AnswerBox("Vesk Builder", IDOK), reason));
+        CheckHolds(wizard.AnswerBox("Vesk Builder", IDOK), reason);
         CHECK(wizard.Heading() == kSummaryHeading);
         CHECK(wizard.IsEnabled(IDC_CMD_BACK));
         CHECK(FileExists(mine));
@@ -131,7 +131,7 @@ TEST_CASE("a folder that no build made is emptied only after what is in it was t
     }
     program.Folder().Write("tree\\new.txt", "x"); // not what the user was told
     refused("has changed");
-    CHECK(Holds(wizard.Text(IDC_LBL_FOREIGN), "2 files that no build made"));
+    CheckHolds(wizard.Text(IDC_LBL_FOREIGN), "2 files that no build made");
 
     wizard.Click(IDC_CMD_NEXT);
     const HWND box = wizard.AwaitDialog("Confirmation");
@@ -173,7 +173,7 @@ TEST_CASE("an impossible folder is refused when its page is left for the next on
     wizard.SetText(IDC_TXT_PROG_PATH, program.Tree());
     wizard.Type(IDC_TXT_WIN_PATH, Widen(program.Folder() / "cd") + L"\x012B");
     wizard.GoToSummaryFromBase();
-    CHECK(Holds(wizard.Text(IDC_TXT_SUMMARY), "Source path: Invalid"));
+    CheckHolds(wizard.Text(IDC_TXT_SUMMARY), "Source path: Invalid");
 }
 
 TEST_CASE("without a catalogue nothing is built, and the editor is one click away") {
@@ -182,7 +182,7 @@ TEST_CASE("without a catalogue nothing is built, and the editor is one click awa
     const std::string mine = program.Folder().Write("tree\\pebuilder.exe", "keep");
     const Wizard wizard(program);
     SUBCASE("the editor") {
-        CHECK(Holds(wizard.AnswerBox("Vesk Builder", IDYES), "there is no such file"));
+        CheckHolds(wizard.AnswerBox("Vesk Builder", IDYES), "there is no such file");
         const HWND editor = wizard.AwaitDialog("Plugin Setup");
         AWAIT(wizard, TextIn(editor, IDC_LBL_STATE) == "A new catalogue, not saved yet.");
         CHECK(IsWindowEnabled(editor)); // nothing is asked a second time
@@ -191,7 +191,7 @@ TEST_CASE("without a catalogue nothing is built, and the editor is one click awa
         wizard.AnswerBox("Vesk Builder", IDNO);
         wizard.GoToSummary();
         wizard.Click(IDC_CMD_NEXT);
-        CHECK(Holds(wizard.AnswerBox("Vesk Builder", IDOK), "-setup"));
+        CheckHolds(wizard.AnswerBox("Vesk Builder", IDOK), "-setup");
         CHECK(wizard.Heading() == kSummaryHeading);
         CHECK(FileExists(mine));
     }
@@ -206,7 +206,7 @@ TEST_CASE("a catalogue that was read in part is built from only when the user sa
     const std::string told = wizard.AnswerBox("Vesk Builder", IDOK);
     wizard.GoToSummary();
     wizard.Click(IDC_CMD_NEXT);
-    CHECK(Holds(wizard.AnswerBox("Vesk Builder", IDNO), told)); // what is missing, again
+    CheckHolds(wizard.AnswerBox("Vesk Builder", IDNO), told); // what is missing, again
     CHECK(wizard.Heading() == kSummaryHeading);
     CHECK(ReadWholeFile(mine) == "keep");
     wizard.Click(IDC_CMD_NEXT);
