@@ -37,7 +37,7 @@ public:
     FolderRun& operator=(const FolderRun&) = delete;
     ~FolderRun() { running_ = nullptr; }
 
-    bool Run() {
+    void Run() {
         running_ = this;
         constexpr const char* kLibrary = "cabinet.dll";
         static const auto create = SystemFunction<decltype(&FDICreate)>(kLibrary, "FDICreate");
@@ -52,12 +52,10 @@ public:
             throw Failure(ERROR_NOT_ENOUGH_MEMORY, "CabFile", "not enough memory");
         std::string name = "cabinet"; // the library wants to write to them
         std::string path;
-        const bool held =
-            copy(library, name.data(), path.data(), 0, &Notify, nullptr, nullptr) != FALSE;
+        copy(library, name.data(), path.data(), 0, &Notify, nullptr, nullptr);
         destroy(library);
         if (failure_)
             std::rethrow_exception(failure_);
-        return held;
     }
 
 private:
@@ -183,9 +181,9 @@ FolderRun* FolderRun::running_ = nullptr;
 
 } // namespace
 
-bool ReadCabFolder(ByteWindow& cabinet, const CabDirectory& directory, const CabFolder& folder,
+void ReadCabFolder(ByteWindow& cabinet, const CabDirectory& directory, const CabFolder& folder,
                    std::span<const std::size_t> entries, CabSink& sink) {
-    return FolderRun(cabinet, directory, folder, entries, sink).Run();
+    FolderRun(cabinet, directory, folder, entries, sink).Run();
 }
 
 } // namespace vesk

@@ -15,11 +15,10 @@ namespace vesk {
 /// only, keeps failures of writing to itself, reads the cabinet's own headers, some of which crash
 /// it, and unpacks damaged MSZIP data without care; with what a caller has to add (moving files to
 /// their names, times) it takes a fifth longer.
+/// Members whose End is not reached, or comes early, are not whole: the data turned out damaged.
 /// @param entries as for CabFolderImage; none may have a refusal
-/// @return false when the data turned out damaged: members whose End was not reached, or came
-/// early, are not whole
 /// @throws Failure, also for data that cannot be fetched, and what the sink throws
-bool ReadCabFolder(ByteWindow& cabinet, const CabDirectory& directory, const CabFolder& folder,
+void ReadCabFolder(ByteWindow& cabinet, const CabDirectory& directory, const CabFolder& folder,
                    std::span<const std::size_t> entries, CabSink& sink);
 
 } // namespace vesk

@@ -117,7 +117,7 @@ bool IsUnpackedHere(const CabFolder& folder) {
     return (folder.packing & 0xFU) <= kMszip;
 }
 
-bool UnpackCabFolder(ByteWindow& cabinet, const CabDirectory& directory, const CabFolder& folder,
+void UnpackCabFolder(ByteWindow& cabinet, const CabDirectory& directory, const CabFolder& folder,
                      std::span<const std::size_t> entries, CabSink& sink) {
     const bool packedData = (folder.packing & 0xFU) == kMszip;
     const std::size_t headSize = std::size_t{8} + directory.blockReserve;
@@ -134,12 +134,11 @@ bool UnpackCabFolder(ByteWindow& cabinet, const CabDirectory& directory, const C
         if (packedData)
             bytes = mszip.Unpack(bytes, size);
         if (bytes.size() != size || bytes.empty())
-            return false;
+            return;
         cutter.Take(bytes, at);
         from += headSize + packed;
         at += size;
     }
-    return cutter.IsDone();
 }
 
 } // namespace vesk

@@ -14,12 +14,12 @@ namespace vesk {
 /// program.
 bool IsUnpackedHere(const CabFolder& folder);
 
-/// Unpacks members of one folder in one pass over its undamaged data blocks.
+/// Unpacks members of one folder in one pass over its undamaged data blocks. Members whose End is
+/// not reached are not whole: the data turned out damaged.
 /// @param entries indices into the directory's entries, all of this folder, without a refusal, of
 /// at least one byte, with rising offsets
-/// @return false when the data turned out damaged: members whose End was not reached are not whole
 /// @throws what the source and the sink throw
-bool UnpackCabFolder(ByteWindow& cabinet, const CabDirectory& directory, const CabFolder& folder,
+void UnpackCabFolder(ByteWindow& cabinet, const CabDirectory& directory, const CabFolder& folder,
                      std::span<const std::size_t> entries, CabSink& sink);
 
 } // namespace vesk
