@@ -368,23 +368,15 @@ void WizardDriver::FocusOn(int id) const {
 }
 
 void WizardDriver::PressOnKeyboard(BYTE key, bool withControl) const {
-    const DWORD thread = GetWindowThreadProcessId(window_, nullptr);
     const HWND root = GetAncestor(Focus(), GA_ROOT);
     SetForegroundWindow(root);
     AWAIT(*this, GetForegroundWindow() == root);
-    AttachThreadInput(GetCurrentThreadId(), thread, TRUE);
-    const auto isDown = [](int which) { return GetKeyState(which) < 0; };
-    const auto toggle = [&] { return GetKeyState(key) & 1; };
-    const int before = toggle();
     if (withControl)
         keybd_event(VK_CONTROL, 0, 0, 0);
     keybd_event(key, 0, 0, 0);
     keybd_event(key, 0, KEYEVENTF_KEYUP, 0);
     if (withControl)
         keybd_event(VK_CONTROL, 0, KEYEVENTF_KEYUP, 0);
-    // A key that counts as held changes what the next ones do.
-    AWAIT(*this, HasEnded() || (toggle() != before && !isDown(key) && !isDown(VK_CONTROL)));
-    AttachThreadInput(GetCurrentThreadId(), thread, FALSE);
 }
 
 int WizardDriver::Chosen(int combo) const {
@@ -417,7 +409,8 @@ void WizardDriver::PickFromLogMenu(int entry) const {
     AWAIT(*this, takesKeys());
     for (int i = 0; i < entry; ++i)
         PostMessageA(menu, WM_KEYDOWN, VK_DOWN, 0);
-    PostMessageA(menu, WM_KEYDOWN, VK_RETURN, 0);
+    // As the character, which the key is not while Control still counts as held.
+    PostMessageA(menu, WM_CHAR, '\r', 0);
     AWAIT(*this, !IsWindowVisible(menu));
 }
 
