@@ -49,6 +49,10 @@ std::string WithoutTrailingBackslash(std::string_view path);
 /// The text with a backslash at its end, added only when there is none.
 std::string WithTrailingBackslash(std::string_view path);
 
+/// The folder that a typed text means: without blanks around it and without a trailing backslash,
+/// except for a whole drive, which without it would mean that drive's current folder.
+std::string TypedFolder(std::string_view text);
+
 /// The first word of a command line, words being separated by blanks and tabs; empty when there is
 /// none. At most `maxWords` words are looked at, so 0 gives an empty text.
 std::string FirstWord(std::string_view commandLine, int maxWords);

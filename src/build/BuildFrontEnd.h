@@ -55,7 +55,7 @@ public:
     virtual bool StopRequested() = 0;
 
     /// The run is over and nothing more is asked. The front end offers to finish, and saves the log
-    /// and the problems (SaveBuildRecord): both are its own.
+    /// and the problems (build/modBuildRecord): both are its own.
     virtual void EnterFinishedState(const BuildOutcome& outcome) = 0;
 };
 

@@ -5,7 +5,7 @@
 #include "base/modSpecialFolder.h"
 #include "base/modText.h"
 #include "base/modWide.h"
-#include "build/modFolderLevels.h"
+#include "build/clsFolderReader.h"
 
 #include <windows.h>
 
@@ -112,7 +112,7 @@ struct clsFolderGuard::Known {
 clsFolderGuard::clsFolderGuard(const std::vector<GuardedPlace>& places,
                                const std::vector<std::string>& programs)
     : known_(std::make_shared<Known>()) {
-    FolderReader reader;
+    clsFolderReader reader;
     std::set<std::string> seen; // the shell names many folders more than once
     for (const GuardedPlace& place : places) {
         if (!place.path.empty() && seen.insert(LowerCase(place.path) + place.name).second)
@@ -184,7 +184,7 @@ clsFolderGuard clsFolderGuard::OfSystem(const std::string& programPath,
 }
 
 std::string clsFolderGuard::Objection(const std::string& folder) const {
-    const auto ways = FolderReader().WaysUp(folder);
+    const auto ways = clsFolderReader().WaysUp(folder);
     for (const auto& way : ways) {
         if (std::string own = OwnObjection(way); !own.empty() && !way.back().isBeyondRoot)
             return own;
@@ -198,7 +198,7 @@ std::string clsFolderGuard::Objection(const std::string& folder) const {
 }
 
 bool clsFolderGuard::KeepsForeign(const std::string& folder) const {
-    const auto ways = FolderReader().WaysUp(folder);
+    const auto ways = clsFolderReader().WaysUp(folder);
     return std::ranges::any_of(known_->programs,
                                [&](const FolderLevel& program) { return Leads(ways, program); });
 }

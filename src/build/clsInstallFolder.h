@@ -1,7 +1,7 @@
 #pragma once
 
 #include "build/clsFolderGuard.h"
-#include "build/modFolderLevels.h"
+#include "build/clsFolderReader.h"
 
 #include <cstddef>
 #include <optional>

@@ -1,6 +1,7 @@
 #include "ui/editor/frmSetup.h"
 
 #include "archive/clsCRC.h"
+#include "base/ScopeFlag.h"
 #include "base/modSpecialFolder.h"
 #include "catalogue/modCatalogueFile.h"
 #include "catalogue/modCategoryCaption.h"
@@ -8,7 +9,6 @@
 #include "ui/editor/frmCategories.h"
 #include "ui/editor/frmCheck.h"
 #include "ui/editor/modSaveCheck.h"
-#include "ui/kit/ScopeFlag.h"
 #include "ui/kit/modBand.h"
 #include "ui/kit/modBoxText.h"
 #include "ui/kit/modEnable.h"

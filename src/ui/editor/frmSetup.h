@@ -6,8 +6,8 @@
 #include "ui/editor/clsEntryFrame.h"
 #include "ui/kit/clsDialog.h"
 #include "ui/kit/clsLayout.h"
+#include "ui/kit/clsPictureView.h"
 #include "ui/kit/clsToolTips.h"
-#include "ui/kit/modPicture.h"
 #include "ui/kit/modWindow.h"
 
 #include <string>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/kit/modPicture.h"
+#include "ui/kit/clsPictureView.h"
 #include "ui/kit/modWindow.h"
 #include "ui/wizard/modNavigation.h"
 
