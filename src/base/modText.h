@@ -12,9 +12,11 @@ namespace vesk {
 /// The text without the blanks (and only blanks) at its two ends.
 std::string TrimBlanks(std::string_view text);
 
+/// The text with its ASCII letters in lower, or upper, case.
 std::string LowerCase(std::string_view text);
 std::string UpperCase(std::string_view text);
 
+/// Whether the texts are equal, or the first begins with the second, without regard to case.
 bool EqualNoCase(std::string_view left, std::string_view right);
 bool StartsWithNoCase(std::string_view text, std::string_view start);
 
@@ -26,6 +28,8 @@ std::string Quoted(std::string_view text);
 
 /// Replaces every occurrence, left to right; what was put in is not searched again.
 std::string ReplaceAll(std::string_view text, std::string_view what, std::string_view with);
+
+/// The same without regard to the case of what is replaced.
 std::string ReplaceAllNoCase(std::string_view text, std::string_view what, std::string_view with);
 
 /// The pieces between the separators, untrimmed. An empty text has no pieces.

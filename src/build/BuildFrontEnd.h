@@ -49,6 +49,7 @@ public:
     /// Lets pending events of the user interface run.
     virtual void LetEventsRun() = 0;
 
+    /// Shows how far the build is: at its start, and whenever that changes.
     virtual void SetProgress(const BuildProgress& progress) = 0;
 
     /// True once the user asked for the run to end at its next step.

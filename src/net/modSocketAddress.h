@@ -8,6 +8,7 @@
 /// Internet addresses, as 32 bits in network order; INADDR_NONE stands for "none".
 namespace vesk {
 
+/// Address and port (this one in the machine's order) as the system's calls take them.
 sockaddr_in EndPoint(std::uint32_t address, std::uint16_t port);
 
 /// "127.0.0.1" and the like; empty for none.

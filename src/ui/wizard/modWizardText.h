@@ -20,6 +20,8 @@ struct SummaryInputs {
     std::string sourceFolder;
     bool sourceValid = false;
 };
+
+/// The summary page's text.
 std::string SummaryText(const SummaryInputs& inputs);
 
 /// What is said before a build whose tree cannot be used, because PE Builder will not be in it;
