@@ -100,6 +100,9 @@ void SetClosedHeight(HWND combo, LONG pixels);
 /// at high resolutions is less.
 void MatchHeight(HWND combo, HWND textField);
 
+/// Draws what is to be drawn while something takes long; keys and clicks wait for its end.
+void LetWindowsPaint();
+
 /// Shows the mouse pointer of a busy program for the length of a scope.
 class WaitCursor {
 public:
