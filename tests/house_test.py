@@ -45,15 +45,27 @@ class Arrows(unittest.TestCase):
             for target in targets:
                 self.assertGreater(order.index(target), order.index(name), f"{name} -> {target}")
 
-    def test_rows_of_the_map_name_what_is_there(self):
-        rows = [line for line in MAP.splitlines() if line.startswith("| ") and "`" in line]
-        for line in rows:
-            folder = ""
-            for name in re.findall(r"`([A-Za-z/]+/)?([A-Za-z]+)(?:\.h|\.cpp)?\*?`", line):
-                folder = name[0] or folder
-                if folder:
-                    found = list((SRC / folder).glob(name[1] + "*"))
-                    self.assertTrue(found, f"{folder}{name[1]} in: {line}")
+
+def named_files():
+    """Row and file of each name in the table "Where is ...?"; a row's folder goes on to the next."""
+    for row in MAP[MAP.index("| behaviour |"):].split("\n\n")[0].splitlines():
+        folder = ""
+        for span in re.findall(r"`([^`]+)`", row):
+            if name := re.fullmatch(r"([a-z/]+/)?(\w+\*?)(\.h|\.cpp)?", span):
+                folder = name[1] or folder
+                yield row, folder + name[2] + (name[3] or ".h")
+
+
+class Table(unittest.TestCase):
+    def test_rows_name_what_is_there(self):
+        for row, name in named_files():
+            self.assertTrue(list(SRC.glob(name)), f"{name} in: {row}")
+
+    def test_every_unit_stands_in_a_row(self):
+        named = {path.with_suffix("") for _, name in named_files() for path in SRC.glob(name)}
+        missing = [path.name for path in UNITS if path.suffix == ".h"
+                   and path.stem.startswith(PREFIXES) and path.with_suffix("") not in named]
+        self.assertEqual(missing, [])
 
 
 class Names(unittest.TestCase):

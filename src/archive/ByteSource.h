@@ -13,6 +13,7 @@ class ByteSource {
 public:
     virtual ~ByteSource() = default;
 
+    /// How many there are.
     [[nodiscard]] virtual std::uint64_t Size() const = 0;
 
     /// Copies bytes out. @param at position of the first one; may lie beyond the end

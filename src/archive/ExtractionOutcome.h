@@ -6,7 +6,8 @@
 
 namespace vesk {
 
-/// One member of an archive, or the whole of it, that was not extracted.
+/// Something of one member of an archive, or of the whole, that was not done: mostly that it was
+/// not extracted, but also that a member which is in its place lacks its stored time.
 struct MemberFailure {
     std::string member; ///< Its name, separated by "\"; empty for the archive as a whole.
     std::string what;   ///< What was not done: "not written".

@@ -14,9 +14,11 @@ class clsByteReader {
 public:
     explicit clsByteReader(std::span<const std::byte> bytes) : rest_(bytes) {}
 
+    /// False once a read ran off the end.
     [[nodiscard]] bool Ok() const { return ok_; }
     [[nodiscard]] std::size_t Left() const { return rest_.size(); }
 
+    /// The next number of 8, 16, 32 or 64 bits.
     std::uint8_t U8() { return Number<std::uint8_t>(); }
     std::uint16_t U16() { return Number<std::uint16_t>(); }
     std::uint32_t U32() { return Number<std::uint32_t>(); }
@@ -33,6 +35,8 @@ public:
         rest_ = rest_.subspan(count);
         return taken;
     }
+
+    /// The next `count` bytes as text, or none of them.
     std::string Text(std::size_t count) {
         const auto bytes = Bytes(count);
         return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};

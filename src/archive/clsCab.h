@@ -35,9 +35,10 @@ public:
     virtual void OnProgress(double /*fraction*/) {}
 };
 
-/// One cabinet archive. Its headers are judged here; what is packed in it is unpacked by the
-/// system's cabinet library. Each method is one iteration over the members, and only one iteration
-/// may run in the program at a time: a method called from an event fails with ERROR_BUSY.
+/// One cabinet archive. Its headers are judged and stored or MSZIP data unpacked here; only data in
+/// LZX or Quantum is unpacked by the system's cabinet library. Each method is one iteration over
+/// the members, and only one iteration may run in the program at a time: a method called from an
+/// event fails with ERROR_BUSY.
 ///
 /// All methods throw a Failure with the source "CabFile": 0x800407A4 when CabName is empty,
 /// otherwise the system's error code. A cabinet that continues in another one ends where it ends.

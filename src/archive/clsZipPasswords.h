@@ -24,7 +24,10 @@ struct ZipContentProblem : ArchiveProblem {
 /// ZIP's traditional encryption: a stream of bytes from three running keys. Weak, but in use.
 class ZipCipher {
 public:
+    /// Begins a member's stream, of which the first 12 bytes are a header.
     explicit ZipCipher(std::string_view password);
+
+    /// The plain byte for the next one of the stream; bytes come in their order.
     std::byte Decrypt(std::byte cipher);
 
 private:
@@ -47,9 +50,8 @@ public:
     /// The cipher that opens a member, its header passed already. One wrong password in 256 seems
     /// right by the header alone, so `check` has the last word; it has been called for the cipher
     /// that is returned, unless that is of a proven password and `trustKnown` is set.
-    /// @throws ArchiveProblem without a password, ZipContentProblem when the password is right and
-    /// the
-    ///         content is not
+    /// @throws ArchiveProblem without a password, ZipContentProblem when the password is right
+    ///         and the content is not
     ZipCipher Find(const ZipMember& member, const Check& check, bool trustKnown);
 
 private:

@@ -28,6 +28,8 @@ struct UnzipCallbacks {
 /// Texts for owners that ask with a window.
 constexpr const char* kReplaceTitle = "VBUnZip32 - File Already Exists!";
 constexpr const char* kPasswordTitle = "Please Enter The Password!";
+
+/// The question whether an existing file is replaced, by its name.
 std::string ReplaceQuestion(const std::string& fileName);
 
 /// The option record of one run: the switches that change what is done. The others of the family

@@ -23,6 +23,7 @@ struct ZipTotals {
     std::size_t members = 0;
     std::size_t commentLength = 0;
 
+    /// Counts one more member.
     void Add(const ZipMember& member);
 
     /// How much smaller the packed data is, in percent; 0 when it is not.

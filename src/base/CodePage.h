@@ -17,6 +17,8 @@ struct CodePage {
 
 /// The one in use: Windows-1252 until another one is set.
 const CodePage& CurrentCodePage();
+
+/// Sets the one in use, for the whole program: before any text is worked on.
 void SetCodePage(CodePage page);
 
 /// The text with a "0" in place of each second byte of a character: of the same length, and to be

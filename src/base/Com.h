@@ -12,6 +12,7 @@ namespace vesk {
 /// another way already keeps its own.
 class ComLibrary {
 public:
+    /// Where COM cannot be used here, what asks it for an object gets the error.
     ComLibrary() : ready_(SUCCEEDED(CoInitialize(nullptr))) {}
     ComLibrary(const ComLibrary&) = delete;
     ComLibrary& operator=(const ComLibrary&) = delete;
@@ -24,6 +25,7 @@ private:
     bool ready_;
 };
 
+/// Gives a reference back; what ComPointer deletes with.
 struct ComRelease {
     template <class Interface>
     void operator()(Interface* object) const {

@@ -16,6 +16,8 @@ struct FolderEntry {
     [[nodiscard]] bool IsFolder() const;
     /// A junction, a symbolic link, or anything else that stands in for another place.
     [[nodiscard]] bool IsLink() const;
+
+    /// A folder that can be entered without being led to another place.
     [[nodiscard]] bool IsPlainFolder() const { return IsFolder() && !IsLink(); }
 };
 

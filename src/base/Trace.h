@@ -4,6 +4,7 @@
 
 namespace vesk {
 
+/// Receives one diagnostic line, without a line end.
 using TraceSink = void (*)(const std::string& line);
 
 /// Names the function that receives diagnostic lines; null (the default) drops them.

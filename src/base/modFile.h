@@ -24,6 +24,8 @@ void WriteCompleteFile(const std::string& path, const std::string& text);
 
 /// What there is under a path. Unknown: the system does not say, so something may be there.
 enum class PathState { Nothing, File, Folder, Unknown };
+
+/// Goes by the path's own attributes: a link is not followed. Throws nothing.
 PathState StateOf(const std::string& path);
 
 /// True when the path's attributes can be read and it is not a folder.

@@ -144,6 +144,11 @@ std::string WithTrailingBackslash(std::string_view path) {
     return result;
 }
 
+std::string TypedFolder(std::string_view text) {
+    const std::string folder = WithoutTrailingBackslash(TrimBlanks(text));
+    return folder.size() == 2 && folder.back() == ':' ? folder + "\\" : folder;
+}
+
 bool IsUtf16(std::string_view text) {
     if (text.starts_with(kUtf16Mark) || text.starts_with("\xFE\xFF"))
         return true;

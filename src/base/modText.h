@@ -12,9 +12,11 @@ namespace vesk {
 /// The text without the blanks (and only blanks) at its two ends.
 std::string TrimBlanks(std::string_view text);
 
+/// The text with its ASCII letters in lower, or upper, case.
 std::string LowerCase(std::string_view text);
 std::string UpperCase(std::string_view text);
 
+/// Whether the texts are equal, or the first begins with the second, without regard to case.
 bool EqualNoCase(std::string_view left, std::string_view right);
 bool StartsWithNoCase(std::string_view text, std::string_view start);
 
@@ -26,6 +28,8 @@ std::string Quoted(std::string_view text);
 
 /// Replaces every occurrence, left to right; what was put in is not searched again.
 std::string ReplaceAll(std::string_view text, std::string_view what, std::string_view with);
+
+/// The same without regard to the case of what is replaced.
 std::string ReplaceAllNoCase(std::string_view text, std::string_view what, std::string_view with);
 
 /// The pieces between the separators, untrimmed. An empty text has no pieces.
@@ -48,6 +52,10 @@ std::string WithoutTrailingBackslash(std::string_view path);
 
 /// The text with a backslash at its end, added only when there is none.
 std::string WithTrailingBackslash(std::string_view path);
+
+/// The folder that a typed text means: without blanks around it and without a trailing backslash,
+/// except for a whole drive, which without it would mean that drive's current folder.
+std::string TypedFolder(std::string_view text);
 
 /// The first word of a command line, words being separated by blanks and tabs; empty when there is
 /// none. At most `maxWords` words are looked at, so 0 gives an empty text.

@@ -12,6 +12,7 @@ namespace vesk {
 /// any of them is.
 void UseSystemCodePage();
 
+/// The text, which is in the ANSI code page, in UTF-16.
 std::wstring Widen(std::string_view text);
 
 /// The same from the code page of DOS, in which old archives have their names.

@@ -49,13 +49,14 @@ public:
     /// Lets pending events of the user interface run.
     virtual void LetEventsRun() = 0;
 
+    /// Shows how far the build is: at its start, and whenever that changes.
     virtual void SetProgress(const BuildProgress& progress) = 0;
 
     /// True once the user asked for the run to end at its next step.
     virtual bool StopRequested() = 0;
 
     /// The run is over and nothing more is asked. The front end offers to finish, and saves the log
-    /// and the problems (SaveBuildRecord): both are its own.
+    /// and the problems (build/modBuildRecord): both are its own.
     virtual void EnterFinishedState(const BuildOutcome& outcome) = 0;
 };
 

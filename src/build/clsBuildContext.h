@@ -28,10 +28,13 @@ struct clsBuildContext {
     ProblemReport report; ///< Goes to the front end.
     const clsSha256List& sha256;
 
+    /// Adds an ordinary line to the build log.
     void Log(const std::string& line) const { frontEnd.AddLogLine(line, LogMode::Line); }
+
+    /// Shows what is being done, in a few words.
     void Status(const std::string& caption) const { frontEnd.SetStatus(caption); }
 
-    /// The same, for what is done for its log lines only: nothing of it is reported.
+    /// This context for a step that is run for its log lines only: it reports nothing.
     [[nodiscard]] clsBuildContext Silent() const {
         return {inputs, catalogue, frontEnd, {}, [](const Problem&) {}, sha256};
     }
@@ -47,6 +50,7 @@ struct clsBuildContext {
         Log("Warning: " + component.zip + words);
     }
 
+    /// Where the component's archive is, or would be downloaded to.
     [[nodiscard]] std::string ArchivePath(const CatalogueEntry& component) const {
         return inputs.programPath + component.zip;
     }

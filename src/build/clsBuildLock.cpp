@@ -3,7 +3,7 @@
 #include "archive/clsCRC.h"
 #include "base/modText.h"
 #include "base/modWide.h"
-#include "build/modFolderLevels.h"
+#include "build/clsFolderReader.h"
 
 #include <windows.h>
 
@@ -85,7 +85,7 @@ MappingHandle MakeNote(const std::string& name) {
 } // namespace
 
 clsBuildLock::clsBuildLock(const clsInstallFolder& folder) : path_(folder.Path()) {
-    FolderReader reader;
+    clsFolderReader reader;
     const std::vector<FolderLevel> way = reader.WayUp(Widen(path_));
     // First the folder is taken and then others are looked for, so that of two that start at once
     // one at least sees the other.
@@ -112,7 +112,7 @@ clsBuildLock::clsBuildLock(const clsInstallFolder& folder) : path_(folder.Path()
 }
 
 void clsBuildLock::NoteFolder() {
-    const FolderLevel folder = FolderReader().WayUp(Widen(path_)).front();
+    const FolderLevel folder = clsFolderReader().WayUp(Widen(path_)).front();
     if (folder.identity)
         Sign(TreeName(folder));
 }

@@ -20,6 +20,7 @@ public:
     /// Adds a line in the given mode. @return the lines to show for it (one, or two with a blank).
     std::vector<std::string> Add(const std::string& text, LogMode mode);
 
+    /// All lines shown so far.
     [[nodiscard]] const std::vector<std::string>& Lines() const { return lines_; }
 
     /// What a saved log holds: each line ended by CR LF.

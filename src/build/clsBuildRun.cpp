@@ -168,6 +168,7 @@ bool clsBuildRun::Steps::MayReplaceFolder() {
     if (content.kind == FolderContent::Kind::Missing)
         return true;
     context_.Status("Confirmation");
+    // Spelled so since the first version; users and their guides know the question by this text.
     if (frontEnd_.AskYesNo("Project folder allready exists. Do you want to continue",
                            "Confirmation"))
         return true;

@@ -28,8 +28,11 @@ struct BuildInputs {
 /// @param isWhole all of the catalogue's file was read
 std::string CatalogueRefusal(const Catalogue& catalogue, bool isWhole = true);
 
-/// The one long procedure that turns catalogue and choices into a build tree. It never ends early
-/// because something failed: a failing statement is skipped and the next one runs.
+/// The one long procedure that turns catalogue and choices into a build tree. A failing statement
+/// is skipped and reported, and the next one runs. It ends early only by decisions of its own: when
+/// the catalogue has nothing to build, when the user says No or wants it to stop, when the folder
+/// must not be emptied or changed under it, when a link in the old tree stays, and when PE
+/// Builder's archive cannot be downloaded for want of a network or arrives with the wrong checksum.
 class clsBuildRun {
 public:
     /// All three must outlive the run. The run adds the stock plug-ins that it regroups to the
@@ -45,7 +48,9 @@ public:
     void SetNetworkProbe(std::function<bool()> isConnected);
 
     /// Runs from the project-folder question to the closing; then the front end is in its finished
-    /// state and saves the log.
+    /// state and saves the log. To be called once.
+    /// @throws what a failure of the program itself threw (std::exception), outside the statements
+    ///         that may fail; it is reported as a problem and the log closed as aborted before
     BuildOutcome Run();
 
 private:

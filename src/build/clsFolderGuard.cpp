@@ -5,7 +5,7 @@
 #include "base/modSpecialFolder.h"
 #include "base/modText.h"
 #include "base/modWide.h"
-#include "build/modFolderLevels.h"
+#include "build/clsFolderReader.h"
 
 #include <windows.h>
 
@@ -52,6 +52,49 @@ std::vector<std::string> RegisteredShellFolders() {
                 folders.emplace_back(expanded.data());
         }
     }
+    return folders;
+}
+
+using Reach = GuardedPlace::Reach;
+
+/// A folder of the system's that is guarded.
+struct SystemPlace {
+    SpecialFolder folder;
+    const char* name;
+    Reach reach;
+};
+constexpr std::array kSystemPlaces = {
+    SystemPlace{SpecialFolder::Windows, "Windows", Reach::Within},
+    SystemPlace{SpecialFolder::System, "Windows", Reach::Within},
+    SystemPlace{SpecialFolder::Fonts, "the fonts", Reach::Within},
+    SystemPlace{SpecialFolder::CommonAppData, "all users' program data", Reach::Within},
+    SystemPlace{SpecialFolder::ProgramFilesCommon, "programs' common files", Reach::Within},
+    SystemPlace{SpecialFolder::ProgramFilesCommonX86, "programs' common files", Reach::Within},
+    SystemPlace{SpecialFolder::StartMenu, "the start menu", Reach::Within},
+    SystemPlace{SpecialFolder::CommonStartMenu, "the start menu", Reach::Within},
+    SystemPlace{SpecialFolder::CommonPrograms, "the start menu", Reach::Within},
+    SystemPlace{SpecialFolder::UserProfile, "your user profile", Reach::Siblings},
+    SystemPlace{SpecialFolder::AppData, "your programs' data", Reach::Holding},
+    SystemPlace{SpecialFolder::LocalAppData, "your programs' data", Reach::Holding},
+    SystemPlace{SpecialFolder::Documents, "your documents", Reach::Holding},
+    SystemPlace{SpecialFolder::Pictures, "your pictures", Reach::Holding},
+    SystemPlace{SpecialFolder::Music, "your music", Reach::Holding},
+    SystemPlace{SpecialFolder::Videos, "your videos", Reach::Holding},
+    SystemPlace{SpecialFolder::Favorites, "your favourites", Reach::Holding},
+    SystemPlace{SpecialFolder::Desktop, "your desktop", Reach::Holding},
+    SystemPlace{SpecialFolder::CommonDesktop, "all users' desktop", Reach::Holding},
+    SystemPlace{SpecialFolder::CommonDocuments, "all users' documents", Reach::Holding},
+};
+
+/// The folders that programs are installed into.
+std::vector<std::string> ProgramFolders() {
+    std::vector<std::string> folders = {SpecialFolderPath(SpecialFolder::ProgramFiles),
+                                        SpecialFolderPath(SpecialFolder::ProgramFilesX86)};
+    // The shell shows a 32-bit program only the 32-bit ones.
+    std::array<char, MAX_PATH> wide{};
+    if (GetEnvironmentVariableA("ProgramW6432", wide.data(), static_cast<DWORD>(wide.size())) <
+        wide.size())
+        folders.emplace_back(wide.data());
     return folders;
 }
 
@@ -112,7 +155,7 @@ struct clsFolderGuard::Known {
 clsFolderGuard::clsFolderGuard(const std::vector<GuardedPlace>& places,
                                const std::vector<std::string>& programs)
     : known_(std::make_shared<Known>()) {
-    FolderReader reader;
+    clsFolderReader reader;
     std::set<std::string> seen; // the shell names many folders more than once
     for (const GuardedPlace& place : places) {
         if (!place.path.empty() && seen.insert(LowerCase(place.path) + place.name).second)
@@ -126,54 +169,20 @@ clsFolderGuard::clsFolderGuard(const std::vector<GuardedPlace>& places,
 
 clsFolderGuard clsFolderGuard::OfSystem(const std::string& programPath,
                                         const std::string& sourceFolder) {
-    using Reach = GuardedPlace::Reach;
     std::vector<GuardedPlace> places{
         {programPath, "this program", Reach::Holding},
         {sourceFolder, "the folder chosen as Windows source", Reach::Within}};
     if (!sourceFolder.empty()) // which may be a whole drive
         places.push_back({WithTrailingBackslash(sourceFolder) + "I386",
                           "the folder chosen as Windows source", Reach::Within});
-    struct Row {
-        SpecialFolder folder;
-        const char* name;
-        Reach reach;
-    };
-    constexpr std::array kRows = {
-        Row{SpecialFolder::Windows, "Windows", Reach::Within},
-        Row{SpecialFolder::System, "Windows", Reach::Within},
-        Row{SpecialFolder::Fonts, "the fonts", Reach::Within},
-        Row{SpecialFolder::CommonAppData, "all users' program data", Reach::Within},
-        Row{SpecialFolder::ProgramFilesCommon, "programs' common files", Reach::Within},
-        Row{SpecialFolder::ProgramFilesCommonX86, "programs' common files", Reach::Within},
-        Row{SpecialFolder::StartMenu, "the start menu", Reach::Within},
-        Row{SpecialFolder::CommonStartMenu, "the start menu", Reach::Within},
-        Row{SpecialFolder::CommonPrograms, "the start menu", Reach::Within},
-        Row{SpecialFolder::UserProfile, "your user profile", Reach::Siblings},
-        Row{SpecialFolder::AppData, "your programs' data", Reach::Holding},
-        Row{SpecialFolder::LocalAppData, "your programs' data", Reach::Holding},
-        Row{SpecialFolder::Documents, "your documents", Reach::Holding},
-        Row{SpecialFolder::Pictures, "your pictures", Reach::Holding},
-        Row{SpecialFolder::Music, "your music", Reach::Holding},
-        Row{SpecialFolder::Videos, "your videos", Reach::Holding},
-        Row{SpecialFolder::Favorites, "your favourites", Reach::Holding},
-        Row{SpecialFolder::Desktop, "your desktop", Reach::Holding},
-        Row{SpecialFolder::CommonDesktop, "all users' desktop", Reach::Holding},
-        Row{SpecialFolder::CommonDocuments, "all users' documents", Reach::Holding},
-    };
-    for (const Row& row : kRows)
-        places.push_back({SpecialFolderPath(row.folder), row.name, row.reach});
+    for (const SystemPlace& place : kSystemPlaces)
+        places.push_back({SpecialFolderPath(place.folder), place.name, place.reach});
     for (const std::string& folder : RegisteredShellFolders())
         places.push_back({folder, "one of the system's folders for your files", Reach::Holding});
     std::array<char, MAX_PATH> temporary{};
     if (GetTempPathA(static_cast<DWORD>(temporary.size()), temporary.data()) != 0)
         places.push_back({temporary.data(), "the temporary folder", Reach::Holding});
-    std::vector<std::string> programs = {SpecialFolderPath(SpecialFolder::ProgramFiles),
-                                         SpecialFolderPath(SpecialFolder::ProgramFilesX86)};
-    // The shell shows a 32-bit program only the 32-bit ones.
-    std::array<char, MAX_PATH> wide{};
-    if (GetEnvironmentVariableA("ProgramW6432", wide.data(), static_cast<DWORD>(wide.size())) <
-        wide.size())
-        programs.emplace_back(wide.data());
+    std::vector<std::string> programs = ProgramFolders();
     for (const std::string& folder : programs)
         places.push_back({folder, "Program Files", Reach::Holding});
     // Nor is what programs keep for the user replaced.
@@ -184,7 +193,7 @@ clsFolderGuard clsFolderGuard::OfSystem(const std::string& programPath,
 }
 
 std::string clsFolderGuard::Objection(const std::string& folder) const {
-    const auto ways = FolderReader().WaysUp(folder);
+    const auto ways = clsFolderReader().WaysUp(folder);
     for (const auto& way : ways) {
         if (std::string own = OwnObjection(way); !own.empty() && !way.back().isBeyondRoot)
             return own;
@@ -198,7 +207,7 @@ std::string clsFolderGuard::Objection(const std::string& folder) const {
 }
 
 bool clsFolderGuard::KeepsForeign(const std::string& folder) const {
-    const auto ways = FolderReader().WaysUp(folder);
+    const auto ways = clsFolderReader().WaysUp(folder);
     return std::ranges::any_of(known_->programs,
                                [&](const FolderLevel& program) { return Leads(ways, program); });
 }

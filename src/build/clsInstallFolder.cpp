@@ -160,7 +160,7 @@ std::string clsInstallFolder::Objection() const {
 }
 
 std::optional<FolderIdentity> clsInstallFolder::Identity() const {
-    return FolderReader().WayUp(Widen(path_)).front().identity;
+    return clsFolderReader().WayUp(Widen(path_)).front().identity;
 }
 
 FolderContent clsInstallFolder::Content() const {

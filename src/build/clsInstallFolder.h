@@ -1,7 +1,7 @@
 #pragma once
 
 #include "build/clsFolderGuard.h"
-#include "build/modFolderLevels.h"
+#include "build/clsFolderReader.h"
 
 #include <cstddef>
 #include <optional>
@@ -42,9 +42,8 @@ public:
     static constexpr const char* kMarkName = "veskbuild.unfinished";
 
     /// @param text as the user gave it: absolute, or relative to the current folder
-    /// @throws FolderRefused for what is not a folder's name, for a place that cannot hold a tree,
-    /// and
-    ///         for a folder that must not be emptied
+    /// @throws FolderRefused for what is not a folder's name, for a place that cannot hold a
+    ///         tree, and for a folder that must not be emptied
     clsInstallFolder(const std::string& text, clsFolderGuard guard);
 
     /// Absolute path, spelled as the user did, without a trailing backslash.
@@ -53,6 +52,7 @@ public:
     /// Where PE Builder looks for plug-ins.
     [[nodiscard]] std::string PluginFolder() const { return path_ + "\\Plugin"; }
 
+    /// What is in it now. Takes a moment when it holds very many files.
     [[nodiscard]] FolderContent Content() const;
 
     /// True when only what a build made may be emptied here, whatever the user says.

@@ -24,6 +24,8 @@ enum class BuildVerdict {
     NotUsable,    ///< A tree was made, without PE Builder.
     NotBuilt,     ///< No tree was made.
 };
+
+/// The verdict on a run that is over.
 BuildVerdict VerdictOf(const BuildOutcome& outcome);
 
 } // namespace vesk

@@ -38,8 +38,11 @@ struct Catalogue {
     std::vector<CatalogueEntry> plugins;
     bool showCategories = false;
     std::vector<CategoryRecord> categories;
-    std::string installRoot;  ///< Derived; no trailing backslash.
-    std::string pluginFolder; ///< Derived, or set by the front end along with the folder chosen.
+    std::string installRoot; ///< Derived; no trailing backslash.
+
+    /// Derived: where the plug-ins would be with the catalogue's own folders. A build, whose folder
+    /// the user may have chosen, asks that folder (clsInstallFolder::PluginFolder).
+    std::string pluginFolder;
 };
 
 /// Which of the catalogue's two lists of entries.

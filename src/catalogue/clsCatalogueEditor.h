@@ -27,11 +27,14 @@ struct CategoryItem {
 /// else until it is applied.
 class clsCatalogueEditor {
 public:
+    /// Begins with a catalogue that counts as saved.
     explicit clsCatalogueEditor(Catalogue catalogue);
 
+    /// The editors of the two lists.
     [[nodiscard]] clsEntryEditor& Base() { return base_; }
     [[nodiscard]] clsEntryEditor& Plugins() { return plugins_; }
 
+    /// Name of the folder that a build makes below the installation path.
     [[nodiscard]] const std::string& InstallFolder() const { return installFolder_; }
     void SetInstallFolder(const std::string& folder) { installFolder_ = folder; }
 
@@ -42,6 +45,7 @@ public:
     [[nodiscard]] int InstallPathItem() const;
     void SetInstallPathItem(int item);
 
+    /// The categories, and whether PE Builder's list of plug-ins is divided by them.
     [[nodiscard]] const std::vector<CategoryRecord>& Categories() const { return categories_; }
     [[nodiscard]] bool ShowCategories() const { return showCategories_; }
 

@@ -19,8 +19,10 @@ public:
     /// Derives a category's title from its folder and key.
     using CaptionOf = std::function<std::string(const std::string& value, const std::string& key)>;
 
+    /// Begins with these, the first one selected.
     clsCategoryEditor(const std::vector<CategoryRecord>& categories, CaptionOf captionOf);
 
+    /// What the copy holds now.
     [[nodiscard]] std::vector<CategoryRecord> Categories() const;
 
     /// How many there are, and one of them; the reference holds until the next change.
@@ -31,6 +33,8 @@ public:
 
     /// Index of the selected category, or kNoSelection.
     [[nodiscard]] int Selected() const { return selected_; }
+
+    /// The selected category; null for none.
     [[nodiscard]] const CategoryRecord* Current() const;
 
     /// Key under which the selected category came; empty for a new one and without a selection.

@@ -10,6 +10,7 @@
 
 namespace vesk {
 
+/// What a problem is about.
 enum class CatalogueProblemKind {
     NoName,           ///< An entry without a name.
     ValueForm,        ///< A text that the file does not keep: quotes around it are lost.

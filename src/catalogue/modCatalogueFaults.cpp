@@ -1,7 +1,6 @@
 #include "catalogue/modCatalogueFaults.h"
 
 #include "base/modText.h"
-#include "catalogue/modCatalogueText.h"
 #include "catalogue/modCategoryCheck.h"
 
 #include <algorithm>

@@ -20,6 +20,7 @@ void LoadCatalogue(const std::string& programPath, Catalogue& catalogue);
 /// How much of the catalogue was read: all of it as it was written, some of it, nothing.
 enum class CatalogueState { Whole, Partial, Absent };
 
+/// What became of loading the catalogue.
 struct CatalogueLoad {
     CatalogueState state = CatalogueState::Whole;
 

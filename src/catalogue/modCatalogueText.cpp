@@ -3,7 +3,6 @@
 #include "base/modText.h"
 
 #include <cstddef>
-#include <cstdlib>
 #include <map>
 #include <utility>
 #include <vector>
@@ -81,31 +80,6 @@ std::string CatalogueText(const Catalogue& catalogue, const std::string& date) {
            date + "\r\n\r\n" + install.Text("Install") +
            EntriesText(catalogue.baseComponents, false).Text("Base") +
            EntriesText(catalogue.plugins, true).Text("Plugin") + categories.Text("Categories");
-}
-
-std::vector<std::string> SectionNames(std::string_view iniText) {
-    std::vector<std::string> names;
-    for (const std::string& piece : Split(iniText, '\n')) {
-        const std::string line = TrimBlanks(piece);
-        if (line.starts_with('['))
-            names.push_back(TrimBlanks(line.substr(1, line.find(']') - 1)));
-    }
-    return names;
-}
-
-std::optional<bool> ToBoolean(std::string_view text) {
-    const std::string word = LowerCase(TrimBlanks(text));
-    if (word == "true")
-        return true;
-    if (word == "false")
-        return false;
-    if (word.find_first_not_of("0123456789+-.e") != std::string::npos)
-        return std::nullopt; // strtod also takes "inf", "nan" and hexadecimal digits
-    char* end = nullptr;
-    const double number = std::strtod(word.c_str(), &end);
-    if (word.empty() || end != word.c_str() + word.size())
-        return std::nullopt;
-    return number != 0;
 }
 
 } // namespace vesk

@@ -2,10 +2,7 @@
 
 #include "catalogue/Catalogue.h"
 
-#include <optional>
 #include <string>
-#include <string_view>
-#include <vector>
 
 namespace vesk {
 
@@ -13,12 +10,5 @@ namespace vesk {
 /// position, and people compare files.
 /// @param date when it is written, in the system's general format
 std::string CatalogueText(const Catalogue& catalogue, const std::string& date);
-
-/// Names of all sections in a text of the INI form, in its order, without the brackets.
-std::vector<std::string> SectionNames(std::string_view iniText);
-
-/// A text as a truth value: "True" and "False" in any case, or a number (0 is false). Nothing for
-/// any other text, the empty one included.
-std::optional<bool> ToBoolean(std::string_view text);
 
 } // namespace vesk

@@ -6,7 +6,7 @@
 #include "catalogue/clsSha256List.h"
 #include "catalogue/modCatalogueFaults.h"
 #include "catalogue/modCatalogueFile.h"
-#include "catalogue/modCatalogueText.h"
+#include "catalogue/modIniText.h"
 
 #include <memory>
 #include <optional>

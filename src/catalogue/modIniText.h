@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -55,5 +56,12 @@ IniText ParseIni(std::string_view text);
 /// Length of the name list that the profile functions would return.
 std::size_t SectionListLength(const std::vector<IniSection>& sections);
 std::size_t KeyListLength(const IniSection& section);
+
+/// Names of all sections in a text of the INI form, in its order, without the brackets.
+std::vector<std::string> SectionNames(std::string_view iniText);
+
+/// A text as a truth value: "True" and "False" in any case, or a number (0 is false). Nothing for
+/// any other text, the empty one included.
+std::optional<bool> ToBoolean(std::string_view text);
 
 } // namespace vesk

@@ -1,7 +1,7 @@
 #include "console/clsConsoleFrontEnd.h"
 
 #include "base/ResumeNext.h"
-#include "build/modSaveLog.h"
+#include "build/modBuildRecord.h"
 #include "console/clsConsoleDownload.h"
 #include "console/modInterrupt.h"
 #include "net/modHttpText.h"

@@ -5,11 +5,12 @@
 
 namespace vesk {
 
-/// The program's three streams. Lines of the log go to the standard output and nothing else does;
-/// progress is drawn on the error output, and only when that is a terminal.
+/// The program's three streams. The standard output gets what was asked for: the lines of the log,
+/// or what --list, --check, --help and --version print. The error output gets errors, problems,
+/// questions and, only when it is a terminal, the progress that is drawn.
 class clsTerminal {
 public:
-    /// @param quiet leaves the error output to errors
+    /// @param quiet draws no progress; everything else is printed all the same
     explicit clsTerminal(bool quiet);
     clsTerminal(const clsTerminal&) = delete;
     clsTerminal& operator=(const clsTerminal&) = delete;

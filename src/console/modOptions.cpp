@@ -138,7 +138,7 @@ veskbuild --help | --version
   --password TEXT    the password of encrypted archives
   --proxy HOST:PORT  download through this HTTP proxy
   --timeout SECONDS  give a download up after this long without a byte (120; 0: never)
-  --quiet            print only errors and problems on the error output
+  --quiet            draw no progress; log lines, problems and errors are printed
   --list             print the catalogue as a table
   --check            print what would go wrong in a build, one line each
 

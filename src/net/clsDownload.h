@@ -60,6 +60,7 @@ public:
     [[nodiscard]] const std::string& Proxy() const { return proxy_; }
     void SetProxy(const std::string& proxy);
 
+    /// Port of the proxy.
     [[nodiscard]] std::int32_t ProxyPort() const { return proxyPort_; }
     void SetProxyPort(std::int32_t port) { proxyPort_ = port; }
 
@@ -67,6 +68,7 @@ public:
     [[nodiscard]] std::int32_t AccessType() const { return accessType_; }
     void SetAccessType(std::int32_t accessType) { accessType_ = accessType; }
 
+    /// Address of the file; after a redirect, the one that it led to.
     [[nodiscard]] const std::string& URL() const { return url_; }
     void SetURL(const std::string& url);
 

@@ -21,6 +21,8 @@ namespace vesk {
 class DownloadSessionEvents {
 public:
     virtual ~DownloadSessionEvents() = default;
+
+    /// Something changed; also called now and then while nothing comes.
     virtual void OnProgress(const DownloadProgress& progress) = 0;
 
     /// The download is over (not after Cancel): stop waiting and ask for the Outcome.

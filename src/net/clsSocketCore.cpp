@@ -23,9 +23,6 @@ namespace vesk {
 
 namespace {
 
-/// No host name is longer.
-constexpr std::size_t kLongestHost = 255;
-
 constexpr const char* kNotificationSource = "clsSocketMaster.PostSocket";
 constexpr const char* kSendSource = "clsSocketMaster.SendBufferedData";
 
@@ -105,6 +102,11 @@ void clsSocketCore::CreateSocket(const char* source) {
         ThrowSocketError(error, source);
     }
     Trace("OK Created socket: " + std::to_string(socket_.Get()));
+    AskForNotifications();
+}
+
+/// Asks for the notifications of the socket, which is new to this object.
+void clsSocketCore::AskForNotifications() {
     try {
         RegisterSocket(socket_.Get(), weak_from_this(), true);
     } catch (const Failure&) {
@@ -143,9 +145,7 @@ void clsSocketCore::Connect(const SocketValue& host, const SocketValue& port) {
 
 void clsSocketCore::StartResolving() {
     SetState(SocketState::sckResolvingHost);
-    // The system takes an empty name for this machine, and a cut-off name is another one.
-    if (remoteHost.empty() || remoteHost.size() > kLongestHost ||
-        remoteHost.find('\0') != std::string::npos)
+    if (!IsHostName(remoteHost))
         return Fail(WSAHOST_NOT_FOUND, "clsSocketMaster.Connect");
     lookup_ = StartLookup(remoteHost, weak_from_this());
     if (lookup_ == 0)
@@ -226,14 +226,7 @@ void clsSocketCore::Accept(SOCKET request) {
     Close(); // a socket bound before
     UnregisterSocket(request);
     socket_.Reset(request);
-    try {
-        RegisterSocket(request, weak_from_this(), true);
-    } catch (const Failure&) {
-        socket_.Reset();
-        SetState(SocketState::sckError);
-        throw;
-    }
-    received_.Fit(request);
+    AskForNotifications();
     if (const auto remote = PeerOf(request)) {
         peerAddress_ = remote->sin_addr.s_addr;
         remoteHost = AddressText(peerAddress_);

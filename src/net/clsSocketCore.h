@@ -70,6 +70,7 @@ private:
     void FailWith(int code, const std::string& text, const char* source);
 
     void CreateSocket(const char* source);
+    void AskForNotifications();
     [[nodiscard]] int BindTo(std::uint16_t port, std::uint32_t address);
     void StartResolving();
     void GoOnWithAddress(std::uint32_t address);

@@ -9,6 +9,7 @@
 
 namespace vesk {
 
+/// What a socket is doing; the numbers are those that are reported.
 enum class SocketState : std::int16_t {
     sckClosed = 0,
     sckOpen = 1,
@@ -22,6 +23,7 @@ enum class SocketState : std::int16_t {
     sckError = 9,
 };
 
+/// What a socket speaks: a stream of bytes, or datagrams.
 enum class SocketProtocol : std::int16_t { TCP = 0, UDP = 1 };
 
 /// An error of the system, as the owner of a socket receives it.
@@ -42,6 +44,8 @@ public:
 
     /// The other end closed the connection; everything it sent has been reported before.
     virtual void OnCloseSck() {}
+
+    /// The connection that Connect asked for is there.
     virtual void OnConnect() {}
 
     /// A connection came in. Unless it is claimed with Accept inside this event, it is closed.
@@ -53,7 +57,10 @@ public:
     /// @param cancelDisplay arrives true; set to false, the description is shown in a message box
     virtual void OnError(const SocketErrorInfo& error, bool& cancelDisplay);
 
+    /// Everything that was given to SendData is with the system.
     virtual void OnSendComplete() {}
+
+    /// The system took bytes. @param bytesRemaining bytes that wait to be sent
     virtual void OnSendProgress(std::int32_t bytesSent, std::int32_t bytesRemaining);
 };
 
@@ -74,9 +81,11 @@ public:
     /// Closes the socket; no event follows.
     ~clsSocketMaster();
 
+    /// Name or address of the other end.
     [[nodiscard]] const std::string& RemoteHost() const;
     void SetRemoteHost(const std::string& host);
 
+    /// Port of the other end.
     [[nodiscard]] std::int32_t RemotePort() const;
     /// @throws Failure 40014 outside 0..65535
     void SetRemotePort(std::int32_t port);
@@ -89,7 +98,10 @@ public:
     /// @throws Failure 40014 outside 0..65535, 40020 unless closed
     void SetLocalPort(std::int32_t port);
 
+    /// What the socket is doing.
     [[nodiscard]] SocketState State() const;
+
+    /// The machine's name. @throws Failure
     [[nodiscard]] std::string LocalHostName() const;
 
     /// The machine's first address.
@@ -101,6 +113,7 @@ public:
     /// The system's socket; all bits set while there is none.
     [[nodiscard]] std::uintptr_t SocketHandle() const;
 
+    /// TCP unless another one was set.
     [[nodiscard]] SocketProtocol Protocol() const;
     /// @throws Failure 40020 unless closed
     void SetProtocol(SocketProtocol protocol);

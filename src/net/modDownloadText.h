@@ -6,7 +6,7 @@
 #include <functional>
 #include <string>
 
-/// What the download dialog shows of a running download.
+/// What the download dialog, and in part the console's line, shows of a running download.
 namespace vesk {
 
 /// Puts the separators of the user's locale between the digits of a whole number.

@@ -1,5 +1,6 @@
 #include "net/modSocketAddress.h"
 
+#include <cstddef>
 #include <cstring>
 
 namespace vesk {
@@ -25,6 +26,11 @@ std::uint32_t DottedAddress(const std::string& text) {
     if (text.empty() || text.find('\0') != std::string::npos)
         return INADDR_NONE;
     return inet_addr(text.c_str());
+}
+
+bool IsHostName(const std::string& text) {
+    constexpr std::size_t kLongest = 255; // no host name is longer
+    return !text.empty() && text.size() <= kLongest && text.find('\0') == std::string::npos;
 }
 
 std::uint32_t FirstAddressOf(const hostent* host) {

@@ -13,6 +13,7 @@
 /// every notification, and who receives it. One thread only.
 namespace vesk {
 
+/// Owns a socket, and closes it.
 using SocketOwner = UniqueHandle<::closesocket, SOCKET, -1>;
 
 /// Receives what the system has to say about one socket. The dispatch keeps it alive for a call.
@@ -81,6 +82,8 @@ struct SocketCounts {
     std::size_t accepted = 0;
     HWND window = nullptr;
 };
+
+/// Counts what there is at this moment.
 SocketCounts CountSockets();
 
 } // namespace vesk

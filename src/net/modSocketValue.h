@@ -9,6 +9,7 @@
 
 namespace vesk {
 
+/// A value of bytes.
 using SocketBytes = std::vector<std::uint8_t>;
 
 /// A value of one of several kinds, as socket methods take and give it. The first kind is "not
@@ -28,6 +29,7 @@ enum class VarType : std::int16_t {
     ByteArray = 0x2000 + 17,
 };
 
+/// False for the kind "not given".
 inline bool IsGiven(const SocketValue& value) {
     return !std::holds_alternative<std::monostate>(value);
 }

@@ -23,10 +23,18 @@ struct ScriptVariables {
 class ScriptTarget {
 public:
     virtual ~ScriptTarget() = default;
+
+    /// Adds a line to the build log.
     virtual void AddLogLine(const std::string& line) = 0;
+
+    /// Creates a registry key. @param root number of the root key, as the system has it
     virtual void CreateKey(std::uint32_t root, const std::string& key) = 0;
+
+    /// Sets a value of a registry key. @param type the system's REG_ number
     virtual void SetValue(std::uint32_t root, const std::string& key, const std::string& valueName,
                           const std::string& data, std::uint32_t type) = 0;
+
+    /// Makes a folder, whose parent must exist.
     virtual void MakeFolder(const std::string& path) = 0;
 };
 

@@ -22,6 +22,8 @@ public:
 
     /// @param folder the folder searched now, ending in "\"
     virtual void OnFolder(const std::string& folder) = 0;
+
+    /// A Windows source was found.
     virtual void OnFound(const FoundSource& found) = 0;
 
     /// Called after each entry of a folder: the place to let events of the user interface run.

@@ -22,11 +22,14 @@ SourceCheck CheckSourceFolder(const std::string& chosenPath, SourceState& state)
 /// True when the folder (ending in "\") directly holds the three files that make it an I386 folder.
 bool IsI386Folder(const std::string& folder);
 
-/// What LAYOUT.INF in an I386 folder (ending in "\") says. @throws Failure when it is not read
+/// What LAYOUT.INF in an I386 folder says.
 struct SourceProduct {
     std::string productName;
     std::string servicePackTag; ///< Extension of the spcdtagfilei value, as written; may be empty.
 };
+
+/// Reads it. @param i386Folder ending in "\"
+/// @throws Failure when it is missing or cannot be read
 SourceProduct ReadSourceProduct(const std::string& i386Folder);
 
 /// Sets the codes that product name and tag stand for; what is not recognised keeps its code.

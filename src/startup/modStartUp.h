@@ -6,10 +6,14 @@ namespace vesk {
 
 /// Paths fixed at start-up; both end in "\".
 struct ProgramPaths {
-    std::string programPath;   ///< The running program's own folder.
-    std::string temporaryPath; ///< The environment variable Temp; "\" when that is unset.
+    std::string programPath; ///< The running program's own folder.
+
+    /// The environment variable Temp; "\" when that is unset. For whoever wants to put something
+    /// there: the program itself writes everything next to where it belongs.
+    std::string temporaryPath;
 };
 
+/// Asks the system for both. Nothing is made or checked.
 ProgramPaths FindProgramPaths();
 
 /// Sets what belongs to the process as a whole: texts are in the system's code page, and a drive
@@ -32,6 +36,7 @@ struct SystemProbe {
 /// The probe that asks Windows itself.
 SystemProbe WindowsProbe();
 
+/// The first reason not to start: the kind of Windows is asked for before the user.
 StartRefusal CheckSystem(const SystemProbe& probe);
 
 /// The sentence for a refusal.

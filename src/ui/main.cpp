@@ -7,7 +7,7 @@
 #include "startup/modStartUp.h"
 #include "ui/editor/frmSetup.h"
 #include "ui/kit/modBoxText.h"
-#include "ui/kit/modProgramVersion.h"
+#include "ui/kit/modVersions.h"
 #include "ui/kit/modWindow.h"
 #include "ui/wizard/frmBuilder.h"
 

@@ -23,6 +23,13 @@ TEST_CASE("paths come apart at their last backslash and last dot") {
     }
 }
 
+TEST_CASE("a typed drive never means its current folder: what is typed may be emptied") {
+    CHECK(TypedFolder(" C:\\Tree\\ ") == "C:\\Tree");
+    CHECK(TypedFolder("C:\\") == "C:\\");
+    CHECK(TypedFolder("C:") == "C:\\");
+    CHECK(TypedFolder("  ").empty());
+}
+
 TEST_CASE("searching and replacing without regard to case") {
     CHECK(FindNoCase("xx[APPEND]", "[append]") == 2);
     CHECK(FindNoCase("abc", "bc", 2) == std::string::npos);

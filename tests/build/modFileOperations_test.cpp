@@ -7,7 +7,7 @@
 #include "base/modFile.h"
 #include "base/modWide.h"
 #include "build/clsBuildLog.h"
-#include "build/modSaveLog.h"
+#include "build/modBuildRecord.h"
 
 using namespace vesk;
 using vesk::test::RecordingFrontEnd;

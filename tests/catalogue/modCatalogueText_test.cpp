@@ -1,5 +1,6 @@
 #include "catalogue/modCatalogueText.h"
 
+#include "catalogue/modIniText.h"
 #include "catalogue/modNameList.h"
 
 #include <doctest/doctest.h>

@@ -3,10 +3,10 @@
 #include "archive/clsCRC.h"
 #include "archive/modArchive.h"
 #include "base/Failure.h"
+#include "base/ScopeFlag.h"
 #include "base/modFile.h"
 #include "base/modText.h"
 #include "catalogue/clsSha256List.h"
-#include "ui/kit/ScopeFlag.h"
 #include "ui/kit/frmBrowse.h"
 #include "ui/kit/modEnable.h"
 #include "ui/kit/modResolution.h"
@@ -33,11 +33,15 @@ struct FrameIds {
 };
 
 FrameIds IdsOf(clsEntryFrame::Kind kind) {
-    constexpr int kFirst = IDC_CMD_BUTTONS; // of an array that both frames share
-    if (kind == EntryList::Plugins)
-        return {IDC_TXT_BASE_PLUGIN, IDC_CMB_BASE_PLUGIN, kFirst + 3, kFirst + 4,
-                kFirst + 5,          kFirst + 8,          kFirst + 9};
-    return {IDC_TXT_BASE, IDC_CMB_BASE, kFirst, kFirst + 1, kFirst + 2, kFirst + 6, kFirst + 7};
+    const bool plugins = kind == EntryList::Plugins;
+    const auto button = [&](EntryAction action) { return EntryButtonId(kind, action); };
+    return {plugins ? IDC_TXT_BASE_PLUGIN : IDC_TXT_BASE,
+            plugins ? IDC_CMB_BASE_PLUGIN : IDC_CMB_BASE,
+            button(EntryAction::Add),
+            button(EntryAction::Remove),
+            button(EntryAction::Browse),
+            button(EntryAction::MoveUp),
+            button(EntryAction::MoveDown)};
 }
 
 /// A member of the text array and the field it edits.

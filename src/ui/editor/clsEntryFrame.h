@@ -1,6 +1,7 @@
 #pragma once
 
 #include "catalogue/clsCatalogueEditor.h"
+#include "ui/editor/modEntryButtons.h"
 #include "ui/kit/clsToolTips.h"
 
 #include <windows.h>
@@ -16,7 +17,7 @@ namespace vesk {
 class clsEntryFrame {
 public:
     using Kind = EntryList;
-    enum class Action { Add, Remove, Browse, MoveUp, MoveDown };
+    using Action = EntryAction;
 
     /// @param editor outlives the frame
     /// @param programPath where browsing for an archive begins

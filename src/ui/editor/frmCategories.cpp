@@ -1,9 +1,9 @@
 #include "ui/editor/frmCategories.h"
 
+#include "base/ScopeFlag.h"
 #include "catalogue/modCatalogueFile.h"
 #include "catalogue/modCategoryCaption.h"
 #include "catalogue/modCategoryCheck.h"
-#include "ui/kit/ScopeFlag.h"
 #include "ui/kit/modBoxText.h"
 #include "ui/kit/modEnable.h"
 #include "ui/kit/modWindow.h"

@@ -1,6 +1,7 @@
 #include "ui/editor/frmSetup.h"
 
 #include "archive/clsCRC.h"
+#include "base/ScopeFlag.h"
 #include "base/modSpecialFolder.h"
 #include "catalogue/modCatalogueFile.h"
 #include "catalogue/modCategoryCaption.h"
@@ -8,7 +9,6 @@
 #include "ui/editor/frmCategories.h"
 #include "ui/editor/frmCheck.h"
 #include "ui/editor/modSaveCheck.h"
-#include "ui/kit/ScopeFlag.h"
 #include "ui/kit/modBand.h"
 #include "ui/kit/modBoxText.h"
 #include "ui/kit/modEnable.h"
@@ -31,41 +31,12 @@ constexpr const char* kSetupTitle = "Plugin Setup";
 constexpr UINT_PTR kTimer1 = 1;
 constexpr UINT kTipDelay = 250; // milliseconds: the system hides a tip while a button is clicked
 
-using Action = clsEntryFrame::Action;
-
-/// What the buttons of the entries do, by their index in the control array.
-struct EntryButton {
-    clsEntryFrame::Kind frame;
-    Action action;
-};
-constexpr auto kBase = clsEntryFrame::Kind::BaseComponents;
-constexpr auto kPlugin = clsEntryFrame::Kind::Plugins;
-constexpr std::array<EntryButton, 10> kEntryButtons{{{kBase, Action::Add},
-                                                     {kBase, Action::Remove},
-                                                     {kBase, Action::Browse},
-                                                     {kPlugin, Action::Add},
-                                                     {kPlugin, Action::Remove},
-                                                     {kPlugin, Action::Browse},
-                                                     {kBase, Action::MoveUp},
-                                                     {kBase, Action::MoveDown},
-                                                     {kPlugin, Action::MoveUp},
-                                                     {kPlugin, Action::MoveDown}}};
-
 constexpr std::array<int, 3> kActionIds{IDC_CMD_APPLY, IDC_CMD_DISCARD, IDCANCEL};
 
 Catalogue Load(clsEditedFile& file, CatalogueLoad& load) {
     Catalogue catalogue;
     load = file.Load(catalogue);
     return catalogue;
-}
-
-/// Draws what is to be drawn while something takes long; keys and clicks wait for its end.
-void LetWindowsPaint() {
-    constexpr int kMost = 50; // a window that does not paint itself would ask for ever
-    MSG message{};
-    for (int i = 0; i < kMost && PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE | PM_QS_PAINT);
-         ++i)
-        DispatchMessageA(&message);
 }
 
 } // namespace
@@ -75,8 +46,8 @@ frmSetup::frmSetup(const ProgramPaths& paths, bool told)
       file_(paths.programPath),
       told_(told),
       editor_(Load(file_, load_)),
-      baseFrame_(kBase, editor_, paths.programPath),
-      pluginFrame_(kPlugin, editor_, paths.programPath),
+      baseFrame_(EntryList::BaseComponents, editor_, paths.programPath),
+      pluginFrame_(EntryList::Plugins, editor_, paths.programPath),
       logoSmall_(IDR_LOGO_SMALL) {}
 
 void frmSetup::Show() {
@@ -148,17 +119,16 @@ void frmSetup::FollowSize() {
             IDC_TXT_BASE_PLUGIN, IDC_TXT_BASE_PLUGIN + kAddress, IDC_TXT_BASE_PLUGIN + kChecksum,
             IDC_LBL_STATE});
     follow(clsLayout::kMoveX, {IDC_IMG_SETUP_LOGO, IDC_CMD_APPLY, IDC_CMD_DISCARD, IDCANCEL});
-    for (std::size_t index = 0; index < kEntryButtons.size(); ++index) {
-        if (kEntryButtons.at(index).action != Action::Browse)
-            follow(clsLayout::kMoveX, {IDC_CMD_BUTTONS + static_cast<int>(index)});
+    for (const EntryButton& button : EntryButtons()) {
+        if (button.action != EntryAction::Browse)
+            follow(clsLayout::kMoveX, {EntryButtonId(button.list, button.action)});
     }
 }
 
 void frmSetup::AddTips() {
-    for (std::size_t index = 0; index < kEntryButtons.size(); ++index) {
-        const Action action = kEntryButtons.at(index).action;
-        if (action == Action::MoveUp || action == Action::MoveDown)
-            tips_.Add(IDC_CMD_BUTTONS + static_cast<int>(index), LPSTR_TEXTCALLBACKA);
+    for (const EntryList list : {EntryList::BaseComponents, EntryList::Plugins}) {
+        for (const EntryAction action : {EntryAction::MoveUp, EntryAction::MoveDown})
+            tips_.Add(EntryButtonId(list, action), LPSTR_TEXTCALLBACKA);
     }
     tips_.Add(IDC_TXT_FOLDER, "Name of the folder that a build makes in the installation path");
     tips_.Add(IDC_CMD_CHECK, "Lists what would go wrong in a build");
@@ -197,7 +167,7 @@ void frmSetup::EnableWhatWorks() {
 }
 
 void frmSetup::GoTo(const EntryPlace& place) {
-    (place.list == EntryList::Plugins ? pluginFrame_ : baseFrame_).GoTo(place.index);
+    FrameOf(place.list).GoTo(place.index);
 }
 
 /// The editor's own messages were two, about a removal. Those around a save came later: nothing
@@ -261,9 +231,8 @@ void frmSetup::Form_QueryUnload() {
 }
 
 void frmSetup::cmdButtons_Click(int index) {
-    const EntryButton& button = kEntryButtons.at(static_cast<std::size_t>(index));
-    clsEntryFrame& frame = button.frame == kPlugin ? pluginFrame_ : baseFrame_;
-    if (frame.Do(button.action)) {
+    const EntryButton& button = EntryButtons()[static_cast<std::size_t>(index)];
+    if (FrameOf(button.list).Do(button.action)) {
         movedBy_ = Control(IDC_CMD_BUTTONS + index);
         SetTimer(Window(), kTimer1, kTipDelay, nullptr);
     }
@@ -334,9 +303,8 @@ bool frmSetup::OnField(int id, int notification) {
 }
 
 void frmSetup::OnClick(int id) {
-    const int entryButton = id - IDC_CMD_BUTTONS;
-    if (entryButton >= 0 && entryButton < static_cast<int>(kEntryButtons.size()))
-        return cmdButtons_Click(entryButton);
+    if (EntryButtonOf(id))
+        return cmdButtons_Click(id - IDC_CMD_BUTTONS);
     if (id == IDC_CMD_CHECK)
         return cmdCheck_Click();
     if (id == IDC_CMD_CATEGORIES)
@@ -356,13 +324,17 @@ void frmSetup::OnCommand(int id, int notification) {
 }
 
 void frmSetup::AnswerTip(NMHDR& header) {
-    const int id = GetDlgCtrlID(reinterpret_cast<HWND>(header.idFrom));
-    const auto index = static_cast<std::size_t>(id - IDC_CMD_BUTTONS);
-    if (index >= kEntryButtons.size())
+    const auto* const button = EntryButtonOf(GetDlgCtrlID(reinterpret_cast<HWND>(header.idFrom)));
+    if (!button)
         return;
-    const bool plugins = kEntryButtons.at(index).frame == kPlugin;
-    tipText_ = (plugins ? pluginFrame_ : baseFrame_).PlaceText();
+    tipText_ = FrameOf(button->list).PlaceText();
     reinterpret_cast<NMTTDISPINFOA&>(header).lpszText = tipText_.data();
+}
+
+void frmSetup::LimitSize(MINMAXINFO& info) const {
+    layout_.LimitSize(info);
+    if (info.ptMinTrackSize.y > 0) // there is nothing that more height would show
+        info.ptMaxTrackSize.y = info.ptMinTrackSize.y;
 }
 
 INT_PTR frmSetup::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
@@ -383,13 +355,9 @@ INT_PTR frmSetup::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
     case WM_SIZE:
         layout_.OnSize();
         return TRUE;
-    case WM_GETMINMAXINFO: {
-        auto& info = *reinterpret_cast<MINMAXINFO*>(lparam);
-        layout_.LimitSize(info);
-        if (info.ptMinTrackSize.y > 0) // there is nothing that more height would show
-            info.ptMaxTrackSize.y = info.ptMinTrackSize.y;
+    case WM_GETMINMAXINFO:
+        LimitSize(*reinterpret_cast<MINMAXINFO*>(lparam));
         return TRUE;
-    }
     case WM_CLOSE:
         Form_QueryUnload();
         return TRUE;
@@ -398,6 +366,14 @@ INT_PTR frmSetup::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
     case WM_DESTROY:
         PostQuitMessage(0);
         return TRUE;
+    default:
+        return HandlePainting(message, wparam, lparam);
+    }
+}
+
+/// The white upper part with its texts and its picture.
+INT_PTR frmSetup::HandlePainting(UINT message, WPARAM wparam, LPARAM lparam) {
+    switch (message) {
     case WM_ERASEBKGND:
         return Answer(PaintBand(Window(), reinterpret_cast<HDC>(wparam), kBandHeight));
     case WM_CTLCOLORSTATIC:

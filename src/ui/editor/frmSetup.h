@@ -6,8 +6,8 @@
 #include "ui/editor/clsEntryFrame.h"
 #include "ui/kit/clsDialog.h"
 #include "ui/kit/clsLayout.h"
+#include "ui/kit/clsPictureView.h"
 #include "ui/kit/clsToolTips.h"
-#include "ui/kit/modPicture.h"
 #include "ui/kit/modWindow.h"
 
 #include <string>
@@ -26,6 +26,8 @@ public:
 
 private:
     INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;
+    INT_PTR HandlePainting(UINT message, WPARAM wparam, LPARAM lparam);
+    void LimitSize(MINMAXINFO& info) const;
     void Form_Load();
     void Form_QueryUnload();
     void ShowPlaceTip();
@@ -43,6 +45,9 @@ private:
     void ExplainCatalogue() const;
     [[nodiscard]] bool RefuseWhatIsLost();
     void GoTo(const EntryPlace& place);
+    clsEntryFrame& FrameOf(EntryList list) {
+        return list == EntryList::Plugins ? pluginFrame_ : baseFrame_;
+    }
     void FollowSize();
     void AddTips();
     void ShowAll();

@@ -1,7 +1,7 @@
 #include "ui/kit/clsDialog.h"
 
 #include "base/modSystemError.h"
-#include "ui/kit/modDialogTemplate.h"
+#include "ui/kit/clsDialogTemplate.h"
 #include "ui/kit/modResolution.h"
 #include "ui/kit/modTitleBar.h"
 #include "ui/kit/modWindow.h"
@@ -20,7 +20,7 @@ clsDialog::~clsDialog() {
 }
 
 void clsDialog::Create(HWND owner, int resourceId) {
-    const DialogTemplate dialog(resourceId, owner);
+    const clsDialogTemplate dialog(resourceId, owner);
     points_ = dialog.Points();
     if (!CreateDialogIndirectParamW(ProgramInstance(), dialog.Get(), owner, Procedure,
                                     reinterpret_cast<LPARAM>(this)))
@@ -30,7 +30,7 @@ void clsDialog::Create(HWND owner, int resourceId) {
 }
 
 INT_PTR clsDialog::RunModal(HWND owner, int resourceId) {
-    const DialogTemplate dialog(resourceId, owner);
+    const clsDialogTemplate dialog(resourceId, owner);
     points_ = dialog.Points();
     const INT_PTR result = DialogBoxIndirectParamW(ProgramInstance(), dialog.Get(), owner,
                                                    Procedure, reinterpret_cast<LPARAM>(this));

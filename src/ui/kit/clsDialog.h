@@ -30,6 +30,7 @@ public:
     /// The window; null before it is created and after it is gone.
     [[nodiscard]] HWND Window() const { return window_; }
 
+    /// A control by its number; null when there is none.
     [[nodiscard]] HWND Control(int id) const { return GetDlgItem(window_, id); }
 
 protected:

@@ -14,6 +14,7 @@ public:
     /// @param list a list view; may be destroyed first
     void Attach(HWND list, std::string text);
 
+    /// Changes the sentence; an empty one shows nothing.
     void SetNote(const std::string& text);
 
 private:

@@ -53,6 +53,7 @@ public:
     /// Selects a line and brings it into sight; kNone takes the selection away.
     void Select(int line) const;
 
+    /// Copies the selected lines, or all when none is, to the clipboard.
     void Copy() const;
 
     /// Answers the list's questions for texts. @return true when the notification was one

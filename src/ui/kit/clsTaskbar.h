@@ -18,6 +18,7 @@ public:
     /// then. @param window a top-level window
     explicit clsTaskbar(HWND window) : window_(window) {}
 
+    /// Shows how much of a total is done; nothing changes with a total of 0.
     void SetProgress(std::size_t done, std::size_t total);
 
     /// Shows that the work stopped because something went wrong.

@@ -234,4 +234,12 @@ GdiHandle FontInFace(HFONT font, const std::string& face) {
     return GdiHandle(CreateFontIndirectA(&description));
 }
 
+void LetWindowsPaint() {
+    constexpr int kMost = 50; // a window that does not paint itself would ask for ever
+    MSG message{};
+    for (int i = 0; i < kMost && PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE | PM_QS_PAINT);
+         ++i)
+        DispatchMessageA(&message);
+}
+
 } // namespace vesk

@@ -11,6 +11,7 @@
 /// Small helpers for windows, dialogs and their controls.
 namespace vesk {
 
+/// Owners of what GDI and menus hand out.
 using GdiHandle = UniqueHandle<::DeleteObject, HGDIOBJ>;
 using DeviceContext = UniqueHandle<::DeleteDC, HDC>;
 using MenuHandle = UniqueHandle<::DestroyMenu, HMENU>;
@@ -21,6 +22,8 @@ HINSTANCE ProgramInstance();
 /// Text of a window or control, whatever its length. A letter that the code page lacks becomes a
 /// "?", because a similar letter would make another name, and no name has a "?".
 std::string TextOf(HWND window);
+
+/// The same text as it is.
 std::wstring WideTextOf(HWND window);
 
 /// True when the text has letters that TextOf cannot give.
@@ -86,6 +89,8 @@ void SetComboItems(HWND combo, const std::vector<std::string>& items);
 
 /// Number of a combo box's selected item; -1 for none.
 int ComboSelection(HWND combo);
+
+/// Selects an item by its number; -1 selects none.
 void SetComboSelection(HWND combo, int item);
 
 /// Gives a closed combo box this height.
@@ -94,6 +99,9 @@ void SetClosedHeight(HWND combo, LONG pixels);
 /// Makes a combo box as high as a text field: the system makes it as high as its font needs, which
 /// at high resolutions is less.
 void MatchHeight(HWND combo, HWND textField);
+
+/// Draws what is to be drawn while something takes long; keys and clicks wait for its end.
+void LetWindowsPaint();
 
 /// Shows the mouse pointer of a busy program for the length of a scope.
 class WaitCursor {

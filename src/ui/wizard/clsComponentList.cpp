@@ -1,7 +1,7 @@
 #include "ui/wizard/clsComponentList.h"
 
 #include "base/Failure.h"
-#include "ui/kit/ScopeFlag.h"
+#include "base/ScopeFlag.h"
 #include "ui/kit/modColumns.h"
 #include "ui/kit/modResolution.h"
 #include "ui/kit/modWindow.h"

@@ -1,6 +1,6 @@
 #include "ui/wizard/clsLogList.h"
 
-#include "build/modSaveLog.h"
+#include "build/modBuildRecord.h"
 #include "ui/kit/modClipboard.h"
 #include "ui/kit/modResolution.h"
 #include "ui/kit/modWindow.h"

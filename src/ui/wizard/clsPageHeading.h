@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/kit/modPicture.h"
+#include "ui/kit/clsPictureView.h"
 #include "ui/kit/modWindow.h"
 #include "ui/wizard/modNavigation.h"
 
@@ -21,6 +21,7 @@ public:
     /// the next page's heading.
     void MakeFonts();
 
+    /// Shows the headings and pictures of a page.
     void Show(Page page);
 
     /// Shows on the build page how a build has ended.

@@ -2,7 +2,7 @@
 
 #include "base/Failure.h"
 #include "base/Version.h"
-#include "build/modSaveLog.h"
+#include "build/modBuildRecord.h"
 #include "ui/kit/modWindow.h"
 #include "ui/wizard/frmPassword.h"
 #include "ui/wizard/frmProgress.h"

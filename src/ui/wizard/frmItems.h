@@ -17,6 +17,7 @@ public:
     /// @param archives outlives the dialog
     frmItems(const Catalogue& catalogue, const EntryPlace& place, clsProgramArchives& archives);
 
+    /// Shows the dialog and returns when it is closed. @throws Failure
     void Show(HWND owner);
 
 private:

@@ -15,6 +15,7 @@ public:
     /// @param problems outlive the dialog; at least one
     explicit frmProblems(const std::vector<Problem>& problems) : problems_(problems) {}
 
+    /// Shows the dialog and returns when it is closed. @throws Failure
     void Show(HWND owner);
 
 private:

@@ -1,6 +1,6 @@
 #include "ui/wizard/frmSelOS.h"
 
-#include "ui/kit/ScopeFlag.h"
+#include "base/ScopeFlag.h"
 #include "ui/kit/modWindow.h"
 #include "ui/resources/ids.h"
 

@@ -52,8 +52,10 @@ struct ClosingState {
     bool exitConfirmed = false; ///< The exit question was answered Yes.
 };
 
+/// What becomes of the wish to close; Ask: the exit question decides.
 enum class ClosingAnswer { Close, Refuse, Ask };
 
+/// Whether the wizard closes when the user or the system wants that.
 ClosingAnswer AnswerClosing(const ClosingState& state);
 
 } // namespace vesk

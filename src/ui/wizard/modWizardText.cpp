@@ -100,11 +100,6 @@ std::string DownloadDetail(const DownloadProgress& progress) {
     return wait;
 }
 
-std::string InstallFolderOf(const std::string& fieldText) {
-    const std::string folder = WithoutTrailingBackslash(TrimBlanks(fieldText));
-    return folder.size() == 2 && folder.back() == ':' ? folder + "\\" : folder;
-}
-
 std::string CategoryTitle(const Catalogue& catalogue, const CatalogueEntry& entry) {
     const CategoryRecord* const category = FindCategory(catalogue, entry.cat);
     return category == nullptr ? entry.cat : category->caption;

@@ -20,6 +20,8 @@ struct SummaryInputs {
     std::string sourceFolder;
     bool sourceValid = false;
 };
+
+/// The summary page's text.
 std::string SummaryText(const SummaryInputs& inputs);
 
 /// What is said before a build whose tree cannot be used, because PE Builder will not be in it;
@@ -42,10 +44,6 @@ std::string RateText(double bytesPerSecond, std::int64_t secondsLeft);
 
 /// What a download waits for; its RateText while bytes come.
 std::string DownloadDetail(const DownloadProgress& progress);
-
-/// The installation folder that a field's text means: without a trailing backslash, except for a
-/// whole drive, which without it would mean that drive's current folder.
-std::string InstallFolderOf(const std::string& fieldText);
 
 /// Title of the category that an entry belongs to; its key when the catalogue does not know it.
 std::string CategoryTitle(const Catalogue& catalogue, const CatalogueEntry& entry);

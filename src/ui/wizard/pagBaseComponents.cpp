@@ -42,7 +42,7 @@ void pagBaseComponents::OnCreated() {
     // Without a folder for programs there is no root, and "\VeskLive" would mean the current drive.
     if (!catalogue_.installRoot.empty())
         SetText(Control(IDC_TXT_PROG_PATH),
-                InstallFolderOf(catalogue_.installRoot + "\\" + catalogue_.installFolder));
+                TypedFolder(catalogue_.installRoot + "\\" + catalogue_.installFolder));
     Follow(clsLayout::kGrowX | clsLayout::kGrowY, {IDC_PIC_FRAME1});
     Follow(clsLayout::kMoveX, {IDC_CMD_BASE_DETAILS});
     Follow(clsLayout::kMoveY, {IDC_LBL_PROG_PATH, IDC_LBL_WIN_PATH});
@@ -61,7 +61,7 @@ void pagBaseComponents::RequireUsableLetters() const {
 }
 
 std::string pagBaseComponents::InstallFolder() const {
-    return InstallFolderOf(TextOf(Control(IDC_TXT_PROG_PATH)));
+    return TypedFolder(TextOf(Control(IDC_TXT_PROG_PATH)));
 }
 
 std::string pagBaseComponents::SourceFolder() const {
@@ -109,7 +109,7 @@ void pagBaseComponents::cmdProgPath_Click() {
         frmBrowse(GetAncestor(Window(), GA_ROOT))
             .ChooseFolder("Choose the folder to build into", NearestFolder(InstallFolder()));
     if (!folder.empty())
-        ShowInstallFolder(InstallFolderOf(folder));
+        ShowInstallFolder(TypedFolder(folder));
 }
 
 void pagBaseComponents::cmdWinPath_Click() {

@@ -16,8 +16,13 @@ public:
     /// @param log outlives the page
     pagBuild(HWND wizard, const clsBuildLog& log, const std::string& programPath);
 
+    /// The list that shows the log.
     clsLogList& LogList() { return list_; }
+
+    /// Shows what is being done, in a few words.
     void SetStatus(const std::string& caption);
+
+    /// Shows on the bar how much of a total is done.
     void SetProgress(std::size_t done, std::size_t total);
 
     /// Shows that the run is over: the status is no action any more, and the log stands at its

@@ -12,6 +12,7 @@ class pagSummary : public clsDialog {
 public:
     explicit pagSummary(HWND wizard);
 
+    /// Shows a text, lines ended by CR LF.
     void SetSummary(const std::string& text);
 
     /// Shows a warning above the summary; an empty text takes it away.

@@ -14,6 +14,7 @@ class pagWelcome : public clsDialog {
 public:
     explicit pagWelcome(HWND wizard);
 
+    /// Shows a text, lines ended by CR LF; addresses in it become links.
     void SetWelcomeText(const std::string& text);
 
 private:

@@ -39,7 +39,7 @@ struct FolderLevel {
 };
 
 /// Reads levels. One reader looks at each folder once, so it answers for one moment only.
-class FolderReader {
+class clsFolderReader {
 public:
     /// A folder and the folders above it, the folder first. @param folder absolute path
     std::vector<FolderLevel> WayUp(const std::wstring& folder);

@@ -1,4 +1,4 @@
-#include "ui/kit/modProgramVersion.h"
+#include "ui/kit/modVersions.h"
 
 #include "base/modFileVersion.h"
 

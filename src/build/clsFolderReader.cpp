@@ -1,4 +1,4 @@
-#include "build/modFolderLevels.h"
+#include "build/clsFolderReader.h"
 
 #include "base/RealPath.h"
 #include "base/UniqueHandle.h"
@@ -75,7 +75,7 @@ std::vector<FolderLevel> ClimbOutside(const std::wstring& root) {
 
 } // namespace
 
-const FolderLevel& FolderReader::LevelOf(const std::wstring& path) {
+const FolderLevel& clsFolderReader::LevelOf(const std::wstring& path) {
     const auto known = levels_.find(path);
     if (known != levels_.end())
         return known->second;
@@ -84,13 +84,13 @@ const FolderLevel& FolderReader::LevelOf(const std::wstring& path) {
     return levels_.emplace(path, std::move(level)).first->second;
 }
 
-const std::vector<FolderLevel>& FolderReader::AboveRoot(const std::wstring& root) {
+const std::vector<FolderLevel>& clsFolderReader::AboveRoot(const std::wstring& root) {
     const auto known = aboveRoots_.find(root);
     return known != aboveRoots_.end() ? known->second
                                       : aboveRoots_.emplace(root, ClimbOutside(root)).first->second;
 }
 
-std::vector<FolderLevel> FolderReader::WayUp(const std::wstring& folder) {
+std::vector<FolderLevel> clsFolderReader::WayUp(const std::wstring& folder) {
     std::wstring path = folder;
     const std::size_t root = RootLength(path);
     while (path.size() > root && path.back() == L'\\')
@@ -104,7 +104,7 @@ std::vector<FolderLevel> FolderReader::WayUp(const std::wstring& folder) {
     }
 }
 
-std::vector<std::vector<FolderLevel>> FolderReader::WaysUp(const std::string& folder) {
+std::vector<std::vector<FolderLevel>> clsFolderReader::WaysUp(const std::string& folder) {
     std::vector<std::vector<FolderLevel>> ways{WayUp(Widen(folder))};
     const std::wstring real = RealPath(ways[0].front().path);
     if (!IsSamePath(real, ways[0].front().path))

@@ -1,4 +1,4 @@
-#include "build/modSaveLog.h"
+#include "build/modBuildRecord.h"
 
 #include "base/modFile.h"
 #include "build/clsBuildLog.h"

@@ -1,4 +1,4 @@
-#include "ui/kit/modDialogTemplate.h"
+#include "ui/kit/clsDialogTemplate.h"
 
 #include "base/modSystemError.h"
 #include "ui/kit/clsDialogScale.h"
@@ -156,7 +156,7 @@ const std::uint8_t* SkipFont(const std::uint8_t* at) {
 
 } // namespace
 
-DialogTemplate::DialogTemplate(int resourceId, HWND owner) {
+clsDialogTemplate::clsDialogTemplate(int resourceId, HWND owner) {
     const HRSRC found = FindResourceA(ProgramInstance(), MAKEINTRESOURCEA(resourceId), RT_DIALOG);
     if (!found)
         ThrowLastError("find dialog", std::to_string(resourceId));

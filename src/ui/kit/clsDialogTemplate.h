@@ -11,11 +11,11 @@ namespace vesk {
 /// user's system uses for its messages: dialog units, and with them every measure of the dialog,
 /// follow that font and the screen's resolution. Where the dialog would then not fit on the
 /// screen, the font is as much smaller as it takes. A page has the font of the dialog around it.
-class DialogTemplate {
+class clsDialogTemplate {
 public:
     /// @param owner of the dialog, or the dialog that a page belongs to; may be null
     /// @throws Failure when there is no such dialog
-    DialogTemplate(int resourceId, HWND owner);
+    clsDialogTemplate(int resourceId, HWND owner);
 
     [[nodiscard]] LPCDLGTEMPLATEW Get() const {
         return reinterpret_cast<LPCDLGTEMPLATEW>(words_.data());
