@@ -137,8 +137,13 @@ class SaidTest(ProgramTest):
     """Compares what all runs of a test say and return with tests/data/said: "$" what was called,
     "!" the error output, "=" the exit code."""
 
+    def skipTest(self, reason):
+        self.transcript = None
+        super().skipTest(reason)
+
     def tearDown(self):
-        compare(self, f"said/{self._testMethodName.removeprefix('test_')}.txt", self.transcript)
+        if self.transcript is not None:
+            compare(self, f"said/{self._testMethodName.removeprefix('test_')}.txt", self.transcript)
 
 
 class SampleTest(ProgramTest):
