@@ -8,13 +8,12 @@ the guarded places lie on it too: where a guard fails, that folder is all that i
 import os
 import pathlib
 import shutil
-import subprocess
 import sys
 import tempfile
 import unittest
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "e2e"))
-from program import link_drive  # noqa: E402
+from program import link_drive, run_in_wine  # noqa: E402
 
 TOOL, *WINE = sys.argv[1:]
 
@@ -63,10 +62,9 @@ class InstallFolder(unittest.TestCase):
 
     def outcomes(self, spellings):
         text = "".join(self.fill(spelling) + "\r\n" for spelling in spellings)
-        result = subprocess.run(
-            [*WINE, TOOL, self.drive], input=text.encode("cp1252"), capture_output=True, timeout=100,
-            cwd=self.folder / "work/sub", check=False)
-        lines = result.stdout.decode("cp1252").splitlines()
+        result = run_in_wine([*WINE, TOOL, self.drive], input=text.encode("cp1252"), encoding="cp1252",
+                             cwd=self.folder / "work/sub")
+        lines = result.stdout.splitlines()
         self.assertEqual(len(lines), len(spellings), result.stderr)
         return list(zip(spellings, lines))
 

@@ -5,13 +5,12 @@ to be. The manifests follow from the recipes below; they are not what the progra
 import hashlib
 import os
 import shutil
-import subprocess
 import sys
 import time
 import unittest
 from zipfile import ZIP_LZMA, ZIP_STORED
 
-from fixtures import TOP, Member, compare, windows_path
+from fixtures import TOP, Member, compare, run_whole, windows_path
 from manifest import (forget_registry, registry_lines, remove_folder, shortcut_lines, tree_lines)
 from program import ProgramTest
 
@@ -175,7 +174,7 @@ class Builds(ProgramTest):
     def test_sample(self):
         """The sample has every stock plug-in."""
         sample = self.folder / "sample"
-        subprocess.run([sys.executable, TOP / "sample/make_sample.py", sample], check=True)
+        run_whole([sys.executable, TOP / "sample/make_sample.py", sample])
         for file in [*(sample / "program").iterdir(), sample / "server/hexview.zip"]:
             shutil.copy(file, self.program)
         self.build_and_compare("sample", "--install", self.windows_tree, "--source",

@@ -7,13 +7,13 @@ import os
 import pathlib
 import re
 import shutil
-import subprocess
 import sys
 import tempfile
 import unittest
 
 sys.path.append(str(pathlib.Path(__file__).resolve().parents[1]))
-from fixtures import TOP, Member, compare, crc_of, windows_path, write_archive, write_catalogue  # noqa: E402
+from fixtures import (TOP, Member, compare, crc_of, run_in_wine, run_whole, windows_path,  # noqa: E402
+                      write_archive, write_catalogue)
 
 PROGRAMS = pathlib.Path(sys.argv[1])
 WINE = sys.argv[2:]
@@ -62,15 +62,7 @@ class ProgramTest(unittest.TestCase):
     def run_program(self, *arguments, cwd=None, zone=None):
         """Returns exit code, lines of the output, and the error output."""
         environment = dict(os.environ, TZ=zone) if zone else None
-        start = lambda: subprocess.run(
-            self.command(*arguments), env=environment, stdin=subprocess.DEVNULL, capture_output=True,
-            timeout=60, encoding="cp1252", cwd=cwd)
-        result = start()
-        # On a busy machine Wine's server ends a process now and then, with 1 and without a word. The
-        # program says something whenever it returns 1, and if it did not it would do so again.
-        if result.returncode == 1 and not result.stdout and not result.stderr:
-            print("left out: a run that Wine ended", file=sys.stderr)
-            result = start()
+        result = run_in_wine(self.command(*arguments), env=environment, timeout=60, encoding="cp1252", cwd=cwd)
         # Wine itself complains that Z: has no volume label.
         errors = [line for line in result.stderr.splitlines(True) if not line.startswith("wine: ")]
         self.said = (f"arguments {arguments}\nexit code {result.returncode}\n{result.stderr}"
@@ -152,7 +144,7 @@ class SampleTest(ProgramTest):
     def setUp(self):
         super().setUp()
         self.sample = self.folder / "sample"
-        subprocess.run([sys.executable, TOP / "sample/make_sample.py", self.sample], check=True)
+        run_whole([sys.executable, TOP / "sample/make_sample.py", self.sample])
         for file in (self.sample / "program").iterdir():
             shutil.copy(file, self.program)
         shutil.copy(self.sample / "server/hexview.zip", self.program)

@@ -14,7 +14,7 @@ import time
 import unittest
 import zlib
 
-from fixtures import mount_disk, unmount_disk, windows_path
+from fixtures import mount_disk, run_in_wine, unmount_disk, windows_path
 from peers import Nginx, ScriptedServer, Tinyproxy, answer, free_port, reset
 
 WINE, TOOL = sys.argv[1:]
@@ -69,8 +69,7 @@ class Peers(unittest.TestCase):
 
     @staticmethod
     def run_tool(*arguments):
-        run = subprocess.run([WINE, TOOL, *map(str, arguments)], timeout=100, check=True,
-                             stdin=subprocess.DEVNULL, capture_output=True)
+        run = run_in_wine([WINE, TOOL, *map(str, arguments)], check=True)
         return run.stdout.decode("latin-1").replace("\r", "").splitlines()
 
     def run_sessions(self, proxy, downloads, timeout=20):
