@@ -26,12 +26,16 @@ CHANGING = (  # what of a line depends on the day, the machine or the version
     (r"process \d+", "process {NUMBER}"),
 )
 
+# The Wine prefix that programs run in. On Windows itself there is none.
+PREFIX = TOP / "build/wine" / os.environ.get(
+    "VESK_PREFIX", "test32" if WINE and WINE[0].endswith("wine32") else "test")
+START_MENU = PREFIX / "drive_c/ProgramData/Microsoft/Windows/Start Menu/Programs/Vesk Builder"
+
+
 def link_drive(test, folder):
     """Gives a test a drive that is the folder. Another test may take a letter at the same time."""
-    default = "test32" if WINE[0].endswith("wine32") else "test"
-    prefix = TOP / "build/wine" / os.environ.get("VESK_PREFIX", default)
     for letter in "tuvwxyrsqponmlkji":
-        link = prefix / "dosdevices" / f"{letter}:"
+        link = PREFIX / "dosdevices" / f"{letter}:"
         try:
             os.symlink(folder, link)
         except FileExistsError:
