@@ -112,8 +112,14 @@ def mount_disk(place, size):
 
 
 def unmount_disk(place):
-    while place.is_mount():
-        subprocess.run(["umount", place], check=True)
+    """Something may look into it just now: that is waited for."""
+    for _ in range(5):
+        if not place.is_mount():
+            return
+        if subprocess.run(["umount", place], capture_output=True, check=False).returncode:
+            time.sleep(0.2)
+    if place.is_mount():
+        run_whole(["umount", place])
 
 
 def run_in_wine(command, check=False, **options):
@@ -172,17 +178,24 @@ def run_on_a_terminal(test, command, react, **streams):
     streams = {"stdin": program_side, "stdout": subprocess.DEVNULL, "stderr": program_side} | streams
     process = subprocess.Popen(command, start_new_session=True, **streams)
     os.close(program_side)
+
+    def read(seconds):
+        """@return nothing when nothing comes or the other side is closed"""
+        try:
+            return os.read(terminal, 65536) if select.select([terminal], [], [], seconds)[0] else b""
+        except OSError:
+            return b""
+
     shown, deadline = b"", time.monotonic() + 60
     while process.poll() is None and time.monotonic() < deadline:
-        if select.select([terminal], [], [], 0.02)[0]:
-            try:
-                shown += os.read(terminal, 65536)
-            except OSError:
-                break  # the other side is closed
+        shown += read(0.02)
         react(process, shown, terminal)
-    if time.monotonic() >= deadline:
+    if process.poll() is None:
         process.kill()
-    return process.wait(60), shown
+    code = process.wait(60)
+    while rest := read(0.1):
+        shown += rest
+    return code, shown
 
 
 def compare(test, path, found):
