@@ -93,11 +93,10 @@ class Builder:
         self.server.server_close()
 
     def build(self, fault, **options):
-        """As build_once. On a busy machine Wine ends a process now and then before it has begun, with 1
-        and without a word, or loses its exit code; the program would do so again."""
+        """As build_once. On a busy machine Wine ends a process now and then, with 1 and without a report,
+        or loses its exit code; the program would do so again."""
         run = self.build_once(fault, **options)
-        if (run.code == 1 and not (run.lines or run.errors or run.calls)) or (
-                run.code == 0 and run.errors):
+        if run.code == 1 and not run.calls or run.code == 0 and run.errors:
             print("left out: a run that Wine ended", file=sys.stderr)
             run = self.build_once(fault, **options)
         return run
