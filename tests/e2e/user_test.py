@@ -26,8 +26,9 @@ def become_user():
         leave("there is no setpriv")
     subprocess.run([top / "tools/wine-prefix", "--user"], check=True, stdout=subprocess.DEVNULL)
     user = ["setpriv", f"--reuid={USER}", "--regid=nogroup", "--clear-groups"]
-    if subprocess.run([*user, "test", "-r", __file__], check=False).returncode:
-        leave(f'the user "{USER}" may not read the project')
+    if subprocess.run([*user, sys.executable, "-c", f"open({__file__!r})"], check=False,
+                      capture_output=True).returncode:
+        leave(f'the user "{USER}" may not read the project or run {sys.executable}')
     home = top / "build/wine/user/drive_c/users" / USER
     environment = dict(os.environ, HOME=str(home), VESK_PREFIX="user", USER=USER)
     environment.pop("DISPLAY", None)  # root's, with root's key
