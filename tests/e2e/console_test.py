@@ -9,7 +9,7 @@ import subprocess
 import unittest
 
 from fixtures import Member, windows_path, write_catalogue
-from program import SaidTest, contents_below, run_in_wine
+from program import START_MENU, WINE, SaidTest, contents_below, run_in_wine
 
 
 class Console(SaidTest):
@@ -142,6 +142,21 @@ class Console(SaidTest):
                 self.assertEqual(contents_below(outside), {"kept.txt": b"x"})
                 shutil.rmtree(self.tree)
         self.transcript.clear()  # it depends on the system
+
+    @unittest.skipUnless(WINE, "it would take the place of the user's own start menu")
+    def test_a_link_in_place_of_the_start_menus_folder(self):
+        """Wine cannot remove it, so no shortcut may be made behind it."""
+        outside = self.folder / "outside"
+        outside.mkdir()
+        (outside / "kept.txt").write_text("x")
+        if START_MENU.is_dir() and not START_MENU.is_symlink():
+            shutil.rmtree(START_MENU)
+        START_MENU.unlink(missing_ok=True)
+        START_MENU.symlink_to(outside)
+        self.addCleanup(START_MENU.unlink)
+        self.build()
+        self.assertTrue(START_MENU.is_symlink())
+        self.assertEqual(contents_below(outside), {"kept.txt": b"x"})
 
 
 if __name__ == "__main__":
