@@ -91,10 +91,13 @@ class Killed:
 
     @staticmethod
     def await_change(process, folder):
-        """Its time is another from the first file on that is made in it. @return whether one was"""
-        before, end = folder.stat().st_mtime_ns, time.monotonic() + 30
+        """@return whether a file was made in a folder, or its catalogue written"""
+        def times():
+            return [path.stat().st_mtime_ns for path in (folder, folder / "veskbuilder.ini")]
+
+        before, end = times(), time.monotonic() + 30
         while process.poll() is None and time.monotonic() < end:
-            if folder.stat().st_mtime_ns != before:
+            if times() != before:
                 return True
             time.sleep(0.001)
         return False
