@@ -32,7 +32,8 @@ BLOCKS = (TESTS / "data/refused_folders.txt").read_text("utf-8").split("=> ")[1:
 REFUSED = [(spelling, words) for words, *spellings in (block.rstrip("\n").split("\n") for block in BLOCKS)
            for spelling in spellings] + [
     ("", "No installation folder is given"), (" ", "No installation folder is given"),
-    ("\t", "a control character"), ("x" * 300, "path is too long"), ("{D}\\" + "long\\" * 60, "path is too long")]
+    ("\t", "a control character"), ("x" * 300, "path is too long"),
+    ("{D}\\" + "long\\" * 60, "path is too long")]
 
 EMPTIED = {r"{D}\tree": r"{D}\tree", "{D}/tree/": r"{D}\tree", r" {D}\tree\\ ": r"{D}\tree",
            r"{D}\work\..\tree": r"{D}\tree", "tree": r"{D}\work\sub\tree",
