@@ -22,12 +22,17 @@ class Handler(http.server.SimpleHTTPRequestHandler):
         pass
 
 
-def main(folder):
+def server_of(folder, port=0):
+    """A server that does not run yet; port 0 means a free one."""
     handler = functools.partial(Handler, directory=folder)
+    return http.server.ThreadingHTTPServer(("127.0.0.1", port), handler)
+
+
+def main(folder):
     try:
-        server = http.server.ThreadingHTTPServer(("127.0.0.1", 80), handler)
+        server = server_of(folder, 80)
     except OSError:
-        server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), handler)
+        server = server_of(folder)
     print(server.server_port, flush=True)
     server.serve_forever()
 

@@ -5,6 +5,7 @@ What a test leaves out is said in a line of its own, which `./test` gathers. Sta
 left out.
 """
 
+import os
 import runpy
 import sys
 import unittest
@@ -25,6 +26,7 @@ def add_skip(result, test, reason, plain=unittest.TestResult.addSkip):
 
 if __name__ == "__main__":
     unittest.TestResult.startTest, unittest.TestResult.addSkip = start_test, add_skip
+    os.environ["LC_ALL"] = "C.UTF-8"  # what Wine says, dates and digits in it, is compared
     sys.argv = sys.argv[1:]
     sys.path.insert(0, sys.argv[0].rpartition("/")[0])  # before that of tests/ itself
     try:

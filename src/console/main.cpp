@@ -254,6 +254,7 @@ int Main(int count, const wchar_t* const* words) {
         SetTraceSink(
             [](const std::string& line) { OutputDebugStringA(("vesk: " + line).c_str()); });
     try {
+        PrepareProcess();
         const ConsoleOptions options = ParseOptions(Arguments(count, words));
         clsTerminal terminal(options.quiet);
         return RunAction(options, terminal);
@@ -275,7 +276,6 @@ int Main(int count, const wchar_t* const* words) {
 
 int wmain(int count, wchar_t** words) {
     vesk::LoadFromSystemOnly();
-    vesk::PrepareProcess();
     vesk::OnMissingLibrary([](const char* library) {
         std::fprintf(stderr, "veskbuild: the program itself failed: %s cannot be loaded\n",
                      library);

@@ -112,9 +112,9 @@ int Main(const char* commandLine) {
 
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR lpCmdLine, int) {
     vesk::LoadFromSystemOnly();
-    vesk::PrepareProcess();
     vesk::OnMissingLibrary([](const char* library) { FatalAppExitA(0, library); });
     try {
+        vesk::PrepareProcess();
         return vesk::Main(lpCmdLine);
     } catch (const std::exception& failure) {
         vesk::ShowMessage(nullptr, vesk::AsSentence(failure.what()), vesk::kProductName,

@@ -15,14 +15,14 @@ from datetime import datetime, timedelta, timezone
 from pathlib import Path
 from xml.etree import ElementTree
 
-from fixtures import windows_path
+from fixtures import run_in_wine, run_whole, windows_path
 
 TOOL = []
 ENV = {**os.environ, "LC_ALL": "C.UTF-8"}  # in which zip knows what characters names are made of
 
 
 def run(*command, **options):
-    subprocess.run(command, check=True, env=ENV, stdin=subprocess.DEVNULL, timeout=100, **options)
+    run_whole(command, env=ENV, stdin=subprocess.DEVNULL, timeout=100, **options)
 
 
 def tree_of(folder):
@@ -66,17 +66,11 @@ class PeersTest(unittest.TestCase):
             self.skipTest("gcab is missing")
         self.archive = self.top / "x.cab"
         files = [path.relative_to(self.source) for path in self.source.rglob("*") if path.is_file()]
-        run("gcab", "-c", *options, self.archive, *files, cwd=self.source,
-            stdout=subprocess.DEVNULL)
+        run("gcab", "-c", *options, self.archive, *files, cwd=self.source)
 
     def run_tool(self, *arguments, zone=None):
-        # Not through a pipe: Wine's servers would hold it open for seconds after the tool's end.
-        with open(self.top / "output", "w+", encoding="cp1252") as output:
-            subprocess.run([*TOOL, windows_path(self.archive), *arguments], check=True, timeout=100,
-                           stdin=subprocess.DEVNULL, stdout=output, stderr=subprocess.DEVNULL,
-                           env={**ENV, **({"TZ": zone} if zone else {})})
-            output.seek(0)
-            return output.read()
+        return run_in_wine([*TOOL, windows_path(self.archive), *arguments], check=True, encoding="cp1252",
+                           env={**ENV, **({"TZ": zone} if zone else {})}).stdout
 
     def extract(self, *password, zone=None):
         """Into a new folder. Returns what was told."""

@@ -8,13 +8,12 @@ the guarded places lie on it too: where a guard fails, that folder is all that i
 import os
 import pathlib
 import shutil
-import subprocess
 import sys
 import tempfile
 import unittest
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "e2e"))
-from program import link_drive  # noqa: E402
+from program import link_drive, run_in_wine  # noqa: E402
 
 TOOL, *WINE = sys.argv[1:]
 
@@ -26,10 +25,15 @@ KEPT = ["program/veskbuild.exe", "cd/I386/LAYOUT.INF", "Windows/system32/kernel.
         DEEP + "/file"]
 
 # {D} is the drive that all lies on; {S} one that leads to its Windows, {U} one to its users, {A} one
-# to the folder that {D} is in. The current folder is {D}\work\sub. Words of the reason follow "=>".
+# to the folder that {D} is in. The current folder is {D}\work\sub. Words of the reason stand above those
+# that are refused for it, behind "=>".
 TESTS = pathlib.Path(__file__).resolve().parents[1]
-REFUSED = (TESTS / "data/refused_folders.txt").read_text("utf-8").split("\n") + [
-    " ", "\t", "x" * 300, "{D}\\" + "long\\" * 60]
+BLOCKS = (TESTS / "data/refused_folders.txt").read_text("utf-8").split("=> ")[1:]
+REFUSED = [(spelling, words) for words, *spellings in (block.rstrip("\n").split("\n") for block in BLOCKS)
+           for spelling in spellings] + [
+    ("", "No installation folder is given"), (" ", "No installation folder is given"),
+    ("\t", "a control character"), ("x" * 300, "path is too long"),
+    ("{D}\\" + "long\\" * 60, "path is too long")]
 
 EMPTIED = {r"{D}\tree": r"{D}\tree", "{D}/tree/": r"{D}\tree", r" {D}\tree\\ ": r"{D}\tree",
            r"{D}\work\..\tree": r"{D}\tree", "tree": r"{D}\work\sub\tree",
@@ -63,10 +67,9 @@ class InstallFolder(unittest.TestCase):
 
     def outcomes(self, spellings):
         text = "".join(self.fill(spelling) + "\r\n" for spelling in spellings)
-        result = subprocess.run(
-            [*WINE, TOOL, self.drive], input=text.encode("cp1252"), capture_output=True, timeout=100,
-            cwd=self.folder / "work/sub", check=False)
-        lines = result.stdout.decode("cp1252").splitlines()
+        result = run_in_wine([*WINE, TOOL, self.drive], input=text.encode("cp1252"), encoding="cp1252",
+                             cwd=self.folder / "work/sub")
+        lines = result.stdout.splitlines()
         self.assertEqual(len(lines), len(spellings), result.stderr)
         return list(zip(spellings, lines))
 
@@ -76,11 +79,11 @@ class InstallFolder(unittest.TestCase):
     def test_refused(self):
         (self.folder / "tree").mkdir()
         (self.folder / "tree/kept.txt").write_text("x")
-        rows = [line.partition(" => ")[::2] for line in REFUSED]
-        for (_, words), (spelling, outcome) in zip(rows, self.outcomes([row[0] for row in rows])):
+        outcomes = self.outcomes([spelling for spelling, _ in REFUSED])
+        for (_, words), (spelling, outcome) in zip(REFUSED, outcomes):
             with self.subTest(spelling):
                 self.assertTrue(outcome.startswith("refused\t") and words in outcome, outcome)
-        self.assertGreater(len(REFUSED), 60)
+        self.assertGreater(len(REFUSED), 100)
         self.assert_all_there()
         self.assertTrue((self.folder / "tree/kept.txt").exists())
 

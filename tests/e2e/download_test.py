@@ -81,7 +81,9 @@ class Download(SaidTest):
             code, shown = run_on_a_terminal(self, self.command(*self.to_tree, *self.proxy), stop,
                                             stdin=subprocess.DEVNULL, stdout=log)
             log.seek(0)
-            self.note(code, log.read().splitlines(), "", "(stopped)")
+            lines = log.read().splitlines()
+            self.said = f"exit code {code}\n{shown}\n--- log\n" + "\n".join(lines)
+            self.note(code, lines, "", "(stopped)")
         self.assertEqual(self.archives(), {"pebuilder3110a.zip"})
         self.assertEqual(len(self.server.requests), 4)  # nothing after the one cancelled
         self.assertRegex(shown, HALF_DRAWN)

@@ -5,10 +5,9 @@ others: by what lies beside them, or by where things stand in memory."""
 
 import re
 import struct
-import subprocess
 import unittest
 
-from fixtures import TOP
+from fixtures import TOP, run_whole
 from program import PROGRAMS, SaidTest
 
 # What every Windows takes from its own folder, whatever lies beside a program: the libraries that it
@@ -46,8 +45,7 @@ class Loading(SaidTest):
         programs = sorted(PROGRAMS.parent.rglob("vesk*.exe"))
         self.assertEqual([path.name for path in programs], ["veskbuild.exe", "veskbuilder.exe"])
         for program in programs:
-            text = subprocess.run(["x86_64-w64-mingw32-objdump", "-ph", program], check=True,
-                                  capture_output=True, text=True).stdout
+            text = run_whole(["x86_64-w64-mingw32-objdump", "-ph", program]).stdout
             flags = int(re.search(r"DllCharacteristics\s+([0-9a-f]+)", text)[1], 16)
             with self.subTest(program.name):
                 wanted = set(FLAGS) - ({"HIGH_ENTROPY_VA"} if "pei-i386" in text else set())

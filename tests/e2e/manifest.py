@@ -13,10 +13,9 @@ the build's own is "now".
 import datetime
 import re
 import struct
-import subprocess
 import zlib
 
-from fixtures import windows_path
+from fixtures import run_in_wine, windows_path
 from program import WINE
 
 TEXTS = (".inf", ".ini", ".txt", ".cmd", ".script")
@@ -26,9 +25,8 @@ LONG = 30  # lines
 def attributes_of(folder):
     """Windows path below the folder to the letters that the system shows of its attributes. Not
     that for archiving: Wine shows it of every file."""
-    shown = subprocess.run([*WINE, "attrib", folder + "\\*", "/s", "/d"], capture_output=True,
-                           check=True, timeout=60).stdout.decode("cp850")
-    found = re.findall(r"^([A-Z ]{11})\s*(\S.*?)\r?$", shown, re.MULTILINE)
+    shown = run_in_wine([*WINE, "attrib", folder + "\\*", "/s", "/d"], check=True, encoding="cp850").stdout
+    found = re.findall(r"^([A-Z ]{11})\s*(\S.*)$", shown, re.MULTILINE)
     return {path[len(folder) + 1:].lower(): re.sub("[ A]", "", letters) for letters, path in found}
 
 
@@ -92,17 +90,15 @@ def shortcut_lines(links):
 
 
 def registry_lines(key):
-    asked = subprocess.run([*WINE, "reg", "query", key, "/s"], capture_output=True, check=False,
-                           timeout=60)
-    lines = asked.stdout.decode("cp850").splitlines() if asked.returncode == 0 else []
+    asked = run_in_wine([*WINE, "reg", "query", key, "/s"], encoding="cp850")
+    lines = asked.stdout.splitlines() if asked.returncode == 0 else []
     return [line.rstrip() for line in lines if line.strip()]
 
 
 def forget_registry(key):
-    subprocess.run([*WINE, "reg", "delete", key, "/f"], capture_output=True, check=False, timeout=60)
+    run_in_wine([*WINE, "reg", "delete", key, "/f"])
 
 
 def remove_folder(path):
     """Of the start menu: a folder of an earlier build would be deleted with a line of its own."""
-    subprocess.run([*WINE, "cmd", "/c", "rmdir", "/s", "/q", windows_path(path)],
-                   capture_output=True, check=False, timeout=60)
+    run_in_wine([*WINE, "cmd", "/c", "rmdir", "/s", "/q", windows_path(path)])

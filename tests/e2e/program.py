@@ -7,13 +7,13 @@ import os
 import pathlib
 import re
 import shutil
-import subprocess
 import sys
 import tempfile
 import unittest
 
 sys.path.append(str(pathlib.Path(__file__).resolve().parents[1]))
-from fixtures import TOP, Member, compare, crc_of, windows_path, write_archive, write_catalogue  # noqa: E402
+from fixtures import (TOP, Member, compare, crc_of, run_in_wine, run_whole, windows_path,  # noqa: E402
+                      write_archive, write_catalogue)
 
 PROGRAMS = pathlib.Path(sys.argv[1])
 WINE = sys.argv[2:]
@@ -26,12 +26,16 @@ CHANGING = (  # what of a line depends on the day, the machine or the version
     (r"process \d+", "process {NUMBER}"),
 )
 
+# The Wine prefix that programs run in. On Windows itself there is none.
+PREFIX = TOP / "build/wine" / os.environ.get(
+    "VESK_PREFIX", "test32" if WINE and WINE[0].endswith("wine32") else "test")
+START_MENU = PREFIX / "drive_c/ProgramData/Microsoft/Windows/Start Menu/Programs/Vesk Builder"
+
+
 def link_drive(test, folder):
     """Gives a test a drive that is the folder. Another test may take a letter at the same time."""
-    default = "test32" if WINE[0].endswith("wine32") else "test"
-    prefix = TOP / "build/wine" / os.environ.get("VESK_PREFIX", default)
     for letter in "tuvwxyrsqponmlkji":
-        link = prefix / "dosdevices" / f"{letter}:"
+        link = PREFIX / "dosdevices" / f"{letter}:"
         try:
             os.symlink(folder, link)
         except FileExistsError:
@@ -62,15 +66,7 @@ class ProgramTest(unittest.TestCase):
     def run_program(self, *arguments, cwd=None, zone=None):
         """Returns exit code, lines of the output, and the error output."""
         environment = dict(os.environ, TZ=zone) if zone else None
-        start = lambda: subprocess.run(
-            self.command(*arguments), env=environment, stdin=subprocess.DEVNULL, capture_output=True,
-            timeout=60, encoding="cp1252", cwd=cwd)
-        result = start()
-        # On a busy machine Wine's server ends a process now and then, with 1 and without a word. The
-        # program says something whenever it returns 1, and if it did not it would do so again.
-        if result.returncode == 1 and not result.stdout and not result.stderr:
-            print("left out: a run that Wine ended", file=sys.stderr)
-            result = start()
+        result = run_in_wine(self.command(*arguments), env=environment, timeout=60, encoding="cp1252", cwd=cwd)
         # Wine itself complains that Z: has no volume label.
         errors = [line for line in result.stderr.splitlines(True) if not line.startswith("wine: ")]
         self.said = (f"arguments {arguments}\nexit code {result.returncode}\n{result.stderr}"
@@ -137,8 +133,13 @@ class SaidTest(ProgramTest):
     """Compares what all runs of a test say and return with tests/data/said: "$" what was called,
     "!" the error output, "=" the exit code."""
 
+    def skipTest(self, reason):
+        self.transcript = None
+        super().skipTest(reason)
+
     def tearDown(self):
-        compare(self, f"said/{self._testMethodName.removeprefix('test_')}.txt", self.transcript)
+        if self.transcript is not None:
+            compare(self, f"said/{self._testMethodName.removeprefix('test_')}.txt", self.transcript)
 
 
 class SampleTest(ProgramTest):
@@ -147,7 +148,7 @@ class SampleTest(ProgramTest):
     def setUp(self):
         super().setUp()
         self.sample = self.folder / "sample"
-        subprocess.run([sys.executable, TOP / "sample/make_sample.py", self.sample], check=True)
+        run_whole([sys.executable, TOP / "sample/make_sample.py", self.sample])
         for file in (self.sample / "program").iterdir():
             shutil.copy(file, self.program)
         shutil.copy(self.sample / "server/hexview.zip", self.program)

@@ -4,10 +4,9 @@ exit code, and in the file beside the log. What it does with every kind of bad a
 
 import os
 import shutil
-import subprocess
 import unittest
 
-from fixtures import Member, mount_disk, run_on_a_terminal, unmount_disk, windows_path
+from fixtures import Member, mount_disk, run_on_a_terminal, run_whole, unmount_disk, windows_path
 from program import INF, SaidTest
 
 
@@ -47,8 +46,7 @@ class Truth(SaidTest):
         """Makes an archive that holds one locked member behind a plain one."""
         for name, text, options in (("plain.inf", INF, []), ("locked.txt", "x", ["-P", "open sesame"])):
             (self.folder / name).write_text(text)
-            subprocess.run(["zip", "-q", *options, self.program / "safe.zip", name],
-                           cwd=self.folder, check=True)
+            run_whole(["zip", "-q", *options, self.program / "safe.zip", name], cwd=self.folder)
         return self.raw("safe.zip"), self.tree / "Plugin/100_tools/safe/locked.txt"
 
     def test_passwords(self):

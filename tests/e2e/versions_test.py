@@ -5,7 +5,6 @@
 """
 
 import os
-import subprocess
 import sys
 import unittest
 
@@ -15,13 +14,12 @@ PREFIX = "versions32"
 os.environ["VESK_PREFIX"] = PREFIX
 
 # pylint: disable=wrong-import-position
-from program import PROGRAMS, TOP, WINE, SampleTest, windows_path
+from program import PROGRAMS, TOP, WINE, SampleTest, run_in_wine, run_whole, windows_path
 
 
 class Versions(SampleTest):
     def become(self, version):
-        subprocess.run([TOP / "tools/wine-prefix", f"{PREFIX}:{version}"], check=True,
-                       capture_output=True, timeout=120)
+        run_whole([TOP / "tools/wine-prefix", f"{PREFIX}:{version}"], timeout=120)
 
     def test_a_whole_build(self):
         source = windows_path(self.sample / "source")
@@ -38,10 +36,8 @@ class Versions(SampleTest):
     def wizard(self, case):
         programs = {"VESK_WIZARD": PROGRAMS.parent / "ui/veskbuilder.exe",
                     "VESK_CONSOLE": PROGRAMS / "veskbuild.exe"}
-        result = subprocess.run([*WINE, UI_TESTS, f"--test-case={case}"], capture_output=True,
-                                text=True, timeout=120, check=False,
-                                env=os.environ | {k: str(v) for k, v in programs.items()})
-        self.assertEqual(result.returncode, 0, result.stdout)
+        result = run_in_wine([*WINE, UI_TESTS, f"--test-case={case}"], encoding="cp1252", check=True,
+                             env=os.environ | {k: str(v) for k, v in programs.items()})
         self.assertIn("test cases:  1 |  1 passed", result.stdout)
 
     def test_what_is_no_nt_is_refused(self):

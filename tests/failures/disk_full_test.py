@@ -7,12 +7,11 @@ file stands half under its final name.
 
 import pathlib
 import shutil
-import subprocess
 import sys
 import tempfile
 
 from failures import Builder, Fault
-from fixtures import mount_disk, unmount_disk, windows_path
+from fixtures import mount_disk, run_in_wine, unmount_disk, windows_path
 from sample import catalogue_faults
 
 BLOCK = 4096
@@ -35,13 +34,14 @@ def save(tool, wine, sample, disk, blocks):
     mount_disk(disk, (16 + blocks) * BLOCK)
     shutil.copy(sample / "veskbuilder.ini", disk)
     (disk / "rest").write_bytes(b"x" * BLOCK * 15)
-    code = subprocess.run([*wine, str(tool), windows_path(disk) + "\\", "2"], check=False,
-                          stdin=subprocess.DEVNULL, capture_output=True).returncode
+    told = run_in_wine([*wine, str(tool), windows_path(disk) + "\\", "2"], encoding="cp1252")
+    code = told.returncode
     found = catalogue_faults(disk)
     left = sorted(path.name for path in disk.iterdir())
     found += [] if left == ["rest", "veskbuilder.ini"] else [f"left behind: {left}"]
     not_saved = code == 0 and (disk / "veskbuilder.ini").stat().st_size < 9000
-    return code, found + ["code 0, not saved"] * not_saved
+    found += ["code 0, not saved"] * not_saved
+    return code, [f"{what} (it returned {code}: {told.stderr!r})" for what in found]
 
 
 def main(program, save_tool, levels, *wine):

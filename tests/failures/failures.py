@@ -81,24 +81,22 @@ class Builder:
         self.folder, self.program, self.wine = folder / name, program, wine
         self.key = f"Software\\Vesk Builder Failures {name}"
         self.sample = Sample(self.folder / "sample", self.key, **sample)
-        self.server, port = serve(self.folder / "sample")
+        self.server = serve(self.folder / "sample")
         self.run_folder = self.folder / "run"
         self.arguments = ["--install", windows_path(self.run_folder / "tree"), "--source",
                           windows_path(self.folder / "sample/source"), "--yes", "--timeout", "3",
-                          "--proxy", f"127.0.0.1:{port}"]
+                          "--proxy", f"127.0.0.1:{self.server.server_port}"]
         self.good = self.build(Fault(), places=True)
 
     def stop(self):
-        self.server.kill()
-        self.server.stdout.close()
-        self.server.wait()
+        self.server.shutdown()
+        self.server.server_close()
 
     def build(self, fault, **options):
-        """As build_once. On a busy machine Wine ends a process now and then before it has begun, with 1
-        and without a word, or loses its exit code; the program would do so again."""
+        """As build_once. On a busy machine Wine ends a process now and then, with 1 and without a report,
+        or loses its exit code; the program would do so again."""
         run = self.build_once(fault, **options)
-        if (run.code == 1 and not (run.lines or run.errors or run.calls)) or (
-                run.code == 0 and run.errors):
+        if run.code == 1 and not run.calls or run.code == 0 and run.errors:
             print("left out: a run that Wine ended", file=sys.stderr)
             run = self.build_once(fault, **options)
         return run
@@ -163,11 +161,11 @@ class Builder:
 
 def plan(good, how):
     """The failures to try, for each function: (call, number, reason)."""
-    draw = random.Random(1)
     faults = []
     for call, count in good.calls.items():
         if count == 0 or not good.reasons[call]:
             continue
+        draw = random.Random(f"1 {call}")  # how often another is called may depend on time
         numbers = [draw.choice([1, count, draw.randint(1, count)])]
         if how == "every" or (how == "all" and count <= SELDOM and call != "operator new"):
             numbers = range(1, count + 1)
@@ -180,7 +178,7 @@ def plan(good, how):
             faults += [Fault(call, number, reason) for reason in reasons]
             if DISK_FULL in reasons and how != "few":
                 faults.append(Fault(call, number, DISK_FULL, True))
-    draw.shuffle(faults)
+    random.Random(1).shuffle(faults)
     return faults
 
 
@@ -189,7 +187,13 @@ class Campaign:
 
     def __init__(self, program, wine, how, workers=1):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="vesk-failures-"))
-        self.builders = [Builder(self.folder, program, wine, f"w{i}") for i in range(workers)]
+        self.builders = []
+        try:
+            for i in range(workers):
+                self.builders.append(Builder(self.folder, program, wine, f"w{i}"))
+        except BaseException:
+            self.close()
+            raise
         self.good = self.builders[0].good
         self.faults = plan(self.good, how)
         self.tried, self.whole = collections.Counter(), collections.Counter()

@@ -4,14 +4,15 @@ tree to remove, and two archives that come over HTTP."""
 import pathlib
 import re
 import shutil
-import subprocess
 import sys
+import threading
 
 sys.path.append(str(pathlib.Path(__file__).resolve().parents[1]))
 from fixtures import TOP, Member, crc_of, windows_path, write_cab  # noqa: E402
 
 sys.path.append(str(TOP / "sample"))
 import make_sample  # noqa: E402
+from serve import server_of  # noqa: E402
 
 SERVED = ("pebuilder3110a.zip", "hexview.zip")
 LARGE = 4 << 20  # from this size on a member is written in pieces
@@ -109,7 +110,7 @@ def picture(folder):
 
 
 def serve(folder):
-    """@return the process that serves the archives, and its port"""
-    process = subprocess.Popen([sys.executable, TOP / "sample/serve.py", folder / "server"],
-                               stdout=subprocess.PIPE, text=True)
-    return process, int(process.stdout.readline())
+    """@return a server of the archives, which ends with this process at the latest"""
+    server = server_of(folder / "server")
+    threading.Thread(target=server.serve_forever, daemon=True).start()
+    return server

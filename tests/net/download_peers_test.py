@@ -14,7 +14,7 @@ import time
 import unittest
 import zlib
 
-from fixtures import mount_disk, unmount_disk, windows_path
+from fixtures import mount_disk, run_in_wine, unmount_disk, windows_path
 from peers import Nginx, ScriptedServer, Tinyproxy, answer, free_port, reset
 
 WINE, TOOL = sys.argv[1:]
@@ -69,8 +69,7 @@ class Peers(unittest.TestCase):
 
     @staticmethod
     def run_tool(*arguments):
-        run = subprocess.run([WINE, TOOL, *map(str, arguments)], timeout=100, check=True,
-                             stdin=subprocess.DEVNULL, capture_output=True)
+        run = run_in_wine([WINE, TOOL, *map(str, arguments)], check=True)
         return run.stdout.decode("latin-1").replace("\r", "").splitlines()
 
     def run_sessions(self, proxy, downloads, timeout=20):
@@ -180,7 +179,7 @@ class Peers(unittest.TestCase):
         downloads.append((0, "0", f"http://h/{begun}-cut"))
         told = self.run_sessions(proxy, [download[1:] for download in downloads])
         standing = str(len(OLD))
-        for (came, crc, url), (result, size, partial, why) in zip(downloads, told):
+        for (came, crc, url), (result, size, partial, why) in zip(downloads, told, strict=True):
             with self.subTest(url, crc=crc):
                 expected = FAILED if came < 0 or crc is None and came < len(BODY) else \
                     DONE if came == len(BODY) else CRC_DIFFERS
@@ -321,6 +320,8 @@ class Peers(unittest.TestCase):
         routes = [(tinyproxy, "http://" + address)]
         if nginx.direct:
             routes += [("direct", "http://" + nginx.direct_host)]
+        else:
+            print("left out: downloads without a proxy, as port 80 cannot be bound", flush=True)
         for proxy, url in routes:
             rows = self.run_sessions(proxy, [(f"{zlib.crc32(content):X}", url + "/small.bin"),
                                              ("-", url + "/none"), ("-", url + "/secret")])
@@ -331,15 +332,19 @@ class Peers(unittest.TestCase):
         nginx, address = self.start(Nginx(self.folder / "nginx"))
         with open(nginx.root / "huge.bin", "wb") as huge:
             huge.truncate(400_000_000)
-        with subprocess.Popen(
-                [WINE, TOOL, "--access", "2", "--proxy", address, "http://h/huge.bin",
-                 windows_path(self.target)], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE) as tool:
-            status = pathlib.Path(f"/proc/{tool.pid}/status")
-            most = 0
-            while tool.poll() is None:
-                most = max(most, *map(int, re.findall(r"VmRSS:\s+(\d+)", status.read_text())), 0)
-                time.sleep(0.01)
-            self.assertIn(b"Bytes 400000000", tool.stdout.read())
+        most, said = 0, b""
+        for _ in range(2):  # Wine ends a process now and then without a word
+            if said:
+                break
+            with subprocess.Popen(
+                    [WINE, TOOL, "--access", "2", "--proxy", address, "http://h/huge.bin",
+                     windows_path(self.target)], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE) as tool:
+                status = pathlib.Path(f"/proc/{tool.pid}/status")
+                while tool.poll() is None:
+                    most = max(most, *map(int, re.findall(r"VmRSS:\s+(\d+)", status.read_text())), 0)
+                    time.sleep(0.01)
+                said = tool.stdout.read()
+        self.assertIn(b"Bytes 400000000", said)
         self.assertGreater(most, 0)
         self.assertLess(most, 100_000, "kilobytes in memory")
 

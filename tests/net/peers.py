@@ -19,15 +19,16 @@ def free_port():
 class ServerProcess:
     """A server program that is ended by stop."""
 
-    def start(self, port, *command):
-        self.process = subprocess.Popen(command, stdin=subprocess.DEVNULL,
-                                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    def start(self, port, log, *command):
+        with open(log, "ab") as said:
+            self.process = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=said, stderr=said)
         for _ in range(500):
             try:
                 return socket.create_connection(("127.0.0.1", port), 1).close()
             except OSError:
                 time.sleep(0.02)
-        raise RuntimeError(f"no server came up at port {port}: {command}")
+        self.stop()
+        raise RuntimeError(f"no server came up at port {port}: {command}\n{log.read_text('utf-8', 'replace')}")
 
     def stop(self):
         self.process.terminate()
@@ -61,7 +62,7 @@ class Nginx(ServerProcess):
             http {{ access_log off; sendfile on; {temporary}
                 server {{ {listen} root {self.root};
                     location /secret {{ return 401; }} }} }}""")
-        self.start(self.port, "/usr/sbin/nginx", "-p", str(self.folder), "-e",
+        self.start(self.port, self.folder / "log", "/usr/sbin/nginx", "-p", str(self.folder), "-e",
                    f"{self.folder}/log", "-c", str(config))
 
 
@@ -73,7 +74,7 @@ class Tinyproxy(ServerProcess):
         config = folder / "tinyproxy.conf"
         config.write_text(f"Port {self.port}\nListen 127.0.0.1\nTimeout 60\nAllow 127.0.0.1\n"
                           f'LogFile "{folder}/log"\nPidFile "{folder}/pid"\nMaxClients 20\n')
-        self.start(self.port, "/usr/bin/tinyproxy", "-d", "-c", str(config))
+        self.start(self.port, folder / "log", "/usr/bin/tinyproxy", "-d", "-c", str(config))
 
 
 class ScriptedServer:

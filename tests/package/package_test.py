@@ -15,9 +15,10 @@ import shutil
 import subprocess
 import sys
 import tempfile
-import time
 import unittest
 import zipfile
+
+from fixtures import run_in_wine, run_whole
 
 BITS = int(sys.argv[1]) * 8
 OBJDUMP, *WINE = sys.argv[2:]
@@ -30,14 +31,12 @@ SAMPLE = {"veskbuilder.ini", "pebuilder3110a.zip", "livebase.zip", "hexview.zip"
 
 
 def make_package(folder):
-    subprocess.run([TOP / "tools/package", folder], check=True, capture_output=True, timeout=600)
+    run_whole([TOP / "tools/package", folder], timeout=600)
     return {path.name: path.read_bytes() for path in pathlib.Path(folder).iterdir()}
 
 
-def wine(*arguments, timeout=120):
-    return subprocess.run([*WINE, *map(str, arguments)], stdin=subprocess.DEVNULL,
-                          stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=False,
-                          timeout=timeout).returncode
+def wine(*arguments):
+    return run_in_wine([*WINE, *map(str, arguments)], timeout=120, encoding="cp1252")
 
 
 def files_below(folder):
@@ -72,7 +71,7 @@ class Package(unittest.TestCase):
         cls.folder = pathlib.Path(tempfile.mkdtemp(prefix="vesk-package-"))
         cls.made = make_package(cls.folder / "one")
         shutil.rmtree(DRIVE.parent, ignore_errors=True)
-        subprocess.run([TOP / "tools/wine-prefix", PREFIX], check=True, capture_output=True)
+        run_whole([TOP / "tools/wine-prefix", PREFIX])
         cls.name = next(name for name in cls.made if name.endswith("-portable.zip"))
         with zipfile.ZipFile(cls.folder / "one" / cls.name) as archive:
             archive.extractall(DRIVE)
@@ -86,7 +85,8 @@ class Package(unittest.TestCase):
 
     def build_sample(self, program):
         """The sample's one damaged archive makes the exit code 1; all else is in the tree."""
-        self.assertEqual(wine(program, "--yes", "--install", "C:\\VeskLive"), 1)
+        built = wine(program, "--yes", "--install", "C:\\VeskLive")
+        self.assertEqual(built.returncode, 1, built)
         self.assertTrue((DRIVE / "VeskLive/Plugin/200_applications/hexview/hexview.inf").exists())
         log = (program.parent / "veskbuider.log").read_text("cp1252")
         self.assertRegex(log, r"\nDone\.\.\. \[")
@@ -95,7 +95,7 @@ class Package(unittest.TestCase):
         program = self.portable / "veskbuild.exe"
         if BITS == 64:
             shutil.copy(self.portable / "x64/veskbuild.exe", program)
-        kind = subprocess.run([OBJDUMP, "-f", program], check=True, capture_output=True, text=True)
+        kind = run_whole([OBJDUMP, "-f", program])
         self.assertIn("pei-x86-64" if BITS == 64 else "pei-i386", kind.stdout)
         self.build_sample(program)
         for text in self.portable.glob("*.txt"):
@@ -119,8 +119,12 @@ class Package(unittest.TestCase):
         program = (self.portable / "veskbuilder.exe").read_bytes()
         self.assertIn(f" inflate {versions['zlib']} ".encode(), program)
 
+    def run_setup(self, *arguments):
+        ended = wine(self.setup, "/S", *arguments)
+        self.assertEqual(ended.returncode, 0, ended)
+
     def install(self, *arguments, folder):
-        self.assertEqual(wine(self.setup, "/S", *arguments), 0)
+        self.run_setup(*arguments)
         with zipfile.ZipFile(self.folder / "one" / self.name) as archive:
             published = {name.split("/", 1)[1] for name in archive.namelist()}
         self.assertEqual(published - files_below(folder), set())
@@ -129,22 +133,19 @@ class Package(unittest.TestCase):
         """The uninstaller goes on in a copy of itself: wait until its last step is done."""
         menus = list(DRIVE.rglob("Vesk Builder Setup"))
         self.assertEqual(len(menus), 1)
-        wine(folder / "uninstall.exe", "/S", *arguments)
-        end = time.monotonic() + 60
-        while menus[0].exists() and time.monotonic() < end:
-            time.sleep(0.2)
-        time.sleep(0.5)
+        said = wine(folder / "uninstall.exe", "/S", *arguments)
+        subprocess.run(["wineserver", "-w"], check=True, timeout=60)
+        self.assertFalse(menus[0].exists(), said)
 
     def check_versions(self, folder):
         """Both programs start where they are installed: the 64-bit one in the 64-bit Wine."""
         version = self.name.removeprefix("VeskBuilder-").removesuffix("-portable.zip")
         for tool, prefix, program in (("wine32", PREFIX, "veskbuild.exe"),
                                       ("wine", "package", "x64/veskbuild.exe")):
-            subprocess.run([TOP / "tools/wine-prefix", prefix], check=True, capture_output=True)
-            said = subprocess.run([TOP / "tools" / tool, folder / program, "--version"], check=False,
-                                  stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=120,
-                                  env=os.environ | {"VESK_PREFIX": prefix}).stdout
-            self.assertEqual(said.strip(), f"Vesk Builder v{version}")
+            run_whole([TOP / "tools/wine-prefix", prefix])
+            said = run_in_wine([TOP / "tools" / tool, folder / program, "--version"], encoding="cp1252",
+                               env=os.environ | {"VESK_PREFIX": prefix})
+            self.assertEqual(said.stdout.strip(), f"Vesk Builder v{version}", said)
 
     @unittest.skipIf(BITS == 64, "the installer is a 32-bit program")
     def test_installing_building_and_removing_leaves_no_trace(self):
@@ -174,7 +175,7 @@ class Package(unittest.TestCase):
         (folder / "own.zip").write_bytes(b"own")
         (folder / "netnotes.zip").unlink()
         (folder / "guide.txt").write_bytes(b"of an older version")
-        self.assertEqual(wine(self.setup, "/S"), 0)
+        self.run_setup()
         self.assertEqual(catalogue.read_bytes(), mine)
         self.assertFalse((folder / "netnotes.zip").exists())
         self.assertNotEqual((folder / "guide.txt").read_bytes(), b"of an older version")
