@@ -98,7 +98,9 @@ class Package(unittest.TestCase):
         kind = run_whole([OBJDUMP, "-f", program])
         self.assertIn("pei-x86-64" if BITS == 64 else "pei-i386", kind.stdout)
         self.build_sample(program)
-        for text in self.portable.glob("*.txt"):
+        texts = list(self.portable.glob("*.txt"))
+        self.assertGreater(len(texts), 1)
+        for text in texts:
             content = text.read_bytes()
             self.assertEqual(content.count(b"\n"), content.count(b"\r\n"), text.name)
 
