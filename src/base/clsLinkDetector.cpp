@@ -11,12 +11,6 @@ namespace vesk {
 
 namespace {
 
-bool IsSameName(const std::wstring& left, const std::wstring& right) {
-    return CompareStringW(LOCALE_INVARIANT, NORM_IGNORECASE, left.data(),
-                          static_cast<int>(left.size()), right.data(),
-                          static_cast<int>(right.size())) == CSTR_EQUAL;
-}
-
 /// Windows XP lacks the function, and needs none of this.
 bool MarkForDeletion(HANDLE file) {
     using Function = BOOL(WINAPI*)(HANDLE, int, LPVOID, DWORD);
@@ -60,7 +54,7 @@ bool clsLinkDetector::LeadsTo(const std::wstring& real, const std::wstring& fold
         realFolder_ = RealPath(folder);
     }
     const std::wstring separator = realFolder_.ends_with(L'\\') ? L"" : L"\\";
-    return IsSameName(real, realFolder_ + separator + name);
+    return IsSamePath(real, realFolder_ + separator + name);
 }
 
 } // namespace vesk

@@ -11,6 +11,15 @@ namespace vesk {
 
 namespace {
 
+/// Letter by letter, as the file system does it: the comparison of sorted texts passes over
+/// characters without a weight, which tell two names apart.
+std::wstring UpperCase(std::wstring_view text) {
+    std::wstring upper(text);
+    const int size = static_cast<int>(upper.size());
+    LCMapStringW(LOCALE_INVARIANT, LCMAP_UPPERCASE, text.data(), size, upper.data(), size);
+    return upper;
+}
+
 /// @param standIn for characters without a similar one; null for the system's own
 /// @param replaced receives whether a character had to be replaced; may be null
 std::string ToAnsi(std::wstring_view wide, DWORD flags, const char* standIn, BOOL* replaced) {
@@ -115,6 +124,10 @@ std::wstring WithoutLongPrefix(std::wstring_view longPath) {
     if (longPath.starts_with(kShare))
         return L"\\\\" + std::wstring(longPath.substr(kShare.size()));
     return std::wstring(longPath.starts_with(kPlain) ? longPath.substr(kPlain.size()) : longPath);
+}
+
+bool IsSamePath(std::wstring_view left, std::wstring_view right) {
+    return left.size() == right.size() && UpperCase(left) == UpperCase(right);
 }
 
 } // namespace vesk

@@ -41,4 +41,7 @@ std::wstring AbsoluteLongPath(std::string_view path);
 /// The path that LongPath was made of.
 std::wstring WithoutLongPrefix(std::wstring_view longPath);
 
+/// Whether two spellings of a path differ in the case of letters at most.
+bool IsSamePath(std::wstring_view left, std::wstring_view right);
+
 } // namespace vesk

@@ -15,12 +15,6 @@ namespace vesk {
 
 namespace {
 
-bool IsSamePath(const std::wstring& left, const std::wstring& right) {
-    return CompareStringW(LOCALE_INVARIANT, NORM_IGNORECASE, left.data(),
-                          static_cast<int>(left.size()), right.data(),
-                          static_cast<int>(right.size())) == CSTR_EQUAL;
-}
-
 /// @param name as the system's functions take it
 FolderLevel Read(const std::wstring& name) {
     FolderLevel level{name, GetFileAttributesW(name.c_str()), {}, false};
