@@ -1,9 +1,13 @@
 #include "Input.h"
+#include "base/modText.h"
 #include "catalogue/modCatalogueCheck.h"
 #include "catalogue/modCatalogueFaults.h"
 #include "catalogue/modCatalogueText.h"
 #include "catalogue/modIniText.h"
 #include "catalogue/modNameList.h"
+#include "catalogue/modSha256Text.h"
+
+#include <utility>
 
 using namespace vesk;
 
@@ -40,9 +44,21 @@ void CheckWritten(const std::string& text) {
     CheckCatalogue(catalogue, {}, SectionNames(text));
 }
 
+/// A digest that is written into a list is the one that it has then, and no other line is touched.
+void CheckDigest(const std::string& text, const std::string& name) {
+    const std::string digest(64, 'd');
+    const Sha256Text before = ParseSha256Text(text);
+    Sha256Text after = ParseSha256Text(WithSha256(text, name, digest));
+    Require(std::exchange(after.digests[LowerCase(name)], {}) == digest);
+    for (const auto& [other, value] : before.digests)
+        Require(after.digests[other] == value || other == LowerCase(name));
+    Require(after.faults.size() <= before.faults.size());
+}
+
 } // namespace
 
-/// The input as a catalogue's text, as a list of names, and as the fields of an entry.
+/// The input as a catalogue's text, as lists of names and of digests, and as the fields of an
+/// entry.
 void CheckInput(const std::string& text) {
     const IniText file = ParseIni(text);
     std::size_t length = 0;
@@ -61,4 +77,7 @@ void CheckInput(const std::string& text) {
     const std::vector<std::string> names = SplitNameList(text);
     Require(!names.empty() && names.back().empty());
     CheckWritten(text);
+    CheckDigest(text, "A" + Field(text));
+    for (const auto& [known, digest] : ParseSha256Text(text).digests)
+        CheckDigest(text, known);
 }
