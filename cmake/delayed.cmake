@@ -9,13 +9,19 @@ if(NOT WIN32)
     return()
 endif()
 
-# vesk_decorate(<library> <def> <result>): the same list with the names that 32-bit functions have,
-# "Name@8", as the toolchain's own import library tells them.
-function(vesk_decorate library def result)
+# vesk_imports(<library> <result>): what nm says of the toolchain's import library.
+function(vesk_imports library result)
     execute_process(COMMAND ${CMAKE_C_COMPILER} -print-file-name=lib${library}.a
         OUTPUT_VARIABLE imports OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
     execute_process(COMMAND ${CMAKE_NM} ${imports}
         OUTPUT_VARIABLE symbols ERROR_QUIET COMMAND_ERROR_IS_FATAL ANY)
+    set(${result} "${symbols}" PARENT_SCOPE)
+endfunction()
+
+# vesk_decorate(<library> <def> <result>): the same list with the names that 32-bit functions have,
+# "Name@8", as that library tells them.
+function(vesk_decorate library def result)
+    vesk_imports(${library} symbols)
     file(STRINGS ${def} lines)
     set(text "")
     foreach(line IN LISTS lines)

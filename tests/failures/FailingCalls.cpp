@@ -9,6 +9,8 @@
 ///    opened and not closed, and what the registry holds below VESK_FAIL_KEY
 ///  - VESK_FAIL_PLACES: with 1 it also tells the first call from each place in the program
 ///  - VESK_FAIL_SHELL: the folder that stands for desktop and start menu
+#include "Imports.h"
+
 #include <winsock2.h>
 
 #include <windows.h>
@@ -101,7 +103,7 @@ void NotePlace(const Call& call, bool isMemory) {
     for (USHORT i = 0; i < depth; ++i)
         Mark(mark, reinterpret_cast<std::uintptr_t>(frames[i]));
     mark |= 1;
-    for (std::size_t i = mark >> 20;; ++i) {
+    for (std::uint64_t i = mark >> 20;; ++i) {
         Place& place = places[i % std::size(places)];
         if (place.mark == mark)
             return;
@@ -235,7 +237,7 @@ Result Through(Call& call, Real real, Result value, A... a) {
 template <class Of, Call& Which, auto& Real, auto Value>
 struct Layer {
     template <class R, class... A>
-    static R WINAPI In(A... a) {
+    static R Run(A... a) {
         if constexpr (std::is_void_v<R>) {
             Judge(Which);
             Note(Which.book, true);
@@ -245,9 +247,19 @@ struct Layer {
         }
     }
     template <class R, class... A>
+    static R WINAPI In(A... a) {
+        return Run<R>(a...);
+    }
+    template <class R, class... A>
     static constexpr auto As(std::type_identity<R(WINAPI*)(A...)>) -> R(WINAPI*)(A...) {
         return &In<R, A...>;
     }
+#ifdef __i386__ // where functions of the cabinet library are called differently
+    template <class R, class... A>
+    static constexpr auto As(std::type_identity<R(DIAMONDAPI*)(A...)>) -> R(DIAMONDAPI*)(A...) {
+        return &Run<R, A...>;
+    }
+#endif
 };
 
 template <class Of, Call& Which, class Interface, int Slot, class... A>
@@ -259,19 +271,18 @@ HRESULT STDMETHODCALLTYPE Method(void* object, A... a) {
 
 } // namespace
 
-// The linker resolves references to the import "__imp_X" as "__wrap___imp_X", and ours to
-// "__real___imp_X" as that import.
+// The linker resolves references to an import, "__imp_X" or in 32 bits "__imp__X@8", as "__wrap_" and
+// that name, and ours to "__real_" and that name as the import. Imports.h knows all the names.
 // NOLINTBEGIN(*-reserved-identifier,*-identifier-naming): the linker's names
 // NOLINTBEGIN(*-no-malloc,*-owning-memory): this is where memory comes from
-#define LAYER(name, real, value)                                                                   \
-    Layer<struct Of_##name, call_##name, real, [] { return (std::uintptr_t)(value); }>::As(        \
-        std::type_identity<decltype(&::name)>())
+#define LAYER(of, call, function, real, value)                                                     \
+    Layer<struct of, call, real, [] { return (std::uintptr_t)(value); }>::As(                      \
+        std::type_identity<decltype(&::function)>())
 #define FAILS(name, book, where, value, ...)                                                       \
     Call call_##name({#name, book, where, {__VA_ARGS__}});                                         \
-    extern "C" decltype(&::name) __real___imp_##name;                                              \
-    extern "C" {                                                                                   \
-    decltype(&::name) __wrap___imp_##name = LAYER(name, __real___imp_##name, value);               \
-    }
+    extern decltype(&::name) real_##name __asm__(LEADING "__real_" IMPORT_##name);                 \
+    extern decltype(&::name) wrap_##name __asm__(LEADING "__wrap_" IMPORT_##name);                 \
+    decltype(&::name) wrap_##name = LAYER(Of_##name, call_##name, name, real_##name, value);
 #define CLOSES(name, kind) FAILS(name, Closes(kind), InLastError, 0)
 // A function that the program asks for by its name when it runs.
 #define FAILS_LATE(name, book, where, value, ...)                                                  \
@@ -282,7 +293,8 @@ HRESULT STDMETHODCALLTYPE Method(void* object, A... a) {
                       where,                                                                       \
                       {__VA_ARGS__},                                                               \
                       reinterpret_cast<void**>(&late_##name),                                      \
-                      reinterpret_cast<void*>(LAYER(name, late_##name, value))});
+                      reinterpret_cast<void*>(                                                     \
+                          LAYER(Of_##name, call_##name, name, late_##name, value))});
 // A function that the program calls by its own name and not through an import.
 #define FAILS_C(name, book, value)                                                                 \
     Call call_##name({#name, book, InLastError, {ERROR_NOT_ENOUGH_MEMORY}});
@@ -313,7 +325,7 @@ WRAP(void*, malloc, nullptr, (std::size_t size), size)
 /// GetProcAddress that gives the layer's function in place of the system's.
 FARPROC WINAPI FindWithLayer(HMODULE module, LPCSTR name) {
     const FARPROC found = Through<struct Of_GetProcAddress>(
-        call_GetProcAddress, __real___imp_GetProcAddress, FARPROC{nullptr}, module, name);
+        call_GetProcAddress, real_GetProcAddress, FARPROC{nullptr}, module, name);
     for (const Call* const call : Call::all) {
         if (found == nullptr || call == nullptr || call->real == nullptr ||
             std::strcmp(name, call->name) != 0)
@@ -357,7 +369,7 @@ void Begin() {
     fromThenOn = NumberIn("VESK_FAIL_ON") != 0;
     tellsPlaces = NumberIn("VESK_FAIL_PLACES") != 0;
     lstrcpynA(shellFolder, TextIn("VESK_FAIL_SHELL"), MAX_PATH);
-    __wrap___imp_GetProcAddress = &FindWithLayer;
+    wrap_GetProcAddress = &FindWithLayer;
 }
 
 void Tell() {
