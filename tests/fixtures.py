@@ -130,7 +130,7 @@ def run_in_wine(command, check=False, **options):
     say something whenever they return 1, so such a run is started again, once."""
     result = run_once(command, **options)
     if result.returncode == 1 and not result.stdout and not result.stderr:
-        print("left out: a run that Wine ended", file=sys.stderr, flush=True)
+        print("ended by Wine: the first run", file=sys.stderr, flush=True)
         result = run_once(command, **options)
     if check and result.returncode:
         raise AssertionError(str(result))

@@ -9,7 +9,7 @@ import subprocess
 import unittest
 
 from fixtures import Member, windows_path, write_catalogue
-from program import START_MENU, WINE, SaidTest, contents_below, run_in_wine
+from program import START_MENU, SaidTest, contents_below, run_in_wine
 
 
 class Console(SaidTest):
@@ -143,7 +143,6 @@ class Console(SaidTest):
                 shutil.rmtree(self.tree)
         self.transcript.clear()  # it depends on the system
 
-    @unittest.skipUnless(WINE, "it would take the place of the user's own start menu")
     def test_a_link_in_place_of_the_start_menus_folder(self):
         """Wine cannot remove it, so no shortcut may be made behind it."""
         outside = self.folder / "outside"
