@@ -1,33 +1,11 @@
 #pragma once
 
+#include "ExpectedText.h"
 #include "archive/CabBuilder.h"
 
 /// Archives as tables of texts describe them: what they hold, and which fields are not as they
 /// should be.
 namespace vesk::test {
-
-/// Each "\XX" as the byte of that number.
-inline std::string Unescaped(const std::string& text) {
-    std::string bytes;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const bool isEscape = text[i] == '\\';
-        bytes +=
-            isEscape ? static_cast<char>(std::stoi(text.substr(i + 1, 2), nullptr, 16)) : text[i];
-        i += isEscape ? 2 : 0;
-    }
-    return bytes;
-}
-
-inline std::string Escaped(const std::string& text) {
-    constexpr std::string_view kDigits = "0123456789ABCDEF";
-    std::string escaped;
-    for (const char c : text) {
-        const auto byte = static_cast<std::uint8_t>(c);
-        escaped += c >= ' ' && c < 0x7F ? std::string(1, c)
-                                        : std::string{'\\', kDigits[byte >> 4], kDigits[byte & 15]};
-    }
-    return escaped;
-}
 
 inline std::uint64_t ValueOf(const std::string& number) {
     return std::stoull(number, nullptr, 0);
