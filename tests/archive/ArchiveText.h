@@ -35,8 +35,8 @@ inline std::string ExtraOf(const std::string& text) {
     return Extra(static_cast<std::uint16_t>(ValueOf(text)), data);
 }
 
-/// "KIND name=text+extra+extra field=value ...|...|end field=value ...", where KIND is
-/// "stored" or "packed".
+/// "KIND name=text+extra+extra field=value ...|...|end field=value ...", where KIND is "stored",
+/// "packed" or "locked" (which has the one text that there is).
 inline std::string ZipOf(const std::string& text) {
     std::vector<TestMember> members;
     for (const std::string& item : Split(text, '|')) {
@@ -45,9 +45,11 @@ inline std::string ZipOf(const std::string& text) {
             return MakeZip(members, FieldsIn(words, 1, {}));
         const std::vector<std::string> parts = Split(words[1], '+');
         const std::size_t sign = parts[0].find('=');
-        TestMember& member =
-            members.emplace_back((words[0] == "packed" ? TestMember::Packed : TestMember::Stored)(
-                Unescaped(parts[0].substr(0, sign)), Unescaped(parts[0].substr(sign + 1))));
+        const std::string name = Unescaped(parts[0].substr(0, sign));
+        TestMember& member = members.emplace_back(
+            words[0] == "locked" ? TestMember::Encrypted(name)
+                                 : (words[0] == "packed" ? TestMember::Packed : TestMember::Stored)(
+                                       name, Unescaped(parts[0].substr(sign + 1))));
         member.fields = FieldsIn(words, 2, member.fields);
         for (std::size_t i = 1; i < parts.size(); ++i)
             member.extra += ExtraOf(parts[i]);
