@@ -302,7 +302,7 @@ HRESULT STDMETHODCALLTYPE Method(void* object, A... a) {
     Call call_##name({#interface "::" #name, 0, InResult, {E_FAIL}});                              \
     void* const method_##name = Methods<interface>::ours[slot] = reinterpret_cast<void*>(          \
         &Method<struct Of_##name, call_##name, interface, slot, __VA_ARGS__>);
-#define KEEPS(name, why)
+#define KEEPS(why, ...)
 #include "Calls.inc"
 Call call_new({"operator new", 0, InLastError, {ERROR_NOT_ENOUGH_MEMORY}});
 
