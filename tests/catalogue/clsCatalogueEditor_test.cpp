@@ -3,8 +3,6 @@
 #include "ExpectedText.h"
 #include "catalogue/clsCategoryEditor.h"
 
-#include <doctest/doctest.h>
-
 #include <array>
 #include <stdexcept>
 
