@@ -234,7 +234,7 @@ TEST_CASE("an entry's details open by a double click, with a long name as a whol
     for (const UINT message : {WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_LBUTTONUP})
         PostMessageA(list, message, MK_LBUTTON, MAKELPARAM(60, FirstLine(list)));
     const HWND dialog = wizard.AwaitDialog("Component");
-    wizard.CheckShows(dialog, "details", "");
+    wizard.CheckShows(dialog, "details");
     const HWND field = GetDlgItem(dialog, IDC_LBL_ITEM_NAME);
     const LRESULT lines = SendMessageA(field, EM_GETLINECOUNT, 0, 0);
     CHECK(lines > 1);

@@ -29,13 +29,10 @@ TEST_CASE("a whole build, page by page, each compared with what it is to show") 
     const ProgramFolder program;
     WriteCd(program.Folder(), "cd\\I386", "Windows XP Home", "win51.sp2", true);
     const Wizard wizard(program);
-    const auto shows = [&](const std::string& name) {
-        wizard.CheckShows(wizard.Window(), name, program.Folder().Path());
-    };
-    shows("welcome");
+    wizard.CheckShows("welcome");
     const std::string welcome = wizard.Heading();
     wizard.Next(kBaseHeading);
-    shows("base");
+    wizard.CheckShows("base");
     wizard.GoTo(IDC_CMD_BACK, welcome);
     wizard.Next(kBaseHeading);
     wizard.PressSpaceOn(IDC_LST_BASE, 0); // locked: it springs back
@@ -43,19 +40,19 @@ TEST_CASE("a whole build, page by page, each compared with what it is to show") 
     wizard.SetText(IDC_TXT_WIN_PATH, program.Folder() / "cd");
     wizard.Next(kPluginsHeading);
     wizard.GoTo(IDC_CMD_BACK, kBaseHeading);
-    shows("base_with_source");
+    wizard.CheckShows("base_with_source");
     wizard.Next(kPluginsHeading);
     for (const int line : {0, 1, 2})
         wizard.PressSpaceOn(IDC_LST_PLUGINS, line);
-    shows("plugins");
+    wizard.CheckShows("plugins");
     wizard.Next(kSummaryHeading);
     wizard.GoTo(IDC_CMD_BACK, kPluginsHeading);
     wizard.Next(kSummaryHeading);
-    shows("summary");
+    wizard.CheckShows("summary");
 
     wizard.Click(IDC_CMD_NEXT);
     wizard.AwaitFinish();
-    shows("build");
+    wizard.CheckShows("build");
     DWORD_PTR none = 0; // the click does nothing here: no question keeps it
     CHECK(SendMessageTimeoutA(wizard.Control(IDCANCEL), BM_CLICK, 0, 0, SMTO_NORMAL, 15000, &none));
     CHECK_FALSE(wizard.HasEnded());
