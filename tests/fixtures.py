@@ -6,6 +6,7 @@ import os
 import pathlib
 import pty
 import select
+import shutil
 import struct
 import subprocess
 import sys
@@ -18,6 +19,13 @@ import zlib
 from typing import NamedTuple
 
 TOP = pathlib.Path(__file__).resolve().parents[1]
+
+
+def fresh_folder(test, prefix):
+    """A folder that goes with its test."""
+    folder = pathlib.Path(tempfile.mkdtemp(prefix=prefix))
+    test.addCleanup(shutil.rmtree, folder)
+    return folder
 
 
 def windows_path(path):

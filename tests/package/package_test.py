@@ -18,11 +18,10 @@ import tempfile
 import unittest
 import zipfile
 
-from fixtures import run_in_wine, run_whole
+from fixtures import TOP, run_in_wine, run_whole
 
 BITS = int(sys.argv[1]) * 8
 OBJDUMP, *WINE = sys.argv[2:]
-TOP = pathlib.Path(__file__).resolve().parents[2]
 PREFIX = "package32" if BITS == 32 else "package"
 DRIVE = TOP / "build/wine" / PREFIX / "drive_c"
 os.environ |= {"VESK_PREFIX": PREFIX, "WINEPREFIX": str(DRIVE.parent)}
