@@ -52,12 +52,7 @@ TEST_CASE("removals write their line first, and report what stays") {
     const BuildInputs inputs{clsInstallFolder(folder / "tree", clsFolderGuard({})), "", "", {}};
     RecordingFrontEnd frontEnd;
     const clsSha256List noList;
-    const clsBuildContext context{inputs,
-                                  catalogue,
-                                  frontEnd,
-                                  {},
-                                  [&](const Problem& problem) { frontEnd.ReportProblem(problem); },
-                                  noList};
+    const clsBuildContext context = frontEnd.Context(inputs, catalogue, noList);
     const std::string file = folder.Write("tree\\sub\\x.txt", "x");
     const std::string readOnly = folder.Write(R"(tree\sub\deep\read-only.txt)", "x");
     SetFileAttributesA(readOnly.c_str(), FILE_ATTRIBUTE_READONLY);
