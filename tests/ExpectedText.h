@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Failure.h"
 #include "base/modText.h"
 
 #include <doctest/doctest.h>
@@ -26,6 +27,16 @@ inline void CheckHolds(const std::string& text, const std::string& part) {
 
 inline void CheckStarts(const std::string& text, const std::string& start) {
     CHECK_MESSAGE(text.starts_with(start), "\"", text, "\" starts with \"", start, "\"");
+}
+
+/// The failure that an action ends with; its number is 0 where there is none.
+inline Failure FailureIn(const std::function<void()>& action) {
+    try {
+        action();
+    } catch (const Failure& failure) {
+        return failure;
+    }
+    return {0, "", ""};
 }
 
 /// Each "\XX" as the byte of that number.

@@ -3,8 +3,6 @@
 #include "ExpectedText.h"
 #include "archive/ArchiveText.h"
 #include "archive/TreeOnDisk.h"
-#include "base/Failure.h"
-#include "base/modText.h"
 
 #include <functional>
 #include <memory>
@@ -68,13 +66,9 @@ std::string Three() {
 }
 
 std::uint32_t FailureNumber(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const Failure& failure) {
-        CHECK(failure.source == "CabFile");
-        return failure.number;
-    }
-    return 0;
+    const Failure failure = FailureIn(action);
+    CHECK(failure.source == (failure.number == 0 ? "" : "CabFile"));
+    return failure.number;
 }
 
 } // namespace
