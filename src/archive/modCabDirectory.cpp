@@ -1,7 +1,7 @@
 #include "archive/modCabDirectory.h"
 
 #include "archive/clsByteReader.h"
-#include "base/Failure.h"
+#include "archive/modCabFailure.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -26,8 +26,7 @@ constexpr std::uint16_t kHasNext = 2;
 constexpr std::uint16_t kHasReserves = 4;
 
 [[noreturn]] void Refuse(const std::string& reason) {
-    constexpr std::uint32_t kInvalidData = 13;
-    throw Failure(kInvalidData, "CabFile", "Invalid data.", reason);
+    ThrowCabFailure(kCabDamaged, reason);
 }
 
 /// Reads one header after the other from a place on.
