@@ -17,7 +17,7 @@ namespace {
 
 using Bytes = std::span<const std::byte>;
 
-constexpr std::size_t kPiece = ByteWindow::kLargestPiece;
+constexpr std::size_t kPiece = clsByteWindow::kLargestPiece;
 
 void CheckCrc(const ZipMember& member, std::int32_t crc) {
     if (static_cast<std::uint32_t>(crc) != member.crc)

@@ -2,6 +2,7 @@
 
 #include "archive/ByteSource.h"
 #include "archive/ZipMember.h"
+#include "archive/clsByteWindow.h"
 #include "archive/clsZipDirectory.h"
 #include "archive/clsZipPasswords.h"
 
@@ -69,7 +70,7 @@ private:
     void StreamWith(const ZipMember& member, ZipCipher* cipher, const Sink& sink);
 
     ByteSource& archive_;
-    ByteWindow window_;
+    clsByteWindow window_;
     clsZipPasswords passwords_;
     ReusedBuffer raw_, decrypted_, inflated_;
     std::unique_ptr<libdeflate_decompressor, void (*)(libdeflate_decompressor*)> inflater_;

@@ -49,7 +49,7 @@ void ZipCipher::Update(std::uint8_t plain) {
     keys_[2] = CrcStep(keys_[2], keys_[1] >> 24);
 }
 
-clsZipPasswords::clsZipPasswords(ByteWindow& archive, clsZipDirectory& directory, Source ask)
+clsZipPasswords::clsZipPasswords(clsByteWindow& archive, clsZipDirectory& directory, Source ask)
     : archive_(archive), directory_(directory), ask_(std::move(ask)) {}
 
 ZipCipher clsZipPasswords::Find(const ZipMember& member, const Check& check, bool trustKnown) {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "archive/ArchiveProblem.h"
-#include "archive/ByteSource.h"
+#include "archive/clsByteWindow.h"
 #include "archive/clsZipDirectory.h"
 
 #include <array>
@@ -45,7 +45,7 @@ public:
     using Check = std::function<void(ZipCipher cipher)>;
 
     /// @param archive must outlive the object, as must @param directory
-    clsZipPasswords(ByteWindow& archive, clsZipDirectory& directory, Source ask);
+    clsZipPasswords(clsByteWindow& archive, clsZipDirectory& directory, Source ask);
 
     /// The cipher that opens a member, its header passed already. One wrong password in 256 seems
     /// right by the header alone, so `check` has the last word; it has been called for the cipher
@@ -60,7 +60,7 @@ private:
                                                std::string_view password) const;
     [[nodiscard]] bool OpensOthers(const ZipMember& member, std::string_view password) const;
 
-    ByteWindow& archive_;
+    clsByteWindow& archive_;
     clsZipDirectory& directory_;
     Source ask_;
     std::vector<std::string> known_;
