@@ -1,7 +1,7 @@
 #pragma once
 
-#include "base/FolderEntries.h"
 #include "base/modFile.h"
+#include "base/modFolderEntries.h"
 #include "base/modWide.h"
 
 #include <windows.h>

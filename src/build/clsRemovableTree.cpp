@@ -1,9 +1,9 @@
 #include "build/clsRemovableTree.h"
 
 #include "archive/modMemberName.h"
-#include "base/FolderEntries.h"
 #include "base/clsLinkDetector.h"
 #include "base/modFile.h"
+#include "base/modFolderEntries.h"
 #include "base/modSpecialFolder.h"
 #include "base/modSystemError.h"
 #include "base/modText.h"

@@ -1,5 +1,5 @@
 // The wizard's entry: checks the system, then opens the form that the command line asks for.
-#include "base/Com.h"
+#include "base/ComLibrary.h"
 #include "base/Version.h"
 #include "base/modSystemLibrary.h"
 #include "base/modText.h"

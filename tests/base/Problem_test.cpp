@@ -1,7 +1,7 @@
 #include "base/Problem.h"
 
 #include "base/Failure.h"
-#include "base/ResumeNext.h"
+#include "base/modResumeNext.h"
 
 #include <doctest/doctest.h>
 
