@@ -1,8 +1,8 @@
 #pragma once
 
-#include "base/FolderEntries.h"
 #include "base/UniqueHandle.h"
 #include "base/modFile.h"
+#include "base/modFolderEntries.h"
 #include "base/modWide.h"
 
 #include <windows.h>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "archive/ByteSource.h"
 #include "archive/CabDirectory.h"
+#include "archive/clsByteWindow.h"
 #include "archive/clsCab.h"
 #include "archive/clsFileSource.h"
 
@@ -32,7 +32,7 @@ public:
     CabDirectory ReadDirectory();
 
     /// The cabinet's bytes; there after ReadDirectory.
-    ByteWindow& Cabinet() { return *window_; }
+    clsByteWindow& Cabinet() { return *window_; }
 
     /// True for a member that is wanted.
     [[nodiscard]] bool Matches(const CabEntry& entry) const;
@@ -70,7 +70,7 @@ private:
     std::string destination_;
     std::weak_ptr<CabEvents*> owner_;
     std::unique_ptr<clsFileSource> source_;
-    std::unique_ptr<ByteWindow> window_;
+    std::unique_ptr<clsByteWindow> window_;
     std::exception_ptr thrown_; ///< By an event.
 };
 

@@ -23,7 +23,11 @@ public:
     /// @throws Failure for a name that leads elsewhere
     static clsRemovableTree Below(const clsInstallFolder& folder, const std::string& relative);
 
-    /// The program's own folder in the start menu of all users. @throws Failure when the system has
+    /// Path of the program's own folder in the start menu of all users; it begins with a "\" and
+    /// nothing before it when the system has no such menu.
+    static std::string StartMenuPath();
+
+    /// That folder. @throws Failure when the system has
     /// no such menu
     static clsRemovableTree StartMenuFolder();
 

@@ -165,14 +165,6 @@ void FillCatalogue(const std::vector<IniSection>& sections, Catalogue& catalogue
         ReadCategories(PositionalSection(sections[3]), catalogue);
 }
 
-/// A folder's name that the code page cannot hold reaches the program as another one, under which
-/// nothing is found, or somebody else's catalogue.
-bool ProgramFolderIsUnknown() {
-    std::wstring program(32768, L'\0'); // the system's own limit
-    program.resize(GetModuleFileNameW(nullptr, program.data(), static_cast<DWORD>(program.size())));
-    return !NarrowedExactly(program).has_value();
-}
-
 /// Why the catalogue's file cannot be opened; a state of Whole when it can.
 CatalogueLoad OpenOrExplain(const std::string& path) {
     const auto absent = [&](const std::string& why, const std::string& advice, bool isThere) {
@@ -182,10 +174,6 @@ CatalogueLoad OpenOrExplain(const std::string& path) {
     if (path.size() >= MAX_PATH)
         return absent("the path is longer than the 259 characters that can be used",
                       "Move the program to a folder with a shorter path.", true);
-    if (ProgramFolderIsUnknown())
-        return absent("the name of the program's folder has characters that the system's code page "
-                      "lacks",
-                      "Move the program to a folder with a plain name.", true);
     const FileHandle file(CreateFileA(path.c_str(), GENERIC_READ,
                                       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                                       nullptr, OPEN_EXISTING, 0, nullptr));

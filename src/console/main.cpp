@@ -1,9 +1,9 @@
 #include "base/Failure.h"
-#include "base/Trace.h"
 #include "base/Version.h"
 #include "base/modFile.h"
 #include "base/modSystemLibrary.h"
 #include "base/modText.h"
+#include "base/modTrace.h"
 #include "base/modWide.h"
 #include "build/clsBuildRun.h"
 #include "catalogue/clsProgramArchives.h"
@@ -211,6 +211,15 @@ int PrintProblems(const ConsoleOptions& options, const std::string& programPath,
     return isTicked ? kDone : kDoneWithWarnings;
 }
 
+/// Nothing is read from a folder that only seems to be the program's own.
+CatalogueLoad LoadFrom(const std::string& programPath, Catalogue& catalogue) {
+    const auto unfit = FindProgramFolderFault();
+    if (!unfit)
+        return LoadCatalogueReporting(programPath, catalogue);
+    const std::string fault = programPath + kCatalogueFileName + ": " + unfit->what;
+    return {CatalogueState::Absent, fault + ". " + unfit->advice, true, fault};
+}
+
 int RunAction(const ConsoleOptions& options, clsTerminal& terminal) {
     if (options.action == ConsoleOptions::Action::Help) {
         std::fputs(HelpText().c_str(), stdout);
@@ -227,7 +236,7 @@ int RunAction(const ConsoleOptions& options, clsTerminal& terminal) {
     }
     const std::string programPath = FindProgramPaths().programPath;
     Catalogue catalogue;
-    const CatalogueLoad load = LoadCatalogueReporting(programPath, catalogue);
+    const CatalogueLoad load = LoadFrom(programPath, catalogue);
     if (options.action == ConsoleOptions::Action::Check)
         return PrintProblems(options, programPath, catalogue, load, terminal);
     if (options.action == ConsoleOptions::Action::List)

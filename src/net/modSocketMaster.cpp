@@ -1,8 +1,8 @@
 #include "net/modSocketMaster.h"
 
 #include "base/Failure.h"
-#include "base/Trace.h"
 #include "base/UniqueHandle.h"
+#include "base/modTrace.h"
 #include "net/modSocketAddress.h"
 #include "net/modSocketErrors.h"
 
@@ -237,26 +237,6 @@ bool TakeAccepted(SOCKET socket) {
     if (registry.accepted.empty())
         Trace("OK Destroyed accept collection");
     return true;
-}
-
-SocketServiceHold::SocketServiceHold() {
-    try {
-        InitiateProcesses();
-        started_ = true;
-        placeholder_.Reset(::socket(AF_INET, SOCK_STREAM, 0));
-        if (placeholder_)
-            RegisterSocket(placeholder_.Get(), {}, false);
-    } catch (const Failure& failure) {
-        Trace(std::string("WARNING: ") + failure.what());
-    }
-}
-
-SocketServiceHold::~SocketServiceHold() {
-    if (placeholder_)
-        UnregisterSocket(placeholder_.Get());
-    placeholder_.Reset(); // before the service ends
-    if (started_)
-        FinalizeProcesses();
 }
 
 SocketCounts CountSockets() {

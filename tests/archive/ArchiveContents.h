@@ -187,7 +187,7 @@ inline void CheckImage(const std::string& cabinet, const CabDirectory& directory
                        const CabFolder& folder, const std::vector<std::size_t>& entries) {
     MemorySource image(CabFolderImage(directory, folder, entries) +
                        cabinet.substr(folder.dataAt, static_cast<std::size_t>(folder.goodPacked)));
-    ByteWindow window(image);
+    clsByteWindow window(image);
     CabDirectory again = ReadCabDirectory(window);
     JudgeCabData(window, again, [] {});
     JudgeCabEntries(again);
@@ -201,7 +201,7 @@ inline void CheckImage(const std::string& cabinet, const CabDirectory& directory
 inline Reading ReadCab(const std::string& archive) {
     Reading reading;
     MemorySource source(archive);
-    ByteWindow cabinet(source);
+    clsByteWindow cabinet(source);
     CabDirectory directory;
     try {
         directory = ReadCabDirectory(cabinet);

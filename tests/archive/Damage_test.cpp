@@ -18,7 +18,7 @@ std::size_t CheckedFrom(const std::string& archive, bool isZip) {
     if (isZip)
         return 0;
     MemorySource source(archive);
-    ByteWindow window(source);
+    clsByteWindow window(source);
     return ReadCabDirectory(window).folders[0].dataAt;
 }
 

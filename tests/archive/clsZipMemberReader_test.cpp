@@ -12,7 +12,7 @@ namespace {
 std::string LuckyPassword() {
     const TestMember member = TestMember::Encrypted("a");
     for (int number = 0;; ++number) {
-        ZipCipher cipher(std::to_string(number));
+        clsZipCipher cipher(std::to_string(number));
         std::byte last{};
         for (const char c : member.data.substr(0, ZipMember::kCipherHeaderSize))
             last = cipher.Decrypt(static_cast<std::byte>(c));

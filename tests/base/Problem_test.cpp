@@ -2,7 +2,7 @@
 
 #include "ExpectedText.h"
 #include "base/Failure.h"
-#include "base/ResumeNext.h"
+#include "base/modResumeNext.h"
 
 #include <new>
 #include <vector>

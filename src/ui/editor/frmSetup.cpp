@@ -9,6 +9,7 @@
 #include "ui/editor/frmCategories.h"
 #include "ui/editor/frmCheck.h"
 #include "ui/editor/modSaveCheck.h"
+#include "ui/kit/clsWaitCursor.h"
 #include "ui/kit/modBand.h"
 #include "ui/kit/modBoxText.h"
 #include "ui/kit/modEnable.h"
@@ -192,7 +193,7 @@ bool frmSetup::Apply() {
                                      MB_YESNO | MB_ICONWARNING | MB_DEFBUTTON2) != IDYES)
         return false;
     try {
-        const WaitCursor wait;
+        const clsWaitCursor wait;
         editor_.Apply([this](const Catalogue& catalogue) { file_.Save(catalogue); });
     } catch (const std::exception& failure) {
         ShowMessage(Window(), "The catalogue could not be saved.\r\n" + AsSentence(failure.what()),
@@ -263,7 +264,7 @@ void frmSetup::cmdActions_Click(int index) {
 void frmSetup::cmdCheck_Click() {
     CatalogueCheck check;
     {
-        const WaitCursor wait;
+        const clsWaitCursor wait;
         ExtractionOwner owner;
         owner.progress = [](double) { LetWindowsPaint(); };
         check = CheckWithProgramFolder(paths_.programPath, editor_.Edited(), owner);

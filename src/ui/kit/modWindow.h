@@ -103,18 +103,6 @@ void MatchHeight(HWND combo, HWND textField);
 /// Draws what is to be drawn while something takes long; keys and clicks wait for its end.
 void LetWindowsPaint();
 
-/// Shows the mouse pointer of a busy program for the length of a scope.
-class WaitCursor {
-public:
-    WaitCursor() : before_(SetCursor(LoadCursorA(nullptr, IDC_WAIT))) {}
-    WaitCursor(const WaitCursor&) = delete;
-    WaitCursor& operator=(const WaitCursor&) = delete;
-    ~WaitCursor() { SetCursor(before_); }
-
-private:
-    HCURSOR before_;
-};
-
 /// A copy of the font with another weight, and a size as a percentage of the font's own.
 GdiHandle DerivedFont(HFONT font, LONG weight, int percent);
 

@@ -1,4 +1,4 @@
-#include "base/RealPath.h"
+#include "base/modRealPath.h"
 
 #include "base/UniqueHandle.h"
 #include "base/modSystemLibrary.h"

@@ -1,4 +1,4 @@
-#include "base/RealPath.h"
+#include "base/modRealPath.h"
 
 #include <windows.h>
 

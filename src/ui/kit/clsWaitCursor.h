@@ -1,0 +1,19 @@
+#pragma once
+
+#include <windows.h>
+
+namespace vesk {
+
+/// Shows the mouse pointer of a busy program for the length of a scope.
+class clsWaitCursor {
+public:
+    clsWaitCursor() : before_(SetCursor(LoadCursorA(nullptr, IDC_WAIT))) {}
+    clsWaitCursor(const clsWaitCursor&) = delete;
+    clsWaitCursor& operator=(const clsWaitCursor&) = delete;
+    ~clsWaitCursor() { SetCursor(before_); }
+
+private:
+    HCURSOR before_;
+};
+
+} // namespace vesk
