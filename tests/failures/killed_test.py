@@ -14,7 +14,7 @@ import tempfile
 import time
 
 from failures import LAST_LINE, Builder, Fault
-from sample import catalogue_faults, picture, windows_path
+from sample import catalogue_faults, windows_path
 from net.peers import ScriptedServer, answer
 
 
@@ -25,7 +25,7 @@ class Killed:
         self.builder = Builder(self.folder, program, wine, "killed")
         self.builder.stop()
         self.server = ScriptedServer(self.send_slowly)
-        self.builder.arguments[-1] = f"127.0.0.1:{self.server.port}"
+        self.builder.arguments[-1] = f"localhost:{self.server.port}"
         start = time.monotonic()
         self.good = self.builder.build(Fault())
         self.length = time.monotonic() - start
@@ -57,18 +57,12 @@ class Killed:
         marked = "tree/veskbuild.unfinished" in killed.made
         self.unfinished += marked
         tree = self.tree(killed.made)
-        if not marked and tree not in ({}, self.tree(self.good.made), self.old_tree()):
+        if not marked and tree not in ({}, self.tree(self.good.made), self.tree(self.builder.untouched)):
             found.append(f"a tree that is not whole bears no mark: {sorted(tree)[:5]}")
         again = self.builder.build(Fault(), fresh=False)
         if again.code != 0 or again.errors or self.tree(again.made) != self.tree(self.good.made):
             found.append(f"the next build: {again.code} {again.errors} {again.differing(self.good)[:5]}")
         return found
-
-    def old_tree(self):
-        """What a build finds; the tree's own folder made or marked is no difference."""
-        place = self.folder / "old"
-        self.builder.sample.fill(place, self.builder.program)
-        return self.tree(picture(place))
 
     def save(self):
         """The catalogue saved over and over until killed: it is one of the two that are saved."""

@@ -1,6 +1,9 @@
 """A whole build to make calls fail in: the sample, with an archive for each way of unpacking, an old
-tree to remove, and two archives that come over HTTP."""
+tree to remove, a list of digests, and two archives that come over HTTP, one by a detour and over what an
+earlier download left."""
 
+import functools
+import hashlib
 import pathlib
 import re
 import shutil
@@ -12,9 +15,11 @@ from fixtures import TOP, Member, crc_of, windows_path, write_cab  # noqa: E402
 
 sys.path.append(str(TOP / "sample"))
 import make_sample  # noqa: E402
-from serve import server_of  # noqa: E402
+from serve import Handler, server_of  # noqa: E402
 
-SERVED = ("pebuilder3110a.zip", "hexview.zip")
+HOST = "http://sample.invalid/"
+GONE, MOVED = f"{HOST}gone/hexview.zip", f"{HOST}moved/hexview.zip"
+SERVED = {"pebuilder3110a.zip": f"{HOST}pebuilder3110a.zip", "hexview.zip": f"{GONE},{MOVED},{GONE}"}
 LARGE = 4 << 20  # from this size on a member is written in pieces
 DATE = re.compile(rb"\[\d+/\d+/\d{4} \d+:\d\d:\d\d [AP]M\]")
 
@@ -46,6 +51,9 @@ class Sample:
             (program / name).replace(folder / "server" / name)
         self.archives = {path.name: path.read_bytes() for place in ("program", "server")
                          for path in (folder / place).iterdir() if path.suffix in (".zip", ".cab")}
+        (program / "veskbuilder.sha256").write_text("".join(
+            f"{hashlib.sha256(content).hexdigest()} *{name}\n" for name, content in self.archives.items()))
+        (program / "hexview.zip.vesk-part").write_text("of a download that was killed")
 
     @staticmethod
     def write_catalogue(program):
@@ -56,9 +64,8 @@ class Sample:
                        for i, name, archive in ((5, "Large", "large.zip"), (6, "Pressed", "pressed.cab")))
         text = text.replace("[Categories]", more + "[Categories]").replace("Enabled1=0", "Enabled1=1")
         for number, name in re.findall(r"^Zip(\d+)=(\S+)", text, re.MULTILINE):
-            url = f"http://sample.invalid/{name}" if name in SERVED else ""
             text = re.sub(rf"(Zip{number}={name} (?:.*\n)+?Url{number}=).*?( ?\r\nCRC{number}=)\S*",
-                          rf"\g<1>{url}\g<2>{crc_of(program / name)}", text)
+                          rf"\g<1>{SERVED.get(name, '')}\g<2>{crc_of(program / name)}", text)
         path.write_bytes(text.encode("cp1252"))
 
     def fill(self, folder, executable):
@@ -109,8 +116,23 @@ def picture(folder):
     return result
 
 
+class Detour(Handler):
+    """A server that lacks what is asked for at one place, and sends from another one to the archive."""
+
+    def do_GET(self):
+        if "/gone/" in self.path:
+            return self.send_error(404, "Not Found")
+        if "/moved/" not in self.path:
+            return super().do_GET()
+        self.send_response(302)
+        self.send_header("Location", self.path.replace("/moved/", "/"))
+        self.send_header("Content-Length", "0")
+        return self.end_headers()
+
+
 def serve(folder):
     """@return a server of the archives, which ends with this process at the latest"""
     server = server_of(folder / "server")
+    server.RequestHandlerClass = functools.partial(Detour, directory=folder / "server")
     threading.Thread(target=server.serve_forever, daemon=True).start()
     return server
