@@ -11,7 +11,7 @@ import sys
 import threading
 
 sys.path.append(str(pathlib.Path(__file__).resolve().parents[1]))
-from fixtures import TOP, Member, crc_of, windows_path, write_cab  # noqa: E402
+from fixtures import TOP, Member, crc_of, run_in_wine, windows_path, write_cab  # noqa: E402
 
 sys.path.append(str(TOP / "sample"))
 import make_sample  # noqa: E402
@@ -20,6 +20,7 @@ from serve import Handler, server_of  # noqa: E402
 HOST = "http://sample.invalid/"
 GONE, MOVED = f"{HOST}gone/hexview.zip", f"{HOST}moved/hexview.zip"
 SERVED = {"pebuilder3110a.zip": f"{HOST}pebuilder3110a.zip", "hexview.zip": f"{GONE},{MOVED},{GONE}"}
+LEFTOVER = "of a download that was killed"
 LARGE = 4 << 20  # from this size on a member is written in pieces
 KEPT = "penetcfg|bginfo|a43|aspi"  # stock plug-ins
 # What a log says that may differ: times, and how far a plug-in that is not there was looked for.
@@ -56,7 +57,7 @@ class Sample:
                          for path in (folder / place).iterdir() if path.suffix in (".zip", ".cab")}
         (program / "veskbuilder.sha256").write_text("".join(
             f"{hashlib.sha256(content).hexdigest()} *{name}\n" for name, content in self.archives.items()))
-        (program / "hexview.zip.vesk-part").write_text("of a download that was killed")
+        (program / "hexview.zip.vesk-part").write_text(LEFTOVER)
 
     @staticmethod
     def write_catalogue(program):
@@ -74,7 +75,7 @@ class Sample:
     def fill(self, folder, executable):
         """A program folder, and the tree of an earlier build."""
         shutil.rmtree(folder, ignore_errors=True)
-        shutil.copytree(self.folder / "program", folder / "program")
+        shutil.copytree(self.folder / "program", folder / "program", dirs_exist_ok=True)
         (folder / "program" / "veskbuild.exe").symlink_to(executable)
         for name in ("tree/Plugin/old/deep", "shell/16", "shell/23/Vesk Builder"):
             (folder / name).mkdir(parents=True)
@@ -84,11 +85,29 @@ class Sample:
         (folder / "tree/Plugin/b.txt").chmod(0o444)
 
 
-def catalogue_faults(folder):
-    """What is wrong with a catalogue that was saved again and again: nothing when it is one of the two."""
-    text = (folder / "veskbuilder.ini").read_text("cp1252")
-    whole = text.rstrip().endswith("500=500_security") and "Name6=Pressed" in text
-    return [] if whole else [f"half a catalogue: {len(text)} characters"]
+def catalogue_text(folder):
+    """Without the day on which it was saved."""
+    return re.sub(rb"(?m)^; Date: .*$", b"", (folder / "veskbuilder.ini").read_bytes())
+
+
+class SavedCatalogue:
+    """The sample's catalogue, and what may stand in its place while save_tool is at work."""
+
+    def __init__(self, sample, tool, wine, place):
+        self.path = sample / "program/veskbuilder.ini"
+        self.command = [*wine, str(tool), windows_path(place) + "\\"]
+        self.texts = {catalogue_text(self.path.parent)}
+        place.mkdir()
+        for count in "12":
+            shutil.copy(self.path, place)
+            run_in_wine([*self.command, count], check=True)
+            self.texts.add(catalogue_text(place))
+        assert len(self.texts) == 3
+        shutil.rmtree(place)
+
+    def faults(self, folder):
+        text = catalogue_text(folder)
+        return [] if text in self.texts else [f"half a catalogue: {len(text)} characters"]
 
 
 def without_times(link):
