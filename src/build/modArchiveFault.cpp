@@ -16,7 +16,11 @@ namespace {
 std::string WhyUnreadable(const std::string& path) {
     const FileHandle file(CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
                                       OPEN_EXISTING, 0, nullptr));
-    return file ? "it is empty" : AsReason(SystemErrorText(GetLastError()));
+    if (!file)
+        return AsReason(SystemErrorText(GetLastError()));
+    LARGE_INTEGER size{};
+    const bool isEmpty = GetFileSizeEx(file.Get(), &size) != FALSE && size.QuadPart == 0;
+    return isEmpty ? "it is empty" : "it could not be read in full";
 }
 
 } // namespace

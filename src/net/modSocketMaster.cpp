@@ -132,6 +132,10 @@ void EnsureWindow() {
         ThrowOutOfMemory("modSocketMaster.RegisterSocket");
     registry.previousProcedure = reinterpret_cast<WNDPROC>(SetWindowLongPtrA(
         registry.window.Get(), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&ForwardMessage)));
+    if (registry.previousProcedure == nullptr) { // no event would ever reach a socket
+        registry.window.Reset();
+        ThrowOutOfMemory("modSocketMaster.RegisterSocket");
+    }
     Trace("OK Created winsock message window " +
           std::to_string(reinterpret_cast<std::uintptr_t>(registry.window.Get())));
 }
