@@ -118,7 +118,7 @@ class Package(unittest.TestCase):
         spdx = json.loads(next(data for name, data in self.made.items() if "spdx" in name))
         versions = {part["name"]: part["versionInfo"] for part in spdx["packages"]}
         self.assertEqual(set(versions), {"Vesk Builder", "libdeflate", "zlib",
-                                         "GCC runtime libraries", "mingw-w64 runtime"})
+                                         "GCC runtime libraries", "mingw-w64 runtime", "NSIS"})
         # zlib leaves its version in the program.
         program = (self.portable / "veskbuilder.exe").read_bytes()
         self.assertIn(f" inflate {versions['zlib']} ".encode(), program)
