@@ -186,7 +186,7 @@ int PrintTable(const ConsoleOptions& options, const std::string& programPath, Ca
     const auto stateOf = [&](const CatalogueEntry& entry, const EntryPlace& place) {
         return JudgeArchive(entry, place, archives.Facts(entry.zip));
     };
-    std::fputs(CatalogueTable(catalogue, stateOf).c_str(), stdout);
+    terminal.PrintLines(CatalogueTable(catalogue, stateOf));
     return isTicked && load.state == CatalogueState::Whole ? kDone : kDoneWithWarnings;
 }
 
@@ -222,7 +222,7 @@ CatalogueLoad LoadFrom(const std::string& programPath, Catalogue& catalogue) {
 
 int RunAction(const ConsoleOptions& options, clsTerminal& terminal) {
     if (options.action == ConsoleOptions::Action::Help) {
-        std::fputs(HelpText().c_str(), stdout);
+        terminal.PrintLines(HelpText());
         return kDone;
     }
     if (options.action == ConsoleOptions::Action::Version) {

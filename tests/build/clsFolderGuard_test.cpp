@@ -38,6 +38,14 @@ TEST_CASE("the system's and the user's own folders are guarded") {
     CHECK(guard.Objection(amongPrograms).empty());
     CHECK(guard.KeepsForeign(amongPrograms));
     CHECK_FALSE(guard.KeepsForeign(folder / "tree"));
+    CHECK(guard.KeepsForeign(ParentOf(SpecialFolderPath(SpecialFolder::AppData)) + "\\tree"));
+    CHECK_FALSE(guard.KeepsForeign(SpecialFolderPath(SpecialFolder::Desktop) + "\\tree"));
+    // As Windows XP and Windows 7 have them.
+    CHECK(clsFolderGuard::AmongData("C:\\D\\ann", {R"(c:\d\Ann\Application Data)",
+                                                   R"(C:\D\ann\Local Settings\Application Data)",
+                                                   R"(C:\U\ann\AppData\Roaming)", ""}) ==
+          std::vector<std::string>{R"(c:\d\Ann\Application Data)", R"(C:\D\ann\Local Settings)",
+                                   R"(C:\U\ann\AppData)", ""});
 }
 
 TEST_CASE("no build works in, below or above another one's folder") {
