@@ -22,6 +22,7 @@ public:
         Grow(piece);
     }
 
+    /// How many bytes the source has.
     [[nodiscard]] std::uint64_t Size() const { return source_.Size(); }
 
     /// The bytes from `at` on; fewer than `count` only at the end of the source. They stay until

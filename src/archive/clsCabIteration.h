@@ -25,6 +25,7 @@ public:
     clsCabIteration& operator=(const clsCabIteration&) = delete;
     ~clsCabIteration();
 
+    /// Path of the cabinet, and of the target folder: empty for the cabinet's own.
     [[nodiscard]] const std::string& CabName() const { return cabName_; }
     [[nodiscard]] const std::string& Destination() const { return destination_; }
 

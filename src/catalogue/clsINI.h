@@ -14,6 +14,7 @@ namespace vesk {
 class clsINI {
 public:
     clsINI() = default;
+    /// @param path see iniFileName
     explicit clsINI(std::string path) : iniFileName(std::move(path)) {}
 
     std::string iniFileName; ///< Full path of the file that the operations work on.

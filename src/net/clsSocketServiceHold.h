@@ -9,6 +9,7 @@ namespace vesk {
 /// a socket is told; this is not.
 class clsSocketServiceHold {
 public:
+    /// Begins to keep both. Throws nothing.
     clsSocketServiceHold();
     clsSocketServiceHold(const clsSocketServiceHold&) = delete;
     clsSocketServiceHold& operator=(const clsSocketServiceHold&) = delete;

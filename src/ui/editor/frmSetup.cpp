@@ -21,7 +21,6 @@
 #include <array>
 #include <cstddef>
 #include <exception>
-#include <initializer_list>
 #include <utility>
 
 namespace vesk {
@@ -108,21 +107,18 @@ void frmSetup::Form_Load() {
 /// size they forget the height of their lists.
 void frmSetup::FollowSize() {
     layout_.Attach(Window());
-    const auto follow = [this](unsigned how, std::initializer_list<int> ids) {
-        for (const int id : ids)
-            layout_.Add(Control(id), how);
-    };
     constexpr int kAddress = 4;
     constexpr int kChecksum = 5;
-    follow(clsLayout::kGrowX,
-           {IDC_LINE_SETUP_TOP, IDC_LINE_SETUP_BOTTOM, IDC_FRA_BASE, IDC_FRA_PLUGIN,
-            IDC_FRA_INSTALL, IDC_TXT_BASE, IDC_TXT_BASE + kAddress, IDC_TXT_BASE + kChecksum,
-            IDC_TXT_BASE_PLUGIN, IDC_TXT_BASE_PLUGIN + kAddress, IDC_TXT_BASE_PLUGIN + kChecksum,
-            IDC_LBL_STATE});
-    follow(clsLayout::kMoveX, {IDC_IMG_SETUP_LOGO, IDC_CMD_APPLY, IDC_CMD_DISCARD, IDCANCEL});
+    layout_.Follow(clsLayout::kGrowX,
+                   {IDC_LINE_SETUP_TOP, IDC_LINE_SETUP_BOTTOM, IDC_FRA_BASE, IDC_FRA_PLUGIN,
+                    IDC_FRA_INSTALL, IDC_TXT_BASE, IDC_TXT_BASE + kAddress,
+                    IDC_TXT_BASE + kChecksum, IDC_TXT_BASE_PLUGIN, IDC_TXT_BASE_PLUGIN + kAddress,
+                    IDC_TXT_BASE_PLUGIN + kChecksum, IDC_LBL_STATE});
+    layout_.Follow(clsLayout::kMoveX,
+                   {IDC_IMG_SETUP_LOGO, IDC_CMD_APPLY, IDC_CMD_DISCARD, IDCANCEL});
     for (const EntryButton& button : EntryButtons()) {
         if (button.action != EntryAction::Browse)
-            follow(clsLayout::kMoveX, {EntryButtonId(button.list, button.action)});
+            layout_.Follow(clsLayout::kMoveX, {EntryButtonId(button.list, button.action)});
     }
 }
 

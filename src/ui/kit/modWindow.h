@@ -84,6 +84,10 @@ inline int TextWidth(HWND control, const std::string& text) {
 /// Pixels in height that a text takes in a control's font, with its lines broken at a width.
 int WrappedHeight(HWND control, const std::string& text, int width);
 
+/// Pixels that the columns of a list view have together; room is kept for the scroll bar that its
+/// lines will need.
+int RoomForColumns(HWND list);
+
 /// Replaces the items of a combo box; none of them is selected then.
 void SetComboItems(HWND combo, const std::vector<std::string>& items);
 
