@@ -2,6 +2,7 @@
 
 #include "base/Failure.h"
 #include "base/FolderEntries.h"
+#include "base/Problem.h"
 #include "base/RealPath.h"
 #include "base/UniqueHandle.h"
 #include "base/clsLinkDetector.h"
@@ -27,6 +28,13 @@ bool HasAttribute(DWORD attributes, DWORD wanted) {
 FileHandle OpenForReading(const std::string& path) {
     return FileHandle(CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
                                   nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+}
+
+[[noreturn]] void ThrowTooLong(const std::string& path) {
+    static_assert(kLongestText == 16 << 20);
+    constexpr const char* kReason = "it is larger than 16 MB";
+    throw Failure(ERROR_FILE_TOO_LARGE, "ReadFileIfThere", "cannot read " + path + ": " + kReason,
+                  kReason);
 }
 
 bool WriteAll(const FileHandle& file, const std::string& text) {
@@ -56,16 +64,17 @@ std::string ReadFileIfThere(const std::string& path) {
     const FileHandle file = OpenForReading(path);
     if (!file && (GetLastError() == ERROR_FILE_NOT_FOUND || GetLastError() == ERROR_PATH_NOT_FOUND))
         return {};
-    LARGE_INTEGER size{};
-    if (!file || GetFileSizeEx(file.Get(), &size) == 0)
+    LARGE_INTEGER known{};
+    if (!file || GetFileSizeEx(file.Get(), &known) == 0)
         ThrowLastError("cannot read", path);
-    if (size.HighPart != 0)
-        ThrowSystemError(ERROR_NOT_ENOUGH_MEMORY, "cannot read", path);
-    std::string text(static_cast<std::size_t>(size.QuadPart), '\0');
+    if (known.QuadPart > kLongestText + kRoomForEdits)
+        ThrowTooLong(path);
+    const DWORD size = known.LowPart;
+    std::string text(size, '\0');
     DWORD done = 0;
-    while (done < size.LowPart) { // one call may bring a part only
+    while (done < size) { // one call may bring a part only
         DWORD read = 0;
-        if (ReadFile(file.Get(), text.data() + done, size.LowPart - done, &read, nullptr) == 0)
+        if (ReadFile(file.Get(), text.data() + done, size - done, &read, nullptr) == 0)
             ThrowLastError("cannot read", path);
         if (read == 0)
             break; // it has become shorter
@@ -73,6 +82,21 @@ std::string ReadFileIfThere(const std::string& path) {
     }
     text.resize(done);
     return text;
+}
+
+void RequireTextSize(const std::string& path) {
+    WIN32_FILE_ATTRIBUTE_DATA data{};
+    if (GetFileAttributesExA(path.c_str(), GetFileExInfoStandard, &data) != 0 &&
+        (data.nFileSizeHigh != 0 || data.nFileSizeLow > kLongestText))
+        ThrowTooLong(path);
+}
+
+std::string WhyUnreadable(const std::string& path) {
+    const FileHandle file = OpenForReading(path);
+    LARGE_INTEGER size{};
+    if (!file || GetFileSizeEx(file.Get(), &size) == 0)
+        return AsReason(SystemErrorText(GetLastError()));
+    return size.QuadPart == 0 ? "it is empty" : "it cannot be read in full";
 }
 
 bool WriteWholeFile(const std::string& path, const std::string& text) {

@@ -36,9 +36,17 @@ TEST_CASE("what is there and cannot be read does not pass for an empty file") {
     CHECK(ReadFileIfThere(folder / "none").empty());
     CHECK(ReadFileIfThere(folder / "none\\none").empty());
     CHECK_THROWS_AS(ReadFileIfThere(folder.Path()), Failure);
+    RequireTextSize(folder.Write("long.txt", std::string(kLongestText, '#')));
+    folder.Write("long.txt", std::string(kLongestText + kRoomForEdits, '#'));
+    CHECK_THROWS_AS(RequireTextSize(folder / "long.txt"), Failure);
+    CHECK(ReadFileIfThere(folder / "long.txt").size() == kLongestText + kRoomForEdits);
+    folder.Write("long.txt", std::string(kLongestText + kRoomForEdits + 1, '#'));
+    CHECK_THROWS_AS(ReadFileIfThere(folder / "long.txt"), Failure);
+    CHECK(WhyUnreadable(folder / "long.txt") == "it cannot be read in full");
     const FileHandle lock = OpenExclusively(path);
     CHECK_THROWS_AS(ReadFileIfThere(path), Failure);
     CHECK(ReadWholeFile(path).empty());
+    RequireTextSize(path);
 }
 
 TEST_CASE("what stands under a path") {
