@@ -1,6 +1,7 @@
 #include "build/clsComponentInstaller.h"
 
 #include "archive/modArchive.h"
+#include "archive/modArchiveName.h"
 #include "base/modFile.h"
 #include "base/modText.h"
 #include "build/modArchiveFault.h"
