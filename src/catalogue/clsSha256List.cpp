@@ -5,8 +5,13 @@
 #include "base/modFile.h"
 #include "base/modSha256.h"
 #include "base/modText.h"
+#include "base/modUtf8.h"
+#include "base/modWide.h"
 
 #include <windows.h>
+
+#include <map>
+#include <optional>
 
 namespace vesk {
 
@@ -22,6 +27,18 @@ std::string ListText(const std::string& path) {
     return text;
 }
 
+/// A list that was made elsewhere may have its names in UTF-8. What a line says in the code page
+/// counts before that.
+void AddNamesInUtf8(std::map<std::string, std::string>& digests) {
+    std::map<std::string, std::string> more;
+    for (const auto& [name, digest] : digests) {
+        const auto wide = FromUtf8(name);
+        if (const auto narrow = wide ? NarrowedExactly(*wide) : std::nullopt)
+            more.try_emplace(LowerCase(*narrow), digest);
+    }
+    digests.merge(more);
+}
+
 } // namespace
 
 clsSha256List::clsSha256List(const std::string& programPath) {
@@ -29,6 +46,7 @@ clsSha256List::clsSha256List(const std::string& programPath) {
     const auto report = [this](const Problem& problem) { problems_.push_back(problem); };
     ResumeNext(report, {path, "not read, so no archive's SHA-256 is checked"},
                [&] { text_ = ParseSha256Text(ListText(path)); });
+    AddNamesInUtf8(text_.digests);
     for (const std::string& fault : text_.faults)
         problems_.push_back({path, "not read in full", fault});
 }
