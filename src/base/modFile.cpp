@@ -109,8 +109,31 @@ bool WriteWholeFile(const std::string& path, const std::string& text) {
     return file && WriteAll(file, text);
 }
 
+namespace {
+
+/// Where a file is made that is to replace the one at the path.
+std::string Beside(const std::string& path) {
+    return path + ".new";
+}
+
+/// Gives the complete file beside a path its name. @throws Failure; nothing then stays beside it
+void MoveIntoPlace(const std::string& path) {
+    const std::string beside = Beside(path);
+    if (FileExists(path))
+        ClearAttributes(path);
+    if (MoveFileExA(beside.c_str(), path.c_str(),
+                    MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0)
+        return;
+    const DWORD error = GetLastError();
+    ClearAttributes(beside);
+    DeleteFileA(beside.c_str());
+    ThrowSystemError(error, "cannot replace", path);
+}
+
+} // namespace
+
 void WriteCompleteFile(const std::string& path, const std::string& text) {
-    const std::string beside = path + ".new";
+    const std::string beside = Beside(path);
     {
         FileHandle file(CreateFileA(beside.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
                                     FILE_ATTRIBUTE_NORMAL, nullptr));
@@ -123,14 +146,7 @@ void WriteCompleteFile(const std::string& path, const std::string& text) {
             ThrowSystemError(error, "cannot write", beside);
         }
     }
-    if (FileExists(path))
-        ClearAttributes(path);
-    if (MoveFileExA(beside.c_str(), path.c_str(),
-                    MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) == 0) {
-        const DWORD error = GetLastError();
-        DeleteFileA(beside.c_str());
-        ThrowSystemError(error, "cannot replace", path);
-    }
+    MoveIntoPlace(path);
 }
 
 PathState StateOf(const std::string& path) {
@@ -261,25 +277,28 @@ void CopyFileOver(const std::string& source, const std::string& target) {
         ThrowLastError("cannot copy", source + " to " + target);
 }
 
+void CopyCompleteFile(const std::string& source, const std::string& target) {
+    const std::string beside = Beside(target);
+    try {
+        CopyFileOver(source, beside);
+    } catch (const Failure&) { // of a full disk, say
+        DeleteFileA(beside.c_str());
+        throw;
+    }
+    MoveIntoPlace(target);
+}
+
 void MovePath(const std::string& source, const std::string& target) {
     if (MoveFileA(source.c_str(), target.c_str()) == 0)
         ThrowLastError("cannot move", source + " to " + target);
 }
 
 std::string AbsolutePath(const std::string& path) {
-    std::wstring buffer(32768, L'\0'); // the system's own limit
-    const DWORD length = GetFullPathNameW(Widen(path).c_str(), static_cast<DWORD>(buffer.size()),
-                                          buffer.data(), nullptr);
-    if (length == 0 || length >= buffer.size())
-        ThrowLastError("not a path:", path);
-    buffer.resize(length);
     // The current folder's name may have characters that only look like the code page's.
-    const auto exact = NarrowedExactly(buffer);
+    const auto exact = NarrowedExactly(AbsoluteWidePath(path));
     if (!exact)
         ThrowSystemError(ERROR_NO_UNICODE_TRANSLATION, "cannot use", path);
-    // A bare drive means its current folder to the system, but its root to people.
-    const bool bareDrive = path.size() == 2 && path[1] == ':';
-    return bareDrive ? path + "\\" : *exact;
+    return *exact;
 }
 
 } // namespace vesk

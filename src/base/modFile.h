@@ -80,6 +80,10 @@ void CreateFolderPath(const std::string& path);
 /// Copies one file over the target, a read-only target too. Throws.
 void CopyFileOver(const std::string& source, const std::string& target);
 
+/// The same for a file that must never be seen half written: it is copied beside the target and
+/// moved into place when complete. Throws; the target is then as it was.
+void CopyCompleteFile(const std::string& source, const std::string& target);
+
 /// Renames or moves a file or folder; the target must not exist. Throws.
 void MovePath(const std::string& source, const std::string& target);
 

@@ -68,7 +68,26 @@ TEST_CASE("a complete file replaces the old one, or leaves it as it was") {
         CHECK_THROWS_AS(WriteCompleteFile(path, "newer"), Failure);
     }
     CHECK(ReadWholeFile(path) == "new");
+    const std::string source = folder.Write("other", "copied");
+    SetFileAttributesA(source.c_str(), FILE_ATTRIBUTE_READONLY);
+    {
+        const FileHandle lock = OpenExclusively(path);
+        CHECK_THROWS_AS(CopyCompleteFile(source, path), Failure);
+    }
+    CHECK_THROWS_AS(CopyCompleteFile(folder / "none", path), Failure);
+    CHECK(ReadWholeFile(path) == "new");
     CHECK_FALSE(FileExists(path + ".new"));
+    CopyCompleteFile(source, path);
+    CHECK(ReadWholeFile(path) == "copied");
+}
+
+TEST_CASE("absolute paths") {
+    CHECK(AbsolutePath("C:") == "C:\\");
+    CHECK(AbsolutePath("c:") == "c:\\");
+    CHECK(AbsolutePath("C:\\a\\..\\\\b/c.\\.") == "C:\\b\\c");
+    CHECK(AbsolutePath("\\\\?\\C:\\a") == "\\\\?\\C:\\a");
+    CHECK(AbsolutePath("\\\\server\\share\\..") == "\\\\server\\share\\");
+    CHECK_THROWS_AS(AbsolutePath(""), Failure);
 }
 
 TEST_CASE("creating folders") {
