@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace vesk {
@@ -16,11 +17,26 @@ struct MemberFailure {
     bool operator==(const MemberFailure&) const = default;
 };
 
-/// What became of the extraction of one archive. Everything that is not among the failures was
-/// done.
+/// What became of the extraction of one archive. Everything that is not among the failures, told or
+/// only counted, was done.
 struct ExtractionOutcome {
+    /// Failures that are kept. An archive can claim a member in each 46 of its bytes, and whoever
+    /// shows failures keeps them once more.
+    static constexpr std::size_t kMostTold = 1000;
+
     std::size_t extracted = 0; ///< Members that are complete in the target folder.
     std::vector<MemberFailure> failures;
+    std::size_t untold = 0; ///< Further failures, which are only counted.
+
+    /// Takes a failure in. @return false when it is only counted
+    bool Tell(MemberFailure failure) {
+        if (failures.size() >= kMostTold) {
+            ++untold;
+            return false;
+        }
+        failures.push_back(std::move(failure));
+        return true;
+    }
 };
 
 } // namespace vesk

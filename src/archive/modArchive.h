@@ -5,7 +5,6 @@
 #include <functional>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 /// Archives of both kinds, distinguished by the extension of their names.
@@ -21,11 +20,6 @@ struct ExtractionOwner {
     /// @param fraction of the archive's bytes that is done, 0 to 1
     std::function<void(double fraction)> progress;
 };
-
-/// True for a name that an archive in the program folder can have: a plain file name, so that
-/// nothing elsewhere is read, written or deleted through it, and not that of one of the program's
-/// own files.
-bool IsPlainArchiveName(std::string_view name);
 
 /// Extracts every member below the folder, over existing files; what cannot be extracted does not
 /// stop the rest. An archive that is neither .zip nor .cab, or has no member, is a failure as a

@@ -17,9 +17,7 @@ public:
     explicit CabOwner(const ExtractionOwner& owner) : owner_(owner) {}
 
     void OnAfterExtract(const std::string&) override { ++outcome.extracted; }
-    void OnNotExtracted(const MemberFailure& failure) override {
-        outcome.failures.push_back(failure);
-    }
+    void OnNotExtracted(const MemberFailure& failure) override { outcome.Tell(failure); }
     void OnProgress(double fraction) override {
         if (owner_.progress)
             owner_.progress(fraction);

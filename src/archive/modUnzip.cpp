@@ -149,9 +149,9 @@ public:
 
 private:
     void Tell(const MemberFailure& failure) {
-        messageBuffer += (failure.member.empty() ? options_.Zip : failure.member) + ": " +
-                         failure.what + ", " + failure.reason + "\r\n";
-        outcome_.failures.push_back(failure);
+        if (outcome_.Tell(failure))
+            messageBuffer += (failure.member.empty() ? options_.Zip : failure.member) + ": " +
+                             failure.what + ", " + failure.reason + "\r\n";
     }
 
     /// While the archive's directory is read, which may be long.

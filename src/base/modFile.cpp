@@ -1,6 +1,7 @@
 #include "base/modFile.h"
 
 #include "base/Failure.h"
+#include "base/Problem.h"
 #include "base/UniqueHandle.h"
 #include "base/clsLinkDetector.h"
 #include "base/modFolderEntries.h"
@@ -27,6 +28,13 @@ bool HasAttribute(DWORD attributes, DWORD wanted) {
 FileHandle OpenForReading(const std::string& path) {
     return FileHandle(CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
                                   nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+}
+
+[[noreturn]] void ThrowTooLong(const std::string& path) {
+    static_assert(kLongestText == 16 << 20);
+    constexpr const char* kReason = "it is larger than 16 MB";
+    throw Failure(ERROR_FILE_TOO_LARGE, "ReadFileIfThere", "cannot read " + path + ": " + kReason,
+                  kReason);
 }
 
 bool WriteAll(const FileHandle& file, const std::string& text) {
@@ -56,16 +64,17 @@ std::string ReadFileIfThere(const std::string& path) {
     const FileHandle file = OpenForReading(path);
     if (!file && (GetLastError() == ERROR_FILE_NOT_FOUND || GetLastError() == ERROR_PATH_NOT_FOUND))
         return {};
-    LARGE_INTEGER size{};
-    if (!file || GetFileSizeEx(file.Get(), &size) == 0)
+    LARGE_INTEGER known{};
+    if (!file || GetFileSizeEx(file.Get(), &known) == 0)
         ThrowLastError("cannot read", path);
-    if (size.HighPart != 0)
-        ThrowSystemError(ERROR_NOT_ENOUGH_MEMORY, "cannot read", path);
-    std::string text(static_cast<std::size_t>(size.QuadPart), '\0');
+    if (known.QuadPart > kLongestText + kRoomForEdits)
+        ThrowTooLong(path);
+    const DWORD size = known.LowPart;
+    std::string text(size, '\0');
     DWORD done = 0;
-    while (done < size.LowPart) { // one call may bring a part only
+    while (done < size) { // one call may bring a part only
         DWORD read = 0;
-        if (ReadFile(file.Get(), text.data() + done, size.LowPart - done, &read, nullptr) == 0)
+        if (ReadFile(file.Get(), text.data() + done, size - done, &read, nullptr) == 0)
             ThrowLastError("cannot read", path);
         if (read == 0)
             break; // it has become shorter
@@ -73,6 +82,21 @@ std::string ReadFileIfThere(const std::string& path) {
     }
     text.resize(done);
     return text;
+}
+
+void RequireTextSize(const std::string& path) {
+    WIN32_FILE_ATTRIBUTE_DATA data{};
+    if (GetFileAttributesExA(path.c_str(), GetFileExInfoStandard, &data) != 0 &&
+        (data.nFileSizeHigh != 0 || data.nFileSizeLow > kLongestText))
+        ThrowTooLong(path);
+}
+
+std::string WhyUnreadable(const std::string& path) {
+    const FileHandle file = OpenForReading(path);
+    LARGE_INTEGER size{};
+    if (!file || GetFileSizeEx(file.Get(), &size) == 0)
+        return AsReason(SystemErrorText(GetLastError()));
+    return size.QuadPart == 0 ? "it is empty" : "it cannot be read in full";
 }
 
 bool WriteWholeFile(const std::string& path, const std::string& text) {
@@ -85,8 +109,31 @@ bool WriteWholeFile(const std::string& path, const std::string& text) {
     return file && WriteAll(file, text);
 }
 
+namespace {
+
+/// Where a file is made that is to replace the one at the path.
+std::string Beside(const std::string& path) {
+    return path + ".new";
+}
+
+/// Gives the complete file beside a path its name. @throws Failure; nothing then stays beside it
+void MoveIntoPlace(const std::string& path) {
+    const std::string beside = Beside(path);
+    if (FileExists(path))
+        ClearAttributes(path);
+    if (MoveFileExA(beside.c_str(), path.c_str(),
+                    MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0)
+        return;
+    const DWORD error = GetLastError();
+    ClearAttributes(beside);
+    DeleteFileA(beside.c_str());
+    ThrowSystemError(error, "cannot replace", path);
+}
+
+} // namespace
+
 void WriteCompleteFile(const std::string& path, const std::string& text) {
-    const std::string beside = path + ".new";
+    const std::string beside = Beside(path);
     {
         FileHandle file(CreateFileA(beside.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
                                     FILE_ATTRIBUTE_NORMAL, nullptr));
@@ -99,14 +146,7 @@ void WriteCompleteFile(const std::string& path, const std::string& text) {
             ThrowSystemError(error, "cannot write", beside);
         }
     }
-    if (FileExists(path))
-        ClearAttributes(path);
-    if (MoveFileExA(beside.c_str(), path.c_str(),
-                    MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) == 0) {
-        const DWORD error = GetLastError();
-        DeleteFileA(beside.c_str());
-        ThrowSystemError(error, "cannot replace", path);
-    }
+    MoveIntoPlace(path);
 }
 
 PathState StateOf(const std::string& path) {
@@ -237,25 +277,28 @@ void CopyFileOver(const std::string& source, const std::string& target) {
         ThrowLastError("cannot copy", source + " to " + target);
 }
 
+void CopyCompleteFile(const std::string& source, const std::string& target) {
+    const std::string beside = Beside(target);
+    try {
+        CopyFileOver(source, beside);
+    } catch (const Failure&) { // of a full disk, say
+        DeleteFileA(beside.c_str());
+        throw;
+    }
+    MoveIntoPlace(target);
+}
+
 void MovePath(const std::string& source, const std::string& target) {
     if (MoveFileA(source.c_str(), target.c_str()) == 0)
         ThrowLastError("cannot move", source + " to " + target);
 }
 
 std::string AbsolutePath(const std::string& path) {
-    std::wstring buffer(32768, L'\0'); // the system's own limit
-    const DWORD length = GetFullPathNameW(Widen(path).c_str(), static_cast<DWORD>(buffer.size()),
-                                          buffer.data(), nullptr);
-    if (length == 0 || length >= buffer.size())
-        ThrowLastError("not a path:", path);
-    buffer.resize(length);
     // The current folder's name may have characters that only look like the code page's.
-    const auto exact = NarrowedExactly(buffer);
+    const auto exact = NarrowedExactly(AbsoluteWidePath(path));
     if (!exact)
         ThrowSystemError(ERROR_NO_UNICODE_TRANSLATION, "cannot use", path);
-    // A bare drive means its current folder to the system, but its root to people.
-    const bool bareDrive = path.size() == 2 && path[1] == ':';
-    return bareDrive ? path + "\\" : *exact;
+    return *exact;
 }
 
 } // namespace vesk

@@ -1,16 +1,31 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 /// Files and folders of the system. Paths are texts in the ANSI code page, separated by "\".
 /// What throws, throws a Failure with the system's error code, the action and the path.
 namespace vesk {
 
-/// The whole file as one text; empty when it is missing or cannot be read.
+/// The most bytes that are taken for a text. An archive of a few megabytes can bring an INF file of
+/// gigabytes, and every edit reads all of it. What an edit adds is read all the same.
+inline constexpr std::uint32_t kLongestText = std::uint32_t{16} * 1024 * 1024;
+inline constexpr std::uint32_t kRoomForEdits = std::uint32_t{64} * 1024;
+
+/// The whole file as one text; empty when it is missing, cannot be read, or is no text for its
+/// length.
 std::string ReadWholeFile(const std::string& path);
 
 /// The same where a file that is there and cannot be read must not pass for an empty one. Throws.
 std::string ReadFileIfThere(const std::string& path);
+
+/// Throws when a file is longer than kLongestText, and for no other reason: for one that others are
+/// about to read.
+void RequireTextSize(const std::string& path);
+
+/// Why nothing could be read of a file that is there, as Problem::reason has it: it is empty, or
+/// what the system says.
+std::string WhyUnreadable(const std::string& path);
 
 /// Writes the text over the file's beginning, a read-only file included. Nothing happens for an
 /// empty text, nothing is thrown, and a longer old file keeps its tail: every caller writes at
@@ -64,6 +79,10 @@ void CreateFolderPath(const std::string& path);
 
 /// Copies one file over the target, a read-only target too. Throws.
 void CopyFileOver(const std::string& source, const std::string& target);
+
+/// The same for a file that must never be seen half written: it is copied beside the target and
+/// moved into place when complete. Throws; the target is then as it was.
+void CopyCompleteFile(const std::string& source, const std::string& target);
 
 /// Renames or moves a file or folder; the target must not exist. Throws.
 void MovePath(const std::string& source, const std::string& target);

@@ -44,7 +44,10 @@ void* FindLoadedFunction(const char* library, const char* function) {
 
 void* FindSystemFunction(const char* library, const char* function) {
     std::string path(MAX_PATH, '\0');
-    path.resize(GetSystemDirectoryA(path.data(), static_cast<UINT>(path.size())));
+    const UINT length = GetSystemDirectoryA(path.data(), static_cast<UINT>(path.size()));
+    if (length == 0 || length >= path.size()) // or the drive's root would be looked in
+        return nullptr;
+    path.resize(length);
     path.append("\\").append(library);
     // Never freed: the function may be called at any later time.
     const HMODULE module = LoadLibraryA(path.c_str());

@@ -105,8 +105,9 @@ std::wstring LongPath(std::string_view absolute) {
     return LongPath(Widen(absolute));
 }
 
-std::wstring AbsoluteLongPath(std::string_view path) {
+std::wstring AbsoluteWidePath(std::string_view path) {
     std::wstring wide = Widen(path);
+    // It means the drive's current folder to the system, but the root to people.
     if (wide.size() == 2 && wide[1] == L':')
         wide += L'\\';
     std::wstring buffer(32768, L'\0'); // the system's own limit
@@ -115,7 +116,11 @@ std::wstring AbsoluteLongPath(std::string_view path) {
     if (length == 0 || length >= buffer.size())
         ThrowLastError("not a path:", std::string(path));
     buffer.resize(length);
-    return LongPath(buffer);
+    return buffer;
+}
+
+std::wstring AbsoluteLongPath(std::string_view path) {
+    return LongPath(AbsoluteWidePath(path));
 }
 
 std::wstring WithoutLongPrefix(std::wstring_view longPath) {

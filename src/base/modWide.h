@@ -34,8 +34,11 @@ std::wstring AsAnsiSees(std::wstring_view wide);
 std::wstring LongPath(std::wstring_view absolute);
 std::wstring LongPath(std::string_view absolute);
 
-/// LongPath of the absolute form of a path of any length. A bare drive stands for its root.
-/// @throws Failure
+/// The absolute form of a path of any length, without ".", ".." and doubled backslashes. A bare
+/// drive ("C:") stands for its root and not for its current folder. @throws Failure
+std::wstring AbsoluteWidePath(std::string_view path);
+
+/// LongPath of that. @throws Failure
 std::wstring AbsoluteLongPath(std::string_view path);
 
 /// The path that LongPath was made of.

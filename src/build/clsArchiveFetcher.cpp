@@ -1,6 +1,6 @@
 #include "build/clsArchiveFetcher.h"
 
-#include "archive/modArchive.h"
+#include "archive/modArchiveName.h"
 #include "base/modFile.h"
 #include "base/modText.h"
 #include "build/modArchiveFault.h"
@@ -11,7 +11,7 @@ DownloadOutcome clsArchiveFetcher::Fetch(const CatalogueEntry& component) {
     context_.Log("Downloading: " + component.zip);
     const std::string archive = context_.ArchivePath(component);
     DownloadOutcome outcome;
-    if (IsPlainArchiveName(component.zip))
+    if (IsReplaceableArchiveName(component.zip))
         ResumeNext([&](const Problem& problem) { outcome.reason = problem.reason; }, {},
                    [&] {
                        outcome = context_.frontEnd.DownloadFile(
@@ -25,7 +25,7 @@ DownloadOutcome clsArchiveFetcher::Fetch(const CatalogueEntry& component) {
     if (outcome.result == DownloadResult::Done)
         return outcome;
     // A file that is there is downloaded again only because it is not the right one.
-    if (IsPlainArchiveName(component.zip) && FileExists(archive)) {
+    if (IsReplaceableArchiveName(component.zip) && FileExists(archive)) {
         const std::string fault = ArchiveFault(context_, archive, component);
         outcome.reason +=
             "; the file that was there was removed" + (fault.empty() ? "" : ", " + fault);
@@ -42,7 +42,7 @@ DownloadOutcome clsArchiveFetcher::Fetch(const CatalogueEntry& component) {
 
 /// Removes what a failed download left, with one line for the archive wherever it was written to.
 void clsArchiveFetcher::RemoveLeftovers(const CatalogueEntry& component) {
-    if (!IsPlainArchiveName(component.zip))
+    if (!IsReplaceableArchiveName(component.zip))
         return;
     const std::string archive = context_.ArchivePath(component);
     const std::string partial = PartialPath(archive);

@@ -1,6 +1,6 @@
 #include "build/clsBuildRun.h"
 
-#include "archive/modArchive.h"
+#include "archive/modArchiveName.h"
 #include "base/Failure.h"
 #include "base/Version.h"
 #include "base/modDate.h"

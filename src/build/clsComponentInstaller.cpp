@@ -1,6 +1,7 @@
 #include "build/clsComponentInstaller.h"
 
 #include "archive/modArchive.h"
+#include "archive/modArchiveName.h"
 #include "base/modFile.h"
 #include "base/modText.h"
 #include "build/modArchiveFault.h"
@@ -142,14 +143,17 @@ void clsComponentInstaller::RunBaseScript(std::size_t index) {
         return;
     const std::string& script = *first;
     RunScriptSection(script);
-    if (IsUtf16(ReadWholeFile(script))) {
+    bool isUtf16 = false;
+    bool hasPluginPart = false;
+    context_.ResumeNext({script, "not read"}, [&] {
+        isUtf16 = IsUtf16(ReadFileIfThere(script));
+        hasPluginPart = !isUtf16 && IsLineInFile(script, "[plugins]");
+    });
+    if (isUtf16) {
         // Told above. It stays where it is, and out of the way of the next component's.
         unreadScripts_.insert(script);
         return;
     }
-    bool hasPluginPart = false;
-    context_.ResumeNext({script, "not read"},
-                        [&] { hasPluginPart = IsLineInFile(script, "[plugins]"); });
     if (hasPluginPart)
         pendingScripts_[index] = script;
     else
@@ -195,6 +199,9 @@ void clsComponentInstaller::EditInfs(const CatalogueEntry& plugin, const std::st
     std::ranges::for_each(found.problems, context_.report);
     for (const std::string& inf : found.paths) {
         const Attempt attempt{inf, "not edited"};
+        // The profile functions would read all of it for every value.
+        if (!context_.ResumeNext(attempt, [&] { RequireTextSize(inf); }))
+            continue;
         const clsBuildContext context = EditingContext(context_, inf);
         context.ResumeNext(attempt, [&] { PrefixPluginName(context, inf, plugin.cat); });
         context.ResumeNext(attempt, [&] { CommentOutAppendMenu(context, inf); });

@@ -21,7 +21,7 @@ bool HoldsKey(const std::string& text, const std::string& key) {
 } // namespace
 
 void RequireAnsi(const std::string& path) {
-    const std::string text = ReadWholeFile(path);
+    const std::string text = ReadFileIfThere(path);
     if (IsUtf16(text) && !text.starts_with(kUtf16Mark))
         throw Failure(ERROR_NO_UNICODE_TRANSLATION, "RequireAnsi", kIsUtf16);
 }

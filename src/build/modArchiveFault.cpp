@@ -1,29 +1,11 @@
 #include "build/modArchiveFault.h"
 
 #include "archive/clsCRC.h"
-#include "base/UniqueHandle.h"
+#include "base/modFile.h"
 #include "base/modSha256.h"
-#include "base/modSystemError.h"
 #include "base/modText.h"
 
-#include <windows.h>
-
 namespace vesk {
-
-namespace {
-
-/// Why a file has no checksum.
-std::string WhyUnreadable(const std::string& path) {
-    const FileHandle file(CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
-                                      OPEN_EXISTING, 0, nullptr));
-    if (!file)
-        return AsReason(SystemErrorText(GetLastError()));
-    LARGE_INTEGER size{};
-    const bool isEmpty = GetFileSizeEx(file.Get(), &size) != FALSE && size.QuadPart == 0;
-    return isEmpty ? "it is empty" : "it could not be read in full";
-}
-
-} // namespace
 
 std::string ArchiveFault(const clsBuildContext& context, const std::string& path,
                          const CatalogueEntry& component) {

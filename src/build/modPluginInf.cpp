@@ -1,6 +1,5 @@
 #include "build/modPluginInf.h"
 
-#include "base/UniqueHandle.h"
 #include "base/modFile.h"
 #include "base/modSystemError.h"
 #include "base/modText.h"
@@ -24,12 +23,6 @@ std::string ModifyingLine(const std::string& inf, const std::string& what) {
 void RequireReadable(const std::string& inf) {
     if (inf.size() >= MAX_PATH)
         ThrowSystemError(ERROR_FILENAME_EXCED_RANGE, "cannot read", inf);
-    // Shared as ReadFileIfThere does, or the answer would be another one.
-    const FileHandle file(CreateFileA(inf.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                      nullptr, OPEN_EXISTING, 0, nullptr));
-    const DWORD error = GetLastError();
-    if (!file && FileExists(inf))
-        ThrowSystemError(error, "cannot read", inf);
     RequireAnsi(inf);
 }
 

@@ -1,7 +1,7 @@
 #include "catalogue/clsProgramArchives.h"
 
 #include "archive/clsCRC.h"
-#include "archive/modArchive.h"
+#include "archive/modArchiveName.h"
 #include "base/modSha256.h"
 
 #include <windows.h>

@@ -1,42 +1,52 @@
 #include "catalogue/clsSha256List.h"
 
 #include "base/Failure.h"
-#include "base/UniqueHandle.h"
+#include "base/ResumeNext.h"
 #include "base/modFile.h"
 #include "base/modSha256.h"
-#include "base/modSystemError.h"
 #include "base/modText.h"
+#include "base/modUtf8.h"
+#include "base/modWide.h"
 
 #include <windows.h>
+
+#include <map>
+#include <optional>
 
 namespace vesk {
 
 namespace {
 
-/// Why a file that is there cannot be read; empty when it can, or there is none.
-std::string WhyUnreadable(const std::string& path) {
-    const FileHandle file(CreateFileA(path.c_str(), GENERIC_READ,
-                                      FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0,
-                                      nullptr));
-    const DWORD error = file ? ERROR_SUCCESS : GetLastError();
-    return error == ERROR_SUCCESS || error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND
-               ? std::string()
-               : AsReason(SystemErrorText(error));
+/// The list's text; empty without a list. @throws Failure for one that cannot be read: taken for an
+/// empty one it would let every archive pass, and be replaced by one line
+std::string ListText(const std::string& path) {
+    std::string text = ReadFileIfThere(path);
+    if (IsUtf16(text))
+        throw Failure(ERROR_READ_FAULT, "ListText", "cannot read " + path + ": " + kIsUtf16,
+                      kIsUtf16);
+    return text;
+}
+
+/// A list that was made elsewhere may have its names in UTF-8. What a line says in the code page
+/// counts before that.
+void AddNamesInUtf8(std::map<std::string, std::string>& digests) {
+    std::map<std::string, std::string> more;
+    for (const auto& [name, digest] : digests) {
+        const auto wide = FromUtf8(name);
+        if (const auto narrow = wide ? NarrowedExactly(*wide) : std::nullopt)
+            more.try_emplace(LowerCase(*narrow), digest);
+    }
+    digests.merge(more);
 }
 
 } // namespace
 
 clsSha256List::clsSha256List(const std::string& programPath) {
-    constexpr const char* kUnread = "not read, so no archive's SHA-256 is checked";
     const std::string path = programPath + kSha256FileName;
-    if (const std::string why = WhyUnreadable(path); !why.empty())
-        problems_.push_back({path, kUnread, why});
-    const std::string text = ReadWholeFile(path);
-    if (IsUtf16(text)) {
-        problems_.push_back({path, kUnread, kIsUtf16});
-        return;
-    }
-    text_ = ParseSha256Text(text);
+    const auto report = [this](const Problem& problem) { problems_.push_back(problem); };
+    ResumeNext(report, {path, "not read, so no archive's SHA-256 is checked"},
+               [&] { text_ = ParseSha256Text(ListText(path)); });
+    AddNamesInUtf8(text_.digests);
     for (const std::string& fault : text_.faults)
         problems_.push_back({path, "not read in full", fault});
 }
@@ -48,12 +58,9 @@ std::string clsSha256List::Expected(const std::string& archiveName) const {
 
 bool UpdateSha256List(const std::string& programPath, const std::string& archiveName) {
     const std::string path = programPath + kSha256FileName;
-    if (!FileExists(path))
+    if (StateOf(path) == PathState::Nothing)
         return false;
-    const std::string text = ReadWholeFile(path);
-    if (const std::string why = IsUtf16(text) ? kIsUtf16 : WhyUnreadable(path); !why.empty())
-        throw Failure(ERROR_READ_FAULT, "UpdateSha256List", "cannot read " + path + ": " + why,
-                      why);
+    const std::string text = ListText(path);
     WriteCompleteFile(path, WithSha256(text, archiveName, Sha256OfFile(programPath + archiveName)));
     return true;
 }

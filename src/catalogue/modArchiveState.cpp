@@ -1,15 +1,11 @@
 #include "catalogue/modArchiveState.h"
 
+#include "archive/modArchiveName.h"
 #include "base/modText.h"
 
 namespace vesk {
 
 namespace {
-
-bool IsExtractable(const std::string& archive) {
-    const std::string extension = LowerCase(ExtensionOf(archive));
-    return extension == "zip" || extension == "cab";
-}
 
 /// A build installs every base component; ticks count for plug-ins only.
 bool IsIncluded(const CatalogueEntry& entry, const EntryPlace& place) {
@@ -63,13 +59,17 @@ std::string MissingSentence(const CatalogueEntry& entry, const EntryPlace& place
 
 } // namespace
 
+bool IsMisnamedPeBuilder(const CatalogueEntry& entry, const EntryPlace& place) {
+    return place.IsPeBuilder() && !EqualNoCase(entry.zip, kFirstArchiveName);
+}
+
 ArchiveState JudgeArchive(const CatalogueEntry& entry, const EntryPlace& place,
                           const ArchiveFacts& facts) {
     if (!facts.plainName)
         return ArchiveState::BadName;
-    if (place.IsPeBuilder() && !EqualNoCase(entry.zip, kFirstArchiveName))
+    if (IsMisnamedPeBuilder(entry, place))
         return ArchiveState::NotPeBuilder;
-    if (!IsExtractable(entry.zip))
+    if (ArchiveKindOf(entry.zip) == ArchiveKind::Neither)
         return ArchiveState::WrongType;
     const bool isFetched =
         !entry.url.empty() && (place.IsPeBuilder() || place.list == EntryList::Plugins);
@@ -128,14 +128,15 @@ std::string ArchiveSentence(const CatalogueEntry& entry, const EntryPlace& place
         return "The archive is there, but its CRC-32 differs from the catalogue's: the build "
                "downloads it again.";
     case ArchiveState::BadName:
-        return "The archive's name is not a plain file name: it is neither downloaded nor "
-               "extracted.";
+        return "The archive's name is " + ArchiveNameFault(entry.zip) +
+               ": it is neither downloaded nor extracted.";
     case ArchiveState::NotPeBuilder:
         return std::string("The first base component's archive has to be named ") +
                kFirstArchiveName +
                ": a build looks for that one, and replaces or deletes this one.";
     case ArchiveState::WrongType:
-        return "The archive is neither a .zip nor a .cab file: it is not extracted.";
+        return "The archive is neither a .zip nor a .cab file: it is neither downloaded nor "
+               "extracted.";
     }
     return {};
 }

@@ -38,10 +38,13 @@ enum class ArchiveState {
     Missing,      ///< Not there, and no build downloads it: left out.
     ToDownload,   ///< Not there; a build downloads it, in the case of a plug-in when it is ticked.
     ToReplace,    ///< There and not right; the build downloads it again.
-    BadName,      ///< Its name is not a plain file name: neither downloaded nor extracted.
+    BadName,      ///< Its name cannot be an archive's: neither downloaded nor extracted.
     NotPeBuilder, ///< The first base component's, under another name than a build looks for.
     WrongType,    ///< Neither .zip nor .cab: not extracted.
 };
+
+/// True for a first base component whose archive has another name than a build looks for.
+bool IsMisnamedPeBuilder(const CatalogueEntry& entry, const EntryPlace& place);
 
 /// The state of an entry's archive, from what is known of the file.
 ArchiveState JudgeArchive(const CatalogueEntry& entry, const EntryPlace& place,

@@ -1,7 +1,7 @@
 #include "catalogue/modCatalogueCheck.h"
 
+#include "archive/modArchiveName.h"
 #include "archive/modMemberName.h"
-#include "base/CodePage.h"
 #include "base/modText.h"
 #include "catalogue/modAddress.h"
 #include "catalogue/modCategoryCheck.h"
@@ -163,21 +163,18 @@ private:
     }
 
     void CheckArchiveName(const CatalogueEntry& entry, const EntryPlace& place) {
-        const std::string extension = LowerCase(ExtensionOf(entry.zip));
-        if (place.IsPeBuilder() && !EqualNoCase(entry.zip, kFirstArchiveName))
+        if (IsMisnamedPeBuilder(entry, place))
             Report(Kind::FirstArchive, "the first one's archive has to be " +
                                            Quoted(kFirstArchiveName) + ", here it is " +
                                            Quoted(entry.zip));
         if (entry.zip.empty())
             return Report(Kind::ArchiveType, "it names no archive");
-        if (extension != "zip" && extension != "cab")
+        if (ArchiveKindOf(entry.zip) == ArchiveKind::Neither)
             Report(Kind::ArchiveType, Quoted(entry.zip) + " is neither .zip nor .cab and would not "
                                                           "be extracted");
-        if (WithoutTrailBytes(entry.zip).find_first_of("\\/") != std::string::npos ||
-            !PathInside("", entry.zip))
-            Report(Kind::ArchiveName, Quoted(entry.zip) +
-                                          " is not a plain file name: it is neither downloaded nor "
-                                          "extracted");
+        if (const std::string fault = ArchiveNameFault(entry.zip); !fault.empty())
+            Report(Kind::ArchiveName,
+                   Quoted(entry.zip) + " is " + fault + ": it is neither downloaded nor extracted");
         const auto [first, isNew] = owners_.try_emplace(LowerCase(entry.zip), about_);
         if (!isNew)
             Report(Kind::DuplicateArchive,

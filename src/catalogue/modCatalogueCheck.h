@@ -16,7 +16,7 @@ enum class CatalogueProblemKind {
     ValueForm,        ///< A text that the file does not keep: quotes around it are lost.
     ValueTooLong,     ///< Longer than the reader takes; the rest would be cut off.
     ArchiveType,      ///< No archive, or neither .zip nor .cab.
-    ArchiveName,      ///< No plain file name: such an archive is neither downloaded nor extracted.
+    ArchiveName,      ///< No archive can have the name: it is neither downloaded nor extracted.
     ArchiveMissing,   ///< Not there, and no build downloads it.
     ArchiveContent,   ///< Something in it would not be extracted.
     DuplicateArchive, ///< Two entries with one archive.

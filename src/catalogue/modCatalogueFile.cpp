@@ -3,11 +3,9 @@
 #include "base/Failure.h"
 #include "base/Problem.h"
 #include "base/RunTimeError.h"
-#include "base/UniqueHandle.h"
 #include "base/modDate.h"
 #include "base/modFile.h"
 #include "base/modSpecialFolder.h"
-#include "base/modSystemError.h"
 #include "base/modText.h"
 #include "base/modWide.h"
 #include "catalogue/clsINI.h"
@@ -117,8 +115,8 @@ bool IsOneByteText(std::string_view text) {
            std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
-IniText ReadIniText(const std::string& path) {
-    const std::string bytes = ReadWholeFile(path);
+/// @param bytes the content of the file
+IniText ParseIniFile(const std::string& path, const std::string& bytes) {
     const std::string text = InCodePage(bytes);
     IniText file = ParseIni(text);
     // Longer paths are another matter to the profile functions.
@@ -127,6 +125,10 @@ IniText ReadIniText(const std::string& path) {
     file.linesArePlain &= isAnsi;
     return file;
 }
+
+/// Keys whose values the system is asked for: more than the wizard's lists can hold. Each call
+/// reads the whole file, so that ten times as many would take a minute.
+constexpr std::size_t kMostAsked = 4096;
 
 /// The profile functions read the whole file for every key. Where nobody could read the text in
 /// another way, once is enough.
@@ -165,8 +167,9 @@ void FillCatalogue(const std::vector<IniSection>& sections, Catalogue& catalogue
         ReadCategories(PositionalSection(sections[3]), catalogue);
 }
 
-/// Why the catalogue's file cannot be opened; a state of Whole when it can.
-CatalogueLoad OpenOrExplain(const std::string& path) {
+/// Why the catalogue's file cannot be read; a state of Whole when it can.
+/// @param bytes receives its content
+CatalogueLoad ReadOrExplain(const std::string& path, std::string& bytes) {
     const auto absent = [&](const std::string& why, const std::string& advice, bool isThere) {
         const std::string fault = path + ": " + why;
         return CatalogueLoad{CatalogueState::Absent, fault + ". " + advice, isThere, fault};
@@ -174,27 +177,22 @@ CatalogueLoad OpenOrExplain(const std::string& path) {
     if (path.size() >= MAX_PATH)
         return absent("the path is longer than the 259 characters that can be used",
                       "Move the program to a folder with a shorter path.", true);
-    const FileHandle file(CreateFileA(path.c_str(), GENERIC_READ,
-                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                      nullptr, OPEN_EXISTING, 0, nullptr));
-    const DWORD error = file ? 0 : GetLastError();
-    if (error == 0)
-        return {};
-    if (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND)
+    const PathState state = StateOf(path);
+    if (state == PathState::Nothing)
         return absent("there is no such file", "Start veskbuilder.exe -setup to make one.", false);
-    if (FolderExists(path))
+    if (state == PathState::Folder)
         return absent("it is a folder",
                       "Remove it, and start veskbuilder.exe -setup to make a file.", true);
-    return absent("it cannot be read, " + AsReason(SystemErrorText(error)),
-                  "Check who may read it and which program has it open.", true);
+    try {
+        bytes = ReadFileIfThere(path);
+        return {};
+    } catch (const Failure& failure) {
+        return absent("it cannot be read, " + ReasonOf(failure),
+                      "Check who may read it and which program has it open.", true);
+    }
 }
 
 } // namespace
-
-void LoadCatalogue(const std::string& programPath, Catalogue& catalogue) {
-    const std::string path = programPath + kCatalogueFileName;
-    FillCatalogue(SectionsOf(path, ReadIniText(path)), catalogue);
-}
 
 std::vector<IniSection> ReadSectionsThroughSystem(const std::string& path, const IniText* known) {
     const clsINI ini(path);
@@ -202,11 +200,17 @@ std::vector<IniSection> ReadSectionsThroughSystem(const std::string& path, const
     std::vector<IniSection> sections;
     std::vector<std::string> names = ini.GetAllSections();
     names.pop_back(); // the empty element that ends a list
+    std::size_t asked = 0;
     for (const std::string& name : names) {
         IniSection& section = sections.emplace_back(IniSection{name, {}});
         const auto& ofSection = values[LowerCase(name)];
         std::vector<std::string> keys = ini.GetAllKeys(name);
         keys.pop_back();
+        asked += known == nullptr ? keys.size() : 0;
+        if (asked > kMostAsked)
+            throw Failure(ERROR_FILE_TOO_LARGE, "ReadSectionsThroughSystem",
+                          "it has more keys than the " + std::to_string(kMostAsked) +
+                              " that are read where its lines are not plain");
         for (const std::string& key : keys) {
             const auto found = ofSection.find(LowerCase(key));
             section.keys.push_back(
@@ -218,15 +222,16 @@ std::vector<IniSection> ReadSectionsThroughSystem(const std::string& path, const
 
 CatalogueLoad LoadCatalogueReporting(const std::string& programPath, Catalogue& catalogue) {
     const std::string path = programPath + kCatalogueFileName;
-    if (CatalogueLoad load = OpenOrExplain(path); load.state != CatalogueState::Whole)
+    std::string bytes;
+    if (CatalogueLoad load = ReadOrExplain(path, bytes); load.state != CatalogueState::Whole)
         return load;
-    const IniText file = ReadIniText(path);
+    const IniText file = ParseIniFile(path, bytes);
     if (file.sections.empty() && file.lost.empty())
         return {CatalogueState::Absent, path + ": it is empty. " + kWriteAnew, true,
                 path + ": it is empty"};
-    const std::vector<IniSection> sections = SectionsOf(path, file);
     std::string fault = CatalogueFault(file);
     try {
+        const std::vector<IniSection> sections = SectionsOf(path, file);
         FillCatalogue(sections, catalogue);
         if (fault.empty() && sections != file.sections)
             fault = "Windows reads it differently from what it says";

@@ -11,12 +11,6 @@ namespace vesk {
 /// File name of the catalogue in the program folder.
 inline constexpr const char* kCatalogueFileName = "veskbuilder.ini";
 
-/// Fills the catalogue from the file in the program path (which ends in "\"), by position and not
-/// by name. A missing or empty file leaves the catalogue as it was.
-/// @throws Failure when a value cannot be read (a tick that is no boolean, an entry cut short);
-///         what was read before it stays in the catalogue. The text names section and entry.
-void LoadCatalogue(const std::string& programPath, Catalogue& catalogue);
-
 /// How much of the catalogue was read: all of it as it was written, some of it, nothing.
 enum class CatalogueState { Whole, Partial, Absent };
 
@@ -38,11 +32,15 @@ struct CatalogueLoad {
     std::string surplus = {};
 };
 
-/// Loads the catalogue for a front end, which shows with what was read. Throws nothing.
+/// Fills the catalogue from the file in the program path (which ends in "\"), by position and not
+/// by name, for a front end, which shows with what was read. A missing or empty file leaves it as
+/// it was; what stands before a value that cannot be read (a tick that is no boolean, an entry cut
+/// short) stays in it. Throws nothing.
 CatalogueLoad LoadCatalogueReporting(const std::string& programPath, Catalogue& catalogue);
 
 /// All sections of a file as the system's profile functions read them, with a call for every key.
 /// @param known the file's text when its lines are plain: then only the names are asked for
+/// @throws Failure when so many calls would take too long
 std::vector<IniSection> ReadSectionsThroughSystem(const std::string& path,
                                                   const IniText* known = nullptr);
 

@@ -1,5 +1,6 @@
 #include "catalogue/modSha256Text.h"
 
+#include "archive/modArchiveName.h"
 #include "base/modText.h"
 
 #include <cstddef>
@@ -51,6 +52,10 @@ Sha256Text ParseSha256Text(std::string_view text) {
         const auto entry = DigestAndName(line);
         if (!entry) {
             list.faults.push_back(place + " is not a SHA-256 digest and a name");
+            continue;
+        }
+        if (entry->second != TrimBlanks(entry->second) || !IsPlainFileName(entry->second)) {
+            list.faults.push_back(place + " names no file in the program folder: " + entry->second);
             continue;
         }
         const auto [known, isNew] = list.digests.try_emplace(entry->second, entry->first);

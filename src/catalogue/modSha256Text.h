@@ -19,6 +19,8 @@ struct Sha256Text {
 
 /// Takes such a list apart: lines of 64 hexadecimal digits, a blank, a blank or "*", and a name.
 /// Empty lines, and those that begin with "#", say nothing. Of a name with two digests none counts.
+/// A name with a folder before it, or a blank behind it, is no archive's and would never be looked
+/// for.
 Sha256Text ParseSha256Text(std::string_view text);
 
 /// The list with this digest for a file: in place of the line that the name has, or behind the

@@ -23,6 +23,12 @@ bool IsListedExactly(const std::string& path) {
            FileNameOf(path) == entry.cFileName;
 }
 
+/// False only where it is certain that there is none: one that stays is written behind.
+bool MayBeFile(const std::string& path) {
+    const PathState state = StateOf(path);
+    return state == PathState::File || state == PathState::Unknown;
+}
+
 FileHandle OpenForWriting(const std::string& path, DWORD disposition) {
     return FileHandle(CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
                                   disposition, FILE_ATTRIBUTE_NORMAL, nullptr));
@@ -32,9 +38,10 @@ FileHandle OpenForWriting(const std::string& path, DWORD disposition) {
 FileHandle OpenInPlaceOf(const std::string& path, bool inAnyCase) {
     // A file whose name differs in letter case is not the one meant and is not deleted: where the
     // system takes both for the same, the bytes follow its own and the checksum tells.
-    if (inAnyCase ? FileExists(path) : IsListedExactly(path))
+    if (inAnyCase ? MayBeFile(path) : IsListedExactly(path))
         RemoveFile(path);
-    FileHandle file = OpenForWriting(path, OPEN_ALWAYS);
+    // Behind what a killed run left, the bytes would make no archive, and their checksum be right.
+    FileHandle file = OpenForWriting(path, inAnyCase ? CREATE_ALWAYS : OPEN_ALWAYS);
     if (!file)
         ThrowLastError("cannot create", path);
     if (SetFilePointer(file.Get(), 0, nullptr, FILE_END) == INVALID_SET_FILE_POINTER &&
@@ -81,31 +88,38 @@ void clsDownload::SetDestination(const std::string& destination) {
 
 void clsDownload::Download(const std::optional<std::string>& url,
                            const std::optional<std::string>& destination) {
-    if (url)
-        SetURL(*url);
-    if (destination)
-        SetDestination(*destination);
     fileSize_ = 0;
     statusLine_.clear();
     failedHere_ = false;
     Cancel();
+    try {
+        if (url)
+            SetURL(*url);
+        if (destination)
+            SetDestination(*destination);
+        transfer_ = std::make_shared<Transfer>(static_cast<SocketEvents&>(*this));
+    } catch (const std::exception& failure) {
+        return FailHere(failure);
+    }
     if (!IsRequestable(url_))
         return FailHere(kBadAddress, "The address holds a control character");
-    try {
-        transfer_ = std::make_shared<Transfer>(static_cast<SocketEvents&>(*this));
-    } catch (const Failure& failure) {
-        return FailHere(static_cast<std::int32_t>(failure.number), failure.what());
-    }
     const std::weak_ptr<Transfer> running = transfer_;
-    const bool direct = accessType_ == kAccessDirect;
     try {
-        // The port is always the usual one: a port in the URL is part of the host's text.
-        transfer_->cmSocket.Connect(direct ? HostOfUrl(url_) : proxy_,
-                                    direct ? kHttpPort : proxyPort_);
+        Connect();
     } catch (const Failure& failure) {
         if (!running.expired())
             Fail(static_cast<std::int32_t>(failure.number), failure.what());
+    } catch (const std::exception& failure) {
+        if (running.expired())
+            throw;
+        FailHere(failure);
     }
+}
+
+void clsDownload::Connect() {
+    const bool direct = accessType_ == kAccessDirect;
+    // The port is always the usual one: a port in the URL is part of the host's text.
+    transfer_->cmSocket.Connect(direct ? HostOfUrl(url_) : proxy_, direct ? kHttpPort : proxyPort_);
 }
 
 void clsDownload::Cancel() {
@@ -127,11 +141,15 @@ void clsDownload::Guarded(const std::function<void()>& step) {
     } catch (const std::exception& failure) {
         if (running.expired())
             throw;
-        const auto* known = dynamic_cast<const Failure*>(&failure);
-        const auto number = known != nullptr ? known->number : std::uint32_t{ERROR_OUTOFMEMORY};
-        FailHere(static_cast<std::int32_t>(number),
-                 known != nullptr ? failure.what() : ReasonOf(failure));
+        FailHere(failure);
     }
+}
+
+void clsDownload::FailHere(const std::exception& failure) {
+    const auto* known = dynamic_cast<const Failure*>(&failure);
+    const auto number = known != nullptr ? known->number : std::uint32_t{ERROR_OUTOFMEMORY};
+    FailHere(static_cast<std::int32_t>(number),
+             known != nullptr ? failure.what() : ReasonOf(failure));
 }
 
 void clsDownload::FailHere(std::int32_t number, const std::string& description) {
@@ -195,7 +213,7 @@ void clsDownload::OnHeader(const std::string& header) {
     statusLine_ = StatusLineOf(header);
     if (const auto error = RecognizeErrorPage(header))
         return Fail(error->number, error->description);
-    const std::string location = disableRedirection_ ? "" : HeaderValue("Location", header);
+    std::string location = disableRedirection_ ? "" : HeaderValue("Location", header);
     // A line end that reached the next request would end its line and begin another one.
     if (!IsRequestable(location))
         return Fail(kBadAddress,
@@ -203,7 +221,7 @@ void clsDownload::OnHeader(const std::string& header) {
     // However many: a circle ends when the owner gives up waiting for the first byte of a file.
     if (!location.empty()) {
         Cancel();
-        return Download(location);
+        return Download(std::move(location));
     }
     fileSize_ = LeadingNumber(HeaderValue("Content-Length", header));
     const std::weak_ptr<Transfer> running = transfer_;

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -114,6 +115,8 @@ private:
     void Guarded(const std::function<void()>& step);
     void Fail(std::int32_t number, const std::string& description);
     void FailHere(std::int32_t number, const std::string& description);
+    void FailHere(const std::exception& failure);
+    void Connect();
     bool OpenDestination();
     void CollectHeader();
     void OnHeader(const std::string& header);

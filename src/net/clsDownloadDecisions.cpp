@@ -1,6 +1,7 @@
 #include "net/clsDownloadDecisions.h"
 
 #include "base/modText.h"
+#include "net/modDownloadReason.h"
 #include "net/modHttpText.h"
 
 #include <algorithm>
@@ -62,6 +63,11 @@ bool clsDownloadDecisions::OnSilence() {
     return another;
 }
 
+bool clsDownloadDecisions::IsEndless() const {
+    constexpr std::int64_t kUnannounced = std::int64_t{16} * 1024 * 1024;
+    return received_ > (succeeded_ ? announced_ + kUnannounced : std::int64_t{kContentLooked});
+}
+
 DownloadResult clsDownloadDecisions::Result(const std::string& expectedCrc,
                                             const std::function<std::string()>& fileCrc) const {
     if (cancelled_)
@@ -69,8 +75,9 @@ DownloadResult clsDownloadDecisions::Result(const std::string& expectedCrc,
     if (!succeeded_)
         return DownloadResult::Failed;
     if (expectedCrc.empty()) // then nothing but its size tells whether the file is whole
-        return IsShort() ? DownloadResult::Failed : DownloadResult::Done;
-    return fileCrc() == expectedCrc ? DownloadResult::Done : DownloadResult::CrcDiffers;
+        return IsShort() || IsEndless() ? DownloadResult::Failed : DownloadResult::Done;
+    return fileCrc() == expectedCrc && !IsEndless() ? DownloadResult::Done
+                                                    : DownloadResult::CrcDiffers;
 }
 
 } // namespace vesk

@@ -37,6 +37,12 @@ public:
 
     /// True when fewer bytes of the file came than the present answer announced.
     [[nodiscard]] bool IsShort() const { return received_ < announced_; }
+
+    /// True when more of the present answer came than can be of use, and no end of it is to be
+    /// waited for: of one that does not count what is looked at to tell why, of one that counts a
+    /// good deal more than it announced.
+    [[nodiscard]] bool IsEndless() const;
+
     [[nodiscard]] std::int64_t Received() const { return received_; }
     [[nodiscard]] std::int64_t Announced() const { return announced_; }
 

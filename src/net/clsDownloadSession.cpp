@@ -124,7 +124,10 @@ void clsDownloadSession::OnDataArrival(std::int32_t bytesTotal) {
         lastByteAt_ = now;
     received_ += bytesTotal;
     rate_.Add(received_, now);
-    Report();
+    if (!decisions_.IsEndless())
+        return Report();
+    LearnFacts();
+    Finish();
 }
 
 void clsDownloadSession::Report() {

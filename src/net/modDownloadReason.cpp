@@ -82,6 +82,14 @@ std::string Missing(const DownloadFacts& facts) {
     return Grouped(facts.received) + " of " + Grouped(facts.announced) + " bytes came";
 }
 
+/// "8,192 bytes came and 4,096 were announced"; empty unless there are too many.
+std::string Surplus(const DownloadFacts& facts) {
+    if (facts.received <= facts.announced)
+        return {};
+    return Grouped(facts.received) + " bytes came and " + Grouped(facts.announced) +
+           " were announced";
+}
+
 std::string WithComma(const std::string& text) {
     return text.empty() ? "" : ", " + text;
 }
@@ -164,20 +172,17 @@ std::string WhyFailed(const DownloadFacts& facts) {
                WithComma(Missing(facts));
     if (facts.errorNumber != 0)
         return WhyError(facts);
-    return Answered(facts) + ": " + (facts.counted ? Missing(facts) : WhyNotCounted(facts));
+    return Answered(facts) + ": " +
+           (facts.counted ? Missing(facts) + Surplus(facts) : WhyNotCounted(facts));
 }
 
 std::string WhyCrcDiffers(const DownloadFacts& facts, const std::string& expected,
                           const std::string& found) {
     if (facts.received < facts.announced)
         return WhyFailed(facts);
-    std::string why = Answered(facts) + ": CRC differs, expected " +
-                      Shown(expected, kLongestQuote) + ", found " +
-                      (found.empty() ? "none" : found);
-    if (facts.received > facts.announced)
-        why += ", " + Grouped(facts.received) + " bytes came and " + Grouped(facts.announced) +
-               " were announced";
-    return why + WithComma(PageInstead(facts));
+    return Answered(facts) + ": CRC differs, expected " + Shown(expected, kLongestQuote) +
+           ", found " + (found.empty() ? "none" : found) + WithComma(Surplus(facts)) +
+           WithComma(PageInstead(facts));
 }
 
 std::string WhyNotExpected(const DownloadFacts& facts, const std::string& fault) {

@@ -177,6 +177,17 @@ TEST_CASE("valid names come out as themselves and hostile ones not at all") {
     }
 }
 
+TEST_CASE("of very many problems the first are told, and how many more there are") {
+    for (const Kind& kind : kKinds) {
+        const Extracting archive(kind, std::vector<File>(1002, {"../x", ""}));
+        const auto failures = ExtractArchive(archive.path, archive.folder / "out", {}).failures;
+        REQUIRE(failures.size() == 1001);
+        CHECK(failures.back() ==
+              MemberFailure{"", "not told in full", "there are 2 more problems like these"});
+        CHECK(InspectArchive(archive.path) == failures);
+    }
+}
+
 TEST_CASE("what stands in the way is told") {
     const std::string inUse = AsReason(SystemErrorText(ERROR_SHARING_VIOLATION));
     for (const Kind& kind : kKinds) {

@@ -26,9 +26,17 @@ TEST_CASE("what is there and cannot be read does not pass for an empty file") {
     CHECK(ReadFileIfThere(folder / "none").empty());
     CHECK(ReadFileIfThere(folder / "none\\none").empty());
     CHECK_THROWS_AS(ReadFileIfThere(folder.Path()), Failure);
+    RequireTextSize(folder.Write("long.txt", std::string(kLongestText, '#')));
+    folder.Write("long.txt", std::string(kLongestText + kRoomForEdits, '#'));
+    CHECK_THROWS_AS(RequireTextSize(folder / "long.txt"), Failure);
+    CHECK(ReadFileIfThere(folder / "long.txt").size() == kLongestText + kRoomForEdits);
+    folder.Write("long.txt", std::string(kLongestText + kRoomForEdits + 1, '#'));
+    CHECK_THROWS_AS(ReadFileIfThere(folder / "long.txt"), Failure);
+    CHECK(WhyUnreadable(folder / "long.txt") == "it cannot be read in full");
     const FileHandle lock = OpenExclusively(path);
     CHECK_THROWS_AS(ReadFileIfThere(path), Failure);
     CHECK(ReadWholeFile(path).empty());
+    RequireTextSize(path);
 }
 
 TEST_CASE("what stands under a path") {
@@ -50,7 +58,26 @@ TEST_CASE("a complete file replaces the old one, or leaves it as it was") {
         CHECK_THROWS_AS(WriteCompleteFile(path, "newer"), Failure);
     }
     CHECK(ReadWholeFile(path) == "new");
+    const std::string source = folder.Write("other", "copied");
+    SetFileAttributesA(source.c_str(), FILE_ATTRIBUTE_READONLY);
+    {
+        const FileHandle lock = OpenExclusively(path);
+        CHECK_THROWS_AS(CopyCompleteFile(source, path), Failure);
+    }
+    CHECK_THROWS_AS(CopyCompleteFile(folder / "none", path), Failure);
+    CHECK(ReadWholeFile(path) == "new");
     CHECK_FALSE(FileExists(path + ".new"));
+    CopyCompleteFile(source, path);
+    CHECK(ReadWholeFile(path) == "copied");
+}
+
+TEST_CASE("absolute paths") {
+    CHECK(AbsolutePath("C:") == "C:\\");
+    CHECK(AbsolutePath("c:") == "c:\\");
+    CHECK(AbsolutePath("C:\\a\\..\\\\b/c.\\.") == "C:\\b\\c");
+    CHECK(AbsolutePath("\\\\?\\C:\\a") == "\\\\?\\C:\\a");
+    CHECK(AbsolutePath("\\\\server\\share\\..") == "\\\\server\\share\\");
+    CHECK_THROWS_AS(AbsolutePath(""), Failure);
 }
 
 TEST_CASE("creating folders") {

@@ -7,6 +7,7 @@
 #include "base/modText.h"
 #include "build/clsBuildLog.h"
 #include "build/modFileOperations.h"
+#include "catalogue/modArchiveState.h"
 
 #include <array>
 #include <map>
@@ -214,11 +215,17 @@ TEST_CASE("whatever happens, a run ends in its own way, with everything else don
              f.catalogue.plugins[0].cat = "77";
              f.catalogue.plugins.push_back(f.catalogue.plugins[1]);
          }},
+        {"a program in the place of PE Builder's archive",
+         [](Fixture& f) {
+             RemoveFile(f.inputs.programPath + kFirstArchiveName);
+             f.catalogue.baseComponents[0].zip = "tool.exe";
+             f.folder.Write("program\\tool.exe", "x");
+         }},
         {"two archives for one folder", [](Fixture& f) { f.AddPlugin("Other", "one.cab"); }},
     };
     // What a catalogue may name: nothing outside the two folders is read, written or removed.
     for (const char* zip : {R"(..\victim.zip)", "../victim.zip", R"(..\program\..\victim.zip)", "",
-                            "ReadMe.txt", "VESKBUILDER.INI"})
+                            "ReadMe.txt", "VESKBUILDER.INI", "uxtheme.dll"})
         rows.emplace_back(std::string("archive ") + zip, [zip](Fixture& f) {
             const std::string victim = f.folder.Write("victim.zip", "x");
             f.catalogue.plugins[0] = {

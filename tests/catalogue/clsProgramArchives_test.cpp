@@ -3,6 +3,9 @@
 #include "TestFolder.h"
 #include "base/Failure.h"
 
+#include <filesystem>
+#include <map>
+
 using namespace vesk;
 using vesk::test::TestFolder;
 
@@ -52,12 +55,21 @@ TEST_CASE("where there is a list, an archive's SHA-256 counts as well") {
     CHECK(archives.Facts("a.zip").sha256Fault.empty());
     CHECK(clsSha256List(path).Problems().empty());
 
+    if (const auto name = NarrowedExactly(L"\x00FC.zip"); GetACP() != CP_UTF8 && name) {
+        folder.Write(kSha256FileName, std::string(64, '0') + "  \xC3\xBC.zip\n");
+        CHECK(clsSha256List(path).Expected(*name) == std::string(64, '0'));
+    }
     CHECK_THROWS_AS(UpdateSha256List(path, "none.zip"), Failure);
-    folder.Write(kSha256FileName, std::string("\xFF\xFE"
-                                              "a\0",
-                                              4));
-    CHECK_THROWS_AS(UpdateSha256List(path, "a.zip"), Failure);
-    CHECK(ReadWholeFile(path + kSha256FileName).size() == 4);
-    REQUIRE(clsSha256List(path).Problems().size() == 1);
-    CHECK(clsSha256List(path).Problems()[0].reason == "it is UTF-16 text");
+    for (const auto& [text, reason] : std::map<std::string, std::string>{
+             {std::string("\xFF\xFE"
+                          "a\0",
+                          4),
+              "it is UTF-16 text"},
+             {std::string(kLongestText + kRoomForEdits + 1, '#'), "it is larger than 16 MB"}}) {
+        folder.Write(kSha256FileName, text);
+        CHECK_THROWS_AS(UpdateSha256List(path, "a.zip"), Failure);
+        CHECK(std::filesystem::file_size(path + kSha256FileName) == text.size());
+        REQUIRE(clsSha256List(path).Problems().size() == 1);
+        CHECK(clsSha256List(path).Problems()[0].reason == reason);
+    }
 }

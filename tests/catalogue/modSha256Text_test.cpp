@@ -29,6 +29,12 @@ TEST_CASE("a list of digests is read as sha256sum writes it, and what is not is 
         REQUIRE(bad.faults.size() == 1);
         CHECK(bad.faults[0] == "line 2 is not a SHA-256 digest and a name");
     }
+    for (const std::string name : {"dist/x.zip", "./x.zip", "x.zip ", " x.zip", "c:x.zip"}) {
+        const Sha256Text lost = ParseSha256Text(kOne + "  " + name + "\n");
+        CHECK(lost.digests.empty());
+        CHECK(lost.faults ==
+              std::vector<std::string>{"line 1 names no file in the program folder: " + name});
+    }
     const Sha256Text both = ParseSha256Text(kOne + "  a.zip\n" + kTwo + "  A.zip\n");
     CHECK(both.faults.size() == 1);
     CHECK(both.digests.at("a.zip").size() != kOne.size()); // no file is right

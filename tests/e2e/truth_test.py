@@ -42,6 +42,11 @@ class Truth(SaidTest):
         listed.mkdir()
         self.build_plugins(arguments=["--yes"])
 
+    def test_texts_too_large_to_be_read(self):
+        large = bytes(17 * 2**20)
+        self.base = self.pe_builder(Member("large.script", large))
+        self.build_plugins(self.archive("one.zip", Member("a.inf", INF), Member("large.inf", large)))
+
     def add_locked(self):
         """Makes an archive that holds one locked member behind a plain one."""
         for name, text, options in (("plain.inf", INF, []), ("locked.txt", "x", ["-P", "öpen sesame".encode("cp1252")])):

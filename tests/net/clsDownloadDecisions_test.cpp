@@ -28,7 +28,7 @@ std::string DecidedIn(const std::string& line) {
                         ? "next \"" + decisions.Url() + "\", "
                         : "over at \"" + decisions.Url() + "\", ";
     }
-    text += decisions.IsShort() ? "short" : "";
+    text += decisions.IsShort() ? "short" : decisions.IsEndless() ? "endless" : "";
     for (const char* crc : {"12AB", "12ab", ""}) {
         constexpr const char* kResults[] = {" differs", " done", " failed", " cancelled"};
         const DownloadResult result = decisions.Result(crc, [] { return std::string("12AB"); });

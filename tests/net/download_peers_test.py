@@ -150,10 +150,19 @@ class Peers(unittest.TestCase):
             ("largest header", largest, DONE, DONE, ""),
             ("larger header", largest.replace(b"X: ", b"X:  "), FAILED, FAILED, too_large),
             ("endless header", endless(b"X: " + b"y" * 60_000 + b"\r\n"), FAILED, FAILED, too_large),
+            ("endless page", endless(b"\r\n" + b"<p>more " * 9999), FAILED, FAILED,
+             no_length + ', a page came instead: "' + "more " * 11 + 'more..."'),
             ("empty address", redirect(""), FAILED, FAILED, 'HTTP/1.1 302 Found, a text came instead: "gone"'),
             ("led into a request", redirect("http://h/\nX: y"), FAILED, FAILED,
              "HTTP/1.1 302 Found, the server redirects to an address with a control character in it"),
         ])
+
+    def test_a_file_that_does_not_end(self):
+        _, proxy = self.serve(lambda c, _: endless(b"Content-Length: 10\r\n\r\n" + bytes(60_000))(c))
+        differs, failed = self.run_sessions(proxy, [(CRC, "http://h/x"), (None, "http://h/x")])
+        self.assertEqual((differs[0], failed[0]), (CRC_DIFFERS, FAILED))
+        for told in (differs[-1], failed[-1]):
+            self.assertRegex(told, r"1[67],\d+,\d+ bytes came and 10 were announced$")
 
     def test_cut_and_reset_anywhere(self):
         whole, begun = HEAD + BODY, len(HEAD)

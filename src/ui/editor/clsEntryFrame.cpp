@@ -1,7 +1,7 @@
 #include "ui/editor/clsEntryFrame.h"
 
 #include "archive/clsCRC.h"
-#include "archive/modArchive.h"
+#include "archive/modArchiveName.h"
 #include "base/Failure.h"
 #include "base/ScopeFlag.h"
 #include "base/modFile.h"
@@ -270,7 +270,7 @@ std::string clsEntryFrame::BroughtHere(const std::string& path) const {
     if (answer != IDYES)
         return {};
     const clsWaitCursor wait;
-    CopyFileOver(path, here); // a failure is shown by the dialog
+    CopyCompleteFile(path, here); // a failure is shown by the dialog
     return here;
 }
 
