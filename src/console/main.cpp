@@ -266,7 +266,11 @@ int Main(int count, const wchar_t* const* words) {
         PrepareProcess();
         const ConsoleOptions options = ParseOptions(Arguments(count, words));
         clsTerminal terminal(options.quiet);
-        return RunAction(options, terminal);
+        const int code = RunAction(options, terminal);
+        if (options.action == ConsoleOptions::Action::Build || clsTerminal::OutputIsWhole())
+            return code;
+        terminal.Complain("what was asked for could not be printed in full");
+        return std::max<int>(code, kDoneWithWarnings);
     } catch (const UsageError& error) {
         clsTerminal(true).Complain(std::string(error.what()) + " (see veskbuild --help)");
         return kUsage;

@@ -23,6 +23,22 @@ bool ShowsColour(HWND control, COLORREF colour) {
     return found;
 }
 
+/// While it lives the system has no file dialog of Windows Vista.
+class WithoutFileDialog {
+public:
+    WithoutFileDialog() { SetLibrary("none"); }
+    ~WithoutFileDialog() { SetLibrary(R"(C:\windows\system32\comdlg32.dll)"); }
+    WithoutFileDialog(const WithoutFileDialog&) = delete;
+    WithoutFileDialog& operator=(const WithoutFileDialog&) = delete;
+
+private:
+    static void SetLibrary(const char* path) {
+        CHECK(RegSetValueA(HKEY_CLASSES_ROOT,
+                           R"(CLSID\{DC1C5A9C-E88A-4DDE-A5A1-60F82A20AEF7}\InProcServer32)", REG_SZ,
+                           path, 0) == ERROR_SUCCESS);
+    }
+};
+
 } // namespace
 
 TEST_CASE("a whole build, page by page, each compared with what it is to show") {
@@ -120,6 +136,17 @@ TEST_CASE("leaving is asked for on each page, by Cancel, the title bar and Escap
     wizard.Click(IDCANCEL);
     wizard.AnswerBox("Confirm Action", IDYES);
     CHECK(wizard.AwaitEnd() == 0);
+}
+
+TEST_CASE("a folder is browsed for as Windows XP does it, beginning with the one that is named") {
+    const ProgramFolder program;
+    const WithoutFileDialog none;
+    const Wizard wizard(program);
+    wizard.Next(kBaseHeading);
+    wizard.SetText(IDC_TXT_WIN_PATH, R"(C:\windows\system32)");
+    wizard.Click(IDC_CMD_WIN_PATH);
+    wizard.Answer(wizard.AwaitDialog("Browse for Folder"), IDOK);
+    AWAIT(wizard, wizard.Text(IDC_TXT_WIN_PATH) == R"(C:\windows\system32\)");
 }
 
 TEST_CASE("a Windows source is typed, browsed for and searched for, and shown as usable or not") {
