@@ -7,11 +7,13 @@
 #include <cstdio>
 #include <string>
 
+namespace {
+
 using Handle = vesk::UniqueHandle<::CloseHandle, HANDLE>;
 
 /// A token as this process has it, in which the group of the administrators only forbids.
 /// @return false where the system makes none
-static bool MakeLimited(Handle& limited) {
+bool MakeLimited(Handle& limited) {
     SID_IDENTIFIER_AUTHORITY authority = SECURITY_NT_AUTHORITY;
     PSID group = nullptr;
     Handle token;
@@ -26,6 +28,8 @@ static bool MakeLimited(Handle& limited) {
     FreeSid(group);
     return isMade;
 }
+
+} // namespace
 
 int main(int count, char** words) {
     Handle limited;
