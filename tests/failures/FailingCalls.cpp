@@ -317,7 +317,6 @@ WRAP(std::size_t, fread, 0, (void* to, std::size_t size, std::size_t count, FILE
      count, file)
 WRAP(std::size_t, fwrite, 0, (const void* from, std::size_t size, std::size_t count, FILE* file),
      from, size, count, file)
-WRAP(int, fputs, EOF, (const char* text, FILE* file), text, file)
 WRAP(int, fflush, EOF, (FILE * file), file)
 WRAP(int, fclose, EOF, (FILE * file), file)
 WRAP(void*, malloc, nullptr, (std::size_t size), size)
