@@ -9,6 +9,7 @@ clsCategoryEditor::clsCategoryEditor(const std::vector<CategoryRecord>& categori
                                      CaptionOf captionOf)
     : captionOf_(std::move(captionOf)) {
     std::vector<Row> rows;
+    rows.reserve(categories.size());
     for (const CategoryRecord& category : categories)
         rows.push_back({category, category.key});
     rows_.Load(std::move(rows));
