@@ -126,6 +126,10 @@ IniText ParseIniFile(const std::string& path, const std::string& bytes) {
     return file;
 }
 
+/// Keys whose values the system is asked for: more than the wizard's lists can hold. Each call
+/// reads the whole file, so that ten times as many would take a minute.
+constexpr std::size_t kMostAsked = 4096;
+
 /// The profile functions read the whole file for every key. Where nobody could read the text in
 /// another way, once is enough.
 std::vector<IniSection> SectionsOf(const std::string& path, const IniText& file) {
@@ -208,11 +212,17 @@ std::vector<IniSection> ReadSectionsThroughSystem(const std::string& path, const
     std::vector<IniSection> sections;
     std::vector<std::string> names = ini.GetAllSections();
     names.pop_back(); // the empty element that ends a list
+    std::size_t asked = 0;
     for (const std::string& name : names) {
         IniSection& section = sections.emplace_back(IniSection{name, {}});
         const auto& ofSection = values[LowerCase(name)];
         std::vector<std::string> keys = ini.GetAllKeys(name);
         keys.pop_back();
+        asked += known == nullptr ? keys.size() : 0;
+        if (asked > kMostAsked)
+            throw Failure(ERROR_FILE_TOO_LARGE, "ReadSectionsThroughSystem",
+                          "it has more keys than the " + std::to_string(kMostAsked) +
+                              " that are read where its lines are not plain");
         for (const std::string& key : keys) {
             const auto found = ofSection.find(LowerCase(key));
             section.keys.push_back(
@@ -231,9 +241,9 @@ CatalogueLoad LoadCatalogueReporting(const std::string& programPath, Catalogue& 
     if (file.sections.empty() && file.lost.empty())
         return {CatalogueState::Absent, path + ": it is empty. " + kWriteAnew, true,
                 path + ": it is empty"};
-    const std::vector<IniSection> sections = SectionsOf(path, file);
     std::string fault = CatalogueFault(file);
     try {
+        const std::vector<IniSection> sections = SectionsOf(path, file);
         FillCatalogue(sections, catalogue);
         if (fault.empty() && sections != file.sections)
             fault = "Windows reads it differently from what it says";

@@ -40,6 +40,7 @@ CatalogueLoad LoadCatalogueReporting(const std::string& programPath, Catalogue& 
 
 /// All sections of a file as the system's profile functions read them, with a call for every key.
 /// @param known the file's text when its lines are plain: then only the names are asked for
+/// @throws Failure when so many calls would take too long
 std::vector<IniSection> ReadSectionsThroughSystem(const std::string& path,
                                                   const IniText* known = nullptr);
 
