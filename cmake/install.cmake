@@ -4,8 +4,8 @@ if(NOT WIN32)
     return()
 endif()
 install(TARGETS veskbuild veskbuilder RUNTIME DESTINATION . COMPONENT programs)
-install(FILES ${PROJECT_SOURCE_DIR}/packaging/readme.txt ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION .
-    COMPONENT texts)
+install(FILES ${PROJECT_SOURCE_DIR}/packaging/readme.txt ${PROJECT_SOURCE_DIR}/packaging/start-here.txt
+    ${PROJECT_SOURCE_DIR}/docs/guide.md ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION . COMPONENT texts)
 
 # What is linked into them is listed from the linker's own account (see packaging/make_spdx.py).
 if(NOT MSVC)

@@ -5,6 +5,9 @@
 ; Exit codes: 0 done, 1 cancelled, 2 failed, 3 a program of the folder is running.
 
 Unicode true
+ManifestDPIAware true
+; A silent run would answer "Ignore" for each file that cannot be written, and return 0.
+AllowSkipFiles off
 SetCompressor /SOLID lzma
 Name "Vesk Builder"
 OutFile "${OUT}"
@@ -28,6 +31,8 @@ VIAddVersionKey "LegalCopyright" "Copyright (C) 2026 The Vesk Builder authors"
 !define MULTIUSER_INSTALLMODE_INSTDIR_REGISTRY_VALUENAME "InstallLocation"
 !define MULTIUSER_INSTALLMODE_DEFAULT_REGISTRY_KEY "${KEY}"
 !define MULTIUSER_INSTALLMODE_DEFAULT_REGISTRY_VALUENAME "InstallLocation"
+!define MULTIUSER_INSTALLMODE_FUNCTION KeepFolder
+!define MULTIUSER_INSTALLMODE_UNFUNCTION un.KeepFolder
 !include MultiUser.nsh
 !include MUI2.nsh
 !include LogicLib.nsh
@@ -87,12 +92,81 @@ VIAddVersionKey "LegalCopyright" "Copyright (C) 2026 The Vesk Builder authors"
     !insertmacro RequireClosed "x64\veskbuild.exe"
 !macroend
 
+; What /D= says, or where the uninstaller stands: each mode would put its own folder in its place.
+Var OwnFolder
+
+!macro KeepFolder
+    ${If} $OwnFolder != ""
+        StrCpy $INSTDIR $OwnFolder
+    ${EndIf}
+!macroend
+
+Function KeepFolder
+    !insertmacro KeepFolder
+FunctionEnd
+
+Function un.KeepFolder
+    !insertmacro KeepFolder
+FunctionEnd
+
+!macro Fail text
+    MessageBox MB_OK|MB_ICONSTOP "${text}" /SD IDOK
+    SetErrorLevel 2
+    Quit
+!macroend
+
+!define NO_RIGHTS "You need to be an administrator to install or remove Vesk Builder for all users."
+
+; The message of MultiUser.nsh waits for an answer in a silent run, too.
+!macro RequireRightsForAllUsers
+    UserInfo::GetAccountType
+    Pop $0
+    ${GetParameters} $1
+    ClearErrors
+    ${GetOptions} $1 "/AllUsers" $1
+    ${IfNot} ${Errors}
+    ${AndIf} $0 != "Admin"
+    ${AndIf} $0 != "Power"
+        !insertmacro Fail "${NO_RIGHTS}"
+    ${EndIf}
+!macroend
+
+; Takes the registry's root. Leaves 1 in $0 when the entry there is that of $INSTDIR, however that is
+; spelled, else 0.
+!macro StandsIn root
+    ReadRegStr $0 ${root} "${KEY}" "InstallLocation"
+    GetFullPathName /SHORT $0 $0
+    GetFullPathName /SHORT $1 $INSTDIR
+    ${If} $0 == $1
+        StrCpy $0 1
+    ${Else}
+        StrCpy $0 0
+    ${EndIf}
+!macroend
+
 Function .onInit
+    StrCpy $OwnFolder $INSTDIR
+    !insertmacro RequireRightsForAllUsers
     !insertmacro MULTIUSER_INIT
 FunctionEnd
 
+; Both kinds can be there: an uninstaller removes the one that it stands in.
 Function un.onInit
+    StrCpy $OwnFolder $INSTDIR
+    !insertmacro RequireRightsForAllUsers
     !insertmacro MULTIUSER_UNINIT
+    !insertmacro StandsIn HKCU
+    ${If} $0 = 1
+        Call un.MultiUser.InstallMode.CurrentUser
+    ${Else}
+        !insertmacro StandsIn HKLM
+        ${If} $0 = 1
+            Call un.MultiUser.InstallMode.AllUsers
+            ${If} $MultiUser.InstallMode != "AllUsers"
+                !insertmacro Fail "${NO_RIGHTS}"
+            ${EndIf}
+        ${EndIf}
+    ${EndIf}
 FunctionEnd
 
 Section "Vesk Builder"
@@ -110,6 +184,7 @@ Section "Vesk Builder"
         SetOverwrite on
     ${EndIf}
 
+    ClearErrors
     CreateDirectory "${MENU}"
     CreateShortCut "${MENU}\Vesk Builder wizard.lnk" "$INSTDIR\veskbuilder.exe"
     CreateShortCut "${MENU}\Catalogue editor.lnk" "$INSTDIR\veskbuilder.exe" "-setup"
@@ -127,6 +202,9 @@ Section "Vesk Builder"
     WriteRegStr SHCTX "${KEY}" "QuietUninstallString" '"$INSTDIR\uninstall.exe" /$MultiUser.InstallMode /S'
     WriteRegDWORD SHCTX "${KEY}" "NoModify" 1
     WriteRegDWORD SHCTX "${KEY}" "NoRepair" 1
+    ${If} ${Errors}
+        !insertmacro Fail "The files are installed, but not all of the entries in the start menu and in the list of programs could be made."
+    ${EndIf}
     ${GetSize} "$INSTDIR" "/S=0K" $0 $1 $2
     WriteRegDWORD SHCTX "${KEY}" "EstimatedSize" $0
 SectionEnd
@@ -189,9 +267,25 @@ FunctionEnd
 
 Section "Uninstall"
     !insertmacro RequireAllClosed
+    ClearErrors
     !insertmacro ForEachFile Remove
+    ${If} ${Errors}
+        !insertmacro Fail "Not all files in $INSTDIR could be removed."
+    ${EndIf}
     Delete "$INSTDIR\uninstall.exe"
     RMDir "$INSTDIR\x64"
+
+    ; They may belong to a later installation in another folder.
+    !insertmacro StandsIn SHCTX
+    ${If} $0 = 1
+        Delete "${MENU}\Vesk Builder wizard.lnk"
+        Delete "${MENU}\Catalogue editor.lnk"
+        Delete "${MENU}\Start here.lnk"
+        Delete "${MENU}\Guide.lnk"
+        Delete "${MENU}\Uninstall.lnk"
+        RMDir "${MENU}"
+        DeleteRegKey SHCTX "${KEY}"
+    ${EndIf}
 
     ; The user's catalogue and archives stay. Only with the sample's own catalogue are the archives
     ; the sample's, and then only those that are still the same.
@@ -210,12 +304,4 @@ Section "Uninstall"
     Delete "$INSTDIR\veskbuider.log"
     Delete "$INSTDIR\veskbuilder-problems.txt"
     RMDir "$INSTDIR"
-
-    Delete "${MENU}\Vesk Builder wizard.lnk"
-    Delete "${MENU}\Catalogue editor.lnk"
-    Delete "${MENU}\Start here.lnk"
-    Delete "${MENU}\Guide.lnk"
-    Delete "${MENU}\Uninstall.lnk"
-    RMDir "${MENU}"
-    DeleteRegKey SHCTX "${KEY}"
 SectionEnd

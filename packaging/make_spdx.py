@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
-"""Lists what the programs are made of as an SPDX 2.3 document, from the linker's own account.
+"""Lists what the programs are made of as an SPDX 2.3 document, from the linker's own account, and what
+the installer is.
 
-    make_spdx.py VERSION STAGE OUTPUT BUILD...      BUILD: build folders with *.map and CMakeCache.txt
+    make_spdx.py VERSION STAGE SETUP OUTPUT BUILD...    BUILD: folders with *.map and CMakeCache.txt
 
 Stops when something is linked in that is not known here: then its licence is not known either.
 """
@@ -26,6 +27,8 @@ COMPONENTS = [
     (r"\bdelayed/lib\w+\.a$", "mingw-w64 runtime", "ZPL-2.1", "https://www.mingw-w64.org"),
     (r"-w64-mingw32/lib/", "mingw-w64 runtime", "ZPL-2.1", "https://www.mingw-w64.org"),
 ]
+# The installer's and uninstaller's own code: what starts, unpacks, and asks for rights and folders.
+INSTALLER = "NSIS", "Zlib AND CPL-1.0 WITH LZMA-exception", "https://nsis.sourceforge.io"
 OWN = re.compile(r"/libvesk_\w+\.a$|^(src/)?libvesk_\w+\.a$|\.obj$|^src/")
 
 
@@ -90,19 +93,31 @@ def checksums(path):
             for kind in ("SHA1", "SHA256")]
 
 
-def document(version, stage, builds):
+def installer():
+    name, *rest = INSTALLER
+    version = subprocess.run(["makensis", "-VERSION"], check=True, capture_output=True, text=True).stdout
+    return package(name, version.strip().removeprefix("v"), *rest)
+
+
+def described(number, path, name):
+    return {"SPDXID": f"SPDXRef-File-{number}", "fileName": f"./{name}", "checksums": checksums(path),
+            "licenseConcluded": "NOASSERTION", "copyrightText": "NOASSERTION"}
+
+
+def document(version, stage, setup, builds):
     parts = {}
     for build in builds:
         of = versions(build)
         parts |= {name: package(name, of[name], *rest) for name, rest in components(build).items()}
     own = package("Vesk Builder", version, "MIT", "NOASSERTION")
-    programs = [{"SPDXID": f"SPDXRef-File-{i}", "fileName": f"./{path.relative_to(stage)}",
-                 "checksums": checksums(path), "licenseConcluded": "NOASSERTION",
-                 "copyrightText": "NOASSERTION"}
+    programs = [described(i, path, path.relative_to(stage))
                 for i, path in enumerate(sorted(stage.rglob("*.exe")))]
+    programs.append(described(len(programs), setup, setup.name))
+    maker = installer()
     relations = [("SPDXRef-DOCUMENT", "DESCRIBES", own["SPDXID"])]
     relations += [(own["SPDXID"], "CONTAINS", file["SPDXID"]) for file in programs]
     relations += [(own["SPDXID"], "STATIC_LINK", parts[name]["SPDXID"]) for name in sorted(parts)]
+    relations.append((programs[-1]["SPDXID"], "STATIC_LINK", maker["SPDXID"]))
     digest = hashlib.sha256("".join(file["checksums"][1]["checksumValue"]
                                     for file in programs).encode()).hexdigest()
     created = time.strftime("%Y-%m-%dT%H:%M:%SZ", time.gmtime(int(os.environ["SOURCE_DATE_EPOCH"])))
@@ -110,13 +125,14 @@ def document(version, stage, builds):
             "name": f"VeskBuilder-{version}",
             "documentNamespace": f"urn:vesk-builder:{version}:{digest}",
             "creationInfo": {"created": created, "creators": ["Tool: packaging/make_spdx.py"]},
-            "packages": [own] + [parts[name] for name in sorted(parts)], "files": programs,
+            "packages": [own] + [parts[name] for name in sorted(parts)] + [maker], "files": programs,
             "relationships": [{"spdxElementId": one, "relationshipType": kind,
                                "relatedSpdxElement": other} for one, kind, other in relations]}
 
 
 if __name__ == "__main__":
-    if len(sys.argv) < 5:
+    if len(sys.argv) < 6:
         sys.exit(__doc__)
-    made = document(sys.argv[1], pathlib.Path(sys.argv[2]), [pathlib.Path(b) for b in sys.argv[4:]])
-    pathlib.Path(sys.argv[3]).write_text(json.dumps(made, indent=2) + "\n")
+    stage, setup, output, *builds = map(pathlib.Path, sys.argv[2:])
+    made = document(sys.argv[1], stage, setup, builds)
+    output.write_text(json.dumps(made, indent=2) + "\n")

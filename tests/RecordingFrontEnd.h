@@ -1,6 +1,6 @@
 #pragma once
 
-#include "build/BuildFrontEnd.h"
+#include "build/clsBuildContext.h"
 
 #include <functional>
 #include <optional>
@@ -27,6 +27,12 @@ public:
     std::function<void(const std::string& line)> onLine;
     bool stop = false;
 
+    /// What the steps of a build share, told to this front end.
+    clsBuildContext Context(const BuildInputs& inputs, Catalogue& catalogue,
+                            const clsSha256List& sha256) {
+        const auto report = [this](const Problem& problem) { ReportProblem(problem); };
+        return {inputs, catalogue, *this, {}, report, sha256};
+    }
     void AddLogLine(const std::string& text, LogMode) override {
         lines.push_back(text);
         if (onLine)

@@ -1,7 +1,8 @@
 #pragma once
 
-#include "base/FolderEntries.h"
+#include "base/UniqueHandle.h"
 #include "base/modFile.h"
+#include "base/modFolderEntries.h"
 #include "base/modWide.h"
 
 #include <windows.h>
@@ -29,15 +30,24 @@ public:
     TestFolder(const TestFolder&) = delete;
     TestFolder& operator=(const TestFolder&) = delete;
     ~TestFolder() {
-        RemoveTree(path_);
+        RemoveTree(Widen(path_));
         if (FolderExists(path_))
             MESSAGE("left behind: ", path_);
     }
 
     /// Removes a folder of a test with everything in it; links are removed and not entered.
-    static void RemoveTree(const std::string& folder) {
-        const std::wstring wide = Widen(folder);
-        RemoveTree(wide);
+    static void RemoveTree(const std::wstring& folder) {
+        ForEachEntry(folder, [&](const FolderEntry& entry) {
+            const std::wstring path = LongPath(folder + L"\\" + entry.name);
+            SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
+            if (entry.IsPlainFolder())
+                RemoveTree(folder + L"\\" + entry.name);
+            else if (entry.IsFolder())
+                RemoveDirectoryW(path.c_str());
+            else
+                DeleteFileW(path.c_str());
+        });
+        RemoveDirectoryW(LongPath(folder).c_str());
     }
 
     /// The folder, without a trailing backslash.
@@ -57,21 +67,14 @@ public:
     }
 
 private:
-    static void RemoveTree(const std::wstring& folder) {
-        ForEachEntry(folder, [&](const FolderEntry& entry) {
-            const std::wstring path = LongPath(folder + L"\\" + entry.name);
-            SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
-            if (entry.IsPlainFolder())
-                RemoveTree(folder + L"\\" + entry.name);
-            else if (entry.IsFolder())
-                RemoveDirectoryW(path.c_str());
-            else
-                DeleteFileW(path.c_str());
-        });
-        RemoveDirectoryW(LongPath(folder).c_str());
-    }
-
     std::string path_;
 };
+
+/// Opens a file that no other can open for as long as the handle lives.
+inline FileHandle OpenExclusively(const std::string& path) {
+    FileHandle file(CreateFileA(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    REQUIRE(file);
+    return file;
+}
 
 } // namespace vesk::test

@@ -6,6 +6,7 @@ import os
 import pathlib
 import pty
 import select
+import shutil
 import struct
 import subprocess
 import sys
@@ -18,6 +19,13 @@ import zlib
 from typing import NamedTuple
 
 TOP = pathlib.Path(__file__).resolve().parents[1]
+
+
+def fresh_folder(test, prefix):
+    """A folder that goes with its test."""
+    folder = pathlib.Path(tempfile.mkdtemp(prefix=prefix))
+    test.addCleanup(shutil.rmtree, folder)
+    return folder
 
 
 def windows_path(path):
@@ -130,7 +138,7 @@ def run_in_wine(command, check=False, **options):
     say something whenever they return 1, so such a run is started again, once."""
     result = run_once(command, **options)
     if result.returncode == 1 and not result.stdout and not result.stderr:
-        print("left out: a run that Wine ended", file=sys.stderr, flush=True)
+        print("ended by Wine: the first run", file=sys.stderr, flush=True)
         result = run_once(command, **options)
     if check and result.returncode:
         raise AssertionError(str(result))

@@ -6,9 +6,14 @@ import unittest
 TOP = pathlib.Path(__file__).resolve().parent.parent
 SRC = TOP / "src"
 MAP = (TOP / "ARCHITECTURE.md").read_text(encoding="utf-8")
-UNITS = [path for path in sorted(SRC.rglob("*")) if path.suffix in (".h", ".cpp", ".in")]
+UNITS = [path for path in sorted(SRC.rglob("*")) if path.suffix in (".h", ".cpp", ".in", ".rc")]
+
+HEADERS = [path for path in UNITS if path.suffix == ".h"]
 
 PREFIXES = ("frm", "pag", "cls", "mod")
+INCLUDE = re.compile(r'^ *#include (?:"([^"]+)/[^/"]+"|<([^>]+)/[^/>]+>)', re.M)
+TYPE = re.compile(r"^(?:class|struct|enum class|enum|using) (\w+)", re.M)
+CLASS = re.compile(r"^class (\w+)[^;{]*\{(.*?)^\};", re.M | re.S)
 
 
 def layer(path):
@@ -26,7 +31,8 @@ def included_arrows():
     arrows = {}
     for path in UNITS:
         targets = arrows.setdefault(layer(path), set())
-        for include in re.findall(r'#include "([^"]+)/[^/"]+"', path.read_text(encoding="utf-8")):
+        for quoted, angled in INCLUDE.findall(path.read_text(encoding="utf-8")):
+            include = quoted or (angled if (SRC / angled).is_dir() else layer(path))
             if include != layer(path):
                 targets.add(include)
     return arrows
@@ -51,7 +57,7 @@ def named_files():
     for row in MAP[MAP.index("| behaviour |"):].split("\n\n")[0].splitlines():
         folder = ""
         for span in re.findall(r"`([^`]+)`", row):
-            if name := re.fullmatch(r"([a-z/]+/)?(\w+\*?)(\.h|\.cpp)?", span):
+            if name := re.fullmatch(r"([a-z/]+/)?(\w+\*?)(\.h(?:\.in)?|\.cpp)?", span):
                 folder = name[1] or folder
                 yield row, folder + name[2] + (name[3] or ".h")
 
@@ -63,8 +69,8 @@ class Table(unittest.TestCase):
 
     def test_every_unit_stands_in_a_row(self):
         named = {path.with_suffix("") for _, name in named_files() for path in SRC.glob(name)}
-        missing = [path.name for path in UNITS if path.suffix == ".h"
-                   and path.stem.startswith(PREFIXES) and path.with_suffix("") not in named]
+        missing = [path.name for path in UNITS if path.suffix in (".h", ".in")
+                   and path.with_suffix("") not in named]
         self.assertEqual(missing, [])
 
 
@@ -75,14 +81,26 @@ class Names(unittest.TestCase):
         self.assertEqual(lonely, [])
 
     def test_a_prefix_tells_what_a_unit_holds(self):
-        for path in (unit for unit in UNITS if unit.suffix == ".h"):
-            declared = re.findall(r"^(?:class|struct) (\w+)", path.read_text(encoding="utf-8"), re.M)
+        for path in HEADERS:
+            if path.stem.startswith("mod") or layer(path) == "ui/resources":
+                continue
             with self.subTest(path.relative_to(SRC)):
-                if path.stem.startswith(PREFIXES[:3]):
-                    self.assertIn(path.stem, declared)
-                elif not path.stem.startswith("mod") and layer(path) != "base":
-                    self.assertFalse(path.with_suffix(".cpp").exists(),
-                                     "plain data and interfaces have no source")
+                self.assertIn(path.stem, TYPE.findall(path.read_text(encoding="utf-8")))
+
+    def test_plain_data_and_interfaces_have_no_source(self):
+        self.assertEqual([path.name for path in HEADERS if layer(path) != "base"
+                          and not path.stem.startswith(PREFIXES)
+                          and path.with_suffix(".cpp").exists()], [])
+
+    def test_a_class_with_behaviour_has_a_unit_of_its_own(self):
+        """Interfaces stand with what takes them; small tools of base/ are whole in a header."""
+        for path in HEADERS:
+            is_tool = (layer(path) == "base" and not path.stem.startswith("mod")
+                       and not path.with_suffix(".cpp").exists())
+            if path.stem.startswith(PREFIXES[:3]) or is_tool:
+                continue
+            for name, body in CLASS.findall(path.read_text(encoding="utf-8")):
+                self.assertIn(" = 0;", body, f"{name} in {path.relative_to(SRC)}")
 
 
 if __name__ == "__main__":

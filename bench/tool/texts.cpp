@@ -1,7 +1,6 @@
 #include "bench.h"
 
 #include "RecordingFrontEnd.h"
-#include "build/clsBuildContext.h"
 #include "build/modPluginInf.h"
 #include "net/modHttpText.h"
 #include "script/modScript.h"
@@ -36,12 +35,7 @@ const Action kInf("inf", [](const Arguments& arguments) {
     catalogue.showCategories = true;
     test::RecordingFrontEnd frontEnd;
     const clsSha256List sha256(inputs.programPath);
-    const clsBuildContext context{inputs,
-                                  catalogue,
-                                  frontEnd,
-                                  {},
-                                  [&](const Problem& problem) { frontEnd.ReportProblem(problem); },
-                                  sha256};
+    const clsBuildContext context = frontEnd.Context(inputs, catalogue, sha256);
     const std::string& inf = arguments.at(1);
     const double took = Timed([&] {
         PrefixPluginName(context, inf, "100");

@@ -10,4 +10,10 @@ struct ArchiveProblem : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+/// The content of a ZIP's member is not what its entry says. Under a password that has not been
+/// proven this may also mean that the password is wrong.
+struct ZipContentProblem : ArchiveProblem {
+    using ArchiveProblem::ArchiveProblem;
+};
+
 } // namespace vesk

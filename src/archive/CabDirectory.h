@@ -42,6 +42,7 @@ struct CabEntry {
     static constexpr std::uint16_t kToNext = 0xFFFE;
     static constexpr std::uint16_t kFromPreviousToNext = 0xFFFF;
 
+    /// Whether its name is in UTF-8, and not in the code page.
     [[nodiscard]] bool IsUtf8() const { return (attributes & 0x80) != 0; }
 };
 

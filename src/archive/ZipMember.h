@@ -61,12 +61,19 @@ struct ZipMember {
         return other;
     }
 
+    /// Whether it stands for a folder.
     [[nodiscard]] bool IsFolder() const { return folder; }
+
+    /// Whether its packed data is known to lie in the archive as a whole, from `dataAt` on.
     [[nodiscard]] bool IsLocated() const { return dataAt != 0; }
+
+    /// Whether its data is encrypted, in whatever way.
     [[nodiscard]] bool IsEncrypted() const { return (flags & 1) != 0; }
 
     /// Its header was written before its CRC and sizes were known.
     [[nodiscard]] bool IsStreamed() const { return (flags & (1U << 3)) != 0; }
+
+    /// Whether its data is compressed with deflate.
     [[nodiscard]] bool IsDeflated() const { return method == 8; }
 };
 

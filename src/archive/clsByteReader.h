@@ -12,6 +12,7 @@ namespace vesk {
 /// read gives zeros or nothing, and Ok() is false. So a record is read whole and judged once.
 class clsByteReader {
 public:
+    /// @param bytes outlive the reader and what it gives
     explicit clsByteReader(std::span<const std::byte> bytes) : rest_(bytes) {}
 
     /// False once a read ran off the end.

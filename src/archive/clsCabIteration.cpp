@@ -38,7 +38,7 @@ clsCabIteration::~clsCabIteration() {
 CabDirectory clsCabIteration::ReadDirectory() {
     try {
         source_ = std::make_unique<clsFileSource>(cabName_);
-        window_ = std::make_unique<ByteWindow>(*source_);
+        window_ = std::make_unique<clsByteWindow>(*source_);
         return ReadCabDirectory(*window_);
     } catch (const std::exception& failure) {
         ThrowCabFailure(CabNumberOf(failure), ReasonOf(failure));

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "archive/ByteSource.h"
 #include "archive/CabDirectory.h"
+#include "archive/clsByteWindow.h"
 #include "archive/clsCab.h"
 #include "archive/clsFileSource.h"
 
@@ -25,6 +25,7 @@ public:
     clsCabIteration& operator=(const clsCabIteration&) = delete;
     ~clsCabIteration();
 
+    /// Path of the cabinet, and of the target folder: empty for the cabinet's own.
     [[nodiscard]] const std::string& CabName() const { return cabName_; }
     [[nodiscard]] const std::string& Destination() const { return destination_; }
 
@@ -32,7 +33,7 @@ public:
     CabDirectory ReadDirectory();
 
     /// The cabinet's bytes; there after ReadDirectory.
-    ByteWindow& Cabinet() { return *window_; }
+    clsByteWindow& Cabinet() { return *window_; }
 
     /// True for a member that is wanted.
     [[nodiscard]] bool Matches(const CabEntry& entry) const;
@@ -70,7 +71,7 @@ private:
     std::string destination_;
     std::weak_ptr<CabEvents*> owner_;
     std::unique_ptr<clsFileSource> source_;
-    std::unique_ptr<ByteWindow> window_;
+    std::unique_ptr<clsByteWindow> window_;
     std::exception_ptr thrown_; ///< By an event.
 };
 

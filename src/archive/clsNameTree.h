@@ -17,6 +17,7 @@ struct MemberContent {
     std::uint64_t size = 0;
     std::optional<std::uint32_t> crc; ///< CRC-32; unknown where nothing was unpacked.
 
+    /// Whether both are known to have the same bytes, from their sizes and checksums.
     [[nodiscard]] bool HasBytesOf(const MemberContent& other) const {
         return size == other.size && (size == 0 || (crc && crc == other.crc));
     }

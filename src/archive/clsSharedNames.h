@@ -14,8 +14,8 @@ namespace vesk {
 /// are now and then taken for equal, two equal ones never for different.
 class clsSharedNames {
 public:
-    /// Takes the path of a file or folder below the target folder, parted by "\", which brings
-    /// those of the folders above it along.
+    /// Takes the path of a file or folder below the target folder, with "\" between its parts,
+    /// which brings those of the folders above it along.
     void Add(std::wstring_view path);
 
     /// Ends the taking.

@@ -3,6 +3,7 @@
 #include "archive/ArchiveProblem.h"
 #include "archive/ByteSource.h"
 #include "archive/ZipMember.h"
+#include "archive/clsByteWindow.h"
 #include "archive/modZipEnd.h"
 
 #include <cstddef>
@@ -67,7 +68,7 @@ private:
     void CollectOverlaps();
 
     ByteSource& archive_;
-    ByteWindow records_, headers_;
+    clsByteWindow records_, headers_;
     std::uint64_t recordsEnd_ = 0;
     std::uint64_t dataEnd_ = 0; ///< No member's data reaches beyond.
     std::uint64_t shift_ = 0;   ///< Of positions; may wrap.

@@ -1,13 +1,12 @@
 #include "archive/clsZipMemberReader.h"
 
+#include "archive/ArchiveProblem.h"
 #include "archive/clsCRC.h"
 #include "archive/modZipInflate.h"
 
 #include <libdeflate.h>
 
 #include <algorithm>
-#include <bit>
-#include <limits>
 #include <new>
 #include <utility>
 
@@ -17,7 +16,7 @@ namespace {
 
 using Bytes = std::span<const std::byte>;
 
-constexpr std::size_t kPiece = ByteWindow::kLargestPiece;
+constexpr std::size_t kPiece = clsByteWindow::kLargestPiece;
 
 void CheckCrc(const ZipMember& member, std::int32_t crc) {
     if (static_cast<std::uint32_t>(crc) != member.crc)
@@ -42,25 +41,11 @@ void RequireWhole(std::size_t read, std::size_t wanted) {
         throw ArchiveProblem("the archive was cut off while it was read");
 }
 
-void Decrypt(Bytes locked, std::span<std::byte> plain, ZipCipher& cipher) {
+void Decrypt(Bytes locked, std::span<std::byte> plain, clsZipCipher& cipher) {
     std::ranges::transform(locked, plain.begin(), [&](std::byte b) { return cipher.Decrypt(b); });
 }
 
 } // namespace
-
-std::span<std::byte> ReusedBuffer::Of(std::uint64_t size) {
-    if (size > std::numeric_limits<std::size_t>::max() / 4)
-        throw std::bad_alloc();
-    const auto wanted = static_cast<std::size_t>(size);
-    if (wanted > capacity_) {
-        bytes_.reset(); // never both blocks at a time
-        capacity_ = 0;
-        const std::size_t rounded = std::bit_ceil(wanted);
-        bytes_ = std::make_unique_for_overwrite<std::byte[]>(rounded);
-        capacity_ = rounded;
-    }
-    return {bytes_.get(), wanted};
-}
 
 clsZipMemberReader::clsZipMemberReader(ByteSource& archive, clsZipDirectory& directory,
                                        clsZipPasswords::Source password)
@@ -94,12 +79,12 @@ std::span<const std::byte> clsZipMemberReader::Read(const ZipMember& member) {
         return WithTrueSizes(member, [this](const ZipMember& as) { return ReadWith(as, nullptr); });
     Bytes content;
     passwords_.Find(
-        member, [&](ZipCipher cipher) { content = ReadWith(member, &cipher); }, false);
+        member, [&](clsZipCipher cipher) { content = ReadWith(member, &cipher); }, false);
     return content;
 }
 
 std::span<const std::byte> clsZipMemberReader::ReadWith(const ZipMember& member,
-                                                        ZipCipher* cipher) {
+                                                        clsZipCipher* cipher) {
     const Bytes packed = PackedData(member, cipher);
     if (!member.IsDeflated()) {
         CheckCrc(member, clsCRC().CalculateBytes(packed));
@@ -134,7 +119,7 @@ Bytes clsZipMemberReader::RawData(const ZipMember& member) {
 }
 
 std::span<const std::byte> clsZipMemberReader::PackedData(const ZipMember& member,
-                                                          ZipCipher* cipher) {
+                                                          clsZipCipher* cipher) {
     const Bytes raw = RawData(member);
     if (cipher == nullptr)
         return raw;
@@ -155,12 +140,13 @@ void clsZipMemberReader::Stream(const ZipMember& member, const Sink& sink) {
                           nullptr, sink);
     if (!member.IsEncrypted())
         return StreamWith(member, nullptr, sink);
-    const auto prove = [&](ZipCipher cipher) { StreamWith(member, &cipher, onlyTick); };
-    ZipCipher cipher = passwords_.Find(member, prove, true);
+    const auto prove = [&](clsZipCipher cipher) { StreamWith(member, &cipher, onlyTick); };
+    clsZipCipher cipher = passwords_.Find(member, prove, true);
     StreamWith(member, &cipher, sink);
 }
 
-void clsZipMemberReader::StreamWith(const ZipMember& member, ZipCipher* cipher, const Sink& sink) {
+void clsZipMemberReader::StreamWith(const ZipMember& member, clsZipCipher* cipher,
+                                    const Sink& sink) {
     const std::uint64_t packedSize = RawSize(member);
     std::uint64_t used = 0;
     const auto nextInput = [&] {

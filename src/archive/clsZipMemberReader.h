@@ -2,6 +2,9 @@
 
 #include "archive/ByteSource.h"
 #include "archive/ZipMember.h"
+#include "archive/clsByteWindow.h"
+#include "archive/clsReusedBuffer.h"
+#include "archive/clsZipCipher.h"
 #include "archive/clsZipDirectory.h"
 #include "archive/clsZipPasswords.h"
 
@@ -14,18 +17,6 @@
 struct libdeflate_decompressor;
 
 namespace vesk {
-
-/// Memory that is used again and again and grows as needed; never cleared.
-class ReusedBuffer {
-public:
-    /// @return `size` bytes of undefined content, valid until the next call.
-    /// @throws std::bad_alloc
-    std::span<std::byte> Of(std::uint64_t size);
-
-private:
-    std::unique_ptr<std::byte[]> bytes_;
-    std::size_t capacity_ = 0;
-};
 
 /// Gives the content of an archive's members, checked against their CRC. For members without a
 /// `refusal` only.
@@ -64,14 +55,14 @@ private:
     std::span<const std::byte> RawPiece(const ZipMember& member, std::uint64_t from,
                                         std::size_t count);
     std::span<const std::byte> RawData(const ZipMember& member);
-    std::span<const std::byte> PackedData(const ZipMember& member, ZipCipher* cipher);
-    std::span<const std::byte> ReadWith(const ZipMember& member, ZipCipher* cipher);
-    void StreamWith(const ZipMember& member, ZipCipher* cipher, const Sink& sink);
+    std::span<const std::byte> PackedData(const ZipMember& member, clsZipCipher* cipher);
+    std::span<const std::byte> ReadWith(const ZipMember& member, clsZipCipher* cipher);
+    void StreamWith(const ZipMember& member, clsZipCipher* cipher, const Sink& sink);
 
     ByteSource& archive_;
-    ByteWindow window_;
+    clsByteWindow window_;
     clsZipPasswords passwords_;
-    ReusedBuffer raw_, decrypted_, inflated_;
+    clsReusedBuffer raw_, decrypted_, inflated_;
     std::unique_ptr<libdeflate_decompressor, void (*)(libdeflate_decompressor*)> inflater_;
 };
 

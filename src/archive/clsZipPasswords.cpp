@@ -1,26 +1,15 @@
 #include "archive/clsZipPasswords.h"
 
+#include "archive/ArchiveProblem.h"
+#include "archive/ZipMember.h"
+
+#include <cstddef>
+#include <cstdint>
 #include <utility>
 
 namespace vesk {
 
 namespace {
-
-constexpr std::array<std::uint32_t, 256> MakeCrcTable() {
-    std::array<std::uint32_t, 256> table{};
-    for (std::uint32_t n = 0; n < table.size(); ++n) {
-        table[n] = n;
-        for (int bit = 0; bit < 8; ++bit)
-            table[n] = (table[n] >> 1) ^ ((table[n] & 1) != 0 ? 0xEDB88320 : 0);
-    }
-    return table;
-}
-
-/// One byte fed into a CRC-32 register: the cipher mixes its keys with it.
-std::uint32_t CrcStep(std::uint32_t value, std::uint32_t byte) {
-    static constexpr std::array<std::uint32_t, 256> kTable = MakeCrcTable();
-    return (value >> 8) ^ kTable[(value ^ byte) & 0xFF];
-}
 
 /// The last byte of the header repeats one that the entry holds, so that a wrong password is seen
 /// early. While sizes were not known yet, writers had no CRC and took the time instead.
@@ -30,29 +19,10 @@ std::uint8_t PasswordCheck(const ZipMember& member) {
 
 } // namespace
 
-ZipCipher::ZipCipher(std::string_view password) {
-    for (const char c : password)
-        Update(static_cast<std::uint8_t>(c));
-}
-
-std::byte ZipCipher::Decrypt(std::byte cipher) {
-    const std::uint32_t mixed = (keys_[2] & 0xFFFF) | 2;
-    const auto plain = static_cast<std::uint8_t>(std::to_integer<std::uint32_t>(cipher) ^
-                                                 (mixed * (mixed ^ 1)) >> 8);
-    Update(plain);
-    return std::byte{plain};
-}
-
-void ZipCipher::Update(std::uint8_t plain) {
-    keys_[0] = CrcStep(keys_[0], plain);
-    keys_[1] = (keys_[1] + (keys_[0] & 0xFF)) * 134775813 + 1;
-    keys_[2] = CrcStep(keys_[2], keys_[1] >> 24);
-}
-
-clsZipPasswords::clsZipPasswords(ByteWindow& archive, clsZipDirectory& directory, Source ask)
+clsZipPasswords::clsZipPasswords(clsByteWindow& archive, clsZipDirectory& directory, Source ask)
     : archive_(archive), directory_(directory), ask_(std::move(ask)) {}
 
-ZipCipher clsZipPasswords::Find(const ZipMember& member, const Check& check, bool trustKnown) {
+clsZipCipher clsZipPasswords::Find(const ZipMember& member, const Check& check, bool trustKnown) {
     std::optional<ZipContentProblem> damage;
     for (const std::string& password : known_) {
         const auto cipher = Try(member, password);
@@ -72,7 +42,7 @@ ZipCipher clsZipPasswords::Find(const ZipMember& member, const Check& check, boo
     return Ask(member, check);
 }
 
-ZipCipher clsZipPasswords::Ask(const ZipMember& member, const Check& check) {
+clsZipCipher clsZipPasswords::Ask(const ZipMember& member, const Check& check) {
     constexpr int kTries = 3; // an answer may come from a file, and then is always the same
     std::optional<std::string> seemedRight;
     for (int tries = 0; askMore_ && tries < kTries; ++tries) {
@@ -112,10 +82,10 @@ ZipCipher clsZipPasswords::Ask(const ZipMember& member, const Check& check) {
     throw ArchiveProblem(lockedReason_);
 }
 
-std::optional<ZipCipher> clsZipPasswords::Try(const ZipMember& member,
-                                              std::string_view password) const {
+std::optional<clsZipCipher> clsZipPasswords::Try(const ZipMember& member,
+                                                 std::string_view password) const {
     const auto header = archive_.View(member.dataAt, ZipMember::kCipherHeaderSize);
-    ZipCipher cipher(password);
+    clsZipCipher cipher(password);
     std::byte last{};
     for (const std::byte byte : header)
         last = cipher.Decrypt(byte);

@@ -1,7 +1,7 @@
 #include "archive/modCabDirectory.h"
 
 #include "archive/clsByteReader.h"
-#include "base/Failure.h"
+#include "archive/modCabFailure.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -26,14 +26,13 @@ constexpr std::uint16_t kHasNext = 2;
 constexpr std::uint16_t kHasReserves = 4;
 
 [[noreturn]] void Refuse(const std::string& reason) {
-    constexpr std::uint32_t kInvalidData = 13;
-    throw Failure(kInvalidData, "CabFile", "Invalid data.", reason);
+    ThrowCabFailure(kCabDamaged, reason);
 }
 
 /// Reads one header after the other from a place on.
 class HeaderCursor {
 public:
-    HeaderCursor(ByteWindow& cabinet, std::uint64_t at) : cabinet_(cabinet), at_(at) {}
+    HeaderCursor(clsByteWindow& cabinet, std::uint64_t at) : cabinet_(cabinet), at_(at) {}
 
     clsByteReader Take(std::size_t count) {
         const auto bytes = cabinet_.View(at_, count);
@@ -56,7 +55,7 @@ public:
     }
 
 private:
-    ByteWindow& cabinet_;
+    clsByteWindow& cabinet_;
     std::uint64_t at_;
 };
 
@@ -120,7 +119,7 @@ void ReadFolders(HeaderCursor& cursor, const Header& header, std::vector<CabFold
     }
 }
 
-void ReadEntries(ByteWindow& cabinet, const Header& header, std::vector<CabEntry>& entries) {
+void ReadEntries(clsByteWindow& cabinet, const Header& header, std::vector<CabEntry>& entries) {
     if (header.entries != 0 && header.entriesAt >= cabinet.Size())
         Refuse("its list of files lies outside it");
     HeaderCursor cursor(cabinet, header.entriesAt);
@@ -140,7 +139,7 @@ void ReadEntries(ByteWindow& cabinet, const Header& header, std::vector<CabEntry
 
 } // namespace
 
-CabDirectory ReadCabDirectory(ByteWindow& cabinet) {
+CabDirectory ReadCabDirectory(clsByteWindow& cabinet) {
     if (cabinet.Size() < kHeaderSize)
         Refuse("it is not a cabinet");
     HeaderCursor cursor(cabinet, 0);

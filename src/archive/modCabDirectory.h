@@ -1,7 +1,7 @@
 #pragma once
 
-#include "archive/ByteSource.h"
 #include "archive/CabDirectory.h"
+#include "archive/clsByteWindow.h"
 
 namespace vesk {
 
@@ -9,6 +9,6 @@ namespace vesk {
 /// not there is believed; the data itself is judged by JudgeCabData.
 /// @throws Failure with number 13 and a reason for people when the headers cannot be read, or what
 /// the source throws
-CabDirectory ReadCabDirectory(ByteWindow& cabinet);
+CabDirectory ReadCabDirectory(clsByteWindow& cabinet);
 
 } // namespace vesk

@@ -42,7 +42,7 @@ std::uint32_t Checksum(Bytes bytes, std::uint32_t seed) {
 /// One folder's chain of blocks.
 class ChainWalk {
 public:
-    ChainWalk(ByteWindow& cabinet, const CabDirectory& directory, CabFolder& folder,
+    ChainWalk(clsByteWindow& cabinet, const CabDirectory& directory, CabFolder& folder,
               std::uint64_t limit)
         : cabinet_(cabinet), directory_(directory), folder_(folder), limit_(limit) {}
 
@@ -94,7 +94,7 @@ private:
                checksum == Checksum(block.subspan(4, headSize - 4), ofData);
     }
 
-    ByteWindow& cabinet_;
+    clsByteWindow& cabinet_;
     const CabDirectory& directory_;
     CabFolder& folder_;
     std::uint64_t limit_; ///< Where the folder's data ends at the latest.
@@ -176,7 +176,8 @@ void RefuseOverlaps(CabDirectory& directory, const std::vector<std::size_t>& ord
 
 } // namespace
 
-void JudgeCabData(ByteWindow& cabinet, CabDirectory& directory, const std::function<void()>& tick) {
+void JudgeCabData(clsByteWindow& cabinet, CabDirectory& directory,
+                  const std::function<void()>& tick) {
     std::vector<CabFolder*> inFile;
     for (CabFolder& folder : directory.folders)
         if (folder.blocks != 0)

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "archive/ByteSource.h"
 #include "archive/CabDirectory.h"
+#include "archive/clsByteWindow.h"
 
 #include <cstddef>
 #include <functional>
@@ -17,7 +17,8 @@ constexpr std::size_t kCabBlockSize = 32768;
 /// long as the file.
 /// @param tick called after each block
 /// @throws Failure when the source does
-void JudgeCabData(ByteWindow& cabinet, CabDirectory& directory, const std::function<void()>& tick);
+void JudgeCabData(clsByteWindow& cabinet, CabDirectory& directory,
+                  const std::function<void()>& tick);
 
 /// Sets the `refusal` of each member that cannot be extracted: another cabinet's, of no folder,
 /// packed in an unknown way, sharing bytes with one before it, or without undamaged data. To be

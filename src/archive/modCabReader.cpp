@@ -27,7 +27,7 @@ namespace {
 /// library's file functions are handed no object of ours: one run at a time is at work.
 class FolderRun {
 public:
-    FolderRun(ByteWindow& cabinet, const CabDirectory& directory, const CabFolder& folder,
+    FolderRun(clsByteWindow& cabinet, const CabDirectory& directory, const CabFolder& folder,
               std::span<const std::size_t> entries, CabSink& sink)
         : cabinet_(cabinet),
           folder_(folder),
@@ -162,13 +162,13 @@ private:
                 .first(std::min(count, image_.size() - static_cast<std::size_t>(at)));
         const std::uint64_t inData = at - image_.size();
         const auto left = static_cast<std::size_t>(
-            std::min<std::uint64_t>(folder_.goodPacked - inData, ByteWindow::kLargestPiece));
+            std::min<std::uint64_t>(folder_.goodPacked - inData, clsByteWindow::kLargestPiece));
         return cabinet_.View(folder_.dataAt + inData, std::min(count, left));
     }
 
     static FolderRun* running_;
 
-    ByteWindow& cabinet_;
+    clsByteWindow& cabinet_;
     const CabFolder& folder_;
     const std::string image_;
     CabSink& sink_;
@@ -181,7 +181,7 @@ FolderRun* FolderRun::running_ = nullptr;
 
 } // namespace
 
-void ReadCabFolder(ByteWindow& cabinet, const CabDirectory& directory, const CabFolder& folder,
+void ReadCabFolder(clsByteWindow& cabinet, const CabDirectory& directory, const CabFolder& folder,
                    std::span<const std::size_t> entries, CabSink& sink) {
     FolderRun(cabinet, directory, folder, entries, sink).Run();
 }

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "archive/ByteSource.h"
 #include "archive/CabDirectory.h"
 #include "archive/CabSink.h"
+#include "archive/clsByteWindow.h"
 
 #include <cstddef>
 #include <span>
@@ -18,7 +18,7 @@ namespace vesk {
 /// Members whose End is not reached, or comes early, are not whole: the data turned out damaged.
 /// @param entries as for CabFolderImage; none may have a refusal
 /// @throws Failure, also for data that cannot be fetched, and what the sink throws
-void ReadCabFolder(ByteWindow& cabinet, const CabDirectory& directory, const CabFolder& folder,
+void ReadCabFolder(clsByteWindow& cabinet, const CabDirectory& directory, const CabFolder& folder,
                    std::span<const std::size_t> entries, CabSink& sink);
 
 } // namespace vesk

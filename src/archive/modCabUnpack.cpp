@@ -117,7 +117,7 @@ bool IsUnpackedHere(const CabFolder& folder) {
     return (folder.packing & 0xFU) <= kMszip;
 }
 
-void UnpackCabFolder(ByteWindow& cabinet, const CabDirectory& directory, const CabFolder& folder,
+void UnpackCabFolder(clsByteWindow& cabinet, const CabDirectory& directory, const CabFolder& folder,
                      std::span<const std::size_t> entries, CabSink& sink) {
     const bool packedData = (folder.packing & 0xFU) == kMszip;
     const std::size_t headSize = std::size_t{8} + directory.blockReserve;

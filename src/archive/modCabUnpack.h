@@ -1,8 +1,8 @@
 #pragma once
 
-#include "archive/ByteSource.h"
 #include "archive/CabDirectory.h"
 #include "archive/CabSink.h"
+#include "archive/clsByteWindow.h"
 
 #include <cstddef>
 #include <span>
@@ -19,7 +19,7 @@ bool IsUnpackedHere(const CabFolder& folder);
 /// @param entries indices into the directory's entries, all of this folder, without a refusal, of
 /// at least one byte, with rising offsets
 /// @throws what the source and the sink throw
-void UnpackCabFolder(ByteWindow& cabinet, const CabDirectory& directory, const CabFolder& folder,
+void UnpackCabFolder(clsByteWindow& cabinet, const CabDirectory& directory, const CabFolder& folder,
                      std::span<const std::size_t> entries, CabSink& sink);
 
 } // namespace vesk

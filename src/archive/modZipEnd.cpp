@@ -23,7 +23,7 @@ constexpr std::size_t kLongestComment = 0xFFFF;
 
 /// The wide end record, if a locator for it stands right before the narrow one. With something put
 /// in front of the archive the locator's own position is off, so the usual place is tried first.
-void ReadEnd64(ByteWindow& archive, std::uint64_t endAt, ZipEnd& end) {
+void ReadEnd64(clsByteWindow& archive, std::uint64_t endAt, ZipEnd& end) {
     if (endAt < kEnd64LocatorSize)
         return;
     const std::uint64_t locatorAt = endAt - kEnd64LocatorSize;
@@ -50,7 +50,7 @@ void ReadEnd64(ByteWindow& archive, std::uint64_t endAt, ZipEnd& end) {
 }
 
 /// @param reader stands at the record, with all that follows it
-std::optional<ZipEnd> ReadEnd(clsByteReader reader, std::uint64_t at, ByteWindow& archive) {
+std::optional<ZipEnd> ReadEnd(clsByteReader reader, std::uint64_t at, clsByteWindow& archive) {
     if (reader.U32() != kEndSignature)
         return std::nullopt;
     ZipEnd end;
@@ -73,7 +73,7 @@ std::optional<ZipEnd> ReadEnd(clsByteReader reader, std::uint64_t at, ByteWindow
 
 /// Where the central directory begins. It ends at the end record; an archive that says otherwise is
 /// believed only when a member's record stands where it says.
-std::optional<std::uint64_t> DirectoryStart(ByteWindow& archive, const ZipEnd& end) {
+std::optional<std::uint64_t> DirectoryStart(clsByteWindow& archive, const ZipEnd& end) {
     if (end.directorySize > end.directoryEnd)
         return std::nullopt;
     const std::uint64_t start = end.directoryEnd - end.directorySize;
@@ -91,11 +91,11 @@ std::optional<ZipEnd> FindZipEnd(ByteSource& archive) {
     if (archive.Size() < kEndSize)
         return std::nullopt;
     constexpr std::size_t kProbe = 256; // anywhere in the file, and a comment may ask for many
-    ByteWindow probes(archive, kProbe);
+    clsByteWindow probes(archive, kProbe);
     const auto tailSize = static_cast<std::size_t>(
         std::min<std::uint64_t>(archive.Size(), kEndSize + kLongestComment));
     const std::uint64_t tailAt = archive.Size() - tailSize;
-    ByteWindow window(archive, tailSize);
+    clsByteWindow window(archive, tailSize);
     const std::span<const std::byte> tail = window.View(tailAt, tailSize);
     for (std::size_t at = tail.size(); at-- > 0;) {
         if (tail[at] != std::byte{'P'})

@@ -7,12 +7,12 @@
 
 namespace vesk {
 
-bool HasSignature(ByteWindow& archive, std::uint64_t at, std::uint32_t signature) {
+bool HasSignature(clsByteWindow& archive, std::uint64_t at, std::uint32_t signature) {
     return clsByteReader(archive.View(at, 4)).U32() == signature;
 }
 
-std::optional<std::uint64_t> FindSignature(ByteWindow& archive, std::uint64_t at, std::uint64_t end,
-                                           std::uint32_t signature) {
+std::optional<std::uint64_t> FindSignature(clsByteWindow& archive, std::uint64_t at,
+                                           std::uint64_t end, std::uint32_t signature) {
     std::array<std::byte, 4> mark{};
     for (std::byte& byte : mark) {
         byte = static_cast<std::byte>(signature & 0xFF);

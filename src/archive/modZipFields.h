@@ -1,8 +1,8 @@
 #pragma once
 
-#include "archive/ByteSource.h"
 #include "archive/ZipMember.h"
 #include "archive/clsByteReader.h"
+#include "archive/clsByteWindow.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -39,10 +39,10 @@ inline ZipTailSizes ReadSharedFields(clsByteReader& reader, ZipMember& member) {
 }
 
 /// Whether these four bytes stand there, the lowest first.
-bool HasSignature(ByteWindow& archive, std::uint64_t at, std::uint32_t signature);
+bool HasSignature(clsByteWindow& archive, std::uint64_t at, std::uint32_t signature);
 
 /// The first place from `at` on, and wholly before `end`, where these four bytes stand.
-std::optional<std::uint64_t> FindSignature(ByteWindow& archive, std::uint64_t at, std::uint64_t end,
-                                           std::uint32_t signature);
+std::optional<std::uint64_t> FindSignature(clsByteWindow& archive, std::uint64_t at,
+                                           std::uint64_t end, std::uint32_t signature);
 
 } // namespace vesk

@@ -1,6 +1,6 @@
 #include "archive/modZipInflate.h"
 
-#include "archive/clsZipPasswords.h"
+#include "archive/ArchiveProblem.h"
 
 #define ZLIB_CONST
 #include <zlib.h>

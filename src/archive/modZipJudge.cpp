@@ -175,7 +175,7 @@ void CompareSizes(const ZipMember& local, std::uint64_t dataAt, std::uint64_t da
 }
 
 /// Sets `dataAt`, or says why there is no data.
-std::string LocateData(ByteWindow& archive, std::uint64_t dataEnd, ZipMember& member) {
+std::string LocateData(clsByteWindow& archive, std::uint64_t dataEnd, ZipMember& member) {
     if (member.headerAt > dataEnd || dataEnd - member.headerAt < kZipLocalSize)
         return "its local header lies outside the archive";
     clsByteReader reader(archive.View(member.headerAt, kZipLocalSize));
@@ -266,7 +266,7 @@ void ApplyExtraFields(Bytes extra, ZipMember& member, std::uint32_t& disk) {
     }
 }
 
-void JudgeMember(ByteWindow& archive, std::uint64_t dataEnd, ZipMember& member) {
+void JudgeMember(clsByteWindow& archive, std::uint64_t dataEnd, ZipMember& member) {
     const std::string unlocated = LocateData(archive, dataEnd, member);
     if (member.refusal.empty())
         member.refusal = RefusalByDescription(member);

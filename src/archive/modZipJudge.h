@@ -1,7 +1,7 @@
 #pragma once
 
-#include "archive/ByteSource.h"
 #include "archive/ZipMember.h"
+#include "archive/clsByteWindow.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -30,6 +30,6 @@ void ApplyExtraFields(std::span<const std::byte> extra, ZipMember& member, std::
 /// method, impossible sizes, data outside the archive. A refusal that is there already stays.
 /// @param dataEnd where the archive's data ends and its directory begins
 /// @throws Failure when the archive cannot be read
-void JudgeMember(ByteWindow& archive, std::uint64_t dataEnd, ZipMember& member);
+void JudgeMember(clsByteWindow& archive, std::uint64_t dataEnd, ZipMember& member);
 
 } // namespace vesk

@@ -24,14 +24,14 @@ struct Descriptor {
 };
 
 /// Whether a record, or nothing, follows.
-bool EndsBefore(ByteWindow& archive, std::uint64_t at) {
+bool EndsBefore(clsByteWindow& archive, std::uint64_t at) {
     clsByteReader reader(archive.View(at, 4));
     return reader.Left() < 4 || (reader.U8() == 'P' && reader.U8() == 'K');
 }
 
 /// There are two forms of different length; which one it is shows in what follows.
 /// @param at where a descriptor's signature stands
-std::optional<Descriptor> ReadDescriptor(ByteWindow& archive, std::uint64_t at,
+std::optional<Descriptor> ReadDescriptor(clsByteWindow& archive, std::uint64_t at,
                                          std::uint64_t packedSize) {
     for (const bool wide : {false, true}) {
         const std::size_t length = wide ? 24 : 16;
@@ -49,7 +49,7 @@ std::optional<Descriptor> ReadDescriptor(ByteWindow& archive, std::uint64_t at,
 }
 
 /// Looks for the descriptor that says how much data stands before it.
-std::optional<Descriptor> FindDescriptor(ByteWindow& archive, std::uint64_t dataAt) {
+std::optional<Descriptor> FindDescriptor(clsByteWindow& archive, std::uint64_t dataAt) {
     std::uint64_t from = dataAt;
     while (const auto at = FindSignature(archive, from, archive.Size(), kDescriptorSignature)) {
         if (const auto found = ReadDescriptor(archive, *at, *at - dataAt))
@@ -60,7 +60,7 @@ std::optional<Descriptor> FindDescriptor(ByteWindow& archive, std::uint64_t data
 }
 
 /// @param dataAt set to where the member's data begins
-std::optional<ZipMember> ReadLocalHeader(ByteWindow& archive, std::uint64_t at,
+std::optional<ZipMember> ReadLocalHeader(clsByteWindow& archive, std::uint64_t at,
                                          std::uint64_t& dataAt) {
     clsByteReader fixed(archive.View(at, kZipLocalSize));
     if (fixed.U32() != kZipLocalSignature)
@@ -91,7 +91,7 @@ std::optional<ZipMember> ReadLocalHeader(ByteWindow& archive, std::uint64_t at,
 
 std::vector<ZipMember> MembersByLocalHeaders(ByteSource& archive) {
     std::vector<ZipMember> members;
-    ByteWindow window(archive);
+    clsByteWindow window(archive);
     for (std::uint64_t at = 0; at < archive.Size();) {
         std::uint64_t dataAt = 0;
         std::optional<ZipMember> member = ReadLocalHeader(window, at, dataAt);

@@ -14,6 +14,7 @@ template <auto CloseFunction, class Handle, std::intptr_t Invalid = 0>
 class UniqueHandle {
 public:
     UniqueHandle() = default;
+    /// Takes a handle over; one that means "none", too.
     explicit UniqueHandle(Handle handle) : handle_(handle) {}
     UniqueHandle(UniqueHandle&& other) noexcept : handle_(other.Release()) {}
     UniqueHandle& operator=(UniqueHandle&& other) noexcept {
@@ -24,8 +25,13 @@ public:
     UniqueHandle& operator=(const UniqueHandle&) = delete;
     ~UniqueHandle() { Reset(); }
 
+    /// Whether there is a handle.
     explicit operator bool() const { return handle_ != None(); }
+
+    /// The handle, which stays owned.
     [[nodiscard]] Handle Get() const { return handle_; }
+
+    /// The handle, which is the caller's from now on.
     [[nodiscard]] Handle Release() { return std::exchange(handle_, None()); }
 
     /// Where an API function is to store a handle; what was owned before is closed.
@@ -34,6 +40,7 @@ public:
         return &handle_;
     }
 
+    /// Closes what is owned and takes over another handle, or none.
     void Reset(Handle handle = None()) {
         const Handle old = std::exchange(handle_, handle);
         if (old == None() || old == handle)

@@ -1,11 +1,11 @@
 #include "base/modFile.h"
 
 #include "base/Failure.h"
-#include "base/FolderEntries.h"
 #include "base/Problem.h"
-#include "base/RealPath.h"
 #include "base/UniqueHandle.h"
 #include "base/clsLinkDetector.h"
+#include "base/modFolderEntries.h"
+#include "base/modRealPath.h"
 #include "base/modSystemError.h"
 #include "base/modText.h"
 #include "base/modWide.h"

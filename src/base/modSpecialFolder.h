@@ -8,16 +8,22 @@ namespace vesk {
 enum class SpecialFolder : int {
     Documents = 5,
     Favorites = 6,
+    Recent = 8,
+    SendTo = 9,
     StartMenu = 11, ///< The current user's.
     Music = 13,
     Videos = 14,
     Desktop = 16, ///< The current user's desktop folder.
+    NetHood = 19,
     Fonts = 20,
+    Templates = 21,
     CommonStartMenu = 22, ///< The start menu of all users.
     CommonPrograms = 23,  ///< Its programs.
     CommonDesktop = 25,
     AppData = 26,
+    PrintHood = 27,
     LocalAppData = 28,
+    Cookies = 33,
     CommonAppData = 35,
     Windows = 36,
     System = 37,

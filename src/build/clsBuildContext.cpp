@@ -1,6 +1,6 @@
 #include "build/clsBuildContext.h"
 
-#include "base/Trace.h"
+#include "base/modTrace.h"
 
 namespace vesk {
 

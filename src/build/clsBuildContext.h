@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/ResumeNext.h"
+#include "base/modResumeNext.h"
 #include "build/BuildFrontEnd.h"
 #include "build/clsBuildRun.h"
 #include "catalogue/Catalogue.h"

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <set>
 #include <string_view>
 
@@ -95,6 +96,21 @@ std::vector<std::string> ProgramFolders() {
     if (GetEnvironmentVariableA("ProgramW6432", wide.data(), static_cast<DWORD>(wide.size())) <
         wide.size())
         folders.emplace_back(wide.data());
+    return folders;
+}
+
+/// Where programs keep what is the user's: no more than a program's own folder is that replaced.
+std::vector<std::string> DataFolders() {
+    const auto path = SpecialFolderPath;
+    std::vector<std::string> folders =
+        clsFolderGuard::AmongData(path(SpecialFolder::UserProfile),
+                                  {path(SpecialFolder::AppData), path(SpecialFolder::LocalAppData),
+                                   path(SpecialFolder::CommonDocuments)});
+    // In Windows XP these are beside the programs' data, later among them.
+    for (const SpecialFolder kept :
+         {SpecialFolder::Recent, SpecialFolder::SendTo, SpecialFolder::NetHood,
+          SpecialFolder::Templates, SpecialFolder::PrintHood, SpecialFolder::Cookies})
+        folders.push_back(path(kept));
     return folders;
 }
 
@@ -185,11 +201,17 @@ clsFolderGuard clsFolderGuard::OfSystem(const std::string& programPath,
     std::vector<std::string> programs = ProgramFolders();
     for (const std::string& folder : programs)
         places.push_back({folder, "Program Files", Reach::Holding});
-    // Nor is what programs keep for the user replaced.
-    for (const SpecialFolder data : {SpecialFolder::AppData, SpecialFolder::LocalAppData})
-        programs.push_back(ParentOf(SpecialFolderPath(data)));
-    programs.push_back(ParentOf(SpecialFolderPath(SpecialFolder::CommonDocuments)));
+    std::ranges::move(DataFolders(), std::back_inserter(programs));
     return clsFolderGuard(places, programs);
+}
+
+std::vector<std::string> clsFolderGuard::AmongData(const std::string& profile,
+                                                   std::vector<std::string> data) {
+    for (std::string& folder : data) {
+        if (const std::string parent = ParentOf(folder); !EqualNoCase(parent, profile))
+            folder = parent;
+    }
+    return data;
 }
 
 std::string clsFolderGuard::Objection(const std::string& folder) const {

@@ -33,6 +33,12 @@ public:
     /// sourceFolder may be empty
     static clsFolderGuard OfSystem(const std::string& programPath, const std::string& sourceFolder);
 
+    /// The folders among which programs keep a user's data: a data folder's own one. Where that is
+    /// the profile itself, as in Windows XP, the user's things are in it too, and the data folder
+    /// stands alone. @param profile, data absolute; an empty one of the data folders stays empty
+    static std::vector<std::string> AmongData(const std::string& profile,
+                                              std::vector<std::string> data);
+
     /// Why a folder must not be emptied, or made and emptied later: a sentence without the path;
     /// empty when nothing speaks against it. @param folder absolute, may be missing
     [[nodiscard]] std::string Objection(const std::string& folder) const;

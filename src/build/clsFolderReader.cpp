@@ -1,7 +1,7 @@
 #include "build/clsFolderReader.h"
 
-#include "base/RealPath.h"
 #include "base/UniqueHandle.h"
+#include "base/modRealPath.h"
 #include "base/modSystemLibrary.h"
 #include "base/modWide.h"
 

@@ -32,7 +32,10 @@ struct FolderLevel {
 
     bool isBeyondRoot = false; ///< Above a drive's root, where no path of ours leads.
 
+    /// Whether there is nothing of this name, or the system does not tell.
     [[nodiscard]] bool IsMissing() const { return attributes == 0xFFFFFFFF; }
+
+    /// Whether it is there with all of these attributes. @param wanted FILE_ATTRIBUTE_ bits
     [[nodiscard]] bool Has(std::uint32_t wanted) const {
         return !IsMissing() && (attributes & wanted) == wanted;
     }

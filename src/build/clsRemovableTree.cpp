@@ -1,9 +1,9 @@
 #include "build/clsRemovableTree.h"
 
 #include "archive/modMemberName.h"
-#include "base/FolderEntries.h"
 #include "base/clsLinkDetector.h"
 #include "base/modFile.h"
+#include "base/modFolderEntries.h"
 #include "base/modSpecialFolder.h"
 #include "base/modSystemError.h"
 #include "base/modText.h"
@@ -147,12 +147,16 @@ clsRemovableTree clsRemovableTree::Below(const clsInstallFolder& folder,
             }};
 }
 
+std::string clsRemovableTree::StartMenuPath() {
+    return SpecialFolderPath(SpecialFolder::CommonPrograms) + "\\Vesk Builder";
+}
+
 clsRemovableTree clsRemovableTree::StartMenuFolder() {
-    const std::string programs = SpecialFolderPath(SpecialFolder::CommonPrograms);
+    const std::string path = StartMenuPath();
+    const std::string programs = ParentOf(path);
     if (programs.empty())
         throw Failure(ERROR_PATH_NOT_FOUND, "StartMenuFolder",
                       "this system has no start menu for all users");
-    const std::string path = programs + "\\Vesk Builder";
     return {path, [programs, path] {
                 return HasLinkBelow(programs, path) ? std::string("it is a link") : std::string();
             }};

@@ -23,10 +23,14 @@ public:
     /// @throws Failure for a name that leads elsewhere
     static clsRemovableTree Below(const clsInstallFolder& folder, const std::string& relative);
 
-    /// The program's own folder in the start menu of all users. @throws Failure when the system has
-    /// no such menu
+    /// Path of the program's own folder in the start menu of all users, also when it is not there.
+    /// Where the system has no such menu nothing stands before its "\".
+    static std::string StartMenuPath();
+
+    /// That folder. @throws Failure when the system has no such menu
     static clsRemovableTree StartMenuFolder();
 
+    /// Full path of the folder, without a trailing backslash.
     [[nodiscard]] const std::string& Path() const { return path_; }
 
     /// Removes it, read-only files too. Junctions and links are removed themselves and never

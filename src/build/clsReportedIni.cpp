@@ -5,6 +5,7 @@
 #include "base/modSystemError.h"
 #include "base/modText.h"
 #include "build/modFileOperations.h"
+#include "catalogue/modIniText.h"
 
 #include <windows.h>
 
@@ -31,7 +32,7 @@ clsReportedIni::clsReportedIni(const clsBuildContext& context, const std::string
 void clsReportedIni::TellCut(const std::string& section, const std::string& key) const {
     if (ini_.IsCut(section, key))
         context_.report({Path(), "not taken over in full, [" + section + "] " + key,
-                         "it is longer than 254 characters"});
+                         "it is longer than " + std::to_string(kLongestIniValue) + " characters"});
 }
 
 void clsReportedIni::SetValue(const std::string& section, const std::string& key,

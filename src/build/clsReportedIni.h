@@ -18,6 +18,7 @@ public:
     /// @param context must outlive the object
     clsReportedIni(const clsBuildContext& context, const std::string& path);
 
+    /// Full path of the file.
     [[nodiscard]] const std::string& Path() const { return ini_.iniFileName; }
 
     /// Value of a key, empty when there is none; see clsINI. @throws Failure when the file is there

@@ -1,6 +1,7 @@
 #include "build/clsShellLink.h"
 
-#include "base/Com.h"
+#include "base/ComLibrary.h"
+#include "base/ComPointer.h"
 #include "base/modSystemError.h"
 #include "base/modWide.h"
 

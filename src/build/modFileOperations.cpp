@@ -1,8 +1,8 @@
 #include "build/modFileOperations.h"
 
 #include "archive/modMemberName.h"
-#include "base/FolderEntries.h"
 #include "base/modFile.h"
+#include "base/modFolderEntries.h"
 #include "base/modSystemError.h"
 #include "base/modText.h"
 #include "base/modWide.h"

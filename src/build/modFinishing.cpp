@@ -59,8 +59,7 @@ void CreateShortcut(const clsBuildContext& context, const std::string& link,
 }
 
 void CreateShortcuts(const clsBuildContext& context) {
-    const std::string startMenu =
-        SpecialFolderPath(SpecialFolder::CommonPrograms) + "\\Vesk Builder";
+    const std::string startMenu = clsRemovableTree::StartMenuPath();
     const std::string desktopLink =
         SpecialFolderPath(SpecialFolder::Desktop) + "\\Vesk Builder.lnk";
     const std::string programLink = startMenu + "\\Vesk Builder.lnk";

@@ -45,6 +45,9 @@ struct Catalogue {
     std::string pluginFolder;
 };
 
+/// How many entries of one list can be worked with: the wizard counts its lines in one byte.
+inline constexpr std::size_t kMostLines = 256;
+
 /// Which of the catalogue's two lists of entries.
 enum class EntryList { BaseComponents, Plugins };
 

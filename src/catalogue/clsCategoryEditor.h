@@ -1,6 +1,7 @@
 #pragma once
 
 #include "catalogue/Catalogue.h"
+#include "catalogue/clsSelectableRows.h"
 
 #include <cstddef>
 #include <functional>
@@ -14,8 +15,6 @@ namespace vesk {
 /// that plug-ins can follow a key that became another.
 class clsCategoryEditor {
 public:
-    static constexpr int kNoSelection = -1;
-
     /// Derives a category's title from its folder and key.
     using CaptionOf = std::function<std::string(const std::string& value, const std::string& key)>;
 
@@ -26,13 +25,13 @@ public:
     [[nodiscard]] std::vector<CategoryRecord> Categories() const;
 
     /// How many there are, and one of them; the reference holds until the next change.
-    [[nodiscard]] std::size_t Count() const { return rows_.size(); }
+    [[nodiscard]] std::size_t Count() const { return rows_.All().size(); }
     [[nodiscard]] const CategoryRecord& At(std::size_t index) const {
-        return rows_.at(index).record;
+        return rows_.All().at(index).record;
     }
 
     /// Index of the selected category, or kNoSelection.
-    [[nodiscard]] int Selected() const { return selected_; }
+    [[nodiscard]] int Selected() const { return rows_.Selected(); }
 
     /// The selected category; null for none.
     [[nodiscard]] const CategoryRecord* Current() const;
@@ -41,20 +40,21 @@ public:
     [[nodiscard]] std::string OriginalKey() const;
 
     /// Selects a category; an index outside the list selects none.
-    void Select(int index);
+    void Select(int index) { rows_.Select(index); }
 
     /// Appends an empty category and selects it.
-    void Add();
+    void Add() { rows_.Add(); }
 
     /// Removes the selected category and selects its neighbour, as long as there is one.
     void Remove();
 
-    [[nodiscard]] bool CanMoveUp() const { return selected_ > 0; }
-    [[nodiscard]] bool CanMoveDown() const;
+    /// What the buttons would do something for.
+    [[nodiscard]] bool CanMoveUp() const { return rows_.CanMoveUp(); }
+    [[nodiscard]] bool CanMoveDown() const { return rows_.CanMoveDown(); }
 
     /// Exchanges the selected category with its neighbour, if there is one; it stays selected.
-    void MoveUp();
-    void MoveDown();
+    void MoveUp() { rows_.MoveUp(); }
+    void MoveDown() { rows_.MoveDown(); }
 
     /// Change the selected category, and with it the title.
     void SetKey(const std::string& key);
@@ -69,12 +69,8 @@ private:
         std::string original;
     };
 
-    Row* CurrentRow();
-    void MoveTo(int index);
-
     CaptionOf captionOf_;
-    std::vector<Row> rows_;
-    int selected_ = kNoSelection;
+    clsSelectableRows<Row> rows_;
 };
 
 } // namespace vesk

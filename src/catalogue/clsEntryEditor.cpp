@@ -7,28 +7,10 @@
 
 namespace vesk {
 
-void clsEntryEditor::Load(std::vector<CatalogueEntry> entries) {
-    entries_ = std::move(entries);
-    Select(0);
-}
-
 std::vector<std::string> clsEntryEditor::Names() const {
     std::vector<std::string> names;
-    std::ranges::transform(entries_, std::back_inserter(names), &CatalogueEntry::name);
+    std::ranges::transform(Entries(), std::back_inserter(names), &CatalogueEntry::name);
     return names;
-}
-
-const CatalogueEntry* clsEntryEditor::Current() const {
-    return selected_ == kNoSelection ? nullptr : &entries_[static_cast<std::size_t>(selected_)];
-}
-
-void clsEntryEditor::Select(int index) {
-    selected_ = Holds(index) ? index : kNoSelection;
-}
-
-void clsEntryEditor::Add() {
-    entries_.emplace_back();
-    selected_ = static_cast<int>(entries_.size()) - 1;
 }
 
 std::optional<EditorPrompt> clsEntryEditor::PromptForRemoval() const {
@@ -43,30 +25,22 @@ std::optional<EditorPrompt> clsEntryEditor::PromptForRemoval() const {
 
 bool clsEntryEditor::CanRemove() const {
     const CatalogueEntry* entry = Current();
-    return entry != nullptr && (entries_.size() > 1 || *entry != CatalogueEntry());
+    return entry != nullptr && (Entries().size() > 1 || *entry != CatalogueEntry());
 }
 
 void clsEntryEditor::ChangeAll(const std::function<void(CatalogueEntry&)>& change) {
-    std::ranges::for_each(entries_, change);
+    std::ranges::for_each(rows_.All(), change);
 }
 
 void clsEntryEditor::Remove() {
     const CatalogueEntry* entry = Current();
     if (entry == nullptr || entry->lock)
         return;
-    entries_.erase(entries_.begin() + selected_);
-    if (entries_.empty())
-        entries_.emplace_back();
-    Select(selected_ - 1);
-}
-
-bool clsEntryEditor::MoveTo(int index) {
-    if (selected_ == kNoSelection || !Holds(index))
-        return false;
-    std::swap(entries_[static_cast<std::size_t>(selected_)],
-              entries_[static_cast<std::size_t>(index)]);
-    selected_ = index;
-    return true;
+    const int removed = Selected();
+    rows_.Remove();
+    if (Entries().empty())
+        rows_.Add();
+    Select(removed - 1);
 }
 
 void clsEntryEditor::TakeArchive(std::string_view path, const std::string& crc) {

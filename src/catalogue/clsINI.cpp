@@ -1,6 +1,7 @@
 #include "catalogue/clsINI.h"
 
 #include "base/modSystemError.h"
+#include "catalogue/modIniText.h"
 #include "catalogue/modNameList.h"
 
 #include <windows.h>
@@ -10,9 +11,9 @@ namespace vesk {
 namespace {
 
 // The sizes are part of what catalogues in use rely on: a longer section list is cut.
-constexpr DWORD kValueSize = 255;
-constexpr DWORD kSectionListSize = 255;
-constexpr DWORD kKeyListSize = 131072;
+constexpr DWORD kValueSize = kLongestIniValue + 1;
+constexpr DWORD kSectionListSize = kLongestSectionList + 1;
+constexpr DWORD kKeyListSize = kLongestKeyList + 1;
 
 /// The profile functions take a longer path for another file's.
 bool Holds(const std::string& iniFile) {

@@ -14,6 +14,7 @@ namespace vesk {
 class clsINI {
 public:
     clsINI() = default;
+    /// @param path see iniFileName
     explicit clsINI(std::string path) : iniFileName(std::move(path)) {}
 
     std::string iniFileName; ///< Full path of the file that the operations work on.
@@ -22,13 +23,13 @@ public:
     [[nodiscard]] std::string GetStringValue(const std::string& section,
                                              const std::string& key) const;
 
-    /// True when GetStringValue leaves out the end of a key's value.
-    [[nodiscard]] bool IsCut(const std::string& section, const std::string& key) const;
-
     /// The same where a file that is not read must not pass for one without the key.
     /// @throws Failure as far as the platform reports it
     [[nodiscard]] std::string ReadStringValue(const std::string& section,
                                               const std::string& key) const;
+
+    /// True when GetStringValue leaves out the end of a key's value.
+    [[nodiscard]] bool IsCut(const std::string& section, const std::string& key) const;
 
     /// Value of a key as a number; 0 when missing or not a number.
     [[nodiscard]] int GetIntValue(const std::string& section, const std::string& key) const;

@@ -1,7 +1,7 @@
 #include "catalogue/clsSha256List.h"
 
 #include "base/Failure.h"
-#include "base/ResumeNext.h"
+#include "base/modResumeNext.h"
 #include "base/modFile.h"
 #include "base/modSha256.h"
 #include "base/modText.h"

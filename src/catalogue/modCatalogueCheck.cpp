@@ -18,7 +18,6 @@ namespace {
 
 using Kind = CatalogueProblemKind;
 
-constexpr std::size_t kMostLines = 256;       // the wizard counts the lines of a list in one byte
 constexpr std::size_t kMostContentFaults = 5; // of one archive
 
 bool IsHexadecimal(std::string_view text) {

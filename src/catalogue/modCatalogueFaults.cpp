@@ -1,7 +1,7 @@
 #include "catalogue/modCatalogueFaults.h"
 
 #include "base/modText.h"
-#include "catalogue/modCategoryCheck.h"
+#include "catalogue/modCatalogueText.h"
 
 #include <algorithm>
 #include <array>

@@ -167,14 +167,6 @@ void FillCatalogue(const std::vector<IniSection>& sections, Catalogue& catalogue
         ReadCategories(PositionalSection(sections[3]), catalogue);
 }
 
-/// A folder's name that the code page cannot hold reaches the program as another one, under which
-/// nothing is found, or somebody else's catalogue.
-bool ProgramFolderIsUnknown() {
-    std::wstring program(32768, L'\0'); // the system's own limit
-    program.resize(GetModuleFileNameW(nullptr, program.data(), static_cast<DWORD>(program.size())));
-    return !NarrowedExactly(program).has_value();
-}
-
 /// Why the catalogue's file cannot be read; a state of Whole when it can.
 /// @param bytes receives its content
 CatalogueLoad ReadOrExplain(const std::string& path, std::string& bytes) {
@@ -185,10 +177,6 @@ CatalogueLoad ReadOrExplain(const std::string& path, std::string& bytes) {
     if (path.size() >= MAX_PATH)
         return absent("the path is longer than the 259 characters that can be used",
                       "Move the program to a folder with a shorter path.", true);
-    if (ProgramFolderIsUnknown())
-        return absent("the name of the program's folder has characters that the system's code page "
-                      "lacks",
-                      "Move the program to a folder with a plain name.", true);
     const PathState state = StateOf(path);
     if (state == PathState::Nothing)
         return absent("there is no such file", "Start veskbuilder.exe -setup to make one.", false);

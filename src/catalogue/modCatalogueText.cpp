@@ -69,7 +69,7 @@ std::string CatalogueText(const Catalogue& catalogue, const std::string& date) {
     install.Put("Folder", catalogue.installFolder);
     install.Put("Path", catalogue.installPathFlag);
     SectionText categories;
-    categories.Put("ShowCategories", catalogue.showCategories ? "-1" : "0");
+    categories.Put(kShowCategoriesKey, catalogue.showCategories ? "-1" : "0");
     for (const CategoryRecord& category : catalogue.categories)
         categories.Put(category.key, category.value);
     return "; !!!! DO NOT EDIT MANUALLY !!!! use veskbuilder.exe -setup\r\n"

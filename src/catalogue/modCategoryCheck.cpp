@@ -3,6 +3,7 @@
 #include "archive/modMemberName.h"
 #include "base/CodePage.h"
 #include "base/modText.h"
+#include "catalogue/modCatalogueText.h"
 #include "catalogue/modIniText.h"
 
 #include <algorithm>

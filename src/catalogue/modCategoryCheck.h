@@ -12,8 +12,4 @@ namespace vesk {
 /// the same key or folder the later one is at fault.
 std::vector<std::string> CategoryFaults(const std::vector<CategoryRecord>& categories);
 
-/// Name of the catalogue file's key that says whether categories are shown; no category can have
-/// it for its own.
-inline constexpr const char* kShowCategoriesKey = "ShowCategories";
-
 } // namespace vesk

@@ -11,6 +11,7 @@ namespace vesk {
 /// One download with its progress drawn on the terminal. Ctrl+C cancels it.
 class clsConsoleDownload : private DownloadSessionEvents {
 public:
+    /// @param terminal outlives the object
     explicit clsConsoleDownload(clsTerminal& terminal) : terminal_(terminal) {}
 
     /// Returns when the download is over. Arguments as for clsDownloadSession.

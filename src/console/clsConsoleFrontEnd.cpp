@@ -1,6 +1,6 @@
 #include "console/clsConsoleFrontEnd.h"
 
-#include "base/ResumeNext.h"
+#include "base/modResumeNext.h"
 #include "build/modBuildRecord.h"
 #include "console/clsConsoleDownload.h"
 #include "console/modInterrupt.h"

@@ -4,7 +4,7 @@
 #include "build/clsBuildLog.h"
 #include "console/clsTerminal.h"
 #include "console/modOptions.h"
-#include "net/modSocketMaster.h"
+#include "net/clsSocketServiceHold.h"
 
 #include <optional>
 #include <string>
@@ -43,7 +43,7 @@ private:
     clsTerminal& terminal_;
     clsBuildLog log_;
     std::vector<Problem> problems_;
-    std::optional<SocketServiceHold> sockets_; ///< From the first download on.
+    std::optional<clsSocketServiceHold> sockets_; ///< From the first download on.
     std::string status_;
     std::string progress_;
 };

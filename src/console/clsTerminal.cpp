@@ -1,11 +1,15 @@
 #include "console/clsTerminal.h"
 
+#include "base/modWide.h"
+
 #include <windows.h>
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdio>
 #include <iostream>
-#include <vector>
+#include <string>
 
 namespace vesk {
 
@@ -30,12 +34,24 @@ void Put(DWORD standardHandle, std::FILE* stream, const std::string& text) {
         std::fflush(stream);
         return;
     }
-    std::vector<WCHAR> wide(text.size() + 1);
-    const int length = MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()),
-                                           wide.data(), static_cast<int>(wide.size()));
+    const std::wstring wide = Widen(text);
     DWORD written = 0;
-    WriteConsoleW(GetStdHandle(standardHandle), wide.data(), static_cast<DWORD>(length), &written,
-                  nullptr);
+    WriteConsoleW(GetStdHandle(standardHandle), wide.data(), static_cast<DWORD>(wide.size()),
+                  &written, nullptr);
+}
+
+/// A line that is typed, without its end. As bytes it would come in the code page of DOS.
+std::wstring ReadTyped(HANDLE console) {
+    std::wstring line;
+    std::array<wchar_t, 256> piece{};
+    DWORD length = 0;
+    while (!line.ends_with(L'\n') &&
+           ReadConsoleW(console, piece.data(), static_cast<DWORD>(piece.size()), &length,
+                        nullptr) != FALSE &&
+           length != 0)
+        line.append(piece.data(), length);
+    line.erase(line.find_last_not_of(L"\r\n") + 1);
+    return line;
 }
 
 std::size_t ConsoleWidth() {
@@ -64,6 +80,19 @@ void clsTerminal::PrintLine(const std::string& line) {
     Erase();
     Put(STD_OUTPUT_HANDLE, stdout, OutputIsConsole() ? line + "\r\n" : line + "\n");
     Draw(drawn);
+}
+
+void clsTerminal::PrintLines(const std::string& lines) {
+    if (!OutputIsConsole()) {
+        Put(STD_OUTPUT_HANDLE, stdout, lines);
+        return;
+    }
+    // A console of Windows XP takes no text of any length.
+    for (std::size_t begin = 0; begin < lines.size();) {
+        const std::size_t end = std::min(lines.find('\n', begin), lines.size());
+        PrintLine(lines.substr(begin, end - begin));
+        begin = end + 1;
+    }
 }
 
 void clsTerminal::Draw(const std::string& text) {
@@ -101,16 +130,18 @@ std::optional<std::string> clsTerminal::AskSecret(const std::string& question) {
     DWORD mode = 0;
     if (GetConsoleMode(input, &mode) == FALSE)
         return std::nullopt;
-    Erase();
-    PutError(question + " ");
-    SetConsoleMode(input, mode & ~DWORD{ENABLE_ECHO_INPUT});
-    std::string answer;
-    std::getline(std::cin, answer);
-    SetConsoleMode(input, mode);
-    PutError("\n");
-    while (answer.ends_with('\r'))
-        answer.pop_back();
-    return answer.empty() ? std::nullopt : std::optional(answer);
+    std::optional<std::string> answer;
+    while (!answer) {
+        Erase();
+        PutError(question + " ");
+        SetConsoleMode(input, mode & ~DWORD{ENABLE_ECHO_INPUT});
+        answer = NarrowedExactly(ReadTyped(input));
+        SetConsoleMode(input, mode);
+        PutError("\n");
+        if (!answer)
+            Complain("the system's code page cannot hold what was typed");
+    }
+    return answer->empty() ? std::nullopt : answer;
 }
 
 bool clsTerminal::OutputIsWhole() {

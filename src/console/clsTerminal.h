@@ -19,6 +19,9 @@ public:
     /// Prints a line on the standard output, at once.
     void PrintLine(const std::string& line);
 
+    /// Prints lines that each end with a line feed, all of them at once.
+    void PrintLines(const std::string& lines);
+
     /// Draws one line that the next one replaces. Cut at the terminal's width.
     void Draw(const std::string& text);
 

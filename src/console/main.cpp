@@ -1,9 +1,9 @@
 #include "base/Failure.h"
-#include "base/Trace.h"
 #include "base/Version.h"
 #include "base/modFile.h"
 #include "base/modSystemLibrary.h"
 #include "base/modText.h"
+#include "base/modTrace.h"
 #include "base/modWide.h"
 #include "build/clsBuildRun.h"
 #include "catalogue/clsProgramArchives.h"
@@ -186,7 +186,7 @@ int PrintTable(const ConsoleOptions& options, const std::string& programPath, Ca
     const auto stateOf = [&](const CatalogueEntry& entry, const EntryPlace& place) {
         return JudgeArchive(entry, place, archives.Facts(entry.zip));
     };
-    std::fputs(CatalogueTable(catalogue, stateOf).c_str(), stdout);
+    terminal.PrintLines(CatalogueTable(catalogue, stateOf));
     return isTicked && load.state == CatalogueState::Whole ? kDone : kDoneWithWarnings;
 }
 
@@ -211,9 +211,18 @@ int PrintProblems(const ConsoleOptions& options, const std::string& programPath,
     return isTicked ? kDone : kDoneWithWarnings;
 }
 
+/// Nothing is read from a folder that only seems to be the program's own.
+CatalogueLoad LoadFrom(const std::string& programPath, Catalogue& catalogue) {
+    const auto unfit = FindProgramFolderFault();
+    if (!unfit)
+        return LoadCatalogueReporting(programPath, catalogue);
+    const std::string fault = programPath + kCatalogueFileName + ": " + unfit->what;
+    return {CatalogueState::Absent, fault + ". " + unfit->advice, true, fault};
+}
+
 int RunAction(const ConsoleOptions& options, clsTerminal& terminal) {
     if (options.action == ConsoleOptions::Action::Help) {
-        std::fputs(HelpText().c_str(), stdout);
+        terminal.PrintLines(HelpText());
         return kDone;
     }
     if (options.action == ConsoleOptions::Action::Version) {
@@ -227,7 +236,7 @@ int RunAction(const ConsoleOptions& options, clsTerminal& terminal) {
     }
     const std::string programPath = FindProgramPaths().programPath;
     Catalogue catalogue;
-    const CatalogueLoad load = LoadCatalogueReporting(programPath, catalogue);
+    const CatalogueLoad load = LoadFrom(programPath, catalogue);
     if (options.action == ConsoleOptions::Action::Check)
         return PrintProblems(options, programPath, catalogue, load, terminal);
     if (options.action == ConsoleOptions::Action::List)
@@ -257,7 +266,11 @@ int Main(int count, const wchar_t* const* words) {
         PrepareProcess();
         const ConsoleOptions options = ParseOptions(Arguments(count, words));
         clsTerminal terminal(options.quiet);
-        return RunAction(options, terminal);
+        const int code = RunAction(options, terminal);
+        if (options.action == ConsoleOptions::Action::Build || clsTerminal::OutputIsWhole())
+            return code;
+        terminal.Complain("what was asked for could not be printed in full");
+        return std::max<int>(code, kDoneWithWarnings);
     } catch (const UsageError& error) {
         clsTerminal(true).Complain(std::string(error.what()) + " (see veskbuild --help)");
         return kUsage;

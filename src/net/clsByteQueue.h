@@ -12,6 +12,7 @@ namespace vesk {
 /// a queue that is emptied as fast as it is filled stays as large as one filling.
 class clsByteQueue {
 public:
+    /// How many bytes wait, and whether none does.
     [[nodiscard]] std::size_t Size() const { return end_ - begin_; }
     [[nodiscard]] bool Empty() const { return begin_ == end_; }
 

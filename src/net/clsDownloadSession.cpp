@@ -2,11 +2,11 @@
 
 #include "base/Failure.h"
 #include "base/Problem.h"
-#include "base/Trace.h"
 #include "base/UniqueHandle.h"
 #include "base/modFile.h"
 #include "base/modSha256.h"
 #include "base/modSystemError.h"
+#include "base/modTrace.h"
 #include "net/DownloadResult.h"
 
 #include <windows.h>

@@ -18,6 +18,8 @@ public:
     /// Marks a connection as the one being sent on, until the end of a scope.
     class Mark {
     public:
+        /// @param current the number of the connection that is sent on; outlives this object
+        /// @param connection what it becomes; the end of the scope gives it its value of before
         Mark(unsigned& current, unsigned connection)
             : current_(current), previous_(std::exchange(current, connection)) {}
         Mark(const Mark&) = delete;
@@ -29,7 +31,11 @@ public:
         unsigned previous_;
     };
 
+    /// Adds bytes to the stream. @throws std::bad_alloc, as does AppendDatagram
     void Append(std::string_view bytes) { stream_.Append(bytes); }
+
+    /// Adds a datagram. @param address where it goes, in network order
+    /// @param port in the machine's order @param bytes may be none
     void AppendDatagram(std::uint32_t address, std::uint16_t port, std::string_view bytes);
 
     /// Forgets all that waits, and the socket.

@@ -2,7 +2,7 @@
 
 #include "base/Failure.h"
 #include "base/RunTimeError.h"
-#include "base/Trace.h"
+#include "base/modTrace.h"
 #include "net/clsUnclaimedConnection.h"
 #include "net/modSocketAddress.h"
 #include "net/modSocketErrors.h"

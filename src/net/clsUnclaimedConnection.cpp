@@ -1,6 +1,6 @@
 #include "net/clsUnclaimedConnection.h"
 
-#include "base/Trace.h"
+#include "base/modTrace.h"
 
 #include <string>
 

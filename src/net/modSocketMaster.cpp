@@ -1,8 +1,8 @@
 #include "net/modSocketMaster.h"
 
 #include "base/Failure.h"
-#include "base/Trace.h"
 #include "base/UniqueHandle.h"
+#include "base/modTrace.h"
 #include "net/modSocketAddress.h"
 #include "net/modSocketErrors.h"
 
@@ -132,6 +132,10 @@ void EnsureWindow() {
         ThrowOutOfMemory("modSocketMaster.RegisterSocket");
     registry.previousProcedure = reinterpret_cast<WNDPROC>(SetWindowLongPtrA(
         registry.window.Get(), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&ForwardMessage)));
+    if (registry.previousProcedure == nullptr) { // no event would ever reach a socket
+        registry.window.Reset();
+        ThrowOutOfMemory("modSocketMaster.RegisterSocket");
+    }
     Trace("OK Created winsock message window " +
           std::to_string(reinterpret_cast<std::uintptr_t>(registry.window.Get())));
 }
@@ -237,26 +241,6 @@ bool TakeAccepted(SOCKET socket) {
     if (registry.accepted.empty())
         Trace("OK Destroyed accept collection");
     return true;
-}
-
-SocketServiceHold::SocketServiceHold() {
-    try {
-        InitiateProcesses();
-        started_ = true;
-        placeholder_.Reset(::socket(AF_INET, SOCK_STREAM, 0));
-        if (placeholder_)
-            RegisterSocket(placeholder_.Get(), {}, false);
-    } catch (const Failure& failure) {
-        Trace(std::string("WARNING: ") + failure.what());
-    }
-}
-
-SocketServiceHold::~SocketServiceHold() {
-    if (placeholder_)
-        UnregisterSocket(placeholder_.Get());
-    placeholder_.Reset(); // before the service ends
-    if (started_)
-        FinalizeProcesses();
 }
 
 SocketCounts CountSockets() {

@@ -59,21 +59,6 @@ void AddAccepted(SOCKET socket);
 /// Takes a connection off that list. @return false when it was not on it
 bool TakeAccepted(SOCKET socket);
 
-/// Keeps service and message window between one download and the next, which would make them again:
-/// for a run of many small files that is half of its time. Where the system refuses, whoever wants
-/// a socket is told; this is not.
-class SocketServiceHold {
-public:
-    SocketServiceHold();
-    SocketServiceHold(const SocketServiceHold&) = delete;
-    SocketServiceHold& operator=(const SocketServiceHold&) = delete;
-    ~SocketServiceHold();
-
-private:
-    bool started_ = false;
-    SocketOwner placeholder_; ///< Registered, and never bound or connected.
-};
-
 /// How much of everything there is. For diagnosis and tests.
 struct SocketCounts {
     int objects = 0;

@@ -48,6 +48,7 @@ public:
     /// Makes a running scan end at its next entry.
     void Stop() { stopped_ = true; }
 
+    /// Whether Stop was called.
     [[nodiscard]] bool IsStopped() const { return stopped_; }
 
 private:

@@ -33,6 +33,19 @@ ProgramPaths FindProgramPaths() {
             ReadEnvironmentVariable("Temp") + "\\"};
 }
 
+std::optional<ProgramFolderFault> FindProgramFolderFault() {
+    std::wstring program(32768, L'\0'); // the system's own limit
+    program.resize(GetModuleFileNameW(nullptr, program.data(), static_cast<DWORD>(program.size())));
+    if (program.size() >= MAX_PATH)
+        return ProgramFolderFault{"the path is longer than the 259 characters that can be used",
+                                  "Move the program to a folder with a shorter path.", program};
+    if (!NarrowedExactly(program))
+        return ProgramFolderFault{"the name of the program's folder has characters that the "
+                                  "system's code page lacks",
+                                  "Move the program to a folder with a plain name.", program};
+    return std::nullopt;
+}
+
 void PrepareProcess() {
     UseSystemCodePage();
     SetErrorMode(SEM_FAILCRITICALERRORS);

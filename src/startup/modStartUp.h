@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace vesk {
@@ -15,6 +16,18 @@ struct ProgramPaths {
 
 /// Asks the system for both. Nothing is made or checked.
 ProgramPaths FindProgramPaths();
+
+/// Why the program cannot work from the folder that it is in.
+struct ProgramFolderFault {
+    std::string what;     ///< A sentence without a full stop.
+    std::string advice;   ///< A sentence.
+    std::wstring program; ///< Full path of the running program.
+};
+
+/// The program works with paths in the system's code page, and with short ones. A folder whose name
+/// the code page cannot hold reaches it as another one, under which nothing is found, or somebody
+/// else's catalogue. @return nothing when the folder is fit
+std::optional<ProgramFolderFault> FindProgramFolderFault();
 
 /// Sets what belongs to the process as a whole: texts are in the system's code page, and a drive
 /// without a disk answers with an error. The system's own box about that would stop a scan of all

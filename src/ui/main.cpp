@@ -1,5 +1,5 @@
 // The wizard's entry: checks the system, then opens the form that the command line asks for.
-#include "base/Com.h"
+#include "base/ComLibrary.h"
 #include "base/Version.h"
 #include "base/modSystemLibrary.h"
 #include "base/modText.h"
@@ -69,26 +69,16 @@ int RunWizard(const ProgramPaths& paths) {
     return wizard.WantsEditor() ? RunCatalogueEditor(paths, true) : code;
 }
 
-/// The program works with paths in the system's code page. Tells when that cannot hold the one of
-/// its own folder: nothing would be found there, and a wizard without a catalogue would not say
-/// why. @return false when it does
+/// Tells why the program cannot work from its folder: a wizard without a catalogue would not say
+/// it.
+/// @return false when it does
 bool ProgramFolderIsFit() {
-    std::wstring path(32768, L'\0'); // the system's own limit
-    path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
-    if (path.size() < MAX_PATH && NarrowedExactly(path))
+    const auto fault = FindProgramFolderFault();
+    if (!fault)
         return true;
-    const std::wstring reason =
-        path.size() < MAX_PATH
-            ? L"The name of this program's folder holds characters that the system's code page "
-              L"lacks."
-            : L"The path of this program's folder is too long.";
-    MessageBoxW(nullptr,
-                (reason +
-                 L" Move the folder to a place with a plain name, such as "
-                 L"C:\\VeskBuilder:\r\n\r\n" +
-                 path)
-                    .c_str(),
-                Widen(kProductName).c_str(), MB_OK | MB_ICONERROR);
+    const std::string text = AsSentence(fault->what) + " " + fault->advice + "\r\n\r\n";
+    MessageBoxW(nullptr, (Widen(text) + fault->program).c_str(), Widen(kProductName).c_str(),
+                MB_OK | MB_ICONERROR);
     return false;
 }
 

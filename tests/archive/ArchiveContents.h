@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Require.h"
-#include "archive/clsCRC.h"
 #include "archive/clsZipMemberReader.h"
 #include "archive/modCabDirectory.h"
 #include "archive/modCabImage.h"
@@ -10,6 +9,8 @@
 #include "archive/modMemberName.h"
 #include "base/Failure.h"
 #include "base/modUtf8.h"
+
+#include <zlib.h>
 
 #include <algorithm>
 #include <map>
@@ -58,6 +59,12 @@ struct Reading {
                 contents[member.name] = *member.text;
         return contents;
     }
+    /// Whether it says of anything that it did not come out.
+    [[nodiscard]] bool Tells() const {
+        return !problem.empty() || std::ranges::any_of(members, [](const Member& member) {
+            return !member.text && !member.reason.empty();
+        });
+    }
     /// "problem: name=text|name!reason|asked", without what is not there.
     [[nodiscard]] std::string Told() const {
         std::string told = problem.empty() ? "" : problem + ": ";
@@ -95,6 +102,12 @@ inline std::string TextOf(std::span<const std::byte> bytes) {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
+/// By another implementation than the reader's own.
+inline std::uint32_t CrcByZlib(const std::string& text) {
+    return static_cast<std::uint32_t>(
+        crc32(0, reinterpret_cast<const Bytef*>(text.data()), static_cast<uInt>(text.size())));
+}
+
 /// What is handed out is what the entry promises.
 inline std::string ZipContent(clsZipMemberReader& reader, const ZipMember& member, bool inPieces) {
     constexpr std::uint64_t kLargest = 1 << 20; // more would only be slow
@@ -108,7 +121,7 @@ inline std::string ZipContent(clsZipMemberReader& reader, const ZipMember& membe
         });
     else
         text = TextOf(reader.Read(member));
-    Require(static_cast<std::uint32_t>(clsCRC().CalculateString(text)) == member.crc);
+    Require(CrcByZlib(text) == member.crc);
     Require(text.size() == member.size || member.otherSizes);
     return text;
 }
@@ -147,14 +160,14 @@ inline Reading ReadZip(const std::string& archive, const std::vector<std::string
 
 /// What comes in pieces is what comes whole. It may be less: zlib refuses two codes of lengths that
 /// nothing writes, and libdeflate does not.
-inline Contents ZipContents(const std::string& archive) {
+inline Reading ReadZipTwice(const std::string& archive) {
     static const std::vector<std::string> kAnswers(99, "pass");
-    const Reading whole = ReadZip(archive, kAnswers, false);
+    Reading whole = ReadZip(archive, kAnswers, false);
     const Reading pieces = ReadZip(archive, kAnswers, true);
     Require(pieces.members.size() == whole.members.size());
     for (std::size_t i = 0; i < whole.members.size(); ++i)
         Require(!pieces.members[i].text || pieces.members[i].text == whole.members[i].text);
-    return whole.Whole();
+    return whole;
 }
 
 inline std::string ZipTold(const std::string& archive,
@@ -187,7 +200,7 @@ inline void CheckImage(const std::string& cabinet, const CabDirectory& directory
                        const CabFolder& folder, const std::vector<std::size_t>& entries) {
     MemorySource image(CabFolderImage(directory, folder, entries) +
                        cabinet.substr(folder.dataAt, static_cast<std::size_t>(folder.goodPacked)));
-    ByteWindow window(image);
+    clsByteWindow window(image);
     CabDirectory again = ReadCabDirectory(window);
     JudgeCabData(window, again, [] {});
     JudgeCabEntries(again);
@@ -201,7 +214,7 @@ inline void CheckImage(const std::string& cabinet, const CabDirectory& directory
 inline Reading ReadCab(const std::string& archive) {
     Reading reading;
     MemorySource source(archive);
-    ByteWindow cabinet(source);
+    clsByteWindow cabinet(source);
     CabDirectory directory;
     try {
         directory = ReadCabDirectory(cabinet);

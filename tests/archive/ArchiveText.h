@@ -1,33 +1,11 @@
 #pragma once
 
+#include "ExpectedText.h"
 #include "archive/CabBuilder.h"
 
 /// Archives as tables of texts describe them: what they hold, and which fields are not as they
 /// should be.
 namespace vesk::test {
-
-/// Each "\XX" as the byte of that number.
-inline std::string Unescaped(const std::string& text) {
-    std::string bytes;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const bool isEscape = text[i] == '\\';
-        bytes +=
-            isEscape ? static_cast<char>(std::stoi(text.substr(i + 1, 2), nullptr, 16)) : text[i];
-        i += isEscape ? 2 : 0;
-    }
-    return bytes;
-}
-
-inline std::string Escaped(const std::string& text) {
-    constexpr std::string_view kDigits = "0123456789ABCDEF";
-    std::string escaped;
-    for (const char c : text) {
-        const auto byte = static_cast<std::uint8_t>(c);
-        escaped += c >= ' ' && c < 0x7F ? std::string(1, c)
-                                        : std::string{'\\', kDigits[byte >> 4], kDigits[byte & 15]};
-    }
-    return escaped;
-}
 
 inline std::uint64_t ValueOf(const std::string& number) {
     return std::stoull(number, nullptr, 0);
@@ -57,8 +35,8 @@ inline std::string ExtraOf(const std::string& text) {
     return Extra(static_cast<std::uint16_t>(ValueOf(text)), data);
 }
 
-/// "KIND name=text+extra+extra field=value ...|...|end field=value ...", where KIND is
-/// "stored" or "packed".
+/// "KIND name=text+extra+extra field=value ...|...|end field=value ...", where KIND is "stored",
+/// "packed" or "locked" (which has the one text that there is).
 inline std::string ZipOf(const std::string& text) {
     std::vector<TestMember> members;
     for (const std::string& item : Split(text, '|')) {
@@ -67,9 +45,11 @@ inline std::string ZipOf(const std::string& text) {
             return MakeZip(members, FieldsIn(words, 1, {}));
         const std::vector<std::string> parts = Split(words[1], '+');
         const std::size_t sign = parts[0].find('=');
-        TestMember& member =
-            members.emplace_back((words[0] == "packed" ? TestMember::Packed : TestMember::Stored)(
-                Unescaped(parts[0].substr(0, sign)), Unescaped(parts[0].substr(sign + 1))));
+        const std::string name = Unescaped(parts[0].substr(0, sign));
+        TestMember& member = members.emplace_back(
+            words[0] == "locked" ? TestMember::Encrypted(name)
+                                 : (words[0] == "packed" ? TestMember::Packed : TestMember::Stored)(
+                                       name, Unescaped(parts[0].substr(sign + 1))));
         member.fields = FieldsIn(words, 2, member.fields);
         for (std::size_t i = 1; i < parts.size(); ++i)
             member.extra += ExtraOf(parts[i]);

@@ -40,12 +40,6 @@ struct TestCab {
             blocks.push_back(text.substr(at, 32768));
         return *this;
     }
-    static TestCab InOneFolder(const std::vector<std::pair<std::string, std::string>>& files) {
-        TestCab cab;
-        for (const auto& [name, text] : files)
-            cab.Add(name, text, true);
-        return cab;
-    }
 
     [[nodiscard]] std::string Bytes() const {
         const bool reserves = fields.lower_bound("reserve.") != fields.end();

@@ -2,7 +2,6 @@
 
 #include "TestFolder.h"
 #include "archive/ExtractionOutcome.h"
-#include "base/UniqueHandle.h"
 
 #include <map>
 #include <string>

@@ -8,14 +8,13 @@ import random
 import shutil
 import subprocess
 import sys
-import tempfile
 import unittest
 import zipfile
 from datetime import datetime, timedelta, timezone
 from pathlib import Path
 from xml.etree import ElementTree
 
-from fixtures import run_in_wine, run_whole, windows_path
+from fixtures import fresh_folder, run_in_wine, run_whole, windows_path
 
 TOOL = []
 ENV = {**os.environ, "LC_ALL": "C.UTF-8"}  # in which zip knows what characters names are made of
@@ -36,8 +35,7 @@ def tree_of(folder):
 
 class PeersTest(unittest.TestCase):
     def setUp(self):
-        self.top = Path(tempfile.mkdtemp(prefix="vesk-peers-"))
-        self.addCleanup(shutil.rmtree, self.top)
+        self.top = fresh_folder(self, "vesk-peers-")
         self.source, self.ours = self.top / "source", self.top / "ours"
         chance = random.Random(1)
         for name, content in {

@@ -6,12 +6,8 @@
 #include "archive/TreeOnDisk.h"
 #include "base/Failure.h"
 #include "base/Problem.h"
-#include "base/UniqueHandle.h"
 #include "base/modSystemError.h"
 #include "base/modUtf8.h"
-
-#include <algorithm>
-#include <map>
 
 using namespace vesk;
 using namespace vesk::test;
@@ -204,8 +200,7 @@ TEST_CASE("what stands in the way is told") {
         const std::string locked = archive.folder.Write("out\\locked", "old");
         SetFileAttributesA(locked.c_str(), FILE_ATTRIBUTE_READONLY);
         {
-            const FileHandle lock(
-                CreateFileA(locked.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+            const FileHandle lock = OpenExclusively(locked);
             CHECK(archive.Told() == "folder: not extracted, there is a folder in its place\n"
                                     "file\\sub: not extracted, its path leads through a file\n"
                                     "locked: not written, " +

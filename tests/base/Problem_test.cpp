@@ -1,9 +1,8 @@
 #include "base/Problem.h"
 
+#include "ExpectedText.h"
 #include "base/Failure.h"
-#include "base/ResumeNext.h"
-
-#include <doctest/doctest.h>
+#include "base/modResumeNext.h"
 
 #include <new>
 #include <vector>
@@ -11,14 +10,7 @@
 using namespace vesk;
 
 TEST_CASE("a sentence becomes the end of another one") {
-    for (const auto& [sentence, reason] : {std::pair{"Disk full.", "disk full"},
-                                           {"Access denied.\r\n", "access denied"},
-                                           {"HTTP/1.1 404 Not Found", "HTTP/1.1 404 Not Found"},
-                                           {"A", "A"},
-                                           {"", ""},
-                                           {"I386 is missing", "I386 is missing"},
-                                           {" two\nlines\x01.. ", "two lines"}})
-        CHECK(AsReason(sentence) == reason);
+    test::CheckFunctions("reasons", {{"reason", AsReason}});
 }
 
 TEST_CASE("no name begins a line of its own") {

@@ -2,20 +2,10 @@
 
 #include "TestFolder.h"
 #include "base/Failure.h"
-#include "base/UniqueHandle.h"
 #include "base/modText.h"
 
 using namespace vesk;
-using vesk::test::TestFolder;
-
-namespace {
-
-FileHandle OpenExclusively(const std::string& path) {
-    return FileHandle(
-        CreateFileA(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
-}
-
-} // namespace
+using namespace vesk::test;
 
 TEST_CASE("whole files: bytes survive, read-only files are rewritten, an old tail stays") {
     const TestFolder folder;

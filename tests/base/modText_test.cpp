@@ -1,8 +1,7 @@
 #include "base/modText.h"
 
+#include "ExpectedText.h"
 #include "base/CodePage.h"
-
-#include <doctest/doctest.h>
 
 #include <array>
 #include <utility>
@@ -46,27 +45,16 @@ TEST_CASE("splitting keeps blanks and empty pieces; an empty text has none") {
     CHECK(Split(",a,", ',') == std::vector<std::string>{"", "a", ""});
 }
 
-TEST_CASE("UTF-16 is told from ANSI text") {
-    constexpr std::string_view kLittle("[\0P\0]\0\r\0\n\0", 10);
-    constexpr std::string_view kBig("\0[\0P\0]\0\r\0\n", 10);
-    for (const std::string& text :
-         {std::string(kLittle), std::string(kBig), std::string("\xFF\xFE"),
-          std::string("\xFE\xFFx"), "x0y0" + std::string(kLittle)})
-        CHECK(IsUtf16(text));
-    for (const std::string& text :
-         {std::string(), std::string("a"), std::string("[PEBuilder]\r\n"), std::string(9, '\0'),
-          "one stray" + std::string(1, '\0') + " NUL in a line", std::string("\xFF\xE9")})
-        CHECK_FALSE(IsUtf16(text));
-    CHECK(AsciiOfUtf16(std::string("\xFF\xFE"
-                                   "a\0\xE4\0b\x30",
-                                   8)) == "?a??");
-}
-
-TEST_CASE("only blanks are trimmed, only the first word is taken") {
-    CHECK(TrimBlanks("  a b\t ") == "a b\t");
-    CHECK(TrimBlanks("   ").empty());
-    CHECK(FirstWord(" \t-SETUP more", 1) == "-SETUP");
-    CHECK(FirstWord(" \t", 1).empty());
+TEST_CASE("UTF-16 is told from ANSI text; only blanks are trimmed, only the first word is taken") {
+    using Text = std::string;
+    test::CheckFunctions(
+        "base_texts",
+        {
+            {"utf16", [](const Text& text) { return Text(IsUtf16(text) ? "yes" : "no"); }},
+            {"ascii", AsciiOfUtf16},
+            {"trimmed", TrimBlanks},
+            {"word", [](const Text& text) { return FirstWord(text, 1); }},
+        });
     CHECK(FirstWord("word", 0).empty());
 }
 

@@ -4,13 +4,11 @@
 #include "RecordingFrontEnd.h"
 #include "TestFolder.h"
 #include "archive/ZipBuilder.h"
-#include "base/UniqueHandle.h"
 #include "base/modText.h"
 #include "build/clsBuildLog.h"
 #include "build/modFileOperations.h"
 #include "catalogue/modArchiveState.h"
 
-#include <algorithm>
 #include <array>
 #include <map>
 #include <stdexcept>
@@ -195,10 +193,7 @@ TEST_CASE("whatever happens, a run ends in its own way, with everything else don
         {"a file of the old tree that is in use",
          [](Fixture& f) {
              f.WriteOldTree();
-             const std::string used = f.folder.Write("tree\\used.txt", "x");
-             f.lock = FileHandle(
-                 CreateFileA(used.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
-             REQUIRE(f.lock);
+             f.lock = OpenExclusively(f.folder.Write("tree\\used.txt", "x"));
          }},
         {"folders in the place of what is written",
          [](Fixture& f) {

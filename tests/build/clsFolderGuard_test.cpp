@@ -1,13 +1,13 @@
 #include "build/clsFolderGuard.h"
 
+#include "ExpectedText.h"
 #include "TestFolder.h"
 #include "base/modSpecialFolder.h"
-#include "base/modText.h"
 #include "build/clsBuildLock.h"
 #include "build/clsInstallFolder.h"
 
 using namespace vesk;
-using vesk::test::TestFolder;
+using namespace vesk::test;
 
 // Only asks: nothing is emptied here.
 TEST_CASE("the system's and the user's own folders are guarded") {
@@ -29,17 +29,23 @@ TEST_CASE("the system's and the user's own folders are guarded") {
     }
     for (const SpecialFolder whole :
          {SpecialFolder::Windows, SpecialFolder::CommonAppData, SpecialFolder::ProgramFilesCommon})
-        CHECK(guard.Objection(SpecialFolderPath(whole) + "\\new\\tree").find("lies in") !=
-              std::string::npos);
-    CHECK(guard.Objection(folder.Path()).find("holds this program") != std::string::npos);
-    CHECK(guard.Objection(folder / "cd").find("holds the folder chosen as Windows source") !=
-          std::string::npos);
+        CheckHolds(guard.Objection(SpecialFolderPath(whole) + "\\new\\tree"), "lies in");
+    CheckHolds(guard.Objection(folder.Path()), "holds this program");
+    CheckHolds(guard.Objection(folder / "cd"), "holds the folder chosen as Windows source");
     CHECK(guard.Objection(folder / "program\\tree").empty());
     // The catalogue may place the tree among the programs, but nothing else goes there.
     const std::string amongPrograms = SpecialFolderPath(SpecialFolder::ProgramFiles) + "\\VeskLive";
     CHECK(guard.Objection(amongPrograms).empty());
     CHECK(guard.KeepsForeign(amongPrograms));
     CHECK_FALSE(guard.KeepsForeign(folder / "tree"));
+    CHECK(guard.KeepsForeign(ParentOf(SpecialFolderPath(SpecialFolder::AppData)) + "\\tree"));
+    CHECK_FALSE(guard.KeepsForeign(SpecialFolderPath(SpecialFolder::Desktop) + "\\tree"));
+    // As Windows XP and Windows 7 have them.
+    CHECK(clsFolderGuard::AmongData("C:\\D\\ann", {R"(c:\d\Ann\Application Data)",
+                                                   R"(C:\D\ann\Local Settings\Application Data)",
+                                                   R"(C:\U\ann\AppData\Roaming)", ""}) ==
+          std::vector<std::string>{R"(c:\d\Ann\Application Data)", R"(C:\D\ann\Local Settings)",
+                                   R"(C:\U\ann\AppData)", ""});
 }
 
 TEST_CASE("no build works in, below or above another one's folder") {
@@ -61,7 +67,7 @@ TEST_CASE("no build works in, below or above another one's folder") {
         CHECK_NOTHROW(lock("a\\other"));
         CHECK_NOTHROW(lock("a\\tree2"));
         // The build removes its folder and makes it again.
-        TestFolder::RemoveTree(folder / "a\\tree");
+        TestFolder::RemoveTree(Widen(folder / "a\\tree"));
         CHECK_THROWS_AS(lock("a\\tree"), FolderRefused);
         CreateFolderPath(folder / "a\\tree");
         CHECK_THROWS_AS(lock("a\\tree"), FolderRefused);

@@ -7,13 +7,11 @@ the guarded places lie on it too: where a guard fails, that folder is all that i
 
 import os
 import pathlib
-import shutil
 import sys
-import tempfile
 import unittest
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "e2e"))
-from program import link_drive, run_in_wine  # noqa: E402
+from program import TOP, fresh_folder, link_drive, run_in_wine  # noqa: E402
 
 TOOL, *WINE = sys.argv[1:]
 
@@ -27,8 +25,7 @@ KEPT = ["program/veskbuild.exe", "cd/I386/LAYOUT.INF", "Windows/system32/kernel.
 # {D} is the drive that all lies on; {S} one that leads to its Windows, {U} one to its users, {A} one
 # to the folder that {D} is in. The current folder is {D}\work\sub. Words of the reason stand above those
 # that are refused for it, behind "=>".
-TESTS = pathlib.Path(__file__).resolve().parents[1]
-BLOCKS = (TESTS / "data/refused_folders.txt").read_text("utf-8").split("=> ")[1:]
+BLOCKS = (TOP / "tests/data/refused_folders.txt").read_text("utf-8").split("=> ")[1:]
 REFUSED = [(spelling, words) for words, *spellings in (block.rstrip("\n").split("\n") for block in BLOCKS)
            for spelling in spellings] + [
     ("", "No installation folder is given"), (" ", "No installation folder is given"),
@@ -46,8 +43,7 @@ EMPTIED = {r"{D}\tree": r"{D}\tree", "{D}/tree/": r"{D}\tree", r" {D}\tree\\ ": 
 
 class InstallFolder(unittest.TestCase):
     def setUp(self):
-        top = pathlib.Path(tempfile.mkdtemp(prefix="vesk-drive-"))
-        self.addCleanup(shutil.rmtree, top)
+        top = fresh_folder(self, "vesk-drive-")
         self.folder = top / "inner"
         self.above = link_drive(self, top)
         for name in KEPT:

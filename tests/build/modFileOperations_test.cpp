@@ -3,15 +3,11 @@
 #include "RecordingFrontEnd.h"
 #include "TestFolder.h"
 #include "base/Failure.h"
-#include "base/UniqueHandle.h"
-#include "base/modFile.h"
-#include "base/modWide.h"
 #include "build/clsBuildLog.h"
 #include "build/modBuildRecord.h"
 
 using namespace vesk;
-using vesk::test::RecordingFrontEnd;
-using vesk::test::TestFolder;
+using namespace vesk::test;
 
 TEST_CASE("files are found depth first; empty ones are left out") {
     const TestFolder folder;
@@ -56,12 +52,7 @@ TEST_CASE("removals write their line first, and report what stays") {
     const BuildInputs inputs{clsInstallFolder(folder / "tree", clsFolderGuard({})), "", "", {}};
     RecordingFrontEnd frontEnd;
     const clsSha256List noList;
-    const clsBuildContext context{inputs,
-                                  catalogue,
-                                  frontEnd,
-                                  {},
-                                  [&](const Problem& problem) { frontEnd.ReportProblem(problem); },
-                                  noList};
+    const clsBuildContext context = frontEnd.Context(inputs, catalogue, noList);
     const std::string file = folder.Write("tree\\sub\\x.txt", "x");
     const std::string readOnly = folder.Write(R"(tree\sub\deep\read-only.txt)", "x");
     SetFileAttributesA(readOnly.c_str(), FILE_ATTRIBUTE_READONLY);
@@ -73,8 +64,7 @@ TEST_CASE("removals write their line first, and report what stays") {
     DeleteFileLogged(context, file);
     CHECK_THROWS_AS(DeleteFileLogged(context, file), Failure);
     {
-        const FileHandle lock(
-            CreateFileA(locked.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+        const FileHandle lock = OpenExclusively(locked);
         CHECK_FALSE(DeleteFolderLogged(context, sub));
     }
     CHECK_FALSE(FileExists(readOnly));

@@ -3,8 +3,6 @@
 #include "ExpectedText.h"
 #include "catalogue/clsCategoryEditor.h"
 
-#include <doctest/doctest.h>
-
 #include <array>
 #include <stdexcept>
 
@@ -12,7 +10,7 @@ using namespace vesk;
 
 namespace {
 
-constexpr int kNone = clsEntryEditor::kNoSelection;
+constexpr int kNone = kNoSelection;
 
 CatalogueEntry Entry(const std::string& name, bool lock = false, const std::string& cat = "") {
     return {name, "", cat, false, lock, "", ""};

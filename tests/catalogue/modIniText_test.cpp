@@ -6,6 +6,7 @@
 #include <random>
 
 using namespace vesk;
+using namespace std::string_literals;
 using vesk::test::TestFolder;
 
 namespace {
@@ -14,29 +15,10 @@ namespace {
 const std::vector<std::string> kOrdinary = {
     "[a]",        "[Bb]",    "k=v", "n=x y ",  "m=",    "o= 1", "; [c]", "",
     "p=\xE4\xDF", "q=a=b;c", "[d]", "r=t\"u'", "[e e]", "s=]",  "t=[x]"};
-const std::vector<std::string> kOdd = {"[a] ",
-                                       "[A]",
-                                       " k=1",
-                                       "k =2",
-                                       "K=3",
-                                       "u=\"q\"",
-                                       "u='q",
-                                       "junk",
-                                       "=v",
-                                       "[open",
-                                       "x\ty=\t",
-                                       "[]",
-                                       "v=\xA0",
-                                       "[f]]x",
-                                       "[ g ]",
-                                       ";=",
-                                       " ; no",
-                                       "a;b=1",
-                                       "w=\"\"",
-                                       "[h]i=j",
-                                       "x=\ry=z",
-                                       "\xEF\xBB\xBF[i]",
-                                       std::string("z=a\0b", 5)};
+const std::vector<std::string> kOdd = {
+    "[a] ",  "[A]",   " k=1",    "k =2",   "K=3",     "u=\"q\"",         "u='q",   "junk",
+    "=v",    "[open", "x\ty=\t", "[]",     "v=\xA0",  "[f]]x",           "[ g ]",  ";=",
+    " ; no", "a;b=1", "w=\"\"",  "[h]i=j", "x=\ry=z", "\xEF\xBB\xBF[i]", "z=a\0b"s};
 
 std::string RandomText(std::mt19937& random, bool withOdd) {
     std::string text;

@@ -12,7 +12,7 @@ from zipfile import ZIP_LZMA, ZIP_STORED
 
 from fixtures import TOP, Member, compare, run_whole, windows_path
 from manifest import (forget_registry, registry_lines, remove_folder, shortcut_lines, tree_lines)
-from program import PREFIX, START_MENU, WINE, ProgramTest
+from program import PREFIX, START_MENU, ProgramTest
 
 DRIVE = PREFIX / "drive_c"
 LINKS = [START_MENU / "Vesk Builder.lnk", START_MENU / "ReadMe.lnk"]
@@ -40,7 +40,6 @@ def script(name):
     return (TOP / f"tests/data/builds/{name}.script").read_text().replace("\n", "\r\n")
 
 
-@unittest.skipUnless(WINE, "it would delete the user's own shortcuts and registry keys")
 class Builds(ProgramTest):
     maxDiff = None
 

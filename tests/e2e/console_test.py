@@ -9,7 +9,7 @@ import subprocess
 import unittest
 
 from fixtures import Member, windows_path, write_catalogue
-from program import START_MENU, WINE, SaidTest, contents_below, run_in_wine
+from program import START_MENU, SaidTest, contents_below, run_in_wine
 
 
 class Console(SaidTest):
@@ -118,10 +118,11 @@ class Console(SaidTest):
 
     def test_what_is_told_beside_the_log(self):
         self.build("--source", windows_path(self.program))
-        with open("/dev/full", "w", encoding="ascii") as full:
-            result = run_in_wine(self.command("--yes", *self.to_tree), stdout=full)
-        self.assertEqual(result.returncode, 1, result)
-        self.assertIn(b"the log could not be printed in full", result.stderr)
+        for arguments in (("--yes", *self.to_tree), ["--list"], ["--version"]):
+            with open("/dev/full", "w", encoding="ascii") as full:
+                result = run_in_wine(self.command(*arguments), stdout=full)
+            self.assertEqual(result.returncode, 1, result)
+            self.assertIn(b" could not be printed in full", result.stderr)
 
     def test_links_in_the_old_tree(self):
         """What they lead to is neither entered nor deleted nor written, whatever the system makes of
@@ -143,7 +144,6 @@ class Console(SaidTest):
                 shutil.rmtree(self.tree)
         self.transcript.clear()  # it depends on the system
 
-    @unittest.skipUnless(WINE, "it would take the place of the user's own start menu")
     def test_a_link_in_place_of_the_start_menus_folder(self):
         """Wine cannot remove it, so no shortcut may be made behind it."""
         outside = self.folder / "outside"

@@ -3,19 +3,29 @@
 that they need later only, and the 32-bit ones nothing that Windows XP lacks. They cannot be led to code of
 others: by what lies beside them, or by where things stand in memory."""
 
+import os
 import re
+import shutil
 import struct
+import subprocess
+import time
 import unittest
 
-from fixtures import TOP, run_whole
-from program import PROGRAMS, SaidTest
+from fixtures import TOP, Member, crc_of, run_whole, windows_path, write_cab
+from program import INF, PROGRAMS, WINE, SaidTest
 
 # What every Windows takes from its own folder, whatever lies beside a program: the libraries that it
 # knows by name, and those that stand side by side, which a manifest names: the program's own the
 # controls, the system's own GDI+.
 SAFE = {"advapi32", "comctl32", "comdlg32", "gdi32", "gdiplus", "kernel32", "msvcrt", "ole32", "oleaut32",
         "shell32", "user32", "ws2_32"}
-LOADED = ("advpack", "cabinet", "cryptsp", "rsaenh", "wininet")
+# What is loaded late, by the linker or by its path. Cabinets that are not pressed need no library, and
+# whether there is a network is asked only when PE Builder's archive is to be downloaded.
+LATE = {definition.stem for definition in (TOP / "cmake/delayed").glob("*.def")} | {
+    "advpack", "cabinet", "cryptsp", "dwmapi", "rsaenh", "version", "wininet"}
+# Those of them that Wine's own libraries take while the wizard is being started.
+EARLY = {"advapi32", "ole32", "user32", "version"}
+SEARCH = re.compile(r'load_dll looking for L"(.+?)" in (.*)')
 FLAGS = {"HIGH_ENTROPY_VA": 0x20, "DYNAMIC_BASE": 0x40, "NX_COMPAT": 0x100,
          "TERMINAL_SERVICE_AWARE": 0x8000}
 RIGHTS = {"veskbuild": "asInvoker", "veskbuilder": "requireAdministrator"}
@@ -77,14 +87,61 @@ class Loading(SaidTest):
         for text in (wanted, f"{name}.exe"):
             self.assertIn(f"\0{text}\0".encode("utf-16-le"), data[record:])
 
-    def test_what_lies_beside_the_program(self):
+    def plant(self):
+        """Files beside the program with the names of libraries that it loads late; a build that needs them."""
         self.write_small_catalogue()
+        write_cab(self.program / "pressed.cab", [Member("pressed.inf", INF)], pressed=True)
+        catalogue = self.program / "veskbuilder.ini"
+        catalogue.write_text(catalogue.read_text().replace("Name1=Locked", "Name1=Pressed").replace(
+            "Zip1=locked.zip", "Zip1=pressed.cab").replace("Enabled1=0", "Enabled1=1").replace(
+            "CRC1=1 ", f"CRC1={crc_of(self.program / 'pressed.cab')} "))
         (self.program / "veskbuilder.sha256").write_text(f"{'0' * 64}  one.zip\n")
-        for name in LOADED:
+        for name in LATE:
             (self.program / f"{name}.dll").write_text("no library")
+
+    def test_what_lies_beside_the_program(self):
+        self.plant()
         for folder in (self.folder, self.program):
             self.run_program("--list", cwd=folder)
         self.build()
+        (self.program / "pebuilder3110a.zip").unlink()
+        self.build("--yes")
+
+    def searches(self, program, *arguments, until=None):
+        """What a program asks the system's loader for from the first library that it asks for itself:
+        names and the folders that are searched."""
+        said = self.folder / "said"
+        with open(said, "wb") as file, subprocess.Popen(
+                [*WINE, str(self.program / program), *arguments], cwd=self.program, stdin=subprocess.DEVNULL,
+                stdout=subprocess.DEVNULL, stderr=file, env=os.environ | {"WINEDEBUG": "+module"}) as process:
+            end = time.monotonic() + 30
+            while process.poll() is None and time.monotonic() < end:
+                time.sleep(0.1)
+                if until and until in said.read_bytes():
+                    process.kill()
+        found = [(name.lower(), folders) for name, folders in SEARCH.findall(said.read_text("cp1252", "replace"))]
+        names = [name for name, _ in found]
+        first = r"c:\\windows\\system32\\advpack.dll"
+        self.assertIn(first, names)
+        return found[names.index(first):]
+
+    def test_where_libraries_are_looked_for(self):
+        if not WINE:
+            self.skipTest("only Wine tells where it looks")
+        self.plant()
+        build = ("veskbuild.exe", "--install", windows_path(self.tree), "--yes")
+        found = self.searches(*build)
+        (self.program / "pebuilder3110a.zip").unlink()
+        found += self.searches(*build)
+        shutil.copy(PROGRAMS.parent / "ui/veskbuilder.exe", self.program)
+        for name in EARLY:
+            (self.program / f"{name}.dll").unlink()
+        found += self.searches("veskbuilder.exe", until=b"windowscodecs")
+        asked = {name.rpartition("\\")[2].removesuffix(".dll") for name, _ in found if ":" in name}
+        self.assertEqual({"advpack", "cabinet", "wininet", "version"} - asked, set(), "not asked for by path")
+        own = windows_path(self.program).replace("\\", r"\\")
+        elsewhere = [(name, folders) for name, folders in found if ";.;" in folders or own in folders]
+        self.assertEqual(elsewhere, [])
 
 
 if __name__ == "__main__":

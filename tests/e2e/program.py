@@ -8,12 +8,11 @@ import pathlib
 import re
 import shutil
 import sys
-import tempfile
 import unittest
 
 sys.path.append(str(pathlib.Path(__file__).resolve().parents[1]))
-from fixtures import (TOP, Member, compare, crc_of, run_in_wine, run_whole, windows_path,  # noqa: E402
-                      write_archive, write_catalogue)
+from fixtures import (TOP, Member, compare, crc_of, fresh_folder, run_in_wine,  # noqa: E402
+                      run_whole, windows_path, write_archive, write_catalogue)
 
 PROGRAMS = pathlib.Path(sys.argv[1])
 WINE = sys.argv[2:]
@@ -49,8 +48,7 @@ class ProgramTest(unittest.TestCase):
     """Each test has its own folder: program/ with veskbuild.exe, and tree as installation folder."""
 
     def setUp(self):
-        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="vesk-e2e-"))
-        self.addCleanup(shutil.rmtree, self.folder)
+        self.folder = fresh_folder(self, "vesk-e2e-")
         self.program = self.folder / "program"
         self.program.mkdir()
         shutil.copy(PROGRAMS / "veskbuild.exe", self.program)

@@ -49,24 +49,24 @@ class Truth(SaidTest):
 
     def add_locked(self):
         """Makes an archive that holds one locked member behind a plain one."""
-        for name, text, options in (("plain.inf", INF, []), ("locked.txt", "x", ["-P", "open sesame"])):
+        for name, text, options in (("plain.inf", INF, []), ("locked.txt", "x", ["-P", "öpen sesame".encode("cp1252")])):
             (self.folder / name).write_text(text)
             run_whole(["zip", "-q", *options, self.program / "safe.zip", name], cwd=self.folder)
         return self.raw("safe.zip"), self.tree / "Plugin/100_tools/safe/locked.txt"
 
     def test_passwords(self):
         safe, locked = self.add_locked()
-        for words in (["wrong"], [], ["open sesame"]):
+        for words in (["wrong"], [], ["öpen sesame"]):
             password = [word for given in words for word in ("--password", given)]
             self.build_plugins(safe, arguments=["--yes", *password])
-            self.assertEqual(locked.exists(), words == ["open sesame"])
+            self.assertEqual(locked.exists(), words == ["öpen sesame"])
             self.assertTrue((locked.parent / "plain.inf").exists())
             self.run_program("--check", *password)
 
     def test_passwords_on_a_terminal(self):
         safe, locked = self.add_locked()
-        self.write_entries([self.base], [("100", "Safe", 1, 0, *safe)])
-        for answers, code in ((["wrong", "open sesame"], 0), ([""], 1)):
+        self.write_entries([self.base], [("100", "Säfe", 1, 0, *safe)])
+        for answers, code in ((["wrong", "öpen sesame"], 0), ([""], 1)):
             waiting = list(answers)
 
             def answer(_, shown, terminal):
@@ -74,6 +74,8 @@ class Truth(SaidTest):
                     os.write(terminal, waiting.pop(0).encode() + b"\r")
 
             returned, shown = run_on_a_terminal(self, self.command(*self.to_tree), answer)
+            listed = run_on_a_terminal(self, ["sh", "-c", '"$@" >&2', "", *self.command("--list")], answer)
+            self.assertIn("Säfe".encode(), listed[1])
             self.assertEqual((returned, locked.exists()), (code, code == 0), shown)
             self.assertIn(b"Password of safe.zip", shown)
             self.assertNotIn(b"sesame", shown)

@@ -12,6 +12,7 @@ import subprocess
 import sys
 
 USER = "nobody"
+PREFIX = "user32" if sys.argv[3].endswith("wine32") else "user"
 
 
 def leave(reason):
@@ -24,20 +25,20 @@ def become_user():
     top = pathlib.Path(__file__).resolve().parents[2]
     if not shutil.which("setpriv"):
         leave("there is no setpriv")
-    subprocess.run([top / "tools/wine-prefix", "--user"], check=True, stdout=subprocess.DEVNULL)
+    subprocess.run([top / "tools/wine-prefix", "--user", PREFIX], check=True, stdout=subprocess.DEVNULL)
     user = ["setpriv", f"--reuid={USER}", "--regid=nogroup", "--clear-groups"]
     if subprocess.run([*user, sys.executable, "-c", f"open({__file__!r})"], check=False,
                       capture_output=True).returncode:
         leave(f'the user "{USER}" may not read the project or run {sys.executable}')
-    home = top / "build/wine/user/drive_c/users" / USER
-    environment = dict(os.environ, HOME=str(home), VESK_PREFIX="user", USER=USER)
+    prefix = top / "build/wine" / PREFIX
+    environment = dict(os.environ, HOME=str(prefix / "drive_c/users" / USER), VESK_PREFIX=PREFIX, USER=USER)
     environment.pop("DISPLAY", None)  # root's, with root's key
     try:
         sys.exit(subprocess.run([*user, sys.executable, __file__, *sys.argv[1:]], check=False,
                                 env=environment).returncode)
     finally:
         subprocess.run([*user, "wineserver", "-k"], check=False,
-                       env=dict(environment, WINEPREFIX=str(top / "build/wine/user")))
+                       env=dict(environment, WINEPREFIX=str(prefix)))
 
 
 if os.getuid() == 0:

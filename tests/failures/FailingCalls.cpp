@@ -271,8 +271,8 @@ HRESULT STDMETHODCALLTYPE Method(void* object, A... a) {
 
 } // namespace
 
-// The linker resolves references to an import, "__imp_X" or in 32 bits "__imp__X@8", as "__wrap_" and
-// that name, and ours to "__real_" and that name as the import. Imports.h knows all the names.
+// The linker resolves references to an import, "__imp_X" or in 32 bits "__imp__X@8", as "__wrap_"
+// and that name, and ours to "__real_" and that name as the import. Imports.h knows all the names.
 // NOLINTBEGIN(*-reserved-identifier,*-identifier-naming): the linker's names
 // NOLINTBEGIN(*-no-malloc,*-owning-memory): this is where memory comes from
 #define LAYER(of, call, function, real, value)                                                     \
@@ -288,13 +288,13 @@ HRESULT STDMETHODCALLTYPE Method(void* object, A... a) {
 #define FAILS_LATE(name, book, where, value, ...)                                                  \
     decltype(&::name) late_##name = nullptr;                                                       \
     extern Call call_##name;                                                                       \
-    Call call_##name({#name,                                                                       \
-                      book,                                                                        \
-                      where,                                                                       \
-                      {__VA_ARGS__},                                                               \
-                      reinterpret_cast<void**>(&late_##name),                                      \
-                      reinterpret_cast<void*>(                                                     \
-                          LAYER(Of_##name, call_##name, name, late_##name, value))});
+    Call call_##name(                                                                              \
+        {#name,                                                                                    \
+         book,                                                                                     \
+         where,                                                                                    \
+         {__VA_ARGS__},                                                                            \
+         reinterpret_cast<void**>(&late_##name),                                                   \
+         reinterpret_cast<void*>(LAYER(Of_##name, call_##name, name, late_##name, value))});
 // A function that the program calls by its own name and not through an import.
 #define FAILS_C(name, book, value)                                                                 \
     Call call_##name({#name, book, InLastError, {ERROR_NOT_ENOUGH_MEMORY}});
@@ -302,7 +302,7 @@ HRESULT STDMETHODCALLTYPE Method(void* object, A... a) {
     Call call_##name({#interface "::" #name, 0, InResult, {E_FAIL}});                              \
     void* const method_##name = Methods<interface>::ours[slot] = reinterpret_cast<void*>(          \
         &Method<struct Of_##name, call_##name, interface, slot, __VA_ARGS__>);
-#define KEEPS(name, why)
+#define KEEPS(why, ...)
 #include "Calls.inc"
 Call call_new({"operator new", 0, InLastError, {ERROR_NOT_ENOUGH_MEMORY}});
 
@@ -317,7 +317,6 @@ WRAP(std::size_t, fread, 0, (void* to, std::size_t size, std::size_t count, FILE
      count, file)
 WRAP(std::size_t, fwrite, 0, (const void* from, std::size_t size, std::size_t count, FILE* file),
      from, size, count, file)
-WRAP(int, fputs, EOF, (const char* text, FILE* file), text, file)
 WRAP(int, fflush, EOF, (FILE * file), file)
 WRAP(int, fclose, EOF, (FILE * file), file)
 WRAP(void*, malloc, nullptr, (std::size_t size), size)

@@ -12,31 +12,49 @@ import tempfile
 
 from failures import Builder, Fault
 from fixtures import mount_disk, run_in_wine, unmount_disk, windows_path
-from sample import catalogue_faults
+from sample import SavedCatalogue
 
 BLOCK = 4096
+ROOM = 4  # blocks beyond what a build leaves
 SKIPPED = 77
 
 
-def build(builder, disk, blocks):
-    """A build on a disk that has room for so many blocks beside what is there before."""
-    mount_disk(disk, 100000 * BLOCK)
-    builder.sample.fill(builder.run_folder, builder.program)
-    used = sum(-(-path.stat().st_size // BLOCK) for path in builder.run_folder.rglob("*")
+def blocks_in(disk):
+    return sum(-(-path.stat().st_size // BLOCK) for path in disk.rglob("*")
                if path.is_file() and not path.is_symlink())
-    mount_disk(disk, (used + blocks) * BLOCK)
-    run = builder.build(Fault())
-    return run, builder.judge(Fault(), run)
 
 
-def save(tool, wine, sample, disk, blocks):
+def builds(builder, run_folder, disk, levels):
+    """Builds in a folder that is on a disk, or of which a folder is one, with so many blocks free as fit
+    between none and enough. @return how many builds there were, how many whole, and what is wrong"""
+    builder.run_folder = run_folder
+    builder.arguments[1] = windows_path(run_folder / "tree")
+    run_folder.mkdir(exist_ok=True)
+    mount_disk(disk, 100000 * BLOCK)
+    builder.sample.fill(run_folder, builder.program)
+    used = blocks_in(disk)
+    builder.good = builder.build(Fault())
+    most = blocks_in(disk) - used + ROOM
+    found, whole = [], 0
+    tried = sorted({level * most // (levels - 1) for level in range(levels)})
+    for blocks in tried:
+        mount_disk(disk, (used + blocks) * BLOCK)
+        run = builder.build(Fault())
+        whole += run.code == 0
+        found += [f"{disk.name}, {blocks} blocks: {what}" for what in builder.judge(Fault(), run)]
+    unmount_disk(disk)
+    # With no room at all nothing can be whole, and with all room everything is.
+    return len(tried), whole, found if 0 < whole < len(tried) else [*found, f"{disk.name}: {whole} whole"]
+
+
+def save(catalogue, disk, blocks):
     """The catalogue saved where so many blocks are free, the longer text first or second."""
     mount_disk(disk, (16 + blocks) * BLOCK)
-    shutil.copy(sample / "veskbuilder.ini", disk)
+    shutil.copy(catalogue.path, disk)
     (disk / "rest").write_bytes(b"x" * BLOCK * 15)
-    told = run_in_wine([*wine, str(tool), windows_path(disk) + "\\", "2"], encoding="cp1252")
+    told = run_in_wine([*catalogue.command, "2"], encoding="cp1252")
     code = told.returncode
-    found = catalogue_faults(disk)
+    found = catalogue.faults(disk)
     left = sorted(path.name for path in disk.iterdir())
     found += [] if left == ["rest", "veskbuilder.ini"] else [f"left behind: {left}"]
     not_saved = code == 0 and (disk / "veskbuilder.ini").stat().st_size < 9000
@@ -46,40 +64,35 @@ def save(tool, wine, sample, disk, blocks):
 
 def main(program, save_tool, levels, *wine):
     folder = pathlib.Path(tempfile.mkdtemp(prefix="vesk-disk-"))
-    disk = folder / "small"
+    disk, own = folder / "small", folder / "run/program"
     builder = None
     try:
         if not mount_disk(disk, 16 * BLOCK):
             print("no small disk can be mounted")
             return SKIPPED
+        unmount_disk(disk)
         builder = Builder(folder, pathlib.Path(program).resolve(), wine, "build", large=100000)
-        builder.run_folder = disk / "run"
-        builder.arguments[1] = windows_path(builder.run_folder / "tree")
-        mount_disk(disk, 100000 * BLOCK)
-        builder.good = builder.build(Fault())
-        need = sum(-(-size // BLOCK) for _, size, *_ in
-                   (what for what in builder.good.made.values() if what != "folder"))
-        found, whole = [], 0
-        for level in range(int(levels)):
-            blocks = level * (need + 4) // (int(levels) - 1)
-            run, wrong = build(builder, disk, blocks)
-            whole += run.code == 0
-            found += [f"{blocks} blocks: {what}" for what in wrong]
+        found = []
+        # The tree is on the disk with the program, or the program alone, with downloads and log.
+        for run_folder, small in ((disk / "run", disk), (own.parent, own)):
+            tried, whole, wrong = builds(builder, run_folder, small, int(levels))
+            found += wrong
+            print(f"{tried} fill levels of the disk {small.name}, {whole} builds whole")
         saved = 0
+        shutil.rmtree(disk)
+        catalogue = SavedCatalogue(folder / "build/sample", pathlib.Path(save_tool).resolve(), wine, disk)
         for blocks in range(8):
-            code, wrong = save(pathlib.Path(save_tool).resolve(), wine,
-                               folder / "build/sample/program", disk, blocks)
+            code, wrong = save(catalogue, disk, blocks)
             saved += code == 0
             found += [f"catalogue, {blocks} blocks: {what}" for what in wrong]
         print(*found, sep="\n")
-        print(f"{levels} fill levels from 0 to {need + 4} blocks, {whole} builds whole; 8 of the "
-              f"catalogue, {saved} saved; {len(found)} found wrong")
-        # With no room at all nothing can be whole, and with all room everything is.
-        return 1 if found or not 0 < whole < int(levels) or not 0 < saved < 8 else 0
+        print(f"8 of the catalogue, {saved} saved; {len(found)} found wrong")
+        return 1 if found or not 0 < saved < 8 else 0
     finally:
         if builder:
             builder.stop()
-        unmount_disk(disk)
+        for place in (disk, own):
+            unmount_disk(place)
         shutil.rmtree(folder, ignore_errors=True)
 
 

@@ -27,9 +27,17 @@ from sample import Sample, picture, serve, windows_path
 SELDOM = 60  # calls of a function of which each is tried
 LAST_LINE = "click 'Finish' to exit"
 ENDS = (0, 1, 2, 3, 5)  # exit codes of runs that began: done, with problems, failed, aborted, no PE
-REFUSALS = (4, 64, 70)
+REFUSALS = (4, 64)
+BROKEN_OFF = 70
 DISK_FULL = 112
-PRINTING = ("fwrite", "fflush", "fputs")  # what may keep log and problems from being shown
+PRINTING = ("fwrite", "fflush")  # what may keep log and problems from being shown
+REASON = re.compile(r"veskbuild: \S.*: \S.*, \S")  # what a problem says: a place, what, and why
+ENDED = re.compile(r"veskbuild: \S+ \S")
+WAITED = ": no data for "  # a download that waits for what will never come: in the wizard for good
+UNTRUE = re.compile(r".*\bit is empty")  # of no archive of the sample
+HALF = 0xFFFFFFFE
+END_WITHOUT_NOTICE = ("recv", HALF)  # the system would tell of the end besides
+DATING = ("GetDateFormatA", "GetTimeFormatA")  # what only the log's dates are made with
 
 
 @dataclasses.dataclass(frozen=True)
@@ -85,7 +93,9 @@ class Builder:
         self.run_folder = self.folder / "run"
         self.arguments = ["--install", windows_path(self.run_folder / "tree"), "--source",
                           windows_path(self.folder / "sample/source"), "--yes", "--timeout", "3",
-                          "--proxy", f"127.0.0.1:{self.server.server_port}"]
+                          "--proxy", f"localhost:{self.server.server_port}"]
+        self.sample.fill(self.run_folder, self.program)
+        self.untouched = picture(self.run_folder)
         self.good = self.build(Fault(), places=True)
 
     def stop(self):
@@ -133,27 +143,32 @@ class Builder:
 
     def judge(self, fault, run):
         """What is wrong with a run; nothing when the program told the truth."""
+        found = self.half_archives()
+        told = [line for line in run.errors.splitlines() if (REASON if run.code in ENDS else ENDED).match(line)]
         if run.code is None:
-            return ["hang"]
-        if run.code == 70 and run.errors and not run.calls:
-            return []  # ended where it stood, and told why: a library of the system was not there
-        if not run.calls or run.code not in ENDS + REFUSALS:
-            return [f"crash: exit code {run.code}"]
-        own = ("program/veskbuider.log", "program/veskbuilder-problems.txt")
-        differing = [name for name in run.differing(self.good) if name not in own]
+            return ["hang"] + found
+        if run.code == BROKEN_OFF and told and not run.calls:
+            return found  # ended where it stood: a library of the system was not there
+        if not run.calls or run.code not in (*ENDS, *REFUSALS, BROKEN_OFF):
+            return [f"crash: exit code {run.code}"] + found
+        log, problems = "program/veskbuider.log", "program/veskbuilder-problems.txt"
+        differing = [name for name in run.differing(self.good)
+                     if name != problems and (name != log or run.code == 0 and fault.call not in DATING)]
         if run.registry != self.good.registry:
             differing.append("registry")
-        told = bool(run.errors) or own[1] in run.made or fault.call in PRINTING
-        found = []
         if run.code == 0 and (differing or run.errors):
             found.append(f"false success: {differing[:3]} {run.errors[:200]}")
-        elif run.code != 0 and not told:
-            found.append(f"silent: exit code {run.code}, {differing[:3]}")
+        elif run.code != 0 and not told and fault.call not in PRINTING:
+            found.append(f"silent: exit code {run.code}, {differing[:3]} {run.errors[:200]}")
+        found += [f"untrue: {line}" for line in run.errors.splitlines() if UNTRUE.match(line)]
+        if run.code in REFUSALS and run.made != self.untouched:
+            found.append("refused, but something was changed")
+        if WAITED in run.errors and (fault.call, fault.reason) != END_WITHOUT_NOTICE:
+            found.append("waited: an event of the socket was lost")
         if run.code in ENDS and run.lines[-1:] != [LAST_LINE] and fault.call not in PRINTING:
             found.append("log: its last line is missing")
-        if run.code in ENDS and own[0] not in run.made and "veskbuider.log: not saved" not in run.errors:
+        if run.code in ENDS and log not in run.made and "veskbuider.log: not saved" not in run.errors:
             found.append("log: not saved, and not told")
-        found += self.half_archives()
         found += [f"left open: {count} {kind}" for kind, count in run.open.items()
                   if count > self.good.open[kind]]
         return found

@@ -1,6 +1,9 @@
 """A whole build to make calls fail in: the sample, with an archive for each way of unpacking, an old
-tree to remove, and two archives that come over HTTP."""
+tree to remove, a list of digests, and two archives that come over HTTP, one by a detour and over what an
+earlier download left."""
 
+import functools
+import hashlib
 import pathlib
 import re
 import shutil
@@ -8,15 +11,21 @@ import sys
 import threading
 
 sys.path.append(str(pathlib.Path(__file__).resolve().parents[1]))
-from fixtures import TOP, Member, crc_of, windows_path, write_cab  # noqa: E402
+from fixtures import TOP, Member, crc_of, run_in_wine, windows_path, write_cab  # noqa: E402
 
 sys.path.append(str(TOP / "sample"))
 import make_sample  # noqa: E402
-from serve import server_of  # noqa: E402
+from serve import Handler, server_of  # noqa: E402
 
-SERVED = ("pebuilder3110a.zip", "hexview.zip")
+HOST = "http://sample.invalid/"
+GONE, MOVED = f"{HOST}gone/hexview.zip", f"{HOST}moved/hexview.zip"
+SERVED = {"pebuilder3110a.zip": f"{HOST}pebuilder3110a.zip", "hexview.zip": f"{GONE},{MOVED},{GONE}"}
+LEFTOVER = "of a download that was killed"
 LARGE = 4 << 20  # from this size on a member is written in pieces
-DATE = re.compile(rb"\[\d+/\d+/\d{4} \d+:\d\d:\d\d [AP]M\]")
+KEPT = "penetcfg|bginfo|a43|aspi"  # stock plug-ins
+# What a log says that may differ: times, and how far a plug-in that is not there was looked for.
+CHANGING = re.compile(rb"\[\d+/\d+/\d{4} \d+:\d\d:\d\d [AP]M\]|"
+                      rb"(?:Modifying INF file|Moving Folder): .*\\Plugin\\(?!%b|\d).*\n" % KEPT.encode())
 
 
 class Sample:
@@ -30,7 +39,7 @@ class Sample:
         # Of what is done to the stock plug-ins a few times are enough: a build is short then.
         archives["pebuilder3110a.zip"] = {
             name: text for name, text in archives["pebuilder3110a.zip"].items()
-            if not name.startswith("plugin/") or re.match("plugin/($|penetcfg|bginfo|a43|aspi)", name)}
+            if not name.startswith("plugin/") or re.match(f"plugin/($|{KEPT})", name)}
         base = archives["livebase.zip"]
         base["livebase.script"] = base["livebase.script"].replace("Software\\Vesk Builder Sample", key)
         base["readme.txt"] = "In the place of the other archive's.\r\n"
@@ -46,6 +55,9 @@ class Sample:
             (program / name).replace(folder / "server" / name)
         self.archives = {path.name: path.read_bytes() for place in ("program", "server")
                          for path in (folder / place).iterdir() if path.suffix in (".zip", ".cab")}
+        (program / "veskbuilder.sha256").write_text("".join(
+            f"{hashlib.sha256(content).hexdigest()} *{name}\n" for name, content in self.archives.items()))
+        (program / "hexview.zip.vesk-part").write_text(LEFTOVER)
 
     @staticmethod
     def write_catalogue(program):
@@ -56,15 +68,14 @@ class Sample:
                        for i, name, archive in ((5, "Large", "large.zip"), (6, "Pressed", "pressed.cab")))
         text = text.replace("[Categories]", more + "[Categories]").replace("Enabled1=0", "Enabled1=1")
         for number, name in re.findall(r"^Zip(\d+)=(\S+)", text, re.MULTILINE):
-            url = f"http://sample.invalid/{name}" if name in SERVED else ""
             text = re.sub(rf"(Zip{number}={name} (?:.*\n)+?Url{number}=).*?( ?\r\nCRC{number}=)\S*",
-                          rf"\g<1>{url}\g<2>{crc_of(program / name)}", text)
+                          rf"\g<1>{SERVED.get(name, '')}\g<2>{crc_of(program / name)}", text)
         path.write_bytes(text.encode("cp1252"))
 
     def fill(self, folder, executable):
         """A program folder, and the tree of an earlier build."""
         shutil.rmtree(folder, ignore_errors=True)
-        shutil.copytree(self.folder / "program", folder / "program")
+        shutil.copytree(self.folder / "program", folder / "program", dirs_exist_ok=True)
         (folder / "program" / "veskbuild.exe").symlink_to(executable)
         for name in ("tree/Plugin/old/deep", "shell/16", "shell/23/Vesk Builder"):
             (folder / name).mkdir(parents=True)
@@ -74,11 +85,29 @@ class Sample:
         (folder / "tree/Plugin/b.txt").chmod(0o444)
 
 
-def catalogue_faults(folder):
-    """What is wrong with a catalogue that was saved again and again: nothing when it is one of the two."""
-    text = (folder / "veskbuilder.ini").read_text("cp1252")
-    whole = text.rstrip().endswith("500=500_security") and "Name6=Pressed" in text
-    return [] if whole else [f"half a catalogue: {len(text)} characters"]
+def catalogue_text(folder):
+    """Without the day on which it was saved."""
+    return re.sub(rb"(?m)^; Date: .*$", b"", (folder / "veskbuilder.ini").read_bytes())
+
+
+class SavedCatalogue:
+    """The sample's catalogue, and what may stand in its place while save_tool is at work."""
+
+    def __init__(self, sample, tool, wine, place):
+        self.path = sample / "program/veskbuilder.ini"
+        self.command = [*wine, str(tool), windows_path(place) + "\\"]
+        self.texts = {catalogue_text(self.path.parent)}
+        place.mkdir()
+        for count in "12":
+            shutil.copy(self.path, place)
+            run_in_wine([*self.command, count], check=True)
+            self.texts.add(catalogue_text(place))
+        assert len(self.texts) == 3
+        shutil.rmtree(place)
+
+    def faults(self, folder):
+        text = catalogue_text(folder)
+        return [] if text in self.texts else [f"half a catalogue: {len(text)} characters"]
 
 
 def without_times(link):
@@ -101,7 +130,7 @@ def picture(folder):
         stat = path.stat()
         content = path.read_bytes()
         if name == "program/veskbuider.log":
-            content = DATE.sub(b"[DATE]", content)
+            content = CHANGING.sub(b"", content)
         if name.endswith(".lnk"):
             content = without_times(content)
         old = int(stat.st_mtime) if stat.st_mtime < 1.3e9 else "now"
@@ -109,8 +138,23 @@ def picture(folder):
     return result
 
 
+class Detour(Handler):
+    """A server that lacks what is asked for at one place, and sends from another one to the archive."""
+
+    def do_GET(self):
+        if "/gone/" in self.path:
+            return self.send_error(404, "Not Found")
+        if "/moved/" not in self.path:
+            return super().do_GET()
+        self.send_response(302)
+        self.send_header("Location", self.path.replace("/moved/", "/"))
+        self.send_header("Content-Length", "0")
+        return self.end_headers()
+
+
 def serve(folder):
     """@return a server of the archives, which ends with this process at the latest"""
     server = server_of(folder / "server")
+    server.RequestHandlerClass = functools.partial(Detour, directory=folder / "server")
     threading.Thread(target=server.serve_forever, daemon=True).start()
     return server

@@ -1,18 +1,14 @@
 #include "net/clsSocketMaster.h"
 
-#include "base/Failure.h"
+#include "ExpectedText.h"
 #include "net/MessagePump.h"
 #include "net/modSocketHandle.h"
 #include "net/modSocketMaster.h"
 
-#include <doctest/doctest.h>
-
-#include <functional>
 #include <vector>
 
 using namespace vesk;
-using vesk::test::PumpFor;
-using vesk::test::PumpUntil;
+using namespace vesk::test;
 
 namespace {
 
@@ -97,12 +93,8 @@ HWND OwnSocketWindow() {
 }
 
 std::string FailureText(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const Failure& failure) {
-        return std::to_string(failure.number) + " " + failure.source + ": " + failure.what();
-    }
-    return "held";
+    const Failure failure = FailureIn(action);
+    return std::to_string(failure.number) + " " + failure.source + ": " + failure.what();
 }
 
 } // namespace

@@ -5,16 +5,14 @@ Arguments: the program that runs Windows programs, the tool."""
 import os
 import pathlib
 import re
-import shutil
 import socket
 import subprocess
 import sys
-import tempfile
 import time
 import unittest
 import zlib
 
-from fixtures import mount_disk, run_in_wine, unmount_disk, windows_path
+from fixtures import fresh_folder, mount_disk, run_in_wine, unmount_disk, windows_path
 from peers import Nginx, ScriptedServer, Tinyproxy, answer, free_port, reset
 
 WINE, TOOL = sys.argv[1:]
@@ -62,8 +60,7 @@ def slowly(connection):
 
 class Peers(unittest.TestCase):
     def setUp(self):
-        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="vesk-net-"))
-        self.addCleanup(shutil.rmtree, self.folder)
+        self.folder = fresh_folder(self, "vesk-net-")
         self.target = self.folder / "a.zip"
         self.partial = self.folder / "a.zip.vesk-part"
 

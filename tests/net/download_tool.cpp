@@ -10,7 +10,7 @@
 #include "net/MessagePump.h"
 #include "net/clsDownload.h"
 #include "net/clsDownloadSession.h"
-#include "net/modSocketMaster.h"
+#include "net/clsSocketServiceHold.h"
 
 #include "base/modFile.h"
 
@@ -188,7 +188,7 @@ int main(int count, char** words) {
     if (names.size() != 2)
         return 64;
     // What a program does once for all its downloads is loading libraries, and no download.
-    std::optional<SocketServiceHold> hold;
+    std::optional<clsSocketServiceHold> hold;
     if (options.Has("--only-time"))
         hold.emplace();
     Recorder recorder(options);

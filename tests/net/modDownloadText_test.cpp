@@ -1,8 +1,7 @@
 #include "net/modDownloadText.h"
 
+#include "ExpectedText.h"
 #include "net/clsTransferRate.h"
-
-#include <doctest/doctest.h>
 
 using namespace vesk;
 
@@ -10,26 +9,14 @@ TEST_CASE("caption, percentage and bar for a count") {
     const DigitGrouping dotted = [](const std::string& digits) {
         return digits.size() > 3 ? std::string(digits).insert(digits.size() - 3, ".") : digits;
     };
-    struct Row {
-        double received;
-        std::int32_t size;
-        const char *caption, *percent;
-        double width;
-    };
-    for (const Row& row :
-         {Row{0, 12345000, "Downloading - 0 Bytes of 12.345 Mb", " 0%", 0},
-          Row{400, 998, "Downloading - 0 Bytes of 1 Bytes", " 40%", 40 * 38.85},
-          Row{999, 999999, "Downloading - 1 Kb of 1.000 Mb", " 0%", 0},
-          Row{999998, 999998, "Downloading - 1.000 Kb of 1.000 Kb", " 100%", 3885},
-          Row{500, 1500, "Downloading - 1 Bytes of 2 Kb", " 33%", 33 * 38.85},
-          Row{12345000, 24690001, "Downloading - 12.345 Mb of 24.690 Mb", " 49%", 49 * 38.85},
-          Row{300, 200, "Downloading - 0 Bytes of 0 Bytes", " 150%", 150 * 38.85}}) {
-        CAPTURE(row.caption);
-        CHECK(DownloadCaption(row.received, row.size, dotted) == row.caption);
-        const std::string percent = PercentText(row.received, row.size);
-        CHECK(percent == row.percent);
-        CHECK(BarWidth(percent) == doctest::Approx(row.width));
-    }
+    test::CheckLines("download_captions", [&](const std::string& line) {
+        const auto counts = Split(line, ' '); // received, and of how many
+        const double received = std::stod(counts.at(0));
+        const std::int32_t size = std::stoi(counts.at(1));
+        const std::string percent = PercentText(received, size);
+        return DownloadCaption(received, size, dotted) + "," + percent + ", " +
+               std::to_string(BarWidth(percent));
+    });
 }
 
 TEST_CASE("the rate is that of the last seconds, across a wrap of the clock") {

@@ -1,23 +1,15 @@
 #include "net/modSocketValue.h"
 
-#include "base/Failure.h"
-
-#include <doctest/doctest.h>
-
-#include <functional>
+#include "ExpectedText.h"
 
 using namespace vesk;
 
 namespace {
 
 std::uint32_t NumberOfFailure(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const Failure& failure) {
-        CHECK(failure.source == "clsSocketMaster.Method");
-        return failure.number;
-    }
-    return 0;
+    const Failure failure = test::FailureIn(action);
+    CHECK(failure.source == (failure.number == 0 ? "" : "clsSocketMaster.Method"));
+    return failure.number;
 }
 
 } // namespace

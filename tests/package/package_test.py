@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """What is published, made twice, installed, used and removed in a Wine prefix of its own.
 
-    package_test.py SIZE OBJDUMP WINE...        SIZE: bytes of a pointer, 4 or 8
+    package_test.py SIZE OBJDUMP LIMITED WINE...
+        SIZE: bytes of a pointer, 4 or 8; LIMITED: runs a program without an administrator's rights
 
 Status 77: there is no makensis.
 """
@@ -18,11 +19,10 @@ import tempfile
 import unittest
 import zipfile
 
-from fixtures import run_in_wine, run_whole
+from fixtures import TOP, run_in_wine, run_whole, windows_path
 
 BITS = int(sys.argv[1]) * 8
-OBJDUMP, *WINE = sys.argv[2:]
-TOP = pathlib.Path(__file__).resolve().parents[2]
+OBJDUMP, LIMITED, *WINE = sys.argv[2:]
 PREFIX = "package32" if BITS == 32 else "package"
 DRIVE = TOP / "build/wine" / PREFIX / "drive_c"
 os.environ |= {"VESK_PREFIX": PREFIX, "WINEPREFIX": str(DRIVE.parent)}
@@ -61,7 +61,7 @@ def registry():
             elif not line.startswith("#time") and "PendingFileRename" not in line:
                 lines.add(f"{key} {line}")
     return {line for line in lines
-            if not re.search(r"Explorer|\\\\Services\\\\|Session Manager|VolatileEnv|DriverDate|Enum\\\\|"
+            if not re.search(r"Explorer|^user\.reg \[Console|\\\\Services\\\\|Session Manager|VolatileEnv|DriverDate|Enum\\\\|"
                          r"CurrentVersion\\\\Uninstall ?$", line)}
 
 
@@ -71,7 +71,7 @@ class Package(unittest.TestCase):
         cls.folder = pathlib.Path(tempfile.mkdtemp(prefix="vesk-package-"))
         cls.made = make_package(cls.folder / "one")
         shutil.rmtree(DRIVE.parent, ignore_errors=True)
-        run_whole([TOP / "tools/wine-prefix", PREFIX])
+        run_whole([TOP / "tools/wine-prefix", f"{PREFIX}:{'winxp' if BITS == 32 else 'win10'}"])
         cls.name = next(name for name in cls.made if name.endswith("-portable.zip"))
         with zipfile.ZipFile(cls.folder / "one" / cls.name) as archive:
             archive.extractall(DRIVE)
@@ -103,6 +103,7 @@ class Package(unittest.TestCase):
         for text in texts:
             content = text.read_bytes()
             self.assertEqual(content.count(b"\n"), content.count(b"\r\n"), text.name)
+            self.assertNotIn(b"<!--", content, text.name)
 
     @unittest.skipIf(BITS == 64, "the same files as for the 32-bit test")
     def test_two_runs_give_the_same_bytes(self):
@@ -116,14 +117,14 @@ class Package(unittest.TestCase):
         spdx = json.loads(next(data for name, data in self.made.items() if "spdx" in name))
         versions = {part["name"]: part["versionInfo"] for part in spdx["packages"]}
         self.assertEqual(set(versions), {"Vesk Builder", "libdeflate", "zlib",
-                                         "GCC runtime libraries", "mingw-w64 runtime"})
+                                         "GCC runtime libraries", "mingw-w64 runtime", "NSIS"})
         # zlib leaves its version in the program.
         program = (self.portable / "veskbuilder.exe").read_bytes()
         self.assertIn(f" inflate {versions['zlib']} ".encode(), program)
 
-    def run_setup(self, *arguments):
+    def run_setup(self, *arguments, code=0):
         ended = wine(self.setup, "/S", *arguments)
-        self.assertEqual(ended.returncode, 0, ended)
+        self.assertEqual(ended.returncode, code, ended)
 
     def install(self, *arguments, folder):
         self.run_setup(*arguments)
@@ -133,11 +134,10 @@ class Package(unittest.TestCase):
 
     def uninstall(self, folder, *arguments):
         """The uninstaller goes on in a copy of itself: wait until its last step is done."""
-        menus = list(DRIVE.rglob("Vesk Builder Setup"))
-        self.assertEqual(len(menus), 1)
+        menus = set(DRIVE.rglob("Vesk Builder Setup"))
         said = wine(folder / "uninstall.exe", "/S", *arguments)
         subprocess.run(["wineserver", "-w"], check=True, timeout=60)
-        self.assertFalse(menus[0].exists(), said)
+        self.assertEqual(len(menus - set(DRIVE.rglob("Vesk Builder Setup"))), 1, said)
 
     def check_versions(self, folder):
         """Both programs start where they are installed: the 64-bit one in the 64-bit Wine."""
@@ -185,6 +185,24 @@ class Package(unittest.TestCase):
         self.assertEqual(files_below(folder), SAMPLE - {"netnotes.zip"} | {"own.zip"})
         self.assertEqual(catalogue.read_bytes(), mine)
         shutil.rmtree(folder)
+
+    @unittest.skipIf(BITS == 64, "the installer is a 32-bit program")
+    def test_a_silent_run_uses_the_given_folder_and_says_when_it_failed(self):
+        own, usual = DRIVE / "VeskOwn", DRIVE / "Program Files/Vesk Builder"
+        in_the_way = own / "guide.txt"
+        in_the_way.mkdir(parents=True)
+        self.run_setup("/CurrentUser", "/D=C:\\VeskOwn", code=2)
+        in_the_way.rmdir()
+        self.run_setup("/CurrentUser", "/D=C:\\VeskOwn")
+        self.assertTrue(in_the_way.is_file())
+        self.run_setup("/AllUsers")
+        here = "_?=C:\\Program Files\\Vesk Builder"  # not in a copy, whose exit code nobody sees
+        for program, *arguments in ((self.setup, "/AllUsers"), (usual / "uninstall.exe", here),
+                                    (usual / "uninstall.exe", "/AllUsers", here)):
+            self.assertEqual(wine(LIMITED, windows_path(program), "/S", *arguments).returncode, 2)
+        for folder, other in ((own, usual), (usual, own)):
+            self.uninstall(folder)
+            self.assertEqual((folder.exists(), (other / "guide.txt").exists()), (False, folder == own))
 
 
 if __name__ == "__main__":

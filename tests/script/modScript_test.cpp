@@ -54,7 +54,7 @@ TEST_CASE_FIXTURE(Fixture, "the first failure ends a script and what was done be
         CHECK(log.size() == 2 + row.logged);
         CHECK(FolderExists(folder / "before"));
         CHECK_FALSE(FolderExists(folder / "after"));
-        TestFolder::RemoveTree(folder / "before");
+        TestFolder::RemoveTree(Widen(folder / "before"));
     }
     CHECK(clsRegistry::IsPathEmpty(0x80000001, kTestKey));
 }

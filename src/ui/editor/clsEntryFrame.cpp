@@ -7,6 +7,7 @@
 #include "base/modFile.h"
 #include "base/modText.h"
 #include "catalogue/clsSha256List.h"
+#include "ui/kit/clsWaitCursor.h"
 #include "ui/kit/frmBrowse.h"
 #include "ui/kit/modEnable.h"
 #include "ui/kit/modResolution.h"
@@ -219,7 +220,7 @@ void clsEntryFrame::Browse() {
     if (path.empty())
         return;
     const std::string crc = [&] {
-        const WaitCursor wait;
+        const clsWaitCursor wait;
         return clsCRC().CalculateFile(path);
     }();
     if (crc.empty())
@@ -234,7 +235,7 @@ void clsEntryFrame::TakeSha256(const std::string& path) const {
     if (!EqualNoCase(WithTrailingBackslash(ParentOf(path)), programPath_))
         return;
     try {
-        const WaitCursor wait;
+        const clsWaitCursor wait;
         UpdateSha256List(programPath_, FileNameOf(path));
     } catch (const Failure& failure) {
         ShowMessage(dialog_,
@@ -268,7 +269,7 @@ std::string clsEntryFrame::BroughtHere(const std::string& path) const {
         return path;
     if (answer != IDYES)
         return {};
-    const WaitCursor wait;
+    const clsWaitCursor wait;
     CopyCompleteFile(path, here); // a failure is shown by the dialog
     return here;
 }

@@ -60,7 +60,7 @@ void frmCategories::FollowSize() {
 void frmCategories::ShowList() {
     const ScopeFlag showing(showing_);
     List().Refresh();
-    static_assert(clsReportList::kNone == clsCategoryEditor::kNoSelection);
+    static_assert(clsReportList::kNone == kNoSelection);
     List().Select(categories_.Selected());
     ShowCurrent();
 }

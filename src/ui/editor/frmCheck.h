@@ -14,6 +14,7 @@ namespace vesk {
 /// user can go from a line to its entry.
 class frmCheck : public clsListDialog {
 public:
+    /// @param check what was found, of which the dialog keeps a copy
     explicit frmCheck(CatalogueCheck check);
 
     /// Shows the list, or says that it is empty. @return the entry that the user wants to see

@@ -9,6 +9,7 @@
 #include "ui/editor/frmCategories.h"
 #include "ui/editor/frmCheck.h"
 #include "ui/editor/modSaveCheck.h"
+#include "ui/kit/clsWaitCursor.h"
 #include "ui/kit/modBand.h"
 #include "ui/kit/modBoxText.h"
 #include "ui/kit/modEnable.h"
@@ -20,7 +21,6 @@
 #include <array>
 #include <cstddef>
 #include <exception>
-#include <initializer_list>
 #include <utility>
 
 namespace vesk {
@@ -107,21 +107,18 @@ void frmSetup::Form_Load() {
 /// size they forget the height of their lists.
 void frmSetup::FollowSize() {
     layout_.Attach(Window());
-    const auto follow = [this](unsigned how, std::initializer_list<int> ids) {
-        for (const int id : ids)
-            layout_.Add(Control(id), how);
-    };
     constexpr int kAddress = 4;
     constexpr int kChecksum = 5;
-    follow(clsLayout::kGrowX,
-           {IDC_LINE_SETUP_TOP, IDC_LINE_SETUP_BOTTOM, IDC_FRA_BASE, IDC_FRA_PLUGIN,
-            IDC_FRA_INSTALL, IDC_TXT_BASE, IDC_TXT_BASE + kAddress, IDC_TXT_BASE + kChecksum,
-            IDC_TXT_BASE_PLUGIN, IDC_TXT_BASE_PLUGIN + kAddress, IDC_TXT_BASE_PLUGIN + kChecksum,
-            IDC_LBL_STATE});
-    follow(clsLayout::kMoveX, {IDC_IMG_SETUP_LOGO, IDC_CMD_APPLY, IDC_CMD_DISCARD, IDCANCEL});
+    layout_.Follow(clsLayout::kGrowX,
+                   {IDC_LINE_SETUP_TOP, IDC_LINE_SETUP_BOTTOM, IDC_FRA_BASE, IDC_FRA_PLUGIN,
+                    IDC_FRA_INSTALL, IDC_TXT_BASE, IDC_TXT_BASE + kAddress,
+                    IDC_TXT_BASE + kChecksum, IDC_TXT_BASE_PLUGIN, IDC_TXT_BASE_PLUGIN + kAddress,
+                    IDC_TXT_BASE_PLUGIN + kChecksum, IDC_LBL_STATE});
+    layout_.Follow(clsLayout::kMoveX,
+                   {IDC_IMG_SETUP_LOGO, IDC_CMD_APPLY, IDC_CMD_DISCARD, IDCANCEL});
     for (const EntryButton& button : EntryButtons()) {
         if (button.action != EntryAction::Browse)
-            follow(clsLayout::kMoveX, {EntryButtonId(button.list, button.action)});
+            layout_.Follow(clsLayout::kMoveX, {EntryButtonId(button.list, button.action)});
     }
 }
 
@@ -192,7 +189,7 @@ bool frmSetup::Apply() {
                                      MB_YESNO | MB_ICONWARNING | MB_DEFBUTTON2) != IDYES)
         return false;
     try {
-        const WaitCursor wait;
+        const clsWaitCursor wait;
         editor_.Apply([this](const Catalogue& catalogue) { file_.Save(catalogue); });
     } catch (const std::exception& failure) {
         ShowMessage(Window(), "The catalogue could not be saved.\r\n" + AsSentence(failure.what()),
@@ -263,7 +260,7 @@ void frmSetup::cmdActions_Click(int index) {
 void frmSetup::cmdCheck_Click() {
     CatalogueCheck check;
     {
-        const WaitCursor wait;
+        const clsWaitCursor wait;
         ExtractionOwner owner;
         owner.progress = [](double) { LetWindowsPaint(); };
         check = CheckWithProgramFolder(paths_.programPath, editor_.Edited(), owner);

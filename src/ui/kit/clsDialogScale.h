@@ -30,6 +30,7 @@ public:
     /// suggests it
     void ChangeTo(int dpi, const RECT& place);
 
+    /// The resolution in dots per inch; 96 is the usual one.
     [[nodiscard]] int Dpi() const { return dpi_; }
 
     /// The dialog's font, scaled; for fonts that are derived from it. Stays the kit's or the

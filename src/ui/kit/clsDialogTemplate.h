@@ -17,6 +17,7 @@ public:
     /// @throws Failure when there is no such dialog
     clsDialogTemplate(int resourceId, HWND owner);
 
+    /// The template for the system, valid as long as this object.
     [[nodiscard]] LPCDLGTEMPLATEW Get() const {
         return reinterpret_cast<LPCDLGTEMPLATEW>(words_.data());
     }

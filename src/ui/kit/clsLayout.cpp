@@ -23,6 +23,11 @@ void clsLayout::Add(HWND control, unsigned follows) {
     items_.push_back({control, area, follows});
 }
 
+void clsLayout::Follow(unsigned how, std::initializer_list<int> ids) {
+    for (const int id : ids)
+        Add(GetDlgItem(dialog_, id), how);
+}
+
 int clsLayout::Scaled(LONG pixels) const {
     return MulDiv(static_cast<int>(pixels), DpiOf(dialog_), dpi_);
 }

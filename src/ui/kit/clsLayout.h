@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <initializer_list>
 #include <vector>
 
 namespace vesk {
@@ -18,6 +19,9 @@ public:
     /// Adds a control, or a page, as it stands while the dialog has that size.
     /// @param follows of the values above
     void Add(HWND control, unsigned follows);
+
+    /// Adds controls by their numbers in the dialog.
+    void Follow(unsigned how, std::initializer_list<int> ids);
 
     /// Puts every control in its place; for WM_SIZE.
     void OnSize() const;

@@ -4,11 +4,6 @@
 
 namespace vesk {
 
-void clsListDialog::Follow(unsigned how, std::initializer_list<int> ids) {
-    for (const int id : ids)
-        layout_.Add(Control(id), how);
-}
-
 INT_PTR clsListDialog::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
     switch (message) {
     case WM_INITDIALOG:

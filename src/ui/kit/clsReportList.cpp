@@ -60,11 +60,7 @@ void clsReportList::FitColumns() const {
     std::vector<int> wanted;
     for (int column = columns - 1; column >= 0; --column)
         wanted.push_back(WantedWidth(column));
-    int width = InnerSize(list_).cx;
-    if ((GetWindowLongPtrA(list_, GWL_STYLE) & WS_VSCROLL) == 0 &&
-        static_cast<int>(content_.count()) > ListView_GetCountPerPage(list_))
-        width -= ScrollBarWidth(list_);
-    const std::vector<int> widths = ShareWidth(std::move(wanted), width);
+    const std::vector<int> widths = ShareWidth(std::move(wanted), RoomForColumns(list_));
     for (int column = 0; column < columns; ++column)
         ListView_SetColumnWidth(list_, column,
                                 widths[static_cast<std::size_t>(columns - 1 - column)]);

@@ -59,6 +59,7 @@ public:
     /// Answers the list's questions for texts. @return true when the notification was one
     [[nodiscard]] bool HandleNotify(const NMHDR& header) const;
 
+    /// The list view; null before Attach.
     [[nodiscard]] HWND Window() const { return list_; }
 
 private:

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/Com.h"
+#include "base/ComPointer.h"
 
 #include <windows.h>
 

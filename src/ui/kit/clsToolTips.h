@@ -17,6 +17,7 @@ public:
     /// Shows the tip of the control below the mouse now.
     void ShowNow() const;
 
+    /// The system's window of the tips; null before Attach.
     [[nodiscard]] HWND Window() const { return tips_; }
 
 private:

@@ -1,10 +1,10 @@
 #include "ui/kit/frmBrowse.h"
 
-#include "base/Com.h"
+#include "base/ComPointer.h"
 #include "base/Failure.h"
 #include "base/modText.h"
 #include "base/modWide.h"
-#include "ui/kit/FileDialogInterface.h"
+#include "ui/kit/FileDialog.h"
 
 #include <commdlg.h>
 #include <shlobj.h>

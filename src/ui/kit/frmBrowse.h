@@ -10,6 +10,7 @@ namespace vesk {
 /// work as in every other program.
 class frmBrowse {
 public:
+    /// @param owner window over which the dialogs open
     explicit frmBrowse(HWND owner) : owner_(owner) {}
 
     /// @param startFolder shown first; one that does not exist is ignored

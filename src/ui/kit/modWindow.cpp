@@ -3,6 +3,9 @@
 #include "base/modSystemError.h"
 #include "base/modWide.h"
 #include "ui/kit/modBoxText.h"
+#include "ui/kit/modResolution.h"
+
+#include <commctrl.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -190,6 +193,13 @@ int WrappedHeight(HWND control, const std::string& text, int width) {
     SelectObject(dc, before);
     ReleaseDC(control, dc);
     return area.bottom;
+}
+
+int RoomForColumns(HWND list) {
+    const int width = InnerSize(list).cx;
+    const bool lacksBar = (GetWindowLongPtrA(list, GWL_STYLE) & WS_VSCROLL) == 0;
+    const bool needsBar = ListView_GetItemCount(list) > ListView_GetCountPerPage(list);
+    return lacksBar && needsBar ? width - ScrollBarWidth(list) : width;
 }
 
 void SetComboItems(HWND combo, const std::vector<std::string>& items) {

@@ -84,6 +84,10 @@ inline int TextWidth(HWND control, const std::string& text) {
 /// Pixels in height that a text takes in a control's font, with its lines broken at a width.
 int WrappedHeight(HWND control, const std::string& text, int width);
 
+/// Pixels that the columns of a list view have together; room is kept for the scroll bar that its
+/// lines will need.
+int RoomForColumns(HWND list);
+
 /// Replaces the items of a combo box; none of them is selected then.
 void SetComboItems(HWND combo, const std::vector<std::string>& items);
 
@@ -102,18 +106,6 @@ void MatchHeight(HWND combo, HWND textField);
 
 /// Draws what is to be drawn while something takes long; keys and clicks wait for its end.
 void LetWindowsPaint();
-
-/// Shows the mouse pointer of a busy program for the length of a scope.
-class WaitCursor {
-public:
-    WaitCursor() : before_(SetCursor(LoadCursorA(nullptr, IDC_WAIT))) {}
-    WaitCursor(const WaitCursor&) = delete;
-    WaitCursor& operator=(const WaitCursor&) = delete;
-    ~WaitCursor() { SetCursor(before_); }
-
-private:
-    HCURSOR before_;
-};
 
 /// A copy of the font with another weight, and a size as a percentage of the font's own.
 GdiHandle DerivedFont(HFONT font, LONG weight, int percent);

@@ -1,6 +1,6 @@
 #include "ui/wizard/clsBuildGate.h"
 
-#include "ui/kit/modWindow.h"
+#include "ui/kit/clsWaitCursor.h"
 #include "ui/wizard/modWizardText.h"
 #include "ui/wizard/pagBaseComponents.h"
 
@@ -25,7 +25,7 @@ std::string clsBuildGate::WarningOf(const ChosenFolder& chosen) {
     std::string warning = chosen.Warning();
     if (catalogue_.baseComponents.empty())
         return warning;
-    const WaitCursor wait;
+    const clsWaitCursor wait;
     const std::string fault =
         PeBuilderWarning(catalogue_.baseComponents.front(), archives_.Facts(kFirstArchiveName));
     return warning + (warning.empty() || fault.empty() ? "" : "\r\n") + fault;

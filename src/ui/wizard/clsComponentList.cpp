@@ -188,16 +188,13 @@ void clsComponentList::CheckNextArchive() {
 }
 
 void clsComponentList::FitColumns() {
-    int width = InnerSize(list_).cx;
-    if (LineCount() > ListView_GetCountPerPage(list_) &&
-        (GetWindowLongPtrA(list_, GWL_STYLE) & WS_VSCROLL) == 0)
-        width -= ScrollBarWidth(list_);
+    const int room = RoomForColumns(list_); // before columns are widened to measure them
     const int columns = kind_ == Kind::Plugins ? 4 : 3;
     std::vector<int> wanted;
     wanted.reserve(static_cast<std::size_t>(columns));
     for (int column = 0; column < columns; ++column)
         wanted.push_back(FittingWidth(list_, column));
-    const std::vector<int> widths = ShareWidth(std::move(wanted), width);
+    const std::vector<int> widths = ShareWidth(std::move(wanted), room);
     for (int column = 0; column < columns; ++column)
         ListView_SetColumnWidth(list_, column, widths[static_cast<std::size_t>(column)]);
 }

@@ -38,6 +38,7 @@ public:
     /// Fits the columns to the list's width.
     void FitColumns();
 
+    /// How many lines there are: one for each entry.
     [[nodiscard]] int LineCount() const;
 
     /// Reads again which archives are in the program folder. Their checksums follow one by one

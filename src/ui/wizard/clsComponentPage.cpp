@@ -8,11 +8,6 @@ clsComponentPage::clsComponentPage(clsComponentList::Kind kind, Catalogue& catal
                                    const std::string& programPath, int listId, int detailsId)
     : listId_(listId), detailsId_(detailsId), list_(kind, catalogue, programPath) {}
 
-void clsComponentPage::Follow(unsigned how, std::initializer_list<int> ids) {
-    for (const int id : ids)
-        layout_.Add(Control(id), how);
-}
-
 INT_PTR clsComponentPage::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
     switch (message) {
     case WM_INITDIALOG:

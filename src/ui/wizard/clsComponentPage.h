@@ -24,8 +24,9 @@ protected:
     INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;
 
     /// Lets controls follow the page's size; for OnCreated. @param how values of clsLayout
-    void Follow(unsigned how, std::initializer_list<int> ids);
+    void Follow(unsigned how, std::initializer_list<int> ids) { layout_.Follow(how, ids); }
 
+    /// Shows the list's selected entry in the item view, if one is selected.
     void OpenSelected() { list_.OpenSelected(); }
 
 private:

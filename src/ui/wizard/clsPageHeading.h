@@ -12,6 +12,7 @@ namespace vesk {
 /// the white below them.
 class clsPageHeading {
 public:
+    /// For one wizard; Attach comes first.
     clsPageHeading();
 
     /// @param wizard the dialog whose controls these are

@@ -18,7 +18,6 @@
 
 #include <array>
 #include <cstddef>
-#include <initializer_list>
 #include <utility>
 
 namespace vesk {
@@ -90,16 +89,12 @@ void frmBuilder::ExplainCatalogue() {
 
 void frmBuilder::FollowSize() {
     layout_.Attach(Window());
-    const auto follow = [this](unsigned how, std::initializer_list<int> ids) {
-        for (const int id : ids)
-            layout_.Add(Control(id), how);
-    };
-    follow(clsLayout::kGrowY, {IDC_IMG_LOGO});
-    follow(clsLayout::kGrowX, {IDC_LINE_TOP, IDC_LBL_HEADING_SM2});
-    follow(clsLayout::kMoveX, {IDC_IMG_LOGO_SMALL});
-    follow(clsLayout::kGrowX | clsLayout::kMoveY, {IDC_LINE_BOTTOM});
-    follow(clsLayout::kMoveY, {IDC_CMD_HELP, IDC_CMD_PROBLEMS});
-    follow(clsLayout::kMoveX | clsLayout::kMoveY, {IDC_CMD_BACK, IDC_CMD_NEXT, IDCANCEL});
+    layout_.Follow(clsLayout::kGrowY, {IDC_IMG_LOGO});
+    layout_.Follow(clsLayout::kGrowX, {IDC_LINE_TOP, IDC_LBL_HEADING_SM2});
+    layout_.Follow(clsLayout::kMoveX, {IDC_IMG_LOGO_SMALL});
+    layout_.Follow(clsLayout::kGrowX | clsLayout::kMoveY, {IDC_LINE_BOTTOM});
+    layout_.Follow(clsLayout::kMoveY, {IDC_CMD_HELP, IDC_CMD_PROBLEMS});
+    layout_.Follow(clsLayout::kMoveX | clsLayout::kMoveY, {IDC_CMD_BACK, IDC_CMD_NEXT, IDCANCEL});
 }
 
 /// In the order of the Tab key: each page is put before the wizard's own buttons.

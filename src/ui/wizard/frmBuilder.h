@@ -28,6 +28,7 @@ class pagWelcome;
 /// start. The build itself is clsWizardBuild's.
 class frmBuilder : public clsDialog {
 public:
+    /// @param paths where the program looks for catalogue and archives
     explicit frmBuilder(ProgramPaths paths);
     frmBuilder(const frmBuilder&) = delete;
     frmBuilder& operator=(const frmBuilder&) = delete;

@@ -11,6 +11,7 @@ namespace vesk {
 /// The modal dialog through which a build downloads one archive.
 class frmProgress : public clsDialog, private DownloadSessionEvents {
 public:
+    /// @param owner window that is disabled while the dialog is open
     explicit frmProgress(HWND owner) : owner_(owner) {}
 
     /// Downloads and checks one archive; returns when that is over or the user cancelled it.

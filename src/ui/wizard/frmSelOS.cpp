@@ -38,10 +38,9 @@ void frmSelOS::OnCreated() {
                                           .whenEmpty = kNothingYet});
     layout_.Attach(Window());
     layout_.Add(list_.Window(), clsLayout::kGrowX | clsLayout::kGrowY);
-    layout_.Add(Control(IDC_LABEL1), clsLayout::kGrowX | clsLayout::kMoveY);
-    layout_.Add(Control(IDC_CMD_STOP), clsLayout::kMoveY);
-    layout_.Add(Control(IDC_CMD_SELECT), clsLayout::kMoveX | clsLayout::kMoveY);
-    layout_.Add(Control(IDCANCEL), clsLayout::kMoveX | clsLayout::kMoveY);
+    layout_.Follow(clsLayout::kGrowX | clsLayout::kMoveY, {IDC_LABEL1});
+    layout_.Follow(clsLayout::kMoveY, {IDC_CMD_STOP});
+    layout_.Follow(clsLayout::kMoveX | clsLayout::kMoveY, {IDC_CMD_SELECT, IDCANCEL});
     PostMessageA(Window(), kScanMessage, 0, 0);
 }
 

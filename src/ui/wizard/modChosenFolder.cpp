@@ -2,7 +2,7 @@
 
 #include "base/Failure.h"
 #include "base/Problem.h"
-#include "ui/kit/modWindow.h"
+#include "ui/kit/clsWaitCursor.h"
 
 namespace vesk {
 
@@ -30,7 +30,7 @@ clsFolderGuard GuardOf(const std::string& programPath, const std::string& source
 
 ChosenFolder LookAtFolder(const std::string& text, const std::string& programPath,
                           const std::string& sourceFolder) {
-    const WaitCursor wait;
+    const clsWaitCursor wait;
     const clsInstallFolder folder(text, GuardOf(programPath, sourceFolder));
     ChosenFolder chosen{folder, folder.Content()};
     if (chosen.IsForeign() && folder.KeepsForeign())

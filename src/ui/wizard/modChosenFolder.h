@@ -11,6 +11,7 @@ struct ChosenFolder {
     clsInstallFolder folder;
     FolderContent content;
 
+    /// Whether it holds what no build made.
     [[nodiscard]] bool IsForeign() const { return content.kind == FolderContent::Kind::Foreign; }
 
     /// What is said before a foreign folder is emptied; empty for any other folder.

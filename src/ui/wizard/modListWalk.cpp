@@ -1,17 +1,11 @@
 #include "ui/wizard/modListWalk.h"
 
 #include "base/Failure.h"
+#include "base/RunTimeError.h"
 
 #include <algorithm>
-#include <cstdint>
 
 namespace vesk {
-
-namespace {
-
-constexpr std::uint32_t kOverflow = 6;
-
-} // namespace
 
 void WalkTicks(std::vector<CatalogueEntry>& entries, std::size_t lines, const TickAccess& ticks) {
     const std::size_t count = std::min(lines, entries.size());

@@ -14,14 +14,11 @@ struct TickAccess {
     std::function<void(std::size_t line, bool ticked)> setTick;
 };
 
-/// How many lines of a list can be ticked.
-inline constexpr std::size_t kMostLines = 256;
-
 /// Brings list and catalogue into agreement after a click: the line of a locked entry springs back
 /// to the entry's own state, every other entry takes over its line's tick.
 /// @param lines number of lines in the list; the entries may have more
-/// @throws Failure 6 "Overflow" behind the 256th line: the lines are counted in one byte, and a
-///         catalogue beyond that is refused here rather than half obeyed.
+/// @throws Failure 6 "Overflow" behind line kMostLines: a catalogue beyond that is refused here
+///         rather than half obeyed.
 void WalkTicks(std::vector<CatalogueEntry>& entries, std::size_t lines, const TickAccess& ticks);
 
 } // namespace vesk

@@ -36,9 +36,8 @@ void pagBuild::FocusLog() {
 void pagBuild::OnCreated() {
     list_.Attach(Control(IDC_LST_PROGRESS));
     layout_.Attach(Window());
-    layout_.Add(Control(IDC_LBL_FILE), clsLayout::kGrowX);
-    layout_.Add(Control(IDC_BAR_OVERALL), clsLayout::kGrowX);
-    layout_.Add(Control(IDC_LST_PROGRESS), clsLayout::kGrowX | clsLayout::kGrowY);
+    layout_.Follow(clsLayout::kGrowX, {IDC_LBL_FILE, IDC_BAR_OVERALL});
+    layout_.Follow(clsLayout::kGrowX | clsLayout::kGrowY, {IDC_LST_PROGRESS});
 }
 
 INT_PTR pagBuild::Handle(UINT message, WPARAM wparam, LPARAM lparam) {

@@ -10,6 +10,7 @@ namespace vesk {
 /// The page that shows what will be built, and above that what will be lost.
 class pagSummary : public clsDialog {
 public:
+    /// Makes the page's window. @param wizard the dialog that it is in
     explicit pagSummary(HWND wizard);
 
     /// Shows a text, lines ended by CR LF.

@@ -77,8 +77,8 @@ void pagWelcome::OnCreated() {
     // The text stands exactly below the heading.
     SendMessageA(Control(IDC_TXT_WELCOME), EM_SETMARGINS, EC_LEFTMARGIN, 0);
     layout_.Attach(Window());
-    layout_.Add(Control(IDC_TXT_WELCOME), clsLayout::kGrowX | clsLayout::kGrowY);
-    layout_.Add(Control(IDC_LBL_WELCOME_NEXT), clsLayout::kMoveY);
+    layout_.Follow(clsLayout::kGrowX | clsLayout::kGrowY, {IDC_TXT_WELCOME});
+    layout_.Follow(clsLayout::kMoveY, {IDC_LBL_WELCOME_NEXT});
 }
 
 INT_PTR pagWelcome::Handle(UINT message, WPARAM wparam, LPARAM) {

@@ -12,6 +12,7 @@ namespace vesk {
 /// The first page: what the program is, with links that open when they are clicked.
 class pagWelcome : public clsDialog {
 public:
+    /// Makes the page's window. @param wizard the dialog that it is in
     explicit pagWelcome(HWND wizard);
 
     /// Shows a text, lines ended by CR LF; addresses in it become links.

@@ -68,10 +68,6 @@ public:
               sections(CatalogueText(catalogue, "")));
     }
 
-    void CheckShows(const std::string& name) const {
-        WizardDriver::CheckShows(Window(), name, program_.Folder().Path());
-    }
-
 private:
     const ProgramFolder& program_;
 };

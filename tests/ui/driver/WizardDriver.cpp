@@ -113,7 +113,8 @@ void EndProgram(HANDLE process) {
 }
 
 WizardDriver::WizardDriver(const std::string& program, const std::string& arguments,
-                           const std::string& title) {
+                           const std::string& title)
+    : folder_(ParentOf(ParentOf(program))) {
     std::string commandLine = "\"" + program + "\" " + arguments;
     STARTUPINFOA startup{};
     startup.cb = sizeof startup;
@@ -198,15 +199,14 @@ std::vector<HWND> WizardDriver::TabOrder() const {
     return order;
 }
 
-void WizardDriver::CheckShows(HWND dialog, const std::string& name,
-                              const std::string& folder) const {
+void WizardDriver::CheckShows(HWND dialog, const std::string& name) const {
     const std::string wanted = ExpectedText("windows/" + name);
     std::string shown;
     for (int attempt = 0; attempt < 2 && shown != wanted; ++attempt) {
         const std::vector<HWND> tabs = TabOrder(); // it changes with what is enabled later
         WaitUntil(
             [&] {
-                shown = ReplaceAll(Contents(dialog, tabs), folder, "{FOLDER}");
+                shown = ReplaceAll(Contents(dialog, tabs), folder_, "{FOLDER}");
                 return shown == wanted || HasEnded();
             },
             10000);

@@ -52,8 +52,9 @@ public:
 
     /// Compares what a dialog shows with tests/data/windows/NAME.txt, once it has come to that: a
     /// line for each control with its place in the Tab order, its text or lines, and whether it is
-    /// disabled. @param folder stands as {FOLDER} in the file
-    void CheckShows(HWND dialog, const std::string& name, const std::string& folder) const;
+    /// disabled. The folder that the program's folder is in stands as {FOLDER} in the file.
+    void CheckShows(HWND dialog, const std::string& name) const;
+    void CheckShows(const std::string& name) const { CheckShows(window_, name); }
 
     /// A control of the main window or of one of its pages.
     [[nodiscard]] HWND Control(int id) const;
@@ -138,6 +139,7 @@ private:
 
     UniqueHandle<EndProgram, HANDLE> process_;
     DWORD processId_ = 0;
+    std::string folder_;
     HWND window_ = nullptr;
 };
 

@@ -1,6 +1,6 @@
 #include "EditorDriver.h"
 
-#include <commctrl.h>
+#include "ExpectedText.h"
 
 using namespace vesk;
 using namespace vesk::test;
@@ -28,7 +28,7 @@ TEST_CASE("categories are edited, and plug-ins follow a key that became another"
     const Editor editor(program);
     {
         const CategoriesDialog dialog(editor);
-        editor.WizardDriver::CheckShows(dialog.window, "categories", "");
+        editor.CheckShows(dialog.window, "categories");
         TypeIn(dialog.window, IDC_TXT_CATEGORY_KEY, "dropped");
         editor.Answer(dialog.window, IDCANCEL);
         CHECK(editor.Text(IDC_LBL_STATE).empty());
@@ -45,7 +45,7 @@ TEST_CASE("categories are edited, and plug-ins follow a key that became another"
                     "The category '200': there is a category with the key \"200\" before it.",
                     IDOK);
     TypeIn(dialog.window, IDC_TXT_CATEGORY_KEY, "300");
-    editor.WizardDriver::CheckShows(dialog.window, "categories_edited", "");
+    editor.CheckShows(dialog.window, "categories_edited");
     editor.Answer(dialog.window, IDOK);
     editor.AwaitState("There are unsaved edits.");
     CHECK(editor.Items(IDC_CMB_BASE_PLUGIN + kCategory) ==
@@ -63,6 +63,6 @@ TEST_CASE("categories are edited, and plug-ins follow a key that became another"
     const CategoriesDialog again(editor);
     SendDlgItemMessageA(again.window, IDC_LST_CATEGORIES, WM_KEYDOWN, VK_DOWN, 1);
     ClickIn(again.window, IDC_CMD_CATEGORY_REMOVE);
-    CHECK(editor.AnswerBox("Category", IDNO).find("holds 2 plug-ins") != std::string::npos);
+    CheckHolds(editor.AnswerBox("Category", IDNO), "holds 2 plug-ins");
     editor.Answer(again.window, IDCANCEL);
 }

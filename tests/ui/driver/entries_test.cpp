@@ -3,8 +3,6 @@
 #include "base/modText.h"
 #include "base/modWide.h"
 
-#include <commctrl.h>
-
 #include <cstdlib>
 
 using namespace vesk;
@@ -125,7 +123,7 @@ TEST_CASE("the check goes through the edited catalogue and leads to the entry") 
     editor.Click(IDC_CMD_CHECK);
     const HWND dialog = editor.AwaitDialog("Check");
     const HWND list = GetDlgItem(dialog, IDC_LST_PROBLEMS);
-    editor.WizardDriver::CheckShows(dialog, "check", program.Folder().Path());
+    editor.CheckShows(dialog, "check");
     const LONG listWidth = Width(list);
     SetWindowPos(dialog, nullptr, 0, 0, Width(dialog) + 90, 0, SWP_NOMOVE | SWP_NOZORDER);
     AWAIT(editor, Width(list) == listWidth + 90);

@@ -30,7 +30,7 @@ TEST_CASE("unsaved edits are asked about, and survive a save that fails") {
     editor.CheckBox("Plugin Setup", question, IDYES);
     const std::string told = editor.AnswerBox("Plugin Setup", IDOK);
     CheckStarts(told, "The catalogue could not be saved.\r\nCannot ");
-    CHECK(told.find(kCatalogueFileName) != std::string::npos);
+    CheckHolds(told, kCatalogueFileName);
     CHECK_FALSE(editor.HasEnded());
     CHECK(editor.Text(IDC_TXT_BASE) == "t?n");
     CHECK(editor.Text(IDC_LBL_STATE) == "There are unsaved edits.");
@@ -57,8 +57,7 @@ TEST_CASE(
     };
     const auto copy = [&](int answer) {
         browse(outside, IDOK);
-        CHECK(editor.AnswerBox("Browse for File", answer).find("is not in the program folder") !=
-              std::string::npos);
+        CheckHolds(editor.AnswerBox("Browse for File", answer), "is not in the program folder");
     };
     browse(program.Path() + "here.zip", IDCANCEL);
     copy(IDCANCEL);
@@ -112,7 +111,7 @@ TEST_CASE("nothing that others wrote, or that could not be read, is written over
     const std::string broken = ReplaceAll(ReadWholeFile(file), "[Categories]", "[Plugin]");
     const auto asks = [](const Editor& editor, const std::string& words, int answer) {
         editor.Click(IDC_CMD_APPLY);
-        CHECK(editor.AnswerBox("Plugin Setup", answer).find(words) != std::string::npos);
+        CheckHolds(editor.AnswerBox("Plugin Setup", answer), words);
     };
     {
         const Editor editor(program);
@@ -131,8 +130,8 @@ TEST_CASE("nothing that others wrote, or that could not be read, is written over
     WriteCompleteFile(file, broken);
     const Editor editor(program);
     const std::string told = editor.AnswerBox("Plugin Setup", IDOK);
-    CHECK(told.find("two sections [Plugin]") != std::string::npos);
-    CHECK(told.find("-setup") == std::string::npos); // it is open
+    CheckHolds(told, "two sections [Plugin]");
+    CHECK_FALSE(Holds(told, "-setup")); // it is open
     CHECK(editor.Items(IDC_CMB_BASE_PLUGIN) == Names{"Alpha", "Beta", "Gamma"});
     asks(editor, "could be read", IDYES); // enabled without an edit: it mends the file
     editor.AwaitState("Saved.");

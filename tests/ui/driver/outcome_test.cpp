@@ -4,8 +4,6 @@
 #include "build/clsBuildLog.h"
 #include "source/WindowsCd.h"
 
-#include <commctrl.h>
-
 using namespace vesk;
 using namespace vesk::test;
 
@@ -34,7 +32,7 @@ TEST_CASE("a build with problems lists them, to be read, copied and found again 
     const std::string saved = ReadWholeFile(program.Path() + kProblemsFileName);
     wizard.Click(IDC_CMD_PROBLEMS);
     const HWND dialog = wizard.AwaitDialog(""); // its title tells their number
-    wizard.CheckShows(dialog, "problems", program.Folder().Path());
+    wizard.CheckShows(dialog, "problems");
     ClickIn(dialog, IDC_CMD_COPY);
     wizard.AwaitClipboard(saved); // no line is selected: all of them
     const HWND list = GetDlgItem(dialog, IDC_LST_NOT_DONE);
@@ -60,7 +58,7 @@ TEST_CASE("the password of an archive is asked for, again while it is wrong, and
     const auto answer = [&](const std::string& text, const std::string& name) {
         const HWND box = wizard.AwaitDialog("Please Enter The Password!");
         if (!name.empty())
-            wizard.CheckShows(box, name, "");
+            wizard.CheckShows(box, name);
         TypeIn(box, IDC_TXT_PASSWORD, text);
         const HWND field = GetDlgItem(box, IDC_TXT_PASSWORD);
         CHECK((GetWindowLongA(field, GWL_STYLE) & ES_PASSWORD) != 0);

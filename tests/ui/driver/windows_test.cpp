@@ -190,8 +190,9 @@ TEST_CASE("a link opens by a click on it, and by none beside the text") {
     click(MAKELPARAM(inside.right - 3, HIWORD(link) + 3)); // behind it
     CHECK_FALSE(WaitUntil([&] { return FileExists(trace); }, 700));
     click(MAKELPARAM(LOWORD(link) + 2, HIWORD(link) + 3));
-    AWAIT(wizard, Holds(ReadWholeFile(trace), "mailto:"));
+    AWAIT(wizard, ReadWholeFile(trace).ends_with('\n')); // written after the text, in its own time
     CHECK(std::ranges::count(ReadWholeFile(trace), '\n') == 1);
+    CHECK(Holds(ReadWholeFile(trace), "mailto:"));
 }
 
 TEST_CASE("more plug-ins than can be ticked: said once, and the others keep what is built") {
@@ -233,7 +234,7 @@ TEST_CASE("an entry's details open by a double click, with a long name as a whol
     for (const UINT message : {WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_LBUTTONUP})
         PostMessageA(list, message, MK_LBUTTON, MAKELPARAM(60, FirstLine(list)));
     const HWND dialog = wizard.AwaitDialog("Component");
-    wizard.CheckShows(dialog, "details", "");
+    wizard.CheckShows(dialog, "details");
     const HWND field = GetDlgItem(dialog, IDC_LBL_ITEM_NAME);
     const LRESULT lines = SendMessageA(field, EM_GETLINECOUNT, 0, 0);
     CHECK(lines > 1);

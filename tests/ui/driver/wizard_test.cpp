@@ -23,19 +23,32 @@ bool ShowsColour(HWND control, COLORREF colour) {
     return found;
 }
 
+/// While it lives the system has no file dialog of Windows Vista.
+class WithoutFileDialog {
+public:
+    WithoutFileDialog() { SetLibrary("none"); }
+    ~WithoutFileDialog() { SetLibrary(R"(C:\windows\system32\comdlg32.dll)"); }
+    WithoutFileDialog(const WithoutFileDialog&) = delete;
+    WithoutFileDialog& operator=(const WithoutFileDialog&) = delete;
+
+private:
+    static void SetLibrary(const char* path) {
+        CHECK(RegSetValueA(HKEY_CLASSES_ROOT,
+                           R"(CLSID\{DC1C5A9C-E88A-4DDE-A5A1-60F82A20AEF7}\InProcServer32)", REG_SZ,
+                           path, 0) == ERROR_SUCCESS);
+    }
+};
+
 } // namespace
 
 TEST_CASE("a whole build, page by page, each compared with what it is to show") {
     const ProgramFolder program;
     WriteCd(program.Folder(), "cd\\I386", "Windows XP Home", "win51.sp2", true);
     const Wizard wizard(program);
-    const auto shows = [&](const std::string& name) {
-        wizard.CheckShows(wizard.Window(), name, program.Folder().Path());
-    };
-    shows("welcome");
+    wizard.CheckShows("welcome");
     const std::string welcome = wizard.Heading();
     wizard.Next(kBaseHeading);
-    shows("base");
+    wizard.CheckShows("base");
     wizard.GoTo(IDC_CMD_BACK, welcome);
     wizard.Next(kBaseHeading);
     wizard.PressSpaceOn(IDC_LST_BASE, 0); // locked: it springs back
@@ -43,19 +56,19 @@ TEST_CASE("a whole build, page by page, each compared with what it is to show") 
     wizard.SetText(IDC_TXT_WIN_PATH, program.Folder() / "cd");
     wizard.Next(kPluginsHeading);
     wizard.GoTo(IDC_CMD_BACK, kBaseHeading);
-    shows("base_with_source");
+    wizard.CheckShows("base_with_source");
     wizard.Next(kPluginsHeading);
     for (const int line : {0, 1, 2})
         wizard.PressSpaceOn(IDC_LST_PLUGINS, line);
-    shows("plugins");
+    wizard.CheckShows("plugins");
     wizard.Next(kSummaryHeading);
     wizard.GoTo(IDC_CMD_BACK, kPluginsHeading);
     wizard.Next(kSummaryHeading);
-    shows("summary");
+    wizard.CheckShows("summary");
 
     wizard.Click(IDC_CMD_NEXT);
     wizard.AwaitFinish();
-    shows("build");
+    wizard.CheckShows("build");
     DWORD_PTR none = 0; // the click does nothing here: no question keeps it
     CHECK(SendMessageTimeoutA(wizard.Control(IDCANCEL), BM_CLICK, 0, 0, SMTO_NORMAL, 15000, &none));
     CHECK_FALSE(wizard.HasEnded());
@@ -123,6 +136,17 @@ TEST_CASE("leaving is asked for on each page, by Cancel, the title bar and Escap
     wizard.Click(IDCANCEL);
     wizard.AnswerBox("Confirm Action", IDYES);
     CHECK(wizard.AwaitEnd() == 0);
+}
+
+TEST_CASE("a folder is browsed for as Windows XP does it, beginning with the one that is named") {
+    const ProgramFolder program;
+    const WithoutFileDialog none;
+    const Wizard wizard(program);
+    wizard.Next(kBaseHeading);
+    wizard.SetText(IDC_TXT_WIN_PATH, R"(C:\windows\system32)");
+    wizard.Click(IDC_CMD_WIN_PATH);
+    wizard.Answer(wizard.AwaitDialog("Browse for Folder"), IDOK);
+    AWAIT(wizard, wizard.Text(IDC_TXT_WIN_PATH) == R"(C:\windows\system32\)");
 }
 
 TEST_CASE("a Windows source is typed, browsed for and searched for, and shown as usable or not") {

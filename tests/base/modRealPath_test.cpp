@@ -1,4 +1,4 @@
-#include "base/RealPath.h"
+#include "base/modRealPath.h"
 
 #include <windows.h>
 
@@ -20,5 +20,6 @@ TEST_CASE("names of the system's core lead to paths") {
     CHECK(PathOfDeviceName(L"\\Device\\NamedPipe\\a").empty());
     CHECK(PathOfDeviceName(L"\\??\\Z:\\a") == L"Z:\\a");
     CHECK(PathOfDeviceName(L"\\??\\UNC\\server\\share\\a") == L"\\\\server\\share\\a");
+    CHECK(PathOfDeviceName(L"\\??\\unix\\root").empty()); // in Wine, beyond all drives
     CHECK(PathOfDeviceName(L"").empty());
 }

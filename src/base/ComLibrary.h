@@ -4,8 +4,6 @@
 
 #include <objbase.h>
 
-#include <memory>
-
 namespace vesk {
 
 /// The COM library on the current thread for as long as this lives. A thread that uses it in
@@ -24,17 +22,5 @@ public:
 private:
     bool ready_;
 };
-
-/// Gives a reference back; what ComPointer deletes with.
-struct ComRelease {
-    template <class Interface>
-    void operator()(Interface* object) const {
-        object->Release();
-    }
-};
-
-/// Owns one reference to a COM object.
-template <class Interface>
-using ComPointer = std::unique_ptr<Interface, ComRelease>;
 
 } // namespace vesk

@@ -1,4 +1,4 @@
-#include "base/RealPath.h"
+#include "base/modRealPath.h"
 
 #include "base/UniqueHandle.h"
 #include "base/modSystemLibrary.h"
@@ -58,6 +58,13 @@ std::wstring WithLongNames(const std::wstring& path) {
 
 namespace {
 
+/// The path without its prefix; empty for one that leads past all drives and shares.
+std::wstring UsualPath(const std::wstring& path) {
+    const std::wstring usual = WithoutLongPrefix(path);
+    const bool isUsual = usual.starts_with(L"\\\\") || (usual.size() > 2 && usual[1] == L':');
+    return isUsual ? usual : std::wstring();
+}
+
 /// What the system's interface says; before Windows Vista it has nothing to say.
 std::wstring FinalPathOf(HANDLE handle) {
     using Function = DWORD(WINAPI*)(HANDLE, LPWSTR, DWORD, DWORD);
@@ -72,9 +79,7 @@ std::wstring FinalPathOf(HANDLE handle) {
         length = function(handle, real.data(), kLongest, 0);
     }
     real.resize(length < real.size() ? length : 0);
-    real = WithoutLongPrefix(real);
-    const bool isPath = real.starts_with(L"\\\\") || (real.size() > 2 && real[1] == L':');
-    return isPath ? real : std::wstring();
+    return UsualPath(real);
 }
 
 std::wstring DeviceNameOf(HANDLE handle) {
@@ -96,7 +101,7 @@ std::wstring DeviceNameOf(HANDLE handle) {
 std::wstring PathOfDeviceName(const std::wstring& name) {
     constexpr std::wstring_view kPath = L"\\??\\";
     if (name.starts_with(kPath))
-        return WithoutLongPrefix(L"\\\\?\\" + name.substr(kPath.size()));
+        return UsualPath(L"\\\\?\\" + name.substr(kPath.size()));
     for (std::wstring drive = L"A:"; drive[0] <= L'Z'; ++drive[0]) {
         std::array<wchar_t, MAX_PATH> letters{};
         const DWORD length = QueryDosDeviceW(drive.c_str(), letters.data(), letters.size());

@@ -1,4 +1,4 @@
-#include "base/FolderEntries.h"
+#include "base/modFolderEntries.h"
 
 #include "base/UniqueHandle.h"
 #include "base/modWide.h"

@@ -13,6 +13,7 @@ struct FolderEntry {
     std::uint32_t attributes = 0; ///< FILE_ATTRIBUTE_ bits.
     std::uint64_t size = 0;       ///< Bytes; 0 for a folder.
 
+    /// A folder, or a link to one.
     [[nodiscard]] bool IsFolder() const;
     /// A junction, a symbolic link, or anything else that stands in for another place.
     [[nodiscard]] bool IsLink() const;

@@ -1,4 +1,4 @@
-#include "base/Trace.h"
+#include "base/modTrace.h"
 
 namespace vesk {
 
