@@ -2,6 +2,7 @@
 
 #include "TestFolder.h"
 #include "base/Failure.h"
+#include "base/modText.h"
 
 using namespace vesk;
 using namespace vesk::test;
@@ -60,20 +61,25 @@ TEST_CASE("a complete file replaces the old one, or leaves it as it was") {
     CHECK(ReadWholeFile(path) == "new");
     const std::string source = folder.Write("other", "copied");
     SetFileAttributesA(source.c_str(), FILE_ATTRIBUTE_READONLY);
-    {
-        const FileHandle lock = OpenExclusively(path);
+    for (const std::string& locked : {folder.Write("a.ini.new", ""), path}) {
+        const FileHandle lock = OpenExclusively(locked);
         CHECK_THROWS_AS(CopyCompleteFile(source, path), Failure);
     }
-    CHECK_THROWS_AS(CopyCompleteFile(folder / "none", path), Failure);
     CHECK(ReadWholeFile(path) == "new");
-    CHECK_FALSE(FileExists(path + ".new"));
     CopyCompleteFile(source, path);
     CHECK(ReadWholeFile(path) == "copied");
+    CHECK_FALSE(FileExists(path + ".new"));
 }
 
 TEST_CASE("absolute paths") {
-    CHECK(AbsolutePath("C:") == "C:\\");
-    CHECK(AbsolutePath("c:") == "c:\\");
+    const TestFolder folder;
+    const std::string before = AbsolutePath(".");
+    REQUIRE(SetCurrentDirectoryA(folder.Path().c_str()));
+    for (const std::string& drive :
+         {UpperCase(folder.Path().substr(0, 2)), LowerCase(folder.Path().substr(0, 2))})
+        CHECK(AbsolutePath(drive) == drive + "\\");
+    CHECK(AbsolutePath("x") == folder / "x");
+    SetCurrentDirectoryA(before.c_str());
     CHECK(AbsolutePath("C:\\a\\..\\\\b/c.\\.") == "C:\\b\\c");
     CHECK(AbsolutePath("\\\\?\\C:\\a") == "\\\\?\\C:\\a");
     CHECK(AbsolutePath("\\\\server\\share\\..") == "\\\\server\\share\\");
