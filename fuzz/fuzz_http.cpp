@@ -82,6 +82,8 @@ void CheckInput(const std::string& text) {
     facts.content = text;
     Require(WhyFailed(facts).find_first_of("\r\n") == std::string::npos);
     WhyCrcDiffers(facts, "1", "2");
+    Require(WhyNotExpected(facts, "a fault").ends_with(": a fault"));
+    Require(ConnectsTo(text, {}).find_first_of("\r\n") == std::string::npos);
     Require(HostOfUrl(text).find('/') == std::string::npos);
     if (IsRequestable(text))
         for (const std::int32_t access : {kAccessDirect, kAccessProxy, kAccessPathThroughProxy}) {
