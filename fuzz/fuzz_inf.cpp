@@ -12,6 +12,17 @@ std::string Plain(std::string text) {
     return LowerCase(text);
 }
 
+/// A menu's name stands behind the section's first comma, up to the line's end.
+void CheckMenuFile(const std::string& text) {
+    const std::string line = text.substr(0, text.find('\r'));
+    Require(AppendMenuFile("[Append]\r\nnu2menu.xml, " + text + "\r\n") == TrimBlanks(line));
+    const std::string file = AppendMenuFile(text);
+    if (file.empty())
+        return;
+    const std::size_t start = text.find(',', LowerCase(text).find("[append]")) + 1;
+    Require(file == TrimBlanks(text.substr(start, text.find('\r', start) - start)));
+}
+
 } // namespace
 
 void CheckInput(const std::string& text) {
@@ -20,11 +31,11 @@ void CheckInput(const std::string& text) {
         Require(edited->size() > text.size());
         Require(Plain(*edited) == Plain(text));
     }
-    Require(AppendMenuFile(text).size() <= text.size());
+    CheckMenuFile(text);
     Require(text.find(StripLeadingNumbering(text)) != std::string::npos);
     if (const auto name = PrefixedName(text, "100"))
         Require(name->starts_with("100"));
-    ListHolds(text, "1");
+    Require(ListHolds(text, "1") == (("," + text + ",").find(",1,") != std::string::npos));
     Require(ListHolds("0," + text + ",2", text) == (text.find(',') == std::string::npos));
     try {
         SeparatorName("100", text);

@@ -37,7 +37,7 @@ void CheckWritten(const std::string& text) {
     catalogue.categories = {{"100_tools", "100", "Tools"}};
     const IniText file = ParseIni(CatalogueText(catalogue, "1/1/2006"));
     Require(file.sections.size() == 4 && file.lost.empty());
-    Require(CatalogueFault(file).empty());
+    Require(CatalogueFault(file).empty() && CatalogueSurplus(file).empty());
     const auto& keys = file.sections[2].keys;
     Require(keys.size() == 7 && keys[0].value == entry.name && keys[1].value == entry.zip);
     Require(ToBoolean(keys[3].value) == entry.enabled);
@@ -74,6 +74,7 @@ void CheckInput(const std::string& text) {
     }
     Require(SectionListLength(file.sections) == length);
     CatalogueFault(file);
+    CatalogueSurplus(file);
     const std::vector<std::string> names = SplitNameList(text);
     Require(!names.empty() && names.back().empty());
     CheckWritten(text);

@@ -1,5 +1,6 @@
 #include "Input.h"
 #include "base/Failure.h"
+#include "base/modText.h"
 #include "script/modScriptText.h"
 
 #include <algorithm>
@@ -8,19 +9,52 @@ using namespace vesk;
 
 namespace {
 
-/// What a script would do, counted: no line does more than one thing.
-struct Counter : ScriptTarget {
+/// What a script would do: each thing is what was logged just before.
+struct Witness : ScriptTarget {
     void AddLogLine(const std::string& line) override {
         Require(line.find_first_of("\r\n") == std::string::npos);
+        logged = line;
     }
-    void CreateKey(std::uint32_t, const std::string&) override { ++effects; }
-    void SetValue(std::uint32_t, const std::string&, const std::string&, const std::string&,
-                  std::uint32_t) override {
-        ++effects;
+    void CreateKey(std::uint32_t root, const std::string& key) override {
+        Require(logged.starts_with("  Registry Write: ") && logged.ends_with("\\" + key));
+        Take("regwrite", root, key);
     }
-    void MakeFolder(const std::string&) override { ++effects; }
-    std::size_t effects = 0;
+    void SetValue(std::uint32_t root, const std::string& key, const std::string& name,
+                  const std::string& data, std::uint32_t type) override {
+        Require(logged.starts_with("  Registry Write: "));
+        Require(logged.ends_with("\\" + key + " \"" + name + "\" = " + data));
+        Require(type == kRegistryText || type == kRegistryExpandableText ||
+                type == kRegistryBinary || type == kRegistryNumber || type == kRegistryTextList);
+        Take("regwrite", root, key);
+        try {
+            const std::string bytes = RegistryBytes(data, type);
+            Require(type != kRegistryText || bytes == data + '\0');
+            Require(type != kRegistryNumber || bytes.size() == 4);
+        } catch (const Failure&) { // data of another type
+        }
+    }
+    void MakeFolder(const std::string& path) override {
+        Require(logged == "  Directory Create: " + path);
+        done.emplace_back("dirmake");
+    }
+    void Take(const char* command, std::uint32_t root, const std::string& key) {
+        Require(root == 0 || root == 0x80000001 || root == 0x80000006);
+        Require(key.find('"') == std::string::npos);
+        done.emplace_back(command);
+    }
+    std::string logged;
+    std::vector<std::string> done;
 };
+
+/// The commands of some lines, whatever is behind them.
+std::vector<std::string> CommandsOf(const std::vector<std::string>& lines, const ScriptBody& body) {
+    std::vector<std::string> commands;
+    for (std::size_t i = body.first; i <= body.last && i < lines.size(); ++i)
+        for (const char* command : {"regwrite", "dirmake"})
+            if (LowerCase(lines[i].substr(0, lines[i].find(','))) == command)
+                commands.emplace_back(command);
+    return commands;
+}
 
 } // namespace
 
@@ -37,12 +71,15 @@ void CheckInput(const std::string& text) {
     for (const char* section : {"[base]", "[plugins]"}) {
         const ScriptBody body = FindScriptBody(lines, section);
         Require(body.last < body.first || body.last < lines.size());
-        Counter counter;
+        Witness witness;
+        std::vector<std::string> commands = CommandsOf(lines, body);
         try {
-            RunScript(lines, section, {"C:\\tree", "D:\\"}, counter);
-        } catch (const Failure&) { // an ordinary answer
+            RunScript(lines, section, {"C:\\tree", "D:\\"}, witness);
+        } catch (const Failure&) { // an ordinary answer: what was done before it was in this order
+            Require(witness.done.size() <= commands.size());
+            commands.resize(witness.done.size());
         }
-        Require(counter.effects <= lines.size());
+        Require(witness.done == commands);
     }
     Require(ExpandScriptVariables(text, {"P", "S"}).size() <= text.size() + 1);
 }

@@ -1,6 +1,8 @@
 /// replay ROUNDS FOLDER: checks each file of a folder as an input, and so many drawn changes of
-/// each one. Where there is no libFuzzer this stands in for it; it always draws the same.
+/// each one. Where there is no libFuzzer this stands in for it; it always draws the same. An input
+/// that takes longer than 10 s ends it, and so does one that throws.
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -13,6 +15,16 @@
 void CheckInput(const std::string& text);
 
 namespace {
+
+void CheckInTime(const std::string& text) {
+    constexpr auto kMost = std::chrono::seconds(10);
+    const auto start = std::chrono::steady_clock::now();
+    CheckInput(text);
+    if (std::chrono::steady_clock::now() - start <= kMost)
+        return;
+    std::fprintf(stderr, "an input of %zu bytes took more than 10 s\n", text.size());
+    std::abort();
+}
 
 void Change(std::string& text, const std::string& other, std::mt19937& draw) {
     const auto below = [&](std::size_t limit) { return limit == 0 ? 0 : draw() % limit; };
@@ -53,12 +65,12 @@ int main(int count, char** words) {
     }
     std::mt19937 draw(1); // NOLINT(bugprone-random-generator-seed): the same each time
     for (const std::string& input : inputs) {
-        CheckInput(input);
+        CheckInTime(input);
         for (long round = 0; round < rounds; ++round) {
             std::string text = input;
             for (unsigned changes = 1 + draw() % 4; changes > 0; --changes)
                 Change(text, inputs[draw() % inputs.size()], draw);
-            CheckInput(text);
+            CheckInTime(text);
         }
     }
     std::printf("%zu inputs\n", inputs.size());

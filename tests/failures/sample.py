@@ -86,8 +86,9 @@ class Sample:
 
 
 def catalogue_text(folder):
-    """Without the day on which it was saved."""
-    return re.sub(rb"(?m)^; Date: .*$", b"", (folder / "veskbuilder.ini").read_bytes())
+    """Without the day on which it was saved; empty where there is none."""
+    path = folder / "veskbuilder.ini"
+    return re.sub(rb"(?m)^; Date: .*$", b"", path.read_bytes() if path.exists() else b"")
 
 
 class SavedCatalogue:
