@@ -1,4 +1,5 @@
 #include "Input.h"
+#include "archive/modArchiveName.h"
 #include "base/modText.h"
 #include "catalogue/modCatalogueCheck.h"
 #include "catalogue/modCatalogueFaults.h"
@@ -78,7 +79,8 @@ void CheckInput(const std::string& text) {
     const std::vector<std::string> names = SplitNameList(text);
     Require(!names.empty() && names.back().empty());
     CheckWritten(text);
-    CheckDigest(text, "A" + Field(text));
+    if (const std::string name = "A" + Field(text); IsPlainFileName(name))
+        CheckDigest(text, name);
     for (const auto& [known, digest] : ParseSha256Text(text).digests)
         CheckDigest(text, known);
 }
