@@ -1,8 +1,8 @@
 #include "catalogue/clsSha256List.h"
 
 #include "base/Failure.h"
-#include "base/modResumeNext.h"
 #include "base/modFile.h"
+#include "base/modResumeNext.h"
 #include "base/modSha256.h"
 #include "base/modText.h"
 #include "base/modUtf8.h"

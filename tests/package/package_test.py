@@ -61,7 +61,8 @@ def registry():
             elif not line.startswith("#time") and "PendingFileRename" not in line:
                 lines.add(f"{key} {line}")
     return {line for line in lines
-            if not re.search(r"Explorer|^user\.reg \[Console|\\\\Services\\\\|Session Manager|VolatileEnv|DriverDate|Enum\\\\|"
+            if not re.search(r"Explorer|^user\.reg \[Console|\\\\Services\\\\|Session Manager|"
+                         r"VolatileEnv|DriverDate|Enum\\\\|"
                          r"CurrentVersion\\\\Uninstall ?$", line)}
 
 
