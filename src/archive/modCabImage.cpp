@@ -12,7 +12,7 @@ void Append(std::string& bytes, std::uint64_t value, int count) {
         bytes += static_cast<char>(value >> (8 * i) & 0xFF);
 }
 
-std::string EntryList(const CabDirectory& directory, std::span<const std::size_t> entries) {
+std::string FileRecords(const CabDirectory& directory, std::span<const std::size_t> entries) {
     std::string list;
     for (std::size_t i = 0; i < entries.size(); ++i) {
         const CabEntry& entry = directory.entries[entries[i]];
@@ -31,7 +31,7 @@ std::string CabFolderImage(const CabDirectory& directory, const CabFolder& folde
                            std::span<const std::size_t> entries) {
     constexpr std::size_t kHeadersSize = 36 + 4 + 8;
     constexpr std::uint16_t kHasReserves = 4;
-    const std::string list = EntryList(directory, entries);
+    const std::string list = FileRecords(directory, entries);
     const std::uint64_t dataAt = kHeadersSize + list.size();
     std::string image = "MSCF";
     Append(image, 0, 4);
