@@ -10,6 +10,7 @@ ManifestDPIAware true
 AllowSkipFiles off
 SetCompressor /SOLID lzma
 Name "Vesk Builder"
+BrandingText "Vesk Builder ${VERSION}"
 OutFile "${OUT}"
 VIProductVersion "${VERSION}"
 VIAddVersionKey "ProductName" "Vesk Builder"
@@ -39,6 +40,7 @@ VIAddVersionKey "LegalCopyright" "Copyright (C) 2026 The Vesk Builder authors"
 !include FileFunc.nsh
 
 !define MUI_ICON "..\src\ui\resources\veskbuilder.ico"
+!define MUI_WELCOMEFINISHPAGE_BITMAP "setup.bmp"
 !define MUI_FINISHPAGE_SHOWREADME "$INSTDIR\start-here.txt"
 !define MUI_FINISHPAGE_SHOWREADME_TEXT "Show how to make the first build"
 !insertmacro MUI_PAGE_LICENSE "${STAGE}\license.txt"
