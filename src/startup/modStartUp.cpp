@@ -18,10 +18,12 @@ bool IsWindowsNt() {
     return GetVersionExA(&version) != FALSE && version.dwPlatformId == VER_PLATFORM_WIN32_NT;
 }
 
-bool IsAdministrator() {
+std::optional<bool> IsAdministrator() {
     using IsNtAdmin = BOOL(WINAPI*)(DWORD, DWORD*);
     const auto isNtAdmin = SystemFunction<IsNtAdmin>("advpack.dll", "IsNTAdmin");
-    return isNtAdmin != nullptr && isNtAdmin(0, nullptr) != FALSE;
+    if (isNtAdmin == nullptr)
+        return std::nullopt;
+    return isNtAdmin(0, nullptr) != FALSE;
 }
 
 } // namespace
@@ -66,9 +68,10 @@ SystemProbe WindowsProbe() {
 StartRefusal CheckSystem(const SystemProbe& probe) {
     if (!probe.isWindowsNt())
         return StartRefusal::NotWindowsNt;
-    if (!probe.isAdministrator())
-        return StartRefusal::NotAdministrator;
-    return StartRefusal::None;
+    const std::optional<bool> administrator = probe.isAdministrator();
+    if (!administrator)
+        return StartRefusal::RightsUnknown;
+    return *administrator ? StartRefusal::None : StartRefusal::NotAdministrator;
 }
 
 std::string RefusalText(StartRefusal refusal) {
@@ -77,6 +80,9 @@ std::string RefusalText(StartRefusal refusal) {
         return "Sorry only NT systems supported, setup cannot continue...";
     case StartRefusal::NotAdministrator:
         return "You need to be an Administrator to run this software";
+    case StartRefusal::RightsUnknown:
+        return "Windows could not be asked whether you are an Administrator: its advpack.dll "
+               "cannot be used";
     case StartRefusal::None:
         break;
     }

@@ -38,12 +38,12 @@ void PrepareProcess();
 std::string ReadEnvironmentVariable(const std::string& name);
 
 /// Why the program refuses to start.
-enum class StartRefusal { None, NotWindowsNt, NotAdministrator };
+enum class StartRefusal { None, NotWindowsNt, NotAdministrator, RightsUnknown };
 
 /// What the start-up checks ask of the system; tests answer in its place.
 struct SystemProbe {
     bool (*isWindowsNt)();
-    bool (*isAdministrator)();
+    std::optional<bool> (*isAdministrator)(); ///< Nothing when the system does not say.
 };
 
 /// The probe that asks Windows itself.

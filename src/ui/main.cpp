@@ -38,6 +38,7 @@ bool SystemIsFit() {
     case StartRefusal::None:
         return true;
     case StartRefusal::NotWindowsNt:
+    case StartRefusal::RightsUnknown:
         ShowMessage(nullptr, RefusalText(refusal), "Error", MB_OK | MB_ICONSTOP);
         return false;
     case StartRefusal::NotAdministrator:

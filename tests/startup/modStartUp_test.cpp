@@ -9,9 +9,13 @@ using namespace vesk;
 TEST_CASE("the program refuses what it cannot run on, the system first") {
     const auto yes = [] { return true; };
     const auto no = [] { return false; };
-    CHECK(CheckSystem({no, no}) == StartRefusal::NotWindowsNt);
-    CHECK(CheckSystem({yes, no}) == StartRefusal::NotAdministrator);
-    CHECK(CheckSystem({yes, yes}) == StartRefusal::None);
+    const auto administrator = [] { return std::optional(true); };
+    const auto user = [] { return std::optional(false); };
+    const auto unknown = [] { return std::optional<bool>(); };
+    CHECK(CheckSystem({no, user}) == StartRefusal::NotWindowsNt);
+    CHECK(CheckSystem({yes, user}) == StartRefusal::NotAdministrator);
+    CHECK(CheckSystem({yes, unknown}) == StartRefusal::RightsUnknown);
+    CHECK(CheckSystem({yes, administrator}) == StartRefusal::None);
     CHECK(RefusalText(StartRefusal::NotWindowsNt) ==
           "Sorry only NT systems supported, setup cannot continue...");
     CHECK(RefusalText(StartRefusal::NotAdministrator) ==
