@@ -222,7 +222,7 @@ clsBuildRun::Steps::PeBuilder clsBuildRun::Steps::FetchPeBuilder() {
 
 bool clsBuildRun::Steps::MayReplace(const FolderContent& content) const {
     return content.kind != FolderContent::Kind::Foreign ||
-           (inputs_.replaceForeign && !inputs_.installFolder.KeepsForeign());
+           (inputs_.replaceForeign && inputs_.installFolder.WhyKept(content).empty());
 }
 
 /// Why the folder must not be emptied although the user said so: a download may have taken an hour

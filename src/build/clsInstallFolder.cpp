@@ -84,9 +84,11 @@ void RefuseRoot(const std::string& path, const std::string& text) {
     if (type == DRIVE_CDROM)
         throw FolderRefused("The installation folder cannot be on a CD: " + text);
     if (type == DRIVE_NO_ROOT_DIR || !FolderExists(root))
-        throw FolderRefused((root.starts_with("\\\\") ? "The share cannot be reached: "
-                                                      : "There is no such drive: ") +
-                            text);
+        throw FolderRefused(root.starts_with("\\\\")
+                                ? "The share cannot be reached: " + text
+                                : "There is no such drive: " + text +
+                                      " (one of the network must be written as "
+                                      "\\\\server\\folder)");
 }
 
 void RefuseLength(std::size_t length) {
@@ -157,6 +159,13 @@ clsInstallFolder::clsInstallFolder(const std::string& text, clsFolderGuard guard
 std::string clsInstallFolder::Objection() const {
     const std::string objection = guard_.Objection(path_);
     return objection.empty() ? objection : objection + ": " + path_;
+}
+
+std::string clsInstallFolder::WhyKept(const FolderContent& content) const {
+    if (content.kind != FolderContent::Kind::Foreign || !guard_.KeepsForeign(path_))
+        return {};
+    return path_ + " would be emptied, and " + content.ForeignWords() +
+           "; among installed programs only a folder that a build made is emptied";
 }
 
 std::optional<FolderIdentity> clsInstallFolder::Identity() const {

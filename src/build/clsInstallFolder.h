@@ -34,8 +34,8 @@ struct FolderContent {
     [[nodiscard]] std::string ForeignWords() const;
 };
 
-/// A folder that a build may empty; clsRemovableTree takes it and no text. It is made once, from
-/// the user's text, and means the same place when the current folder changes.
+/// A folder that a build may empty; clsRemovableTree takes it and no text. Once made
+/// from the user's text it means the same place, also when the current folder changes.
 class clsInstallFolder {
 public:
     /// Name of the file by which a build marks its tree while it works on it.
@@ -55,8 +55,9 @@ public:
     /// What is in it now. Takes a moment when it holds very many files.
     [[nodiscard]] FolderContent Content() const;
 
-    /// True when only what a build made may be emptied here, whatever the user says.
-    [[nodiscard]] bool KeepsForeign() const { return guard_.KeepsForeign(path_); }
+    /// Why this content must not be emptied whatever the user says: what no build made, among
+    /// installed programs. A sentence without a full stop; empty when it is the user's to decide.
+    [[nodiscard]] std::string WhyKept(const FolderContent& content) const;
 
     /// What the system opens under its name now; nothing when it is missing.
     [[nodiscard]] std::optional<FolderIdentity> Identity() const;

@@ -103,12 +103,11 @@ void RequireConsent(const clsInstallFolder& folder, const ConsoleOptions& option
     const FolderContent content = folder.Content();
     if (content.kind != FolderContent::Kind::Foreign || options.answer == false)
         return;
-    const std::string sentence = folder.Path() + " would be emptied, and " + content.ForeignWords();
-    if (folder.KeepsForeign())
-        throw UsageError(sentence +
-                         "; among installed programs only a folder that a build made is emptied");
+    if (const std::string why = folder.WhyKept(content); !why.empty())
+        throw UsageError(why);
     if (!options.replaceForeign)
-        throw UsageError(sentence + "; --replace-foreign empties it anyway");
+        throw UsageError(folder.Path() + " would be emptied, and " + content.ForeignWords() +
+                         "; --replace-foreign empties it anyway");
 }
 
 /// Folders as the user's choices make them: the catalogue's own, or what the options name.

@@ -42,8 +42,8 @@ std::string Outcome(const std::string& line, const clsFolderGuard& guard) {
     const std::string text = line.starts_with("short ") ? ShortName(line.substr(6)) : line;
     try {
         const clsInstallFolder folder(text, guard);
-        if (folder.Content().kind == FolderContent::Kind::Foreign && folder.KeepsForeign())
-            return "kept\t" + folder.Content().ForeignWords();
+        if (const std::string why = folder.WhyKept(folder.Content()); !why.empty())
+            return "kept\t" + why;
         for (const Failure& failure : clsRemovableTree::Of(folder).Remove())
             std::cerr << failure.what() << "\n";
         return "emptied\t" + folder.Path();

@@ -84,8 +84,10 @@ class InstallFolder(unittest.TestCase):
         self.assertTrue((self.folder / "tree/kept.txt").exists())
 
     def test_foreign_files_among_programs(self):
-        self.assertEqual(self.outcomes(["{D}\\Program Files\\Tool"])[0][1],
-                         "kept\tit holds 1 file that no build made")
+        spelling = "{D}\\Program Files\\Tool"
+        (_, outcome), = self.outcomes([spelling])
+        self.assertEqual(outcome, f"kept\t{self.fill(spelling)} would be emptied, and it holds 1 file that no build made; "
+                                  "among installed programs only a folder that a build made is emptied")
         self.assert_all_there()
 
     def test_emptied(self):

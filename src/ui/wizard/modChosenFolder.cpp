@@ -33,11 +33,8 @@ ChosenFolder LookAtFolder(const std::string& text, const std::string& programPat
     const clsWaitCursor wait;
     const clsInstallFolder folder(text, GuardOf(programPath, sourceFolder));
     ChosenFolder chosen{folder, folder.Content()};
-    if (chosen.IsForeign() && folder.KeepsForeign())
-        throw FolderRefused(
-            "The installation folder is among installed programs, where only a folder that a "
-            "build made can be emptied, and " +
-            chosen.content.ForeignWords() + ": " + folder.Path());
+    if (const std::string why = folder.WhyKept(chosen.content); !why.empty())
+        throw FolderRefused(why + ".");
     return chosen;
 }
 
