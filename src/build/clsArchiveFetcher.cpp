@@ -25,14 +25,15 @@ DownloadOutcome clsArchiveFetcher::Fetch(const CatalogueEntry& component) {
     if (outcome.result == DownloadResult::Done)
         return outcome;
     // A file that is there is downloaded again only because it is not the right one.
-    if (IsReplaceableArchiveName(component.zip) && FileExists(archive)) {
-        const std::string fault = ArchiveFault(context_, archive, component);
-        outcome.reason +=
-            "; the file that was there was removed" + (fault.empty() ? "" : ", " + fault);
-    }
+    const bool wasThere = IsReplaceableArchiveName(component.zip) && FileExists(archive);
+    const std::string fault = wasThere ? ArchiveFault(context_, archive, component) : "";
+    RemoveLeftovers(component);
+    if (wasThere)
+        outcome.reason += std::string("; the file that was there ") +
+                          (FileExists(archive) ? "is still there" : "was removed") +
+                          (fault.empty() ? "" : ", " + fault);
     context_.report({component.zip, "not downloaded", outcome.reason});
     notFetched_.insert(component.zip);
-    RemoveLeftovers(component);
     if (outcome.result == DownloadResult::Failed)
         context_.Warn(component, " could not be downloaded. !!!");
     if (outcome.result == DownloadResult::Cancelled)
