@@ -20,6 +20,9 @@ TEST_CASE("the program refuses what it cannot run on, the system first") {
           "Sorry only NT systems supported, setup cannot continue...");
     CHECK(RefusalText(StartRefusal::NotAdministrator) ==
           "You need to be an Administrator to run this software");
+    CHECK(RefusalText(StartRefusal::RightsUnknown) ==
+          "Windows could not be asked whether you are an Administrator: its advpack.dll cannot be "
+          "used");
     CHECK(CheckSystem(WindowsProbe()) == StartRefusal::None); // Wine takes everybody for one
 }
 
