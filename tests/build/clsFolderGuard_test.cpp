@@ -33,6 +33,13 @@ TEST_CASE("the system's and the user's own folders are guarded") {
     CheckHolds(guard.Objection(folder.Path()), "holds this program");
     CheckHolds(guard.Objection(folder / "cd"), "holds the folder chosen as Windows source");
     CHECK(guard.Objection(folder / "program\\tree").empty());
+    std::string temporary(MAX_PATH, '\0');
+    temporary.resize(GetTempPathA(MAX_PATH, temporary.data()));
+    const auto ofSystem = clsFolderGuard::OfSystem("", "");
+    CheckHolds(ofSystem.Objection(temporary), "the temporary folder");
+    CheckHolds(ofSystem.Objection(SpecialFolderPath(SpecialFolder::UserProfile) + "\\Downloads"),
+               "one of the system's folders");
+    CHECK(ofSystem.Objection("C:\\Vesk Builder Test").empty());
     // The catalogue may place the tree among the programs, but nothing else goes there.
     const std::string amongPrograms = SpecialFolderPath(SpecialFolder::ProgramFiles) + "\\VeskLive";
     CHECK(guard.Objection(amongPrograms).empty());

@@ -30,7 +30,7 @@ REFUSED = [(spelling, words) for words, *spellings in (block.rstrip("\n").split(
            for spelling in spellings] + [
     ("", "No installation folder is given"), (" ", "No installation folder is given"),
     ("\t", "a control character"), ("x" * 300, "path is too long"),
-    ("{D}\\" + "long\\" * 60, "path is too long")]
+    ("{D}\\" + "long\\" * 60, "path is too long"), ("{D}\\" + "a" * 198, "it has 201 characters")]
 
 EMPTIED = {r"{D}\tree": r"{D}\tree", "{D}/tree/": r"{D}\tree", r" {D}\tree\\ ": r"{D}\tree",
            r"{D}\work\..\tree": r"{D}\tree", "tree": r"{D}\work\sub\tree",
@@ -38,7 +38,7 @@ EMPTIED = {r"{D}\tree": r"{D}\tree", "{D}/tree/": r"{D}\tree", r" {D}\tree\\ ": 
            r"{D}\Program Files\VeskLive": r"{D}\Program Files\VeskLive",
            r"{D}\users\me\Documents\tree": r"{D}\users\me\Documents\tree",
            r"{D}\program\tree": r"{D}\program\tree", r"{D}\Windows2": r"{D}\Windows2",
-           "{D}\\\xe4 tree": "{D}\\\xe4 tree"}
+           "{D}\\" + "a" * 197: "{D}\\" + "a" * 197, "{D}\\\xe4 tree": "{D}\\\xe4 tree"}
 
 
 class InstallFolder(unittest.TestCase):
