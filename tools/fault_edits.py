@@ -12,9 +12,6 @@ OPERATORS = {"==": "!=", "!=": "==", "<": "<=", "<=": "<", ">": ">=", ">=": ">",
              "+=": "-=", "-=": "+="}
 DECLARATION = re.compile(r"\s*(const )?(auto|[\w:<>]+)[&*]* \w+( =|$)")
 
-# The tests of windows take a minute, so their code is drawn less often.
-WEIGHTS = {"ui": 0.3}
-
 Fault = collections.namedtuple("Fault", "file start end kind before after line text")
 
 
@@ -93,8 +90,8 @@ def drawn(paths, seed):
     chance = random.Random(seed)
     faults = {path: faults_of(path) for path in paths}
     paths = [path for path in paths if faults[path]]
-    lines = [sum(1 for line in masked((TOP / path).read_text()).splitlines() if line.strip()) *
-             WEIGHTS.get(path.parts[1], 1) for path in paths]
+    lines = [sum(1 for line in masked((TOP / path).read_text()).splitlines() if line.strip())
+             for path in paths]
     seen, left = set(), sum(len(faults[path]) for path in paths)
     while len(seen) < left:
         path = chance.choices(paths, lines)[0]
