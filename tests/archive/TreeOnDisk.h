@@ -3,6 +3,8 @@
 #include "TestFolder.h"
 #include "archive/ExtractionOutcome.h"
 
+#include <filesystem>
+#include <fstream>
 #include <map>
 #include <string>
 #include <vector>
@@ -12,14 +14,10 @@ namespace vesk::test {
 
 using Tree = std::map<std::wstring, std::string>; ///< What files hold; names of folders end in "\".
 
-inline std::string ContentOf(const std::wstring& path, std::uint64_t size) {
-    const FileHandle file(
-        CreateFileW(path.c_str(), GENERIC_READ, 7, nullptr, OPEN_EXISTING, 0, nullptr));
+inline std::string ContentOf(const std::filesystem::path& path, std::uint64_t size) {
     std::string text(static_cast<std::size_t>(size), '\0');
-    DWORD read = 0;
-    if (!file || ReadFile(file.Get(), text.data(), static_cast<DWORD>(size), &read, nullptr) == 0)
-        return "cannot be read";
-    return text.substr(0, read);
+    std::ifstream file(path, std::ios::binary);
+    return file.read(text.data(), static_cast<std::streamsize>(size)) ? text : "cannot be read";
 }
 
 inline Tree TreeIn(const std::string& folder) {
@@ -45,11 +43,30 @@ inline std::string ListedIn(const std::string& folder) {
     return list;
 }
 
+inline FILETIME ModifiedOf(const std::string& path) {
+    WIN32_FILE_ATTRIBUTE_DATA data{};
+    REQUIRE(GetFileAttributesExA(path.c_str(), GetFileExInfoStandard, &data) != 0);
+    return data.ftLastWriteTime;
+}
+
 inline std::string Lines(const std::vector<MemberFailure>& failures) {
     std::string lines;
     for (const MemberFailure& failure : failures)
         lines += failure.member + ": " + failure.what + ", " + failure.reason + "\n";
     return lines;
 }
+
+/// An archive, and the folder "out" that it is extracted into.
+struct Extracting {
+    TestFolder folder;
+    std::string path;
+    std::string target = folder / "out";
+
+    Extracting(const std::string& name, const std::string& bytes)
+        : path(folder.Write(name, bytes)) {}
+    [[nodiscard]] std::string operator/(const std::string& name) const {
+        return target + "\\" + name;
+    }
+};
 
 } // namespace vesk::test

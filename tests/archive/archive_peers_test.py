@@ -10,9 +10,7 @@ import subprocess
 import sys
 import unittest
 import zipfile
-from datetime import datetime, timedelta, timezone
 from pathlib import Path
-from xml.etree import ElementTree
 
 from fixtures import fresh_folder, run_in_wine, run_whole, windows_path
 
@@ -54,10 +52,9 @@ class PeersTest(unittest.TestCase):
         self.archive.unlink(missing_ok=True)
         if not pipe:
             return run("zip", "-q", "-r", *options, self.archive, ".", cwd=self.source)
-        with open(self.archive, "wb") as file, subprocess.Popen(
-                ["zip", "-q", "-r", *options, "-", "."], cwd=self.source,
-                stdin=subprocess.DEVNULL, stdout=subprocess.PIPE) as zipper:
-            shutil.copyfileobj(zipper.stdout, file)
+        zipped = subprocess.run(["zip", "-q", "-r", *options, "-", "."], check=True, cwd=self.source,
+                                stdin=subprocess.DEVNULL, stdout=subprocess.PIPE)
+        self.archive.write_bytes(zipped.stdout)
 
     def make_cab(self, *options):
         if shutil.which("gcab") is None:
@@ -66,14 +63,15 @@ class PeersTest(unittest.TestCase):
         files = [path.relative_to(self.source) for path in self.source.rglob("*") if path.is_file()]
         run("gcab", "-c", *options, self.archive, *files, cwd=self.source)
 
-    def run_tool(self, *arguments, zone=None):
-        return run_in_wine([*TOOL, windows_path(self.archive), *arguments], check=True, encoding="cp1252",
-                           env={**ENV, **({"TZ": zone} if zone else {})}).stdout
+    def run_tool(self, *password):
+        """Returns what was told."""
+        return run_in_wine([*TOOL, windows_path(self.archive), windows_path(self.ours), *password],
+                           check=True, encoding="cp1252", env=ENV).stdout
 
-    def extract(self, *password, zone=None):
-        """Into a new folder. Returns what was told."""
+    def extract(self, *password):
+        """Into a new folder."""
         shutil.rmtree(self.ours, ignore_errors=True)
-        return self.run_tool(windows_path(self.ours), *password, zone=zone)
+        return self.run_tool(*password)
 
     def compare(self, *password):
         theirs = self.top / "theirs"
@@ -99,14 +97,6 @@ class PeersTest(unittest.TestCase):
         self.assertIn("sub\\one byte: not extracted, wrong password", self.extract("wrong"))
         self.assertFalse((self.ours / "sub/one byte").exists())
 
-    def test_something_in_front(self):
-        self.zip()
-        self.archive.write_bytes(b"MZ" + bytes(5000) + self.archive.read_bytes())
-        self.assertEqual(self.extract(), "")
-        self.assertEqual((self.ours / "read me.txt").read_bytes(), b"text " * 5000)
-        run("zip", "-q", "-A", self.archive)
-        self.compare()
-
     def test_unicode_names(self):
         summer = Path("gr\u00fc\u00dfe", "\u00e9t\u00e9.txt")
         (self.source / summer).parent.mkdir()
@@ -126,26 +116,9 @@ class PeersTest(unittest.TestCase):
         for options in ((), ("-z",)):
             with self.subTest(options):
                 self.make_cab(*options)
-                listed = {file.findtext("FULLNAME").replace("\\", "/"): int(file.findtext("SIZE"))
-                          for file in ElementTree.fromstring(self.run_tool()).iter("FILE")}
-                self.assertEqual(listed, {name: len(text) for name, text in content.items()})
                 self.assertEqual(self.extract(), "")
                 self.assertEqual({name: told[0] for name, told in tree_of(self.ours).items()
                                   if told}, content)
-
-    def test_times_by_the_stored_day(self):
-        """Times of DOS are local ones: summer and winter time as on that day, not as today."""
-        days = {"winter": (2021, 1, 15, 12, 30, 2), "summer": (2021, 7, 15, 12, 30, 2)}
-        with zipfile.ZipFile(self.archive, "w") as archive:
-            for name, day in days.items():
-                archive.writestr(zipfile.ZipInfo(name, day), name)
-        for zone, winter, summer in (("UTC", 0, 0), ("Europe/Berlin", 1, 2),
-                                     ("America/New_York", -5, -4), ("Asia/Tokyo", 9, 9)):
-            self.extract(zone=zone)
-            for name, hours in (("winter", winter), ("summer", summer)):
-                with self.subTest(zone, name=name):
-                    utc = datetime(*days[name], tzinfo=timezone(timedelta(hours=hours)))
-                    self.assertEqual((self.ours / name).stat().st_mtime, utc.timestamp())
 
     def test_nothing_is_written_through_links(self):
         outside = self.top / "outside"
@@ -163,7 +136,7 @@ class PeersTest(unittest.TestCase):
                 (outside / "file").write_bytes(b"old")
                 for name, to in (("folder", ""), ("file", "file"), ("dangling", "nothing")):
                     (self.ours / name).symlink_to(outside / to)
-                told = self.run_tool(windows_path(self.ours))
+                told = self.run_tool()
                 self.assertEqual(told.count("not extracted, its path leads through a link"), 3, told)
                 self.assertEqual([path.name for path in outside.iterdir()], ["file"])
                 self.assertEqual((outside / "file").read_bytes(), b"old")

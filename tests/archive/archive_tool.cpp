@@ -1,17 +1,9 @@
-#include "archive/clsCab.h"
 #include "archive/modArchive.h"
 
 #include <cstdio>
 
 /// archive_tool ARCHIVE TARGET [PASSWORD]: extracts it and writes a line for each failure.
-/// archive_tool CABINET: writes its list of members as XML.
 int main(int argc, char** argv) {
-    if (argc == 2) {
-        vesk::clsCab cab;
-        cab.CabName = argv[1];
-        std::fputs(cab.GetXML().c_str(), stdout);
-        return 0;
-    }
     vesk::ExtractionOwner owner;
     if (argc == 4)
         owner.password = [&](bool) { return std::string(argv[3]); };

@@ -39,14 +39,13 @@ struct Recorder : CabEvents {
     }
 };
 
-struct Fixture {
-    TestFolder folder;
+struct Fixture : Extracting {
     Recorder owner;
     clsCab cab{&owner};
 
-    explicit Fixture(const std::string& bytes) {
-        cab.CabName = folder.Write("x.cab", bytes);
-        cab.DestinationFolder = folder / "out";
+    explicit Fixture(const std::string& bytes) : Extracting("x.cab", bytes) {
+        cab.CabName = path;
+        cab.DestinationFolder = target;
     }
     /// @return the events, and what was thrown
     std::string Told(void (clsCab::*method)()) {
@@ -58,17 +57,11 @@ struct Fixture {
         }
         return owner.log;
     }
-    [[nodiscard]] std::string Found() const { return ListedIn(folder / "out"); }
+    [[nodiscard]] std::string Found() const { return ListedIn(target); }
 };
 
 std::string Three() {
     return CabOf("one.txt=1||sub\\deep\\two.txt=22||three.txt=333").Bytes();
-}
-
-std::uint32_t FailureNumber(const std::function<void()>& action) {
-    const Failure failure = FailureIn(action);
-    CHECK(failure.source == (failure.number == 0 ? "" : "CabFile"));
-    return failure.number;
 }
 
 } // namespace
@@ -77,7 +70,7 @@ TEST_CASE("members are counted, listed and extracted; one named in any letter ca
     Fixture f(Three());
     CHECK(f.cab.FileCount() == 3);
     CHECK(f.Told(&clsCab::GetInfo) == "found >one.txt|found sub\\deep>two.txt|found >three.txt|");
-    CHECK_FALSE(FolderExists(f.folder / "out"));
+    CHECK_FALSE(FolderExists(f.target));
     f.cab.FileToExtract = "SUB\\Deep\\TWO.txt";
     CHECK(f.Told(&clsCab::Extract) == "before sub\\deep\\two.txt|after two.txt|");
     CHECK(f.Told(&clsCab::GetInfo) == "found sub\\deep>two.txt|");
@@ -115,19 +108,19 @@ TEST_CASE("the owner can cancel, throw and restart inside an event") {
     };
     CHECK(f.Told(&clsCab::Extract) == "before one.txt|before sub\\deep\\two.txt|after two.txt|"
                                       "before three.txt|after three.txt|");
-    CHECK_FALSE(FileExists(f.folder / "out\\one.txt"));
+    CHECK_FALSE(FileExists(f / "one.txt"));
     f.owner.react = [](const std::string& event, bool&) {
         if (event == "after one.txt")
             throw std::runtime_error("from the owner");
     };
     CHECK(f.Told(&clsCab::Extract) == "before one.txt|after one.txt|from the owner");
-    CHECK(ReadWholeFile(f.folder / "out\\one.txt") == "1");
+    CHECK(ReadWholeFile(f / "one.txt") == "1");
     int refused = 0;
     f.owner.react = [&](const std::string&, bool&) {
         clsCab other;
         other.CabName = f.cab.CabName;
-        refused += FailureNumber([&] { other.FileCount(); }) == ERROR_BUSY;
-        refused += FailureNumber([&] { f.cab.Extract(); }) == ERROR_BUSY;
+        refused += FailureIn([&] { other.FileCount(); }).number == ERROR_BUSY;
+        refused += FailureIn([&] { f.cab.Extract(); }).number == ERROR_BUSY;
     };
     f.cab.Extract();
     CHECK(refused == 12);
@@ -158,19 +151,20 @@ TEST_CASE("what cannot be read raises the system's number and a fixed text") {
     for (const auto& method :
          std::vector<std::function<void()>>{[&] { cab.FileCount(); }, [&] { cab.Extract(); },
                                             [&] { cab.GetInfo(); }, [&] { cab.GetXML(); }})
-        CHECK(FailureNumber(method) == 0x800407A4);
+        CHECK(FailureIn(method).number == 0x800407A4);
     CHECK_THROWS_WITH(cab.FileCount(), "You must set the CabName property before taking any "
                                        "action on the CabFile object.");
     cab.CabName = folder / "none.cab";
-    CHECK(FailureNumber([&] { cab.Extract(); }) == 2);
+    CHECK(FailureIn([&] { cab.Extract(); }).source == "CabFile");
+    CHECK(FailureIn([&] { cab.Extract(); }).number == 2);
     CHECK_THROWS_WITH(cab.Extract(), "The system cannot find the file specified.");
     cab.CabName = folder.Write("text.cab", "this is no cabinet, only text of some length");
     CHECK_THROWS_WITH(cab.Extract(), "Invalid data.");
     cab.CabName = folder.Write("a.cab", Three());
     cab.DestinationFolder = folder.Write("file", "stands in the way") + "\\below";
-    CHECK(FailureNumber([&] { cab.Extract(); }) != 0);
+    CHECK(FailureIn([&] { cab.Extract(); }).number != 0);
     cab.DestinationFolder = folder / std::string(300, 'x'); // more than a file system takes
-    CHECK(FailureNumber([&] { cab.Extract(); }) != 0);
+    CHECK(FailureIn([&] { cab.Extract(); }).number != 0);
 }
 
 TEST_CASE("what only cabinets can hold: what is told, thrown and left behind") {

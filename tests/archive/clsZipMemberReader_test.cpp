@@ -6,23 +6,6 @@
 using namespace vesk;
 using namespace vesk::test;
 
-namespace {
-
-/// A wrong password whose check byte is that of the right one.
-std::string LuckyPassword() {
-    const TestMember member = TestMember::Encrypted("a");
-    for (int number = 0;; ++number) {
-        clsZipCipher cipher(std::to_string(number));
-        std::byte last{};
-        for (const char c : member.data.substr(0, ZipMember::kCipherHeaderSize))
-            last = cipher.Decrypt(static_cast<std::byte>(c));
-        if (std::to_integer<int>(last) == static_cast<int>(member.fields.at("time") >> 8))
-            return std::to_string(number);
-    }
-}
-
-} // namespace
-
 TEST_CASE("sizes that reach into the next member are not tried: many could share its data") {
     const TestMember more = TestMember::Stored("b", "more");
     const std::string together = "text" + MakeZip({more}).substr(0, 30 + 1 + 4);
@@ -67,10 +50,8 @@ TEST_CASE("a large member comes in pieces of bounded size, the progress with it"
 }
 
 TEST_CASE("passwords: asked until right, once for all members, never after a refusal") {
-    const std::string lucky = LuckyPassword();
-    CheckLines("zip_passwords", [&](const std::string& line) {
+    CheckLines("zip_passwords", [](const std::string& line) {
         const std::size_t mark = line.find(" ? ");
-        return ZipTold(ZipOf(line.substr(0, mark)),
-                       Split(ReplaceAll(line.substr(mark + 3), "{LUCKY}", lucky), ','));
+        return ZipTold(ZipOf(line.substr(0, mark)), Split(line.substr(mark + 3), ','));
     });
 }

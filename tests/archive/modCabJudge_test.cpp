@@ -78,17 +78,17 @@ TEST_CASE("members are cut out of packed blocks, which refer to the ones before 
 
 TEST_CASE("data that cannot be unpacked ends the folder, and no member is passed off as whole") {
     const std::string reachesTooFar = "CK" + std::string("\x4B\x04\x62\x00\x7F\xFF\x0F", 7);
-    struct Row {
-        std::string second;
-        std::uint64_t unpacked = 46;
+    const std::pair<std::string, std::uint64_t> secondBlocks[] = {
+        {"KC" + kSecondPacked.substr(2), 46}, // no mark
+        {kSecondPacked.substr(0, 9), 46},     // cut short
+        {kSecondPacked, 47},
+        {kSecondPacked, 45},
+        {reachesTooFar, 46}, // before the first block
     };
-    for (const Row& row : {Row{"KC" + kSecondPacked.substr(2)}, // no mark
-                           Row{kSecondPacked.substr(0, 9)},     // cut short
-                           Row{kSecondPacked, 47}, Row{kSecondPacked, 45},
-                           Row{reachesTooFar}}) { // before the first block
+    for (const auto& [packed, size] : secondBlocks) {
         TestCab cab = Mszip();
-        cab.folders[0][1] = row.second;
-        cab.fields["block0.1.unpacked"] = row.unpacked;
+        cab.folders[0][1] = packed;
+        cab.fields["block0.1.unpacked"] = size;
         cab.fields["member2.offset"] = 110; // wholly in what is promised at the least
         CHECK(ReadCab(cab.Bytes()).Told() ==
               "a=" + kFirst.substr(0, 10) + "|b!not unpacked|c!not unpacked");

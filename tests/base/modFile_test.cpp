@@ -47,6 +47,7 @@ TEST_CASE("what stands under a path") {
     CHECK(StateOf(folder.Path()) == PathState::Folder);
     for (const char* missing : {"b.txt", "b\\a.txt", "a?b"})
         CHECK(StateOf(folder / missing) == PathState::Nothing);
+    CHECK_THROWS_AS(CreateFolderPath(path + "\\b"), Failure);
 }
 
 TEST_CASE("a complete file replaces the old one, or leaves it as it was") {
@@ -84,15 +85,4 @@ TEST_CASE("absolute paths") {
     CHECK(AbsolutePath("\\\\?\\C:\\a") == "\\\\?\\C:\\a");
     CHECK(AbsolutePath("\\\\server\\share\\..") == "\\\\server\\share\\");
     CHECK_THROWS_AS(AbsolutePath(""), Failure);
-}
-
-TEST_CASE("creating folders") {
-    const TestFolder folder;
-    CHECK_THROWS_AS(CreateFolder(folder / "a\\b"), Failure);
-    CreateFolderPath(folder / "a\\b\\c");
-    CreateFolderPath(folder / "a\\b\\c");
-    CHECK(FolderExists(folder / "a\\b\\c"));
-    CHECK_THROWS_AS(CreateFolder(folder / "a"), Failure);
-    folder.Write("file", "x");
-    CHECK_THROWS_AS(CreateFolderPath(folder / "file\\b"), Failure);
 }

@@ -3,7 +3,8 @@
 #include "ExpectedText.h"
 #include "catalogue/clsCategoryEditor.h"
 
-#include <array>
+#include <functional>
+#include <map>
 #include <stdexcept>
 
 using namespace vesk;
@@ -68,25 +69,24 @@ TEST_CASE("list, selection, buttons and question after each action on each entry
 TEST_CASE("edits wait for Apply, and Revert drops them") {
     clsCatalogueEditor editor(Sample());
     CHECK_FALSE(editor.IsModified());
-    using Edit = void (*)(clsCatalogueEditor&);
-    const std::array<Edit, 6> edits = {
-        [](clsCatalogueEditor& e) { e.SetInstallFolder(" other "); },
-        [](clsCatalogueEditor& e) { e.SetInstallPathItem(1); },
-        [](clsCatalogueEditor& e) { e.Base().MoveDown(); },
-        [](clsCatalogueEditor& e) { e.Plugins().SetField(&CatalogueEntry::cat, "200"); },
-        [](clsCatalogueEditor& e) {
-            e.TakeCategories({{"x", "9", ""}}, true, {});
+    const std::vector<std::function<void()>> edits = {
+        [&] { editor.SetInstallFolder(" other "); },
+        [&] { editor.SetInstallPathItem(1); },
+        [&] { editor.Base().MoveDown(); },
+        [&] { editor.Plugins().SetField(&CatalogueEntry::cat, "200"); },
+        [&] {
+            editor.TakeCategories({{"x", "9", ""}}, true, {});
         },
-        [](clsCatalogueEditor& e) { e.TakeCategories(e.Categories(), false, {}); },
+        [&] { editor.TakeCategories(editor.Categories(), false, {}); },
     };
-    for (const Edit edit : edits) {
-        edit(editor);
+    for (const auto& edit : edits) {
+        edit();
         CHECK(editor.IsModified());
         editor.Revert();
         CHECK_FALSE(editor.IsModified());
     }
-    for (const Edit edit : edits)
-        edit(editor);
+    for (const auto& edit : edits)
+        edit();
     editor.Plugins().Select(1);
     CHECK_THROWS(editor.Apply([](const Catalogue&) { throw std::runtime_error("disk full"); }));
     CHECK(editor.IsModified());
@@ -129,50 +129,39 @@ TEST_CASE("the category combo keeps a key that no category has") {
     CHECK(CategoryItem{"100", ""}.Text() == "100");
 }
 
-TEST_CASE("plug-ins follow the keys of their categories, also two that change places") {
-    const auto join = [](const std::string& value, const std::string& key) {
-        return value + "/" + key;
+TEST_CASE("categories after some steps, and plug-ins that follow the keys of theirs") {
+    using Step = void (*)(clsCategoryEditor&, const std::string& value);
+    const std::map<std::string, Step> steps = {
+        {"select", [](auto& editor, const auto& index) { editor.Select(std::stoi(index)); }},
+        {"key", [](auto& editor, const auto& key) { editor.SetKey(key); }},
+        {"folder", [](auto& editor, const auto& folder) { editor.SetValue(folder); }},
+        {"down", [](auto& editor, const auto&) { editor.MoveDown(); }},
+        {"add", [](auto& editor, const auto&) { editor.Add(); }},
+        {"remove", [](auto& editor, const auto&) { editor.Remove(); }},
     };
-    clsCategoryEditor categories(Sample().categories, join);
-    CHECK(categories.OriginalKey() == "100");
-    categories.SetKey("200");
-    CHECK(categories.Current()->caption == "100_system/200");
-    categories.MoveDown();
-    CHECK_FALSE(categories.CanMoveDown());
-    categories.Select(0);
-    categories.SetKey("100");
-    categories.SetValue("v");
-    categories.Add();
-    CHECK(categories.OriginalKey().empty());
-    categories.SetKey("300");
-    CHECK(categories.Renames() ==
-          std::map<std::string, std::string>{{"100", "200"}, {"200", "100"}});
-    CHECK(categories.Categories() ==
-          std::vector<CategoryRecord>{
-              {"v", "100", "v/100"}, {"100_system", "200", "100_system/200"}, {"", "300", "/300"}});
-
-    // Where two came under one key, the one that still has it keeps its plug-ins.
-    clsCategoryEditor twins({{"v", "1", ""}, {"w", "1", ""}}, join);
-    twins.SetKey("2");
-    CHECK(twins.Renames().empty());
-
-    Catalogue catalogue = Sample();
-    catalogue.plugins.push_back(Entry("r", false, "200"));
-    clsCatalogueEditor editor(catalogue);
-    CHECK(editor.PluginsIn("100") == 1);
-    editor.Plugins().Select(2);
-    editor.TakeCategories(categories.Categories(), false, categories.Renames());
-    const Catalogue edited = editor.Edited();
-    CHECK(edited.plugins[0].cat == "200");
-    CHECK(edited.plugins[1].cat == "gone");
-    CHECK(edited.plugins[2].cat == "100");
-    CHECK(editor.Plugins().Selected() == 2);
-    categories.Remove();
-    CHECK(categories.Selected() == 1);
-    categories.Remove();
-    categories.Remove();
-    CHECK(categories.Selected() == kNone);
-    categories.Remove();
-    categories.SetKey("nowhere");
-    CHECK(categories.Categories().empty());
+    test::CheckAnswers("category_editor", [&](const std::string& question) {
+        clsCategoryEditor categories(
+            {{"one", "1", ""}, {"two", "2", ""}, {"three", "3", ""}, {"twin", "3", ""}},
+            [](const std::string& folder, const std::string& key) { return key + ":" + folder; });
+        for (const std::string& step : Split(question, ' ')) {
+            const std::size_t sign = step.find('=');
+            steps.at(step.substr(0, sign))(categories, step.substr(sign + 1));
+        }
+        std::string text = "selected " + std::to_string(categories.Selected()) + ", was <" +
+                           categories.OriginalKey() + ">;";
+        for (const CategoryRecord& category : categories.Categories())
+            text += " " + category.key + " " + category.value + " " + category.caption + ";";
+        Catalogue catalogue;
+        for (const char* key : {"1", "2", "3", "gone"})
+            catalogue.plugins.push_back(Entry("p", false, key));
+        clsCatalogueEditor editor(catalogue);
+        editor.Plugins().Select(2);
+        editor.TakeCategories(categories.Categories(), false, categories.Renames());
+        CHECK(editor.Plugins().Selected() == 2);
+        text += " plug-ins in";
+        for (const CatalogueEntry& plugin : editor.Edited().plugins)
+            text += " " + plugin.cat;
+        return text + "\n";
+    });
+    CHECK(CategoryItem{"100", ""}.Text() == "100");
 }

@@ -61,10 +61,7 @@ TEST_CASE("where there is a list, an archive's SHA-256 counts as well") {
     }
     CHECK_THROWS_AS(UpdateSha256List(path, "none.zip"), Failure);
     for (const auto& [text, reason] : std::map<std::string, std::string>{
-             {std::string("\xFF\xFE"
-                          "a\0",
-                          4),
-              "it is UTF-16 text"},
+             {std::string("\377\376a\0", 4), "it is UTF-16 text"},
              {std::string(kLongestText + kRoomForEdits + 1, '#'), "it is larger than 16 MB"}}) {
         folder.Write(kSha256FileName, text);
         CHECK_THROWS_AS(UpdateSha256List(path, "a.zip"), Failure);

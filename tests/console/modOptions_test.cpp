@@ -4,33 +4,29 @@
 
 using namespace vesk;
 
-TEST_CASE("options are read") {
-    const ConsoleOptions options =
-        ParseOptions({"--install", "C:\\x", "--enable", "A", "--enable", "B b", "--disable", "C",
-                      "--no", "--quiet", "--source", "D:\\"});
-    CHECK(options.action == ConsoleOptions::Action::Build);
-    CHECK(options.install == "C:\\x");
-    CHECK(options.source == "D:\\");
-    CHECK(options.enable == std::vector<std::string>{"A", "B b"});
-    CHECK(options.disable == std::vector<std::string>{"C"});
-    CHECK(options.answer == false);
-    CHECK(options.quiet);
-    for (const char* written : {"proxy:8080", "http://proxy:8080", "HTTP://proxy:8080/"}) {
-        const ConsoleOptions same = ParseOptions({"--proxy", written});
-        REQUIRE(same.proxy);
-        CHECK(same.proxy->host == "proxy");
-        CHECK(same.proxy->port == 8080);
-    }
-    CHECK_FALSE(ParseOptions({}).answer.has_value());
+namespace {
+
+/// What arguments, separated by "|", ask for, or the sentence that refuses them.
+std::string Told(const std::string& arguments) try {
+    const ConsoleOptions options = ParseOptions(Split(arguments, '|'));
+    std::string told =
+        "from <" + options.source.value_or("") + "> into <" + options.install.value_or("") + ">";
+    for (const std::string& name : options.enable)
+        told += " with <" + name + ">";
+    for (const std::string& name : options.disable)
+        told += " without <" + name + ">";
+    if (options.answer)
+        told += *options.answer ? " yes" : " no";
+    if (options.proxy)
+        told += " through " + options.proxy->host + " " + std::to_string(options.proxy->port);
+    return told + (options.quiet ? " quiet" : "");
+} catch (const UsageError& error) {
+    return error.what();
 }
 
-TEST_CASE("wrong options are refused with a sentence that names them") {
-    test::CheckLines("wrong_options", [](const std::string& line) -> std::string {
-        try {
-            ParseOptions(Split(line, '|'));
-        } catch (const UsageError& error) {
-            return error.what();
-        }
-        return "taken";
-    });
+} // namespace
+
+TEST_CASE("options are read, and wrong ones refused with a sentence that names them") {
+    test::CheckLines("options", Told);
+    CHECK(ParseOptions({}).action == ConsoleOptions::Action::Build);
 }

@@ -13,8 +13,6 @@ using namespace vesk::test;
 namespace {
 
 const std::string kLocal = "127.0.0.1";
-const std::string kBadArgument =
-    ": The argument passed to a function was not in the correct format or in the specified range.";
 
 /// A socket object whose events are counted; each can be given something to do.
 struct Peer : SocketEvents {
@@ -119,8 +117,7 @@ TEST_CASE_FIXTURE(NothingLeft, "connect, talk, look at what waits, close") {
     CHECK(data == SocketValue(SocketBytes{5, 0, 0, 0}));
     socket.PeekData(data, VarType::String, std::string("2"));
     CHECK(data == SocketValue(std::string("ta")));
-    CHECK(FailureText([&] { socket.GetData(data, VarType::String, 0); }) ==
-          "40014 clsSocketMaster.GetData" + kBadArgument);
+    CHECK(FailureIn([&] { socket.GetData(data, VarType::String, 0); }).number == 40014);
     CHECK(socket.BytesReceived() == 4);
     socket.PeekData(data);
     CHECK(data == SocketValue(std::string("ta\xFFl")));
@@ -138,40 +135,32 @@ TEST_CASE_FIXTURE(NothingLeft, "what must not be done is refused and changes not
     Pair pair;
     Peer closed;
     SocketValue data;
-    const std::string wrongState =
-        ": Wrong protocol or connection state for the requested transaction or request";
-    const std::string invalidState = ": Invalid operation at current state";
     clsSocketMaster& busy = *pair.client.socket;
     clsSocketMaster& idle = *closed.socket;
-    struct Row {
-        const char* start;
-        std::string text;
-        std::function<void()> action;
+    const std::pair<const char*, std::function<void()>> refused[] = {
+        {"connect a connected one", [&] { busy.Connect("x", 1); }},
+        {"bind a connected one", [&] { busy.Bind(0); }},
+        {"listen on a connected one", [&] { busy.Listen(); }},
+        {"accept with a connected one", [&] { busy.Accept(1); }},
+        {"another protocol", [&] { busy.SetProtocol(SocketProtocol::UDP); }},
+        {"accept what nobody asked for", [&] { idle.Accept(12345); }},
+        {"send without a connection", [&] { idle.SendData("x"); }},
+        {"receive without a connection", [&] { idle.GetData(data); }},
+        {"a port beyond all", [&] { idle.Connect("x", 65536); }},
+        {"send a number", [&] { busy.SendData(5); }},
+        {"bind to another's address", [&] { idle.Bind(0, "8.8.8.8"); }},
+        {"bind to a port in use", [&] { idle.Bind(pair.listener.socket->LocalPort()); }},
     };
-    for (const Row& row : std::vector<Row>{
-             {"40020 clsSocketMaster.Connect", invalidState, [&] { busy.Connect("x", 1); }},
-             {"40020 clsSocketMaster.Bind", invalidState, [&] { busy.Bind(0); }},
-             {"40020 clsSocketMaster.Listen", invalidState, [&] { busy.Listen(); }},
-             {"40020 clsSocketMaster.Accept", invalidState, [&] { busy.Accept(1); }},
-             {"40020 clsSocketMaster.Protocol", invalidState,
-              [&] { busy.SetProtocol(SocketProtocol::UDP); }},
-             {"40006 clsSocketMaster.Accept", wrongState, [&] { idle.Accept(12345); }},
-             {"40006 clsSocketMaster.SendData", wrongState, [&] { idle.SendData("x"); }},
-             {"40006 clsSocketMaster.GetData", wrongState, [&] { idle.GetData(data); }},
-             {"40014 clsSocketMaster.Connect", kBadArgument, [&] { idle.Connect("x", 65536); }},
-             {"40018 clsSocketMaster.SendData", ": Unsupported variant type.",
-              [&] { busy.SendData(5); }},
-             {"40014 clsSocketMaster.Bind", ": Invalid argument", [&] { idle.Bind(0, "8.8.8.8"); }},
-             {"10048 clsSocketMaster.Bind", ": Address already in use.",
-              [&] { idle.Bind(pair.listener.socket->LocalPort()); }}}) {
-        CAPTURE(row.start);
-        CHECK(FailureText(row.action) == row.start + row.text);
+    std::string text;
+    for (const auto& [name, action] : refused) {
+        text += name + (": " + FailureText(action)) + "\n";
         CHECK(busy.State() == SocketState::sckConnected);
         CHECK(idle.State() == SocketState::sckClosed);
         CHECK(idle.RemoteHost().empty());
     }
     idle.SetProtocol(SocketProtocol::UDP);
-    CHECK(FailureText([&] { idle.Listen(); }) == "40020 clsSocketMaster.Listen" + invalidState);
+    text += "listen for datagrams: " + FailureText([&] { idle.Listen(); }) + "\n";
+    CheckExpected("socket_refusals", text);
 }
 
 TEST_CASE_FIXTURE(NothingLeft, "after a failure to connect the object can be used again") {

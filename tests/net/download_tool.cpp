@@ -40,19 +40,15 @@ struct Options {
             else
                 values[word] = word == "--only-time" || i + 1 == count ? "" : words[++i];
         }
-        if (!Has("--proxy"))
-            return;
-        const std::string text = Text("--proxy");
-        const std::size_t colon = text.rfind(':');
-        proxy = {Has("--access") ? Number("--access") : kAccessProxy, text.substr(0, colon),
-                 std::atoi(text.c_str() + colon + 1)};
+        if (const std::string text = Text("--proxy"); !text.empty()) {
+            const std::size_t colon = text.rfind(':');
+            proxy = {Has("--access") ? std::stoi(Text("--access")) : kAccessProxy,
+                     text.substr(0, colon), std::stoi(text.substr(colon + 1))};
+        }
     }
     [[nodiscard]] bool Has(const std::string& name) const { return values.contains(name); }
     [[nodiscard]] std::string Text(const std::string& name) const {
         return Has(name) ? values.at(name) : std::string();
-    }
-    [[nodiscard]] int Number(const std::string& name) const {
-        return std::atoi(Text(name).c_str());
     }
 };
 
@@ -158,7 +154,7 @@ void RunSession(const Options& options, const std::string& crc, const std::strin
     {
         Waiter waiter;
         clsDownloadSession session(waiter, {urls, target, crc == "-" ? "" : crc}, options.proxy);
-        session.SetTimeout(static_cast<std::uint32_t>(options.Number("--session")));
+        session.SetTimeout(static_cast<std::uint32_t>(std::stoul(options.Text("--session"))));
         const DWORD start = GetTickCount();
         session.Start();
         while (!session.Finished() && GetTickCount() - start < 60000) {
@@ -185,8 +181,6 @@ int main(int count, char** words) {
             RunSession(options, names[i], names[i + 1]);
         return 0;
     }
-    if (names.size() != 2)
-        return 64;
     // What a program does once for all its downloads is loading libraries, and no download.
     std::optional<clsSocketServiceHold> hold;
     if (options.Has("--only-time"))

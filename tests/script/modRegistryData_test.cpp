@@ -1,27 +1,15 @@
 #include "script/modRegistryData.h"
 
-#include "base/Failure.h"
-
-#include <doctest/doctest.h>
-
-#include <utility>
+#include "ExpectedText.h"
 
 using namespace vesk;
 
 TEST_CASE("texts as numbers") {
-    for (const auto& [text, expected] : {std::pair{" -7 ", -7},
-                                         {"+7", 7},
-                                         {"2.5", 2},
-                                         {"3.5", 4},
-                                         {"1e3", 1000},
-                                         {"2147483647", 2147483647},
-                                         {"-2147483648", -2147483647 - 1}})
-        CHECK(NumberOf(text) == expected);
-    for (const char* text : {"", " ", "x", "12a", "0x10", "inf", "nan", "+-1", "--1", "1 2",
-                             "2147483648", "-2147483649", "1e999", "1e"}) {
-        CAPTURE(text);
-        CHECK_THROWS_AS(NumberOf(text), Failure);
-    }
+    test::CheckLines("registry_numbers", [](const std::string& text) {
+        std::string number = "none";
+        test::FailureIn([&] { number = std::to_string(NumberOf(text)); });
+        return number;
+    });
 }
 
 TEST_CASE("the bytes that are stored for each type") {

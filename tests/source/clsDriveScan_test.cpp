@@ -7,31 +7,21 @@ using namespace vesk::test;
 
 namespace {
 
-/// Keeps what a scan reports and stops it after a number of entries.
-class Recorder : public DriveScanEvents {
-public:
-    clsDriveScan* scan = nullptr;
+/// Keeps what is reported, and stops after a number of entries.
+struct Scan : DriveScanEvents {
+    SourceState state;
+    clsDriveScan scan{*this, state};
     int stopAfter = -1;
     int entries = 0;
     std::vector<std::string> folders;
     std::vector<FoundSource> found;
 
+    void Run(const TestFolder& drive) { scan.Run({drive.Path() + "\\"}); }
     void OnFolder(const std::string& folder) override { folders.push_back(folder); }
     void OnFound(const FoundSource& source) override { found.push_back(source); }
     void OnEntryDone() override {
         if (++entries == stopAfter)
-            scan->Stop();
-    }
-};
-
-struct Scan {
-    Recorder events;
-    SourceState state;
-    clsDriveScan scan{events, state};
-
-    void Run(const TestFolder& drive) {
-        events.scan = &scan;
-        scan.Run({drive.Path() + "\\"});
+            scan.Stop();
     }
 };
 
@@ -50,14 +40,14 @@ TEST_CASE("a scan finds every Windows CD below a drive") {
     drive.Write("c\\I386\\LAYOUT.INF", "x");
     Scan scan;
     scan.Run(drive);
-    REQUIRE(scan.events.found.size() == 2);
-    CHECK(scan.events.found[0].rootFolder == drive / "a\\cd\\");
-    CHECK(scan.events.found[0].productName == "Windows XP Home");
-    CHECK(scan.events.found[0].servicePackTag == "sp2");
-    CHECK(scan.events.found[1].rootFolder == drive / "b\\");
+    REQUIRE(scan.found.size() == 2);
+    CHECK(scan.found[0].rootFolder == drive / "a\\cd\\");
+    CHECK(scan.found[0].productName == "Windows XP Home");
+    CHECK(scan.found[0].servicePackTag == "sp2");
+    CHECK(scan.found[1].rootFolder == drive / "b\\");
     CHECK(scan.state.valid);
     CHECK(scan.state.productCode.empty()); // set by a choice, not by a find
-    CHECK(scan.events.folders.back() == drive.Path() + "\\");
+    CHECK(scan.folders.back() == drive.Path() + "\\");
 }
 
 TEST_CASE("a stopped scan ends at its next entry and can start anew") {
@@ -66,12 +56,12 @@ TEST_CASE("a stopped scan ends at its next entry and can start anew") {
         drive.Write(name, "x");
     WriteCd(drive, "z\\I386");
     Scan scan;
-    scan.events.stopAfter = 3;
+    scan.stopAfter = 3;
     scan.Run(drive);
-    CHECK(scan.events.entries == 3);
+    CHECK(scan.entries == 3);
     CHECK(scan.scan.IsStopped());
     CHECK_FALSE(scan.state.valid);
     scan.Run(drive);
     CHECK(scan.state.valid);
-    CHECK(scan.events.found.empty()); // it has no version
+    CHECK(scan.found.empty()); // it has no version
 }
