@@ -28,18 +28,15 @@ def large(wine, folder, nginx, rounds):
         for _ in range(MEGABYTES):
             big.write(b"vesk" * 250_000)
 
-    def whole(took):
-        assert target.stat().st_size == MEGABYTES * 1_000_000, "the file is not complete"
-        target.unlink()
-        return took
-
     def ours():
+        target.unlink(missing_ok=True)
         said = wine.run(wine.built / "tests/net/download_tool.exe", "--only-time", "--access", 2,
                         "--proxy", f"127.0.0.1:{nginx.port}", "http://h/big.bin", target)
-        return whole(float(re.search(r"Milliseconds (\d+)", said)[1]))
+        assert target.stat().st_size == MEGABYTES * 1_000_000, "the file is not complete"
+        return float(re.search(r"Milliseconds (\d+)", said)[1])
 
     def peer():
-        return whole(curl("-o", target, f"http://127.0.0.1:{nginx.port}/big.bin"))
+        return curl("-o", target, f"http://127.0.0.1:{nginx.port}/big.bin")
 
     mine, theirs = in_turn(rounds, ours=ours, peer=peer)
     yield Row(f"{MEGABYTES} MB from nginx, to curl", mine, theirs, at_most(0.8))

@@ -20,7 +20,7 @@ PRESETS = {64: "windows", 32: "windows32"}
 
 
 class Skip(Exception):
-    """A row cannot be measured here; the text says why."""
+    """What is left of a group cannot be measured here; the text says why."""
 
 
 class Goal(NamedTuple):

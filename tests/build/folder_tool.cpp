@@ -54,9 +54,7 @@ std::string Outcome(const std::string& line, const clsFolderGuard& guard) {
 
 } // namespace
 
-int main(int argc, char** argv) {
-    if (argc != 2)
-        return 64;
+int main(int, char** argv) {
     const clsFolderGuard guard = GuardOf(argv[1]);
     for (std::string line; std::getline(std::cin, line);) {
         if (line.ends_with('\r'))

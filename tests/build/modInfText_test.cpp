@@ -7,6 +7,13 @@ using namespace vesk;
 
 TEST_CASE("what is done to a plug-in's INF, its names and its lists") {
     using Text = std::string;
+    // Two texts with a bar between them.
+    const auto ofTwo = [](const std::function<Text(const Text&, const Text&)>& function) {
+        return [function](const Text& both) {
+            const auto parts = Split(both, '|');
+            return function(parts.at(0), parts.at(1));
+        };
+    };
     test::CheckFunctions(
         "inf_texts",
         {
@@ -14,21 +21,13 @@ TEST_CASE("what is done to a plug-in's INF, its names and its lists") {
              [](const Text& inf) { return CommentedOutAppendMenu(inf).value_or("as it was"); }},
             {"file", AppendMenuFile},
             {"stripped", StripLeadingNumbering},
-            {"prefixed",
-             [](const Text& both) {
-                 const auto parts = Split(both, '|');
-                 return PrefixedName(parts.at(0), parts.at(1)).value_or("as it was");
-             }},
-            {"holds",
-             [](const Text& both) {
-                 const auto parts = Split(both, '|');
-                 return Text(ListHolds(parts.at(0), parts.at(1)) ? "yes" : "no");
-             }},
-            {"heading",
-             [](const Text& both) {
-                 const auto parts = Split(both, '|');
-                 return SeparatorName(parts.at(0), parts.at(1));
-             }},
+            {"prefixed", ofTwo([](const Text& name, const Text& category) {
+                 return PrefixedName(name, category).value_or("as it was");
+             })},
+            {"holds", ofTwo([](const Text& list, const Text& item) {
+                 return ListHolds(list, item) ? "yes" : "no";
+             })},
+            {"heading", ofTwo(SeparatorName)},
         });
     CHECK_THROWS_AS(SeparatorName("1", Text(51, 't')), Failure);
 }

@@ -23,6 +23,13 @@ class Console(SaidTest):
             (self.tree / name).parent.mkdir(parents=True, exist_ok=True)
             (self.tree / name).write_text("of an earlier build")
 
+    def make_outside(self):
+        """A folder of the user's own, with a file in it."""
+        outside = self.folder / "outside"
+        outside.mkdir()
+        (outside / "kept.txt").write_text("x")
+        return outside
+
     def test_wrong_usage(self):
         for arguments in (
                 ["--wrong"], ["--install"], ["--enable", "Nobody"], ["--list", "--disable", "No"],
@@ -127,9 +134,7 @@ class Console(SaidTest):
     def test_links_in_the_old_tree(self):
         """What they lead to is neither entered nor deleted nor written, whatever the system makes of
         them: where it cannot remove a link, nothing is written."""
-        outside = self.folder / "outside"
-        outside.mkdir()
-        (outside / "kept.txt").write_text("x")
+        outside = self.make_outside()
         for name, target in (("Plugin", "."), ("old.txt", "kept.txt"), ("veskbuild.unfinished", "kept.txt"),
                              ("input.inf", "kept.txt"), ("readme.txt", "new.txt"),
                              ("Plugin/100_tools/100_tools.inf", "new.txt")):
@@ -146,9 +151,7 @@ class Console(SaidTest):
 
     def test_a_link_in_place_of_the_start_menus_folder(self):
         """Wine cannot remove it, so no shortcut may be made behind it."""
-        outside = self.folder / "outside"
-        outside.mkdir()
-        (outside / "kept.txt").write_text("x")
+        outside = self.make_outside()
         if START_MENU.is_dir() and not START_MENU.is_symlink():
             shutil.rmtree(START_MENU)
         START_MENU.unlink(missing_ok=True)

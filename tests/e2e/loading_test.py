@@ -11,8 +11,8 @@ import subprocess
 import time
 import unittest
 
-from fixtures import TOP, Member, crc_of, run_whole, windows_path, write_cab
-from program import INF, PROGRAMS, WINE, SaidTest
+from fixtures import TOP, Member, run_whole, windows_path, write_cab
+from program import INF, PROGRAMS, WINE, ProgramTest
 
 # What every Windows takes from its own folder, whatever lies beside a program: the libraries that it
 # knows by name, and those that stand side by side, which a manifest names: the program's own the
@@ -50,7 +50,7 @@ def delayed_imports(content):
             if name != "EXPORTS" and f"\0{name}\0".encode() in content}
 
 
-class Loading(SaidTest):
+class Loading(ProgramTest):
     def test_the_files(self):
         programs = sorted(PROGRAMS.parent.rglob("vesk*.exe"))
         self.assertEqual([path.name for path in programs], ["veskbuild.exe", "veskbuilder.exe"])
@@ -89,23 +89,11 @@ class Loading(SaidTest):
 
     def plant(self):
         """Files beside the program with the names of libraries that it loads late; a build that needs them."""
-        self.write_small_catalogue()
         write_cab(self.program / "pressed.cab", [Member("pressed.inf", INF)], pressed=True)
-        catalogue = self.program / "veskbuilder.ini"
-        catalogue.write_text(catalogue.read_text().replace("Name1=Locked", "Name1=Pressed").replace(
-            "Zip1=locked.zip", "Zip1=pressed.cab").replace("Enabled1=0", "Enabled1=1").replace(
-            "CRC1=1 ", f"CRC1={crc_of(self.program / 'pressed.cab')} "))
+        self.write_small_catalogue("100", "Pressed", 1, 1, *self.raw("pressed.cab"))
         (self.program / "veskbuilder.sha256").write_text(f"{'0' * 64}  one.zip\n")
         for name in LATE:
             (self.program / f"{name}.dll").write_text("no library")
-
-    def test_what_lies_beside_the_program(self):
-        self.plant()
-        for folder in (self.folder, self.program):
-            self.run_program("--list", cwd=folder)
-        self.build()
-        (self.program / "pebuilder3110a.zip").unlink()
-        self.build("--yes")
 
     def searches(self, program, *arguments, until=None):
         """What a program asks the system's loader for from the first library that it asks for itself:
@@ -129,7 +117,7 @@ class Loading(SaidTest):
         if not WINE:
             self.skipTest("only Wine tells where it looks")
         self.plant()
-        build = ("veskbuild.exe", "--install", windows_path(self.tree), "--yes")
+        build = ("veskbuild.exe", *self.to_tree, "--yes")
         found = self.searches(*build)
         (self.program / "pebuilder3110a.zip").unlink()
         found += self.searches(*build)

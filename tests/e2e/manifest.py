@@ -15,7 +15,7 @@ import re
 import struct
 import zlib
 
-from fixtures import run_in_wine, windows_path
+from fixtures import run_in_wine
 from program import WINE
 
 TEXTS = (".inf", ".ini", ".txt", ".cmd", ".script")
@@ -28,10 +28,6 @@ def attributes_of(folder):
     shown = run_in_wine([*WINE, "attrib", folder + "\\*", "/s", "/d"], check=True, encoding="cp850").stdout
     found = re.findall(r"^([A-Z ]{11})\s*(\S.*)$", shown, re.MULTILINE)
     return {path[len(folder) + 1:].lower(): re.sub("[ A]", "", letters) for letters, path in found}
-
-
-def text_lines(content):
-    return ["    | " + line for line in content.decode("cp1252").split("\r\n")]
 
 
 def tree_lines(folder, windows_folder, began):
@@ -49,7 +45,7 @@ def tree_lines(folder, windows_folder, began):
             continue
         content = path.read_bytes()
         is_text = path.suffix.lower() in TEXTS and b"\0" not in content
-        text = text_lines(content) if is_text else []
+        text = ["    | " + line for line in content.decode("cp1252").split("\r\n")] if is_text else []
         is_shown = text and (len(text) <= LONG or path.suffix == ".ini")
         size = "" if is_shown else f"  {len(content)} bytes, CRC {zlib.crc32(content):X}"
         lines += [f"{name}  {shown}  {flags}{size}", *(text if is_shown else [])]
@@ -97,8 +93,3 @@ def registry_lines(key):
 
 def forget_registry(key):
     run_in_wine([*WINE, "reg", "delete", key, "/f"])
-
-
-def remove_folder(path):
-    """Of the start menu: a folder of an earlier build would be deleted with a line of its own."""
-    run_in_wine([*WINE, "cmd", "/c", "rmdir", "/s", "/q", windows_path(path)])

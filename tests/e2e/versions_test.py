@@ -14,14 +14,18 @@ PREFIX = "versions32"
 os.environ["VESK_PREFIX"] = PREFIX
 
 # pylint: disable=wrong-import-position
-from program import PROGRAMS, TOP, WINE, SampleTest, run_in_wine, run_whole, windows_path
+from program import PROGRAMS, TOP, WINE, ProgramTest, run_in_wine, run_whole, windows_path
+
+PATHS = {"VESK_WIZARD": str(PROGRAMS.parent / "ui/veskbuilder.exe"),
+         "VESK_CONSOLE": str(PROGRAMS / "veskbuild.exe")}
 
 
-class Versions(SampleTest):
+class Versions(ProgramTest):
     def become(self, version):
         run_whole([TOP / "tools/wine-prefix", f"{PREFIX}:{version}"], timeout=120)
 
     def test_a_whole_build(self):
+        self.add_sample()
         source = windows_path(self.sample / "source")
         # Windows XP is the one of the other tests; Wine 8 cannot be set to Windows 11.
         for version in ("win2k", "vista", "win7", "win10"):
@@ -31,14 +35,10 @@ class Versions(SampleTest):
                 self.assertEqual(code, 1, errors)  # one archive of the sample is damaged
                 self.assertRegex(errors, r"\Aveskbuild: diskcheck.zip: not installed, .*\n\Z")
                 self.assertRegex(lines[-2], r"^Done\.\.\. \[")
-                self.wizard("a whole build*")  # a comma would end the pattern
-
-    def wizard(self, case):
-        programs = {"VESK_WIZARD": PROGRAMS.parent / "ui/veskbuilder.exe",
-                    "VESK_CONSOLE": PROGRAMS / "veskbuild.exe"}
-        result = run_in_wine([*WINE, UI_TESTS, f"--test-case={case}"], encoding="cp1252", check=True,
-                             env=os.environ | {k: str(v) for k, v in programs.items()})
-        self.assertIn("test cases:  1 |  1 passed", result.stdout)
+                # A comma would end the pattern.
+                said = run_in_wine([*WINE, UI_TESTS, "--test-case=a whole build*"], encoding="cp1252",
+                                   check=True, env=os.environ | PATHS)
+                self.assertIn("test cases:  1 |  1 passed", said.stdout)
 
     def test_what_is_no_nt_is_refused(self):
         self.become("win98")

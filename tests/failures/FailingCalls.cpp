@@ -2,13 +2,13 @@
 /// puts it there: the delivered objects are linked as they are, and know nothing of it.
 ///
 /// The environment says what it does:
-///  - VESK_FAIL_CALL, VESK_FAIL_AT, VESK_FAIL_WITH: the function, its call (1: the first), the
-///  reason
+///  - VESK_FAIL_CALL, VESK_FAIL_AT, VESK_FAIL_WITH: function, its call (1: the first), reason
 ///  - VESK_FAIL_ON: with 1 each later call fails as well
 ///  - VESK_FAIL_REPORT: the file that tells at the end how often each function was called, what was
 ///    opened and not closed, and what the registry holds below VESK_FAIL_KEY
 ///  - VESK_FAIL_PLACES: with 1 it also tells the first call from each place in the program
 ///  - VESK_FAIL_SHELL: the folder that stands for desktop and start menu
+#include "CallPlaces.h"
 #include "Imports.h"
 
 #include <winsock2.h>
@@ -29,6 +29,7 @@
 #include <cstring>
 #include <iterator>
 #include <new>
+#include <span>
 #include <string_view>
 #include <type_traits>
 
@@ -61,11 +62,13 @@ struct Row {
 };
 
 struct Call : Row {
-    static inline std::array<Call*, 256> all = {};
+    static inline std::array<Call*, 256> room = {};
     static inline std::size_t number = 0;
     std::uint32_t count = 0;
 
-    explicit Call(const Row& row) : Row(row) { all.at(number++) = this; }
+    explicit Call(const Row& row) : Row(row) { room.at(number++) = this; }
+    static std::span<Call*> All() { return {room.data(), number}; }
+    [[nodiscard]] bool Is(const char* function) const { return std::strcmp(name, function) == 0; }
 };
 
 // Nothing here takes memory: the calls that are counted include those for memory.
@@ -79,40 +82,7 @@ int open[std::size(kKinds)] = {};
 char shellFolder[MAX_PATH] = {};
 int lastShellFolder = 0;
 
-constexpr std::uint64_t kNoMark = 14695981039346656037U;
 std::uint64_t registry = kNoMark; ///< Of each value that it took.
-
-template <class Value>
-void Mark(std::uint64_t& mark, Value value) {
-    mark = (mark ^ static_cast<std::uint64_t>(value)) * 1099511628211U;
-}
-
-struct Place {
-    std::uint64_t mark; ///< Of the call and everything that called it; 0: free.
-    const Call* call;
-    std::uint32_t first;
-};
-Place places[std::size_t{1} << 18];
-
-void NotePlace(const Call& call, bool isMemory) {
-    void* frames[62];
-    // Memory is taken everywhere: there the nearest callers are enough.
-    const ULONG most = isMemory ? 8 : std::size(frames);
-    const USHORT depth = RtlCaptureStackBackTrace(2, most, frames, nullptr);
-    std::uint64_t mark = kNoMark + reinterpret_cast<std::uintptr_t>(&call);
-    for (USHORT i = 0; i < depth; ++i)
-        Mark(mark, reinterpret_cast<std::uintptr_t>(frames[i]));
-    mark |= 1;
-    for (std::uint64_t i = mark >> 20;; ++i) {
-        Place& place = places[i % std::size(places)];
-        if (place.mark == mark)
-            return;
-        if (place.mark == 0) {
-            place = {mark, &call, call.count};
-            return;
-        }
-    }
-}
 
 /// Counts a call. @return the reason for which it is to fail, or 0
 DWORD Judge(Call& call, bool isMemory = false) {
@@ -121,7 +91,7 @@ DWORD Judge(Call& call, bool isMemory = false) {
     ++call.count;
     if (tellsPlaces) {
         const DWORD error = GetLastError();
-        NotePlace(call, isMemory);
+        NotePlace(call.name, call.count, isMemory);
         SetLastError(error);
     }
     const bool now = call.count == chosenAt || (fromThenOn && call.count > chosenAt);
@@ -152,8 +122,8 @@ struct Methods {
     }
 };
 
-// What a call does before it fails, beyond its result; what half of a call is. "Of_name" stands for
-// the function of this name.
+// What a call does besides, when it fails and when not; what half of a call is. "Of_name" stands
+// for the function of this name.
 template <class Of, class... A>
 void OnFailure(Of*, A...) {}
 template <class Of, class... A>
@@ -325,13 +295,11 @@ WRAP(void*, malloc, nullptr, (std::size_t size), size)
 FARPROC WINAPI FindWithLayer(HMODULE module, LPCSTR name) {
     const FARPROC found = Through<struct Of_GetProcAddress>(
         call_GetProcAddress, real_GetProcAddress, FARPROC{nullptr}, module, name);
-    for (const Call* const call : Call::all) {
-        if (found == nullptr || call == nullptr || call->real == nullptr ||
-            std::strcmp(name, call->name) != 0)
-            continue;
-        *call->real = reinterpret_cast<void*>(found);
-        return reinterpret_cast<FARPROC>(call->ours);
-    }
+    for (const Call* const call : Call::All())
+        if (found != nullptr && call->real != nullptr && call->Is(name)) {
+            *call->real = reinterpret_cast<void*>(found);
+            return reinterpret_cast<FARPROC>(call->ours);
+        }
     return found;
 }
 
@@ -360,9 +328,9 @@ std::uint32_t NumberIn(const char* variable) {
 }
 
 void Begin() {
-    for (std::size_t i = 0; i < Call::number; ++i)
-        if (std::strcmp(Call::all[i]->name, TextIn("VESK_FAIL_CALL")) == 0)
-            chosen = Call::all[i];
+    for (const Call* const call : Call::All())
+        if (call->Is(TextIn("VESK_FAIL_CALL")))
+            chosen = call;
     chosenAt = NumberIn("VESK_FAIL_AT");
     chosenReason = NumberIn("VESK_FAIL_WITH");
     fromThenOn = NumberIn("VESK_FAIL_ON") != 0;
@@ -375,9 +343,9 @@ void Tell() {
     FILE* const report = __real_fopen(TextIn("VESK_FAIL_REPORT"), "wb");
     if (report == nullptr)
         return;
-    for (std::size_t i = 0; i < Call::number; ++i) {
-        std::fprintf(report, "call\t%s\t%u", Call::all[i]->name, Call::all[i]->count);
-        for (const std::int64_t reason : Call::all[i]->reasons)
+    for (const Call* const call : Call::All()) {
+        std::fprintf(report, "call\t%s\t%u", call->name, call->count);
+        for (const std::int64_t reason : call->reasons)
             if (reason != 0)
                 std::fprintf(report, "\t%lu", static_cast<DWORD>(reason));
         std::fprintf(report, "\n");
@@ -386,7 +354,7 @@ void Tell() {
         std::fprintf(report, "open\t%s\t%d\n", kKinds[i].data(), open[i]);
     for (const Place& place : places)
         if (place.mark != 0)
-            std::fprintf(report, "place\t%s\t%u\n", place.call->name, place.first);
+            std::fprintf(report, "place\t%s\t%u\n", place.call, place.first);
     std::fprintf(report, "registry\t\t%llu\n", registry);
     std::fclose(report);
 }

@@ -5,6 +5,7 @@ system's cabinet library: they end, write nothing elsewhere, and what is not who
     damage_test.py PROGRAM ARCHIVES SEED WINE...
 """
 
+import itertools
 import pathlib
 import random
 import re
@@ -101,18 +102,17 @@ def faults(build, good, kinds):
 
 
 def main(program, archives, seed, *wine):
-    folder = pathlib.Path(tempfile.mkdtemp(prefix="vesk-damage-"))
-    program, draw = pathlib.Path(program).resolve(), random.Random(seed)
-    try:
+    draw = random.Random(seed)
+    with tempfile.TemporaryDirectory(prefix="vesk-damage-", ignore_cleanup_errors=True) as folder:
+        folder = pathlib.Path(folder)
         whole = fixtures(folder)
         good = Build(folder / "good", program, wine, whole)
         if good.told(good.built) != {UNKNOWN} or not all(map(good.contents, set(whole) - {UNKNOWN})):
             sys.exit(f"the undamaged archives are not built: {good.built}")
         found, told = [], 0
         for first in range(0, int(archives), AT_ONCE):
-            names = list(whole)
             kinds = {f"d{number}{kind[-4:]}": kind for number, kind in
-                     ((number, names[number % len(names)]) for number in range(first, first + AT_ONCE))}
+                     zip(range(first, first + AT_ONCE), itertools.cycle(whole))}
             made = {name: damaged(whole[kind], draw) for name, kind in kinds.items()}
             build = Build(folder / "build", program, wine, made)
             told += len(build.told(build.built))
@@ -121,8 +121,6 @@ def main(program, archives, seed, *wine):
         print(*found, sep="\n")
         print(f"{archives} damaged archives, {told} told of, {len(found)} found wrong")
         return 1 if found or told == 0 else 0
-    finally:
-        shutil.rmtree(folder, ignore_errors=True)
 
 
 if __name__ == "__main__":

@@ -5,6 +5,7 @@ file stands half under its final name.
     disk_full_test.py PROGRAM SAVE_TOOL LEVELS WINE...
 """
 
+import contextlib
 import pathlib
 import shutil
 import sys
@@ -24,9 +25,10 @@ def blocks_in(disk):
                if path.is_file() and not path.is_symlink())
 
 
-def builds(builder, run_folder, disk, levels):
+def builds(builder, run_folder, disk, words, levels):
     """Builds in a folder that is on a disk, or of which a folder is one, with so many blocks free as fit
-    between none and enough. @return how many builds there were, how many whole, and what is wrong"""
+    between none and enough; one of them must say these words. @return how many builds there were, how
+    many whole, and what is wrong"""
     builder.run_folder = run_folder
     builder.arguments[1] = windows_path(run_folder / "tree")
     run_folder.mkdir(exist_ok=True)
@@ -35,16 +37,21 @@ def builds(builder, run_folder, disk, levels):
     used = blocks_in(disk)
     builder.good = builder.build(Fault())
     most = blocks_in(disk) - used + ROOM
-    found, whole = [], 0
+    found, whole, reasons = [], 0, ""
     tried = sorted({level * most // (levels - 1) for level in range(levels)})
     for blocks in tried:
         mount_disk(disk, (used + blocks) * BLOCK)
         run = builder.build(Fault())
         whole += run.code == 0
+        reasons += run.errors
+        found += [f"{disk.name}, {blocks} blocks: half of {name}" for name in run.differing(builder.good)
+                  if name.endswith("large.bin") and name in run.made]
         found += [f"{disk.name}, {blocks} blocks: {what}" for what in builder.judge(Fault(), run)]
     unmount_disk(disk)
     # With no room at all nothing can be whole, and with all room everything is.
-    return len(tried), whole, found if 0 < whole < len(tried) else [*found, f"{disk.name}: {whole} whole"]
+    found += [] if 0 < whole < len(tried) else [f"{disk.name}: {whole} whole"]
+    found += [] if words in reasons else [f'{disk.name}: "{words}" is never told']
+    return len(tried), whole, found
 
 
 def save(catalogue, disk, blocks):
@@ -53,34 +60,37 @@ def save(catalogue, disk, blocks):
     shutil.copy(catalogue.path, disk)
     (disk / "rest").write_bytes(b"x" * BLOCK * 15)
     told = run_in_wine([*catalogue.command, "2"], encoding="cp1252")
-    code = told.returncode
     found = catalogue.faults(disk)
     left = sorted(path.name for path in disk.iterdir())
     found += [] if left == ["rest", "veskbuilder.ini"] else [f"left behind: {left}"]
-    not_saved = code == 0 and (disk / "veskbuilder.ini").stat().st_size < 9000
+    not_saved = told.returncode == 0 and (disk / "veskbuilder.ini").stat().st_size < 9000
     found += ["code 0, not saved"] * not_saved
-    return code, [f"{what} (it returned {code}: {told.stderr!r})" for what in found]
+    return told.returncode, [f"{what} ({told})" for what in found]
 
 
 def main(program, save_tool, levels, *wine):
-    folder = pathlib.Path(tempfile.mkdtemp(prefix="vesk-disk-"))
-    disk, own = folder / "small", folder / "run/program"
-    builder = None
-    try:
+    with contextlib.ExitStack() as stack:
+        folder = pathlib.Path(stack.enter_context(
+            tempfile.TemporaryDirectory(prefix="vesk-disk-", ignore_cleanup_errors=True)))
+        disk, own = folder / "small", folder / "run/program"
+        for place in (disk, own):
+            stack.callback(unmount_disk, place)
         if not mount_disk(disk, 16 * BLOCK):
             print("no small disk can be mounted")
             return SKIPPED
         unmount_disk(disk)
-        builder = Builder(folder, pathlib.Path(program).resolve(), wine, "build", large=100000)
+        builder = Builder(folder, program, wine, "build", large=100000)
         found = []
         # The tree is on the disk with the program, or the program alone, with downloads and log.
-        for run_folder, small in ((disk / "run", disk), (own.parent, own)):
-            tried, whole, wrong = builds(builder, run_folder, small, int(levels))
+        for run_folder, small, words in (
+                (disk / "run", disk, "large.zip: large.bin: not written, disk full"),
+                (own.parent, own, "log: not saved, disk full")):
+            tried, whole, wrong = builds(builder, run_folder, small, words, int(levels))
             found += wrong
             print(f"{tried} fill levels of the disk {small.name}, {whole} builds whole")
         saved = 0
         shutil.rmtree(disk)
-        catalogue = SavedCatalogue(folder / "build/sample", pathlib.Path(save_tool).resolve(), wine, disk)
+        catalogue = SavedCatalogue(folder / "build/sample", save_tool, wine, disk)
         for blocks in range(8):
             code, wrong = save(catalogue, disk, blocks)
             saved += code == 0
@@ -88,12 +98,6 @@ def main(program, save_tool, levels, *wine):
         print(*found, sep="\n")
         print(f"8 of the catalogue, {saved} saved; {len(found)} found wrong")
         return 1 if found or not 0 < saved < 8 else 0
-    finally:
-        if builder:
-            builder.stop()
-        for place in (disk, own):
-            unmount_disk(place)
-        shutil.rmtree(folder, ignore_errors=True)
 
 
 if __name__ == "__main__":

@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
 """Makes single calls of a build fail and checks whether the program tells the truth about it.
 
-    failures.py [--all | --every | --one CALL NUMBER REASON] [--only CALLS] [--share 1/2]
-                [--workers N] PROGRAM WINE...
+    failures.py [--all | --one CALL NUMBER REASON] [--only CALLS] [--share 1/2] [--workers N]
+                PROGRAM WINE...
 
 --all tries each call of the functions that are called seldom, and of the others the first one from
-each place in the program, for each reason; --every tries each call; without either one call of each
-function is drawn: the first, the last or one between.
+each place in the program, for each reason; without it one call of each function is drawn: the first,
+the last or one between.
 """
 
 import argparse
@@ -17,12 +17,12 @@ import os
 import pathlib
 import random
 import re
-import shutil
 import subprocess
 import sys
 import tempfile
 
-from sample import Sample, picture, serve, windows_path
+from sample import Sample, picture, windows_path
+from net.peers import ScriptedServer
 
 SELDOM = 60  # calls of a function of which each is tried
 LAST_LINE = "click 'Finish' to exit"
@@ -89,18 +89,14 @@ class Builder:
         self.folder, self.program, self.wine = folder / name, program, wine
         self.key = f"Software\\Vesk Builder Failures {name}"
         self.sample = Sample(self.folder / "sample", self.key, **sample)
-        self.server = serve(self.folder / "sample")
+        server = ScriptedServer(self.sample.serve)
         self.run_folder = self.folder / "run"
         self.arguments = ["--install", windows_path(self.run_folder / "tree"), "--source",
                           windows_path(self.folder / "sample/source"), "--yes", "--timeout", "3",
-                          "--proxy", f"localhost:{self.server.server_port}"]
+                          "--proxy", f"localhost:{server.port}"]
         self.sample.fill(self.run_folder, self.program)
         self.untouched = picture(self.run_folder)
         self.good = self.build(Fault(), places=True)
-
-    def stop(self):
-        self.server.shutdown()
-        self.server.server_close()
 
     def build(self, fault, **options):
         """As build_once. On a busy machine Wine ends a process now and then, with 1 and without a report,
@@ -174,43 +170,38 @@ class Builder:
         return found
 
 
-def plan(good, how):
-    """The failures to try, for each function: (call, number, reason)."""
+def plan(good, tries_all):
+    """The failures to try."""
     faults = []
     for call, count in good.calls.items():
         if count == 0 or not good.reasons[call]:
             continue
         draw = random.Random(f"1 {call}")  # how often another is called may depend on time
-        numbers = [draw.choice([1, count, draw.randint(1, count)])]
-        if how == "every" or (how == "all" and count <= SELDOM and call != "operator new"):
+        drawn = draw.choice([1, count, draw.randint(1, count)])
+        if not tries_all:
+            faults.append(Fault(call, drawn, draw.choice(good.reasons[call])))
+            continue
+        if count <= SELDOM and call != "operator new":
             numbers = range(1, count + 1)
-        elif how == "all":
+        else:
             numbers = sorted({count} | set(good.places[call]))
         for number in numbers:
-            reasons = good.reasons[call]
-            if how == "few":
-                reasons = [draw.choice(reasons)]
-            faults += [Fault(call, number, reason) for reason in reasons]
-            if DISK_FULL in reasons and how != "few":
+            faults += [Fault(call, number, reason) for reason in good.reasons[call]]
+            if DISK_FULL in good.reasons[call]:
                 faults.append(Fault(call, number, DISK_FULL, True))
     random.Random(1).shuffle(faults)
     return faults
 
 
 class Campaign:
-    """All planned failures, by several workers."""
+    """All planned failures, by several workers. Their folder is the caller's to clean up."""
 
-    def __init__(self, program, wine, how, workers=1):
-        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="vesk-failures-"))
-        self.builders = []
-        try:
-            for i in range(workers):
-                self.builders.append(Builder(self.folder, program, wine, f"w{i}"))
-        except BaseException:
-            self.close()
-            raise
+    def __init__(self, program, wine, tries_all, workers=1):
+        self.folder = tempfile.TemporaryDirectory(prefix="vesk-failures-", ignore_cleanup_errors=True)
+        self.builders = [Builder(pathlib.Path(self.folder.name), program, wine, f"w{i}")
+                         for i in range(workers)]
         self.good = self.builders[0].good
-        self.faults = plan(self.good, how)
+        self.faults = plan(self.good, tries_all)
         self.tried, self.whole = collections.Counter(), collections.Counter()
         self.found = []
 
@@ -231,11 +222,6 @@ class Campaign:
         with concurrent.futures.ThreadPoolExecutor(len(self.builders)) as pool:
             list(pool.map(work, self.builders))
 
-    def close(self):
-        for builder in self.builders:
-            builder.stop()
-        shutil.rmtree(self.folder, ignore_errors=True)
-
     def table(self):
         found = collections.Counter(fault.call for fault, _ in self.found)
         lines = ["   calls   tried   whole   wrong  function"]
@@ -251,16 +237,15 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("program", type=pathlib.Path)
     parser.add_argument("wine", nargs="+")
-    parser.add_argument("--all", action="store_const", const="all", dest="how", default="few")
-    parser.add_argument("--every", action="store_const", const="every", dest="how")
+    parser.add_argument("--all", action="store_true")
     parser.add_argument("--one", nargs="+")
     parser.add_argument("--only", default=".")
     parser.add_argument("--share", default="1/1", help="2/3: the second third of them")
     parser.add_argument("--workers", type=int, default=2)
     options = parser.parse_args()
     workers = 1 if options.one else options.workers
-    campaign = Campaign(options.program.resolve(), options.wine, options.how, workers)
-    try:
+    campaign = Campaign(options.program.resolve(), options.wine, options.all, workers)
+    with campaign.folder:
         if options.one:
             call, number, reason, *on = options.one
             fault = Fault(call, int(number), int(reason), bool(on))
@@ -279,8 +264,6 @@ def main():
         campaign.run(lambda text: print(text, flush=True))
         print(campaign.table())
         sys.exit(1 if campaign.found else 0)
-    finally:
-        campaign.close()
 
 
 if __name__ == "__main__":

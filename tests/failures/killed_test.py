@@ -15,34 +15,25 @@ import time
 
 from failures import LAST_LINE, Builder, Fault
 from sample import LEFTOVER, SavedCatalogue
-from net.peers import ScriptedServer, answer
+
+
+def send_slowly(connection, content):
+    """In pieces, so that many moments lie within a download."""
+    for start in range(0, len(content), 200):
+        connection.sendall(content[start:start + 200])
+        time.sleep(0.02)
 
 
 class Killed:
-    def __init__(self, program, save_tool, seed, wine):
-        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="vesk-killed-"))
-        self.draw = random.Random(seed)
-        self.builder = Builder(self.folder, program, wine, "killed")
-        self.builder.stop()
-        self.server = ScriptedServer(self.send_slowly)
-        self.builder.arguments[-1] = f"localhost:{self.server.port}"
-        self.place = self.folder / "catalogue"
-        self.catalogue = SavedCatalogue(self.folder / "killed/sample", save_tool, wine, self.place)
+    def __init__(self, folder, program, save_tool, seed, wine):
+        self.draw = random.Random(int(seed))
+        self.builder = Builder(folder, program, wine, "killed", send=send_slowly)
+        self.place = folder / "catalogue"
+        self.catalogue = SavedCatalogue(folder / "killed/sample", save_tool, wine, self.place)
         start = time.monotonic()
         self.good = self.builder.build(Fault())
         self.length = time.monotonic() - start
         self.unfinished = self.downloading = 0
-
-    def send_slowly(self, connection, url):
-        """An archive in pieces, so that many moments lie within a download."""
-        content = answer(self.builder.sample.archives[url.rsplit("/", 1)[1]])
-        for start in range(0, len(content), 200):
-            connection.sendall(content[start:start + 200])
-            time.sleep(0.02)
-
-    def close(self):
-        self.server.stop()
-        shutil.rmtree(self.folder, ignore_errors=True)
 
     def tree(self, made):
         return {name: what for name, what in made.items() if name.startswith("tree/")}
@@ -100,9 +91,8 @@ class Killed:
 
 
 def main(program, save_tool, runs, seed, *wine):
-    killed = Killed(pathlib.Path(program).resolve(), pathlib.Path(save_tool).resolve(), int(seed),
-                    list(wine))
-    try:
+    with tempfile.TemporaryDirectory(prefix="vesk-killed-", ignore_cleanup_errors=True) as folder:
+        killed = Killed(pathlib.Path(folder), program, save_tool, seed, wine)
         found, run = [], 0
         # It may take more runs until a build is hit at work, and in a download.
         while run < int(runs) or 0 in (killed.unfinished, killed.downloading) and run < 5 * int(runs):
@@ -113,8 +103,6 @@ def main(program, save_tool, runs, seed, *wine):
               f"{killed.downloading} a part of a download; {len(found)} found wrong")
         # If no kill hit a build at work, the moments were drawn from the wrong span.
         return 1 if found or 0 in (killed.unfinished, killed.downloading) else 0
-    finally:
-        killed.close()
 
 
 if __name__ == "__main__":

@@ -2,20 +2,20 @@
 tree to remove, a list of digests, and two archives that come over HTTP, one by a detour and over what an
 earlier download left."""
 
-import functools
 import hashlib
 import pathlib
 import re
 import shutil
+import socket
 import sys
-import threading
 
 sys.path.append(str(pathlib.Path(__file__).resolve().parents[1]))
-from fixtures import TOP, Member, crc_of, run_in_wine, windows_path, write_cab  # noqa: E402
+from fixtures import (TOP, Member, crc_of, run_in_wine, windows_path, write_cab,  # noqa: E402
+                      write_catalogue)
+from net.peers import answer  # noqa: E402
 
 sys.path.append(str(TOP / "sample"))
 import make_sample  # noqa: E402
-from serve import Handler, server_of  # noqa: E402
 
 HOST = "http://sample.invalid/"
 GONE, MOVED = f"{HOST}gone/hexview.zip", f"{HOST}moved/hexview.zip"
@@ -29,10 +29,11 @@ CHANGING = re.compile(rb"\[\d+/\d+/\d{4} \d+:\d\d:\d\d [AP]M\]|"
 
 
 class Sample:
-    """The archives and the catalogue, made once; a fresh copy for each run."""
+    """The archives and the catalogue, made once; a fresh copy for each run. Two of the archives are
+    served."""
 
-    def __init__(self, folder, key, large=LARGE):
-        self.folder = folder
+    def __init__(self, folder, key, large=LARGE, send=socket.socket.sendall):
+        self.folder, self.send = folder, send
         make_sample.main(folder)
         program = folder / "program"
         archives = {name: dict(files) for name, files in make_sample.ARCHIVES.items()}
@@ -49,28 +50,17 @@ class Sample:
             write(program / name, files)
         write_cab(program / "pressed.cab", pressed=True, members=[
             Member("pressed.inf", make_sample.inf("Pressed")), Member("deep\\text.txt", "text\r\n" * 99)])
-        self.write_catalogue(program)
+        entries = [(name, name, "300" if name in SERVED else "100", 1, 0, SERVED.get(name, ""),
+                    crc_of(program / name)) for name in (*archives, "pressed.cab")]
+        write_catalogue(program, entries[:2], entries[2:],
+                        [(key, key + "_x") for key in ("100", "200", "300", "500")])
         shutil.copy(TOP / "packaging/readme.txt", program)
+        self.archives = {name: (program / name).read_bytes() for name, *_ in entries}
         for name in SERVED:
-            (program / name).replace(folder / "server" / name)
-        self.archives = {path.name: path.read_bytes() for place in ("program", "server")
-                         for path in (folder / place).iterdir() if path.suffix in (".zip", ".cab")}
+            (program / name).unlink()
         (program / "veskbuilder.sha256").write_text("".join(
             f"{hashlib.sha256(content).hexdigest()} *{name}\n" for name, content in self.archives.items()))
         (program / "hexview.zip.vesk-part").write_text(LEFTOVER)
-
-    @staticmethod
-    def write_catalogue(program):
-        path = program / "veskbuilder.ini"
-        text = path.read_bytes().decode("cp1252")
-        more = "".join(f"Name{i}={name} \r\nZip{i}={archive} \r\nCat{i}=100 \r\nEnabled{i}=1\r\n"
-                       f"Lock{i}=0\r\nUrl{i}= \r\nCRC{i}= \r\n"
-                       for i, name, archive in ((5, "Large", "large.zip"), (6, "Pressed", "pressed.cab")))
-        text = text.replace("[Categories]", more + "[Categories]").replace("Enabled1=0", "Enabled1=1")
-        for number, name in re.findall(r"^Zip(\d+)=(\S+)", text, re.MULTILINE):
-            text = re.sub(rf"(Zip{number}={name} (?:.*\n)+?Url{number}=).*?( ?\r\nCRC{number}=)\S*",
-                          rf"\g<1>{SERVED.get(name, '')}\g<2>{crc_of(program / name)}", text)
-        path.write_bytes(text.encode("cp1252"))
 
     def fill(self, folder, executable):
         """A program folder, and the tree of an earlier build."""
@@ -83,6 +73,16 @@ class Sample:
                      "shell/16/Vesk Builder.lnk", "shell/23/Vesk Builder/Old.lnk"):
             (folder / name).write_text("old")
         (folder / "tree/Plugin/b.txt").chmod(0o444)
+
+    def serve(self, connection, url):
+        """Lacks what is asked for at one place, and sends from another one to the archive."""
+        if "/gone/" in url:
+            self.send(connection, answer(b"", status="HTTP/1.1 404 Not Found"))
+        elif "/moved/" in url:
+            self.send(connection, answer(b"", f"Location: {url.replace('/moved/', '/')}",
+                                         status="HTTP/1.1 302 Found"))
+        else:
+            self.send(connection, answer(self.archives[url.rsplit("/", 1)[1]]))
 
 
 def catalogue_text(folder):
@@ -137,25 +137,3 @@ def picture(folder):
         old = int(stat.st_mtime) if stat.st_mtime < 1.3e9 else "now"
         result[name] = (hash(content), len(content), old, bool(stat.st_mode & 0o200))
     return result
-
-
-class Detour(Handler):
-    """A server that lacks what is asked for at one place, and sends from another one to the archive."""
-
-    def do_GET(self):
-        if "/gone/" in self.path:
-            return self.send_error(404, "Not Found")
-        if "/moved/" not in self.path:
-            return super().do_GET()
-        self.send_response(302)
-        self.send_header("Location", self.path.replace("/moved/", "/"))
-        self.send_header("Content-Length", "0")
-        return self.end_headers()
-
-
-def serve(folder):
-    """@return a server of the archives, which ends with this process at the latest"""
-    server = server_of(folder / "server")
-    server.RequestHandlerClass = functools.partial(Detour, directory=folder / "server")
-    threading.Thread(target=server.serve_forever, daemon=True).start()
-    return server

@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include <array>
 #include <cstdio>
 #include <string>
 
@@ -14,19 +15,14 @@ using Handle = vesk::UniqueHandle<::CloseHandle, HANDLE>;
 /// A token as this process has it, in which the group of the administrators only forbids.
 /// @return false where the system makes none
 bool MakeLimited(Handle& limited) {
-    SID_IDENTIFIER_AUTHORITY authority = SECURITY_NT_AUTHORITY;
-    PSID group = nullptr;
+    std::array<BYTE, SECURITY_MAX_SID_SIZE> group{};
+    DWORD size = SECURITY_MAX_SID_SIZE;
+    SID_AND_ATTRIBUTES administrators{group.data(), 0};
     Handle token;
-    if (AllocateAndInitializeSid(&authority, 2, SECURITY_BUILTIN_DOMAIN_RID,
-                                 DOMAIN_ALIAS_RID_ADMINS, 0, 0, 0, 0, 0, 0, &group) == FALSE)
-        return false;
-    SID_AND_ATTRIBUTES administrators{group, 0};
-    const bool isMade =
-        OpenProcessToken(GetCurrentProcess(), TOKEN_ALL_ACCESS, token.Out()) != FALSE &&
-        CreateRestrictedToken(token.Get(), 0, 1, &administrators, 0, nullptr, 0, nullptr,
-                              limited.Out()) != FALSE;
-    FreeSid(group);
-    return isMade;
+    return CreateWellKnownSid(WinBuiltinAdministratorsSid, nullptr, group.data(), &size) != FALSE &&
+           OpenProcessToken(GetCurrentProcess(), TOKEN_ALL_ACCESS, token.Out()) != FALSE &&
+           CreateRestrictedToken(token.Get(), 0, 1, &administrators, 0, nullptr, 0, nullptr,
+                                 limited.Out()) != FALSE;
 }
 
 } // namespace

@@ -76,6 +76,7 @@ class Package(unittest.TestCase):
         cls.name = next(name for name in cls.made if name.endswith("-portable.zip"))
         with zipfile.ZipFile(cls.folder / "one" / cls.name) as archive:
             archive.extractall(DRIVE)
+            cls.published = {name.split("/", 1)[1] for name in archive.namelist()}
         cls.portable = DRIVE / cls.name.replace("-portable.zip", "")
         cls.setup = cls.folder / "one" / cls.name.replace("-portable.zip", "-setup.exe")
 
@@ -129,9 +130,7 @@ class Package(unittest.TestCase):
 
     def install(self, *arguments, folder):
         self.run_setup(*arguments)
-        with zipfile.ZipFile(self.folder / "one" / self.name) as archive:
-            published = {name.split("/", 1)[1] for name in archive.namelist()}
-        self.assertEqual(published - files_below(folder), set())
+        self.assertEqual(self.published - files_below(folder), set())
 
     def uninstall(self, folder, *arguments):
         """The uninstaller goes on in a copy of itself: wait until its last step is done."""

@@ -19,15 +19,9 @@ using Names = std::vector<std::string>;
 // Indices in the form's control arrays.
 enum : int { kFileName = 1, kAddress = 4, kChecksum = 5 };
 enum : int { kEnabled = 1, kLocked, kCategory };
-inline constexpr int kRemoveBase = IDC_CMD_BUTTONS + 1;
-inline constexpr int kBrowseBase = IDC_CMD_BUTTONS + 2;
-inline constexpr int kAddPlugin = IDC_CMD_BUTTONS + 3;
-inline constexpr int kRemovePlugin = IDC_CMD_BUTTONS + 4;
-inline constexpr int kBrowsePlugin = IDC_CMD_BUTTONS + 5;
-inline constexpr int kUpBase = IDC_CMD_BUTTONS + 6;
-inline constexpr int kDownBase = IDC_CMD_BUTTONS + 7;
-inline constexpr int kUpPlugin = IDC_CMD_BUTTONS + 8;
-inline constexpr int kDownPlugin = IDC_CMD_BUTTONS + 9;
+enum : int { kRemoveBase = IDC_CMD_BUTTONS + 1, kBrowseBase };
+enum : int { kAddPlugin = IDC_CMD_BUTTONS + 3, kRemovePlugin, kBrowsePlugin };
+enum : int { kUpBase = IDC_CMD_BUTTONS + 6, kDownBase, kUpPlugin, kDownPlugin };
 
 class Editor : public WizardDriver {
 public:
@@ -51,11 +45,6 @@ public:
     void Exit() const {
         Click(IDCANCEL);
         CHECK(AwaitEnd() == 0);
-    }
-
-    /// Waits for a message box, checks its text and answers it.
-    void CheckBox(const std::string& title, const std::string& text, int button) const {
-        CHECK(AnswerBox(title, button) == text);
     }
 
     /// Whether the file says what a catalogue would be saved as. What stands before its first

@@ -1,85 +1,56 @@
 #pragma once
 
-#include <winsock2.h>
+#include "base/Failure.h"
+#include "net/MessagePump.h"
+#include "net/clsSocketMaster.h"
 
-#include <windows.h>
+#include <doctest/doctest.h>
 
-#include <array>
 #include <string>
-#include <vector>
 
 namespace vesk::test {
 
 /// A web server on this machine's port 80 that sends the first half of a file and the rest when it
-/// is told to. It works whenever it is asked to, on the test's own thread.
-class HalfServer {
+/// is told to. It works whenever it is let to, on the test's own thread.
+class HalfServer : SocketEvents {
 public:
     explicit HalfServer(std::string body) : body_(std::move(body)) {
-        WSADATA data{};
-        WSAStartup(MAKEWORD(2, 2), &data);
-        listener_ = socket(AF_INET, SOCK_STREAM, 0);
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_port = htons(80);
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        const char reuse = 1;
-        setsockopt(listener_, SOL_SOCKET, SO_REUSEADDR, &reuse, sizeof reuse);
-        ready_ =
-            bind(listener_, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 &&
-            listen(listener_, 4) == 0;
-        u_long nonBlocking = 1;
-        ioctlsocket(listener_, FIONBIO, &nonBlocking);
-    }
-    HalfServer(const HalfServer&) = delete;
-    HalfServer& operator=(const HalfServer&) = delete;
-    ~HalfServer() {
-        HangUp();
-        closesocket(listener_);
-        WSACleanup();
+        try {
+            listener_.Bind(80, "127.0.0.1");
+            listener_.Listen();
+        } catch (const Failure&) { // this user may not use the port
+        }
     }
 
-    /// False where this user may not use the port.
-    [[nodiscard]] bool IsReady() const { return ready_; }
+    [[nodiscard]] bool IsReady() const { return listener_.State() == SocketState::sckListening; }
 
     [[nodiscard]] const std::string& Body() const { return body_; }
 
-    /// Answers a request that has come in with the header and half of the file.
-    void Serve() {
-        const SOCKET client = accept(listener_, nullptr, nullptr);
-        if (client == INVALID_SOCKET)
-            return;
-        u_long blocking = 0;
-        ioctlsocket(client, FIONBIO, &blocking);
-        std::array<char, 4096> request{};
-        recv(client, request.data(), static_cast<int>(request.size()), 0);
-        Send(client, "HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(body_.size()) +
-                         "\r\n\r\n" + body_.substr(0, body_.size() / 2));
-        clients_.push_back(client);
-    }
+    /// Answers what has come in with the header and half of the file.
+    static void Serve() { PumpFor(5); }
 
-    /// Sends the rest to everybody who waits for it.
+    /// Sends the rest to the one who waits for it.
     void SendRest() {
-        for (const SOCKET client : clients_)
-            Send(client, body_.substr(body_.size() / 2));
+        isSent_ = false;
+        client_.SendData(body_.substr(body_.size() / 2));
+        CHECK(PumpUntil([&] { return isSent_; }));
         HangUp();
     }
 
-    /// Hangs up on everybody who waits for it.
-    void HangUp() {
-        for (const SOCKET client : clients_)
-            closesocket(client);
-        clients_.clear();
-    }
+    void HangUp() { client_.CloseSck(); }
 
 private:
-    static void Send(SOCKET client, const std::string& text) {
-        send(client, text.data(), static_cast<int>(text.size()), 0);
+    void OnConnectionRequest(std::uintptr_t request) override { client_.Accept(request); }
+    void OnDataArrival(std::int32_t) override {
+        client_.SendData("HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(body_.size()) +
+                         "\r\n\r\n" + body_.substr(0, body_.size() / 2));
     }
+    void OnSendComplete() override { isSent_ = true; }
 
     std::string body_;
-    SOCKET listener_ = INVALID_SOCKET;
-    std::vector<SOCKET> clients_;
-    bool ready_ = false;
+    clsSocketMaster listener_{*this};
+    clsSocketMaster client_{*this};
+    bool isSent_ = false;
 };
 
 } // namespace vesk::test

@@ -3,6 +3,7 @@
 #include "ExpectedText.h"
 #include "base/Version.h"
 #include "base/modText.h"
+#include "base/modWide.h"
 #include "ui/resources/ids.h"
 
 #include <commctrl.h>
@@ -17,13 +18,6 @@ namespace {
 
 constexpr const char* kDialogClass = "#32770";
 
-std::string TextOf(HWND window) {
-    std::string text(4096, '\0');
-    text.resize(static_cast<std::size_t>(
-        SendMessageA(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));
-    return text;
-}
-
 std::string ShownTextOf(HWND control) {
     return IsWindowVisible(control) ? TextOf(control) : "(not shown)";
 }
@@ -35,25 +29,23 @@ std::string ClassOf(HWND window) {
     return name;
 }
 
-/// Calls back for each window that an enumeration finds, until one matches.
-struct Search {
-    const std::function<bool(HWND)>& matches;
-    HWND found = nullptr;
+/// What a window's thread does with the keyboard and menus.
+GUITHREADINFO ThreadOf(HWND window) {
+    GUITHREADINFO info{};
+    info.cbSize = sizeof info;
+    GetGUIThreadInfo(GetWindowThreadProcessId(window, nullptr), &info);
+    return info;
+}
 
-    static BOOL CALLBACK Visit(HWND window, LPARAM search) {
-        auto& self = *reinterpret_cast<Search*>(search);
-        if (!self.matches(window))
-            return TRUE;
-        self.found = window;
-        return FALSE;
-    }
-};
+BOOL CALLBACK AddTo(HWND window, LPARAM list) {
+    reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
+    return TRUE;
+}
 
-HWND FindChild(HWND dialog, const std::function<bool(HWND)>& matches) {
-    Search search{matches};
-    if (IsWindow(dialog)) // without one, all windows of the screen would be searched
-        EnumChildWindows(dialog, Search::Visit, reinterpret_cast<LPARAM>(&search));
-    return search.found;
+/// Null where none matches.
+HWND FirstOf(const std::vector<HWND>& windows, const std::function<bool(HWND)>& matches) {
+    const auto found = std::ranges::find_if(windows, matches);
+    return found == windows.end() ? nullptr : *found;
 }
 
 /// The messages that ask a list for its lines.
@@ -73,9 +65,7 @@ std::vector<std::string> Lines(HWND list, const LineMessages& messages) {
         std::wstring text(static_cast<std::size_t>(length) + 1, L'\0');
         SendMessageW(list, messages.text, line, reinterpret_cast<LPARAM>(text.data()));
         text.pop_back();
-        lines.emplace_back();
-        for (const wchar_t c : text)
-            lines.back() += static_cast<char>(c);
+        lines.push_back(Narrowed(text));
     }
     return lines;
 }
@@ -100,6 +90,20 @@ bool WaitUntil(const std::function<bool()>& condition, DWORD milliseconds) {
         Sleep(5);
     }
     return true;
+}
+
+std::string TextOf(HWND window) {
+    std::string text(4096, '\0');
+    text.resize(static_cast<std::size_t>(
+        SendMessageA(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));
+    return text;
+}
+
+std::vector<HWND> ControlsOf(HWND dialog) {
+    std::vector<HWND> controls;
+    if (IsWindow(dialog)) // without one, all windows of the screen would be listed
+        EnumChildWindows(dialog, AddTo, reinterpret_cast<LPARAM>(&controls));
+    return controls;
 }
 
 std::string TextIn(HWND dialog, int id) {
@@ -143,21 +147,19 @@ std::string WizardDriver::Seen() const {
     if (HasEnded())
         return "The program has ended, with " + std::to_string(AwaitEnd()) + ".";
     std::string text = "What it shows:";
-    (void)FindTopWindow([&](HWND window) {
+    for (const HWND window : TopWindows())
         text += "\n" + Contents(window);
-        return false;
-    });
     return text;
 }
 
 std::string WizardDriver::Contents(HWND dialog, const std::vector<HWND>& tabs) const {
     std::string text = TextOf(dialog) + "\n";
-    FindChild(dialog, [&](HWND control) {
+    for (const HWND control : ControlsOf(dialog)) {
         const std::string type = ClassOf(control);
         const std::string own = TextOf(control);
         if (!IsWindowVisible(control) || ClassOf(GetParent(control)) != kDialogClass ||
             type == kDialogClass || (type == "Static" && own.empty()))
-            return false;
+            continue;
         const auto place = std::ranges::find(tabs, control);
         text += place == tabs.end() ? "  " : std::to_string(place - tabs.begin() + 1) + " ";
         text += type + (IsWindowEnabled(control) ? "" : ", disabled") +
@@ -169,8 +171,7 @@ std::string WizardDriver::Contents(HWND dialog, const std::vector<HWND>& tabs) c
         else
             text += ": " + ReplaceAll(own, "\r\n", "\n    ");
         text += "\n";
-        return false;
-    });
+    }
     return ReplaceAll(text, kVersionText, "{VERSION}");
 }
 
@@ -214,22 +215,22 @@ void WizardDriver::CheckShows(HWND dialog, const std::string& name) const {
     CheckExpected("windows/" + name, shown);
 }
 
-HWND WizardDriver::FindTopWindow(const std::function<bool(HWND)>& matches) const {
-    const std::function<bool(HWND)> own = [&](HWND window) {
+std::vector<HWND> WizardDriver::TopWindows() const {
+    std::vector<HWND> windows;
+    EnumWindows(AddTo, reinterpret_cast<LPARAM>(&windows));
+    std::erase_if(windows, [&](HWND window) {
         DWORD process = 0;
         GetWindowThreadProcessId(window, &process);
-        return process == processId_ && IsWindowVisible(window) && matches(window);
-    };
-    Search search{own};
-    EnumWindows(Search::Visit, reinterpret_cast<LPARAM>(&search));
-    return search.found;
+        return process != processId_ || !IsWindowVisible(window);
+    });
+    return windows;
 }
 
 HWND WizardDriver::AwaitTopWindow(const std::string& type, const std::string& titleStart,
                                   bool mayBeOwned) const {
     HWND found = nullptr;
     Await("a window \"" + titleStart + "\" of the class " + type, [&] {
-        found = FindTopWindow([&](HWND window) {
+        found = FirstOf(TopWindows(), [&](HWND window) {
             return window != window_ && (mayBeOwned || !GetWindow(window, GW_OWNER)) &&
                    ClassOf(window) == type && TextOf(window).starts_with(titleStart);
         });
@@ -258,14 +259,15 @@ std::string WizardDriver::AnswerBox(const std::string& title, int button) const 
 }
 
 void WizardDriver::TypeInto(HWND dialog, const std::string& text) {
-    const HWND field = FindChild(
-        dialog, [](HWND window) { return ClassOf(window) == "Edit" && IsWindowVisible(window); });
+    const HWND field = FirstOf(ControlsOf(dialog), [](HWND window) {
+        return ClassOf(window) == "Edit" && IsWindowVisible(window);
+    });
     REQUIRE(field);
     SendMessageA(field, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
 }
 
 HWND WizardDriver::Control(int id) const {
-    return FindChild(window_, [&](HWND window) { return GetDlgCtrlID(window) == id; });
+    return FirstOf(ControlsOf(window_), [&](HWND window) { return GetDlgCtrlID(window) == id; });
 }
 
 std::string WizardDriver::Text(int id) const {
@@ -356,10 +358,7 @@ void WizardDriver::Type(int id, const std::wstring& text) const {
 }
 
 HWND WizardDriver::Focus() const {
-    GUITHREADINFO info{};
-    info.cbSize = sizeof info;
-    GetGUIThreadInfo(GetWindowThreadProcessId(window_, nullptr), &info);
-    return info.hwndFocus;
+    return ThreadOf(window_).hwndFocus;
 }
 
 void WizardDriver::FocusOn(int id) const {
@@ -400,13 +399,7 @@ void WizardDriver::PickFromLogMenu(int entry) const {
     PostMessageA(list, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(list), -1);
     const HWND menu = AwaitTopWindow("#32768", "", true);
     // It is shown before it takes keys.
-    const auto takesKeys = [&] {
-        GUITHREADINFO thread{};
-        thread.cbSize = sizeof thread;
-        return GetGUIThreadInfo(GetWindowThreadProcessId(list, nullptr), &thread) != FALSE &&
-               (thread.flags & GUI_INMENUMODE) != 0;
-    };
-    AWAIT(*this, takesKeys());
+    AWAIT(*this, (ThreadOf(list).flags & GUI_INMENUMODE) != 0);
     for (int i = 0; i < entry; ++i)
         PostMessageA(menu, WM_KEYDOWN, VK_DOWN, 0);
     // As the character, which the key is not while Control still counts as held.

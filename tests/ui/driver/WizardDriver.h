@@ -13,8 +13,25 @@ namespace vesk::test {
 /// Polls until the condition holds. @return false when it does not within the time
 bool WaitUntil(const std::function<bool()>& condition, DWORD milliseconds = 30000);
 
+/// A window's title or text.
+std::string TextOf(HWND window);
+
 /// The text of a dialog's control that is shown, "(not shown)" for others.
 std::string TextIn(HWND dialog, int id);
+
+/// Where a window is on the screen; its size.
+inline RECT AreaOf(HWND window) {
+    RECT area{};
+    GetWindowRect(window, &area);
+    return area;
+}
+inline SIZE SizeOf(HWND window) {
+    const RECT area = AreaOf(window);
+    return {area.right - area.left, area.bottom - area.top};
+}
+
+/// All controls of a dialog, those of its pages included.
+std::vector<HWND> ControlsOf(HWND dialog);
 
 /// Puts a text into a field of a dialog.
 inline void TypeIn(HWND dialog, int field, const std::string& text) {
@@ -101,6 +118,12 @@ public:
     /// Waits for a message box and answers it. @return what it says
     std::string AnswerBox(const std::string& title, int button) const;
 
+    /// Clicks a button and answers the message box that it brings. @return what the box says
+    std::string ClickAndAnswer(int id, const std::string& title, int button) const {
+        Click(id);
+        return AnswerBox(title, button);
+    }
+
     /// Puts a text into the edit field of one of the system's dialogs.
     static void TypeInto(HWND dialog, const std::string& text);
 
@@ -129,7 +152,7 @@ public:
     [[nodiscard]] bool HasEnded() const;
 
 private:
-    [[nodiscard]] HWND FindTopWindow(const std::function<bool(HWND)>& matches) const;
+    [[nodiscard]] std::vector<HWND> TopWindows() const;
     [[nodiscard]] HWND AwaitTopWindow(const std::string& type, const std::string& titleStart,
                                       bool mayBeOwned) const;
     [[nodiscard]] std::string Seen() const;

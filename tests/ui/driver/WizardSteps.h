@@ -8,6 +8,7 @@
 #include <doctest/doctest.h>
 
 #include <algorithm>
+#include <array>
 #include <string>
 #include <vector>
 
@@ -65,6 +66,28 @@ public:
 
 private:
     const ProgramFolder& program_;
+};
+
+/// While it lives a key of the registry has another unnamed value.
+class ChangedKey {
+public:
+    ChangedKey(HKEY root, std::string key, const std::string& value)
+        : root_(root), key_(std::move(key)) {
+        LONG size = static_cast<LONG>(before_.size());
+        RegQueryValueA(root_, key_.c_str(), before_.data(), &size);
+        Set(value.c_str());
+    }
+    ChangedKey(const ChangedKey&) = delete;
+    ChangedKey& operator=(const ChangedKey&) = delete;
+    ~ChangedKey() { Set(before_.data()); }
+
+private:
+    void Set(const char* value) const {
+        CHECK(RegSetValueA(root_, key_.c_str(), REG_SZ, value, 0) == ERROR_SUCCESS);
+    }
+    HKEY root_;
+    std::string key_;
+    std::array<char, 1024> before_{};
 };
 
 inline std::string Joined(const std::vector<std::string>& lines) {

@@ -5,48 +5,36 @@
 using namespace vesk;
 using namespace vesk::test;
 
-namespace {
-
-/// The categories dialog of an editor.
-struct CategoriesDialog {
-    explicit CategoriesDialog(const Editor& editor) {
-        editor.Click(IDC_CMD_CATEGORIES);
-        window = editor.AwaitDialog("Categories");
-    }
-    void Press(int button) const { SendDlgItemMessageA(window, button, BM_CLICK, 0, 0); }
-
-    HWND window = nullptr;
-};
-
-} // namespace
-
 TEST_CASE("categories are edited, and plug-ins follow a key that became another") {
     ProgramFolder program;
     program.catalogue.categories.push_back({"200_some_apps", "200", ""});
     program.catalogue.plugins[1].cat = "200";
     program.Save();
     const Editor editor(program);
-    {
-        const CategoriesDialog dialog(editor);
-        editor.CheckShows(dialog.window, "categories");
-        TypeIn(dialog.window, IDC_TXT_CATEGORY_KEY, "dropped");
-        editor.Answer(dialog.window, IDCANCEL);
-        CHECK(editor.Text(IDC_LBL_STATE).empty());
-    }
-    const CategoriesDialog dialog(editor);
-    TypeIn(dialog.window, IDC_TXT_CATEGORY_KEY, "110");
-    dialog.Press(IDC_CMD_CATEGORY_DOWN);
-    dialog.Press(IDC_CMD_CATEGORY_ADD);
-    TypeIn(dialog.window, IDC_TXT_CATEGORY_KEY, "200");
-    TypeIn(dialog.window, IDC_TXT_CATEGORY_FOLDER, "300_new_ones");
-    dialog.Press(IDC_CHK_SHOW_CATEGORIES);
-    ClickIn(dialog.window, IDOK);
-    editor.CheckBox("Category",
-                    "The category '200': there is a category with the key \"200\" before it.",
-                    IDOK);
-    TypeIn(dialog.window, IDC_TXT_CATEGORY_KEY, "300");
-    editor.CheckShows(dialog.window, "categories_edited");
-    editor.Answer(dialog.window, IDOK);
+    HWND dialog = nullptr;
+    const auto open = [&] {
+        editor.Click(IDC_CMD_CATEGORIES);
+        dialog = editor.AwaitDialog("Categories");
+    };
+    const auto press = [&](int button) { SendDlgItemMessageA(dialog, button, BM_CLICK, 0, 0); };
+    open();
+    editor.CheckShows(dialog, "categories");
+    TypeIn(dialog, IDC_TXT_CATEGORY_KEY, "dropped");
+    editor.Answer(dialog, IDCANCEL);
+    CHECK(editor.Text(IDC_LBL_STATE).empty());
+    open();
+    TypeIn(dialog, IDC_TXT_CATEGORY_KEY, "110");
+    press(IDC_CMD_CATEGORY_DOWN);
+    press(IDC_CMD_CATEGORY_ADD);
+    TypeIn(dialog, IDC_TXT_CATEGORY_KEY, "200");
+    TypeIn(dialog, IDC_TXT_CATEGORY_FOLDER, "300_new_ones");
+    press(IDC_CHK_SHOW_CATEGORIES);
+    ClickIn(dialog, IDOK);
+    CHECK(editor.AnswerBox("Category", IDOK) ==
+          "The category '200': there is a category with the key \"200\" before it.");
+    TypeIn(dialog, IDC_TXT_CATEGORY_KEY, "300");
+    editor.CheckShows(dialog, "categories_edited");
+    editor.Answer(dialog, IDOK);
     editor.AwaitState("There are unsaved edits.");
     CHECK(editor.Items(IDC_CMB_BASE_PLUGIN + kCategory) ==
           Names{"200 - Some Apps", "110 - 100 Tools", "300 - New Ones"});
@@ -60,9 +48,9 @@ TEST_CASE("categories are edited, and plug-ins follow a key that became another"
     editor.CheckSaved(expected);
 
     // A category that plug-ins are in does not go without a question.
-    const CategoriesDialog again(editor);
-    SendDlgItemMessageA(again.window, IDC_LST_CATEGORIES, WM_KEYDOWN, VK_DOWN, 1);
-    ClickIn(again.window, IDC_CMD_CATEGORY_REMOVE);
+    open();
+    SendDlgItemMessageA(dialog, IDC_LST_CATEGORIES, WM_KEYDOWN, VK_DOWN, 1);
+    ClickIn(dialog, IDC_CMD_CATEGORY_REMOVE);
     CheckHolds(editor.AnswerBox("Category", IDNO), "holds 2 plug-ins");
-    editor.Answer(again.window, IDCANCEL);
+    editor.Answer(dialog, IDCANCEL);
 }

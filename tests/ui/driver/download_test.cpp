@@ -62,9 +62,7 @@ TEST_CASE("a download shows its progress, goes on after No and ends after Yes") 
     const auto text = [&](int id) { return TextIn(dialog, id); };
 
     SUBCASE("finished") {
-        std::string title(100, '\0');
-        title.resize(static_cast<std::size_t>(GetWindowTextA(dialog, title.data(), 100)));
-        CHECK(title == "Downloading - 1,500 Mb of 3,000 Mb");
+        CHECK(TextOf(dialog) == "Downloading - 1,500 Mb of 3,000 Mb");
         CHECK(SendDlgItemMessageA(dialog, IDC_SHP_PROGRESS, PBM_GETPOS, 0, 0) == 1942);
         CHECK_FALSE(IsWindowEnabled(download.wizard->Window()));
         CHECK((GetWindowLongA(dialog, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0);

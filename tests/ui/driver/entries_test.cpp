@@ -8,16 +8,6 @@
 using namespace vesk;
 using namespace vesk::test;
 
-namespace {
-
-LONG Width(HWND window) {
-    RECT area{};
-    GetWindowRect(window, &area);
-    return area.right - area.left;
-}
-
-} // namespace
-
 TEST_CASE("a plug-in is added, filled in, moved and saved, and a build takes it") {
     ProgramFolder program;
     program.catalogue.categories.push_back({"200_some_apps", "200", ""});
@@ -68,19 +58,18 @@ TEST_CASE("entries are removed after a Yes, locked ones never, and Discard bring
     const Names all = {program.catalogue.plugins[0].name, "Beta", "Gamma"};
     program.Save();
     const Editor editor(program);
-    editor.Click(kRemoveBase);
-    editor.CheckBox("Locked", "Plugin is locked, unlock plugin\r\nto delete...", IDOK);
+    CHECK(editor.ClickAndAnswer(kRemoveBase, "Locked", IDOK) ==
+          "Plugin is locked, unlock plugin\r\nto delete...");
     CHECK(editor.Items(IDC_CMB_BASE) == Names{"PE Builder", "Extras"});
     editor.Click(kRemovePlugin);
     const HWND box = editor.AwaitDialog("Confirmation");
     CHECK(ReplaceAll(TextIn(box, 0xFFFF), "\r\n", "") ==
           "Are you sure you want to remove this entry ?'" + all.front() + "'");
-    CHECK(Width(box) < GetSystemMetrics(SM_CXSCREEN));
+    CHECK(SizeOf(box).cx < GetSystemMetrics(SM_CXSCREEN));
     editor.Answer(box, IDNO);
     CHECK(editor.Items(IDC_CMB_BASE_PLUGIN) == all);
     CHECK(editor.Text(IDC_LBL_STATE).empty());
-    editor.Click(kRemovePlugin);
-    editor.AnswerBox("Confirmation", IDYES);
+    editor.ClickAndAnswer(kRemovePlugin, "Confirmation", IDYES);
     editor.AwaitOffer(IDC_CMB_BASE_PLUGIN, {"Beta", "Gamma"});
     editor.SetText(IDC_TXT_BASE_PLUGIN, "nobody"); // as assistive tools can, disabled or not
     editor.CheckShows("editor_none_selected");
@@ -88,8 +77,7 @@ TEST_CASE("entries are removed after a Yes, locked ones never, and Discard bring
     for (const Names& rest : {Names{"Beta"}, Names{""}}) {
         editor.Choose(IDC_CMB_BASE_PLUGIN, static_cast<int>(rest.front() == "Beta"));
         editor.Choose(IDC_CMB_BASE_PLUGIN + kLocked, 1); // unlocked, it goes
-        editor.Click(kRemovePlugin);
-        editor.AnswerBox("Confirmation", IDYES);
+        editor.ClickAndAnswer(kRemovePlugin, "Confirmation", IDYES);
         editor.AwaitOffer(IDC_CMB_BASE_PLUGIN, rest);
     }
     editor.Type(IDC_TXT_FOLDER, L"Other");
@@ -124,9 +112,9 @@ TEST_CASE("the check goes through the edited catalogue and leads to the entry") 
     const HWND dialog = editor.AwaitDialog("Check");
     const HWND list = GetDlgItem(dialog, IDC_LST_PROBLEMS);
     editor.CheckShows(dialog, "check");
-    const LONG listWidth = Width(list);
-    SetWindowPos(dialog, nullptr, 0, 0, Width(dialog) + 90, 0, SWP_NOMOVE | SWP_NOZORDER);
-    AWAIT(editor, Width(list) == listWidth + 90);
+    const LONG listWidth = SizeOf(list).cx;
+    SetWindowPos(dialog, nullptr, 0, 0, SizeOf(dialog).cx + 90, 0, SWP_NOMOVE | SWP_NOZORDER);
+    AWAIT(editor, SizeOf(list).cx == listWidth + 90);
     SendMessageA(list, WM_KEYDOWN, VK_DOWN, 1);
     CHECK(TextIn(dialog, IDC_TXT_PROBLEM) == "plug-in \"Beta\": there is no category \"gone\"");
     editor.Answer(dialog, IDC_CMD_GO_TO);
@@ -138,11 +126,9 @@ TEST_CASE("the check goes through the edited catalogue and leads to the entry") 
     editor.Choose(IDC_CMB_BASE_PLUGIN, 1);
     editor.Choose(category, 0);
     RemoveFile(digests);
-    editor.Click(IDC_CMD_CHECK);
-    editor.CheckBox("Check",
-                    "No faults found: the entries are complete, and 5 archives are present, with "
-                    "the right CRC-32 and undamaged members.",
-                    IDOK);
+    CHECK(editor.ClickAndAnswer(IDC_CMD_CHECK, "Check", IDOK) ==
+          "No faults found: the entries are complete, and 5 archives are present, with "
+          "the right CRC-32 and undamaged members.");
 }
 
 TEST_CASE("the keyboard goes on with Enter, stays where it is after Apply, and leaves buttons that "
@@ -157,7 +143,7 @@ TEST_CASE("the keyboard goes on with Enter, stays where it is after Apply, and l
     editor.AwaitOffer(IDC_CMB_BASE_PLUGIN, {"Alpha", "Beta", "Gamma"});
     editor.Type(IDC_TXT_BASE_PLUGIN, L"Renamed");
     editor.FocusOn(IDC_TXT_BASE_PLUGIN);
-    for (const int next : {IDC_TXT_BASE_PLUGIN + kFileName, kBrowsePlugin}) {
+    for (const int next : {IDC_TXT_BASE_PLUGIN + kFileName, int{kBrowsePlugin}}) {
         editor.Press(VK_RETURN);
         AWAIT(editor, editor.Focus() == editor.Control(next));
     }

@@ -13,11 +13,10 @@ TEST_CASE("unsaved edits are asked about, and survive a save that fails") {
     {
         const Editor editor(program);
         editor.Type(IDC_TXT_BASE, L"Renamed");
-        editor.Click(IDCANCEL);
-        editor.CheckBox("Plugin Setup", question, IDCANCEL);
+        CHECK(editor.ClickAndAnswer(IDCANCEL, "Plugin Setup", IDCANCEL) == question);
         CHECK_FALSE(editor.HasEnded());
         PostMessageA(editor.Window(), WM_CLOSE, 0, 0);
-        editor.CheckBox("Plugin Setup", question, IDNO);
+        CHECK(editor.AnswerBox("Plugin Setup", IDNO) == question);
         CHECK(editor.AwaitEnd() == 0);
         editor.CheckSaved(program.catalogue);
     }
@@ -26,8 +25,7 @@ TEST_CASE("unsaved edits are asked about, and survive a save that fails") {
     CHECK(editor.Items(IDC_CMB_BASE).front() == "t?n");
     RemoveFile(file);
     CreateFolder(file); // what a save cannot replace
-    editor.Click(IDCANCEL);
-    editor.CheckBox("Plugin Setup", question, IDYES);
+    CHECK(editor.ClickAndAnswer(IDCANCEL, "Plugin Setup", IDYES) == question);
     const std::string told = editor.AnswerBox("Plugin Setup", IDOK);
     CheckStarts(told, "The catalogue could not be saved.\r\nCannot ");
     CheckHolds(told, kCatalogueFileName);
@@ -35,8 +33,7 @@ TEST_CASE("unsaved edits are asked about, and survive a save that fails") {
     CHECK(editor.Text(IDC_TXT_BASE) == "t?n");
     CHECK(editor.Text(IDC_LBL_STATE) == "There are unsaved edits.");
     RemoveDirectoryA(file.c_str());
-    editor.Click(IDCANCEL);
-    editor.CheckBox("Plugin Setup", question, IDYES);
+    CHECK(editor.ClickAndAnswer(IDCANCEL, "Plugin Setup", IDYES) == question);
     CHECK(editor.AwaitEnd() == 0);
     program.catalogue.baseComponents[0].name = "t?n";
     editor.CheckSaved(program.catalogue);
@@ -78,8 +75,7 @@ TEST_CASE("a catalogue is begun from nothing, and not written before Apply") {
     RemoveFile(file);
     const Editor editor(program);
     editor.CheckShows("editor_new");
-    editor.Click(IDC_CMD_CHECK);
-    CheckStarts(editor.AnswerBox("Check", IDOK), "No faults found");
+    CheckStarts(editor.ClickAndAnswer(IDC_CMD_CHECK, "Check", IDOK), "No faults found");
     CHECK_FALSE(FileExists(file));
     editor.Click(IDC_CMD_DISCARD);
     editor.AwaitState("Edits discarded.");
@@ -94,11 +90,9 @@ TEST_CASE("what a reader of the file would cut off is told before anything is wr
     editor.Choose(IDC_CMB_BASE_PLUGIN, 1);
     editor.SetText(IDC_TXT_BASE_PLUGIN + kAddress, "http://host/" + std::string(243, 'x'));
     editor.Choose(IDC_CMB_BASE_PLUGIN, 0);
-    editor.Click(IDC_CMD_APPLY);
-    editor.CheckBox("Plugin Setup",
-                    "The catalogue is not saved.\r\n\r\nPlug-in \"Beta\": its address has 255 "
-                    "characters of which only 254 are read.",
-                    IDOK);
+    CHECK(editor.ClickAndAnswer(IDC_CMD_APPLY, "Plugin Setup", IDOK) ==
+          "The catalogue is not saved.\r\n\r\nPlug-in \"Beta\": its address has 255 "
+          "characters of which only 254 are read.");
     AWAIT(editor, editor.Chosen(IDC_CMB_BASE_PLUGIN) == 1);
     editor.CheckSaved(program.catalogue);
     editor.SetText(IDC_TXT_BASE_PLUGIN + kAddress, "http://host/" + std::string(242, 'x'));
@@ -110,8 +104,7 @@ TEST_CASE("nothing that others wrote, or that could not be read, is written over
     const std::string file = program.Path() + kCatalogueFileName;
     const std::string broken = ReplaceAll(ReadWholeFile(file), "[Categories]", "[Plugin]");
     const auto asks = [](const Editor& editor, const std::string& words, int answer) {
-        editor.Click(IDC_CMD_APPLY);
-        CheckHolds(editor.AnswerBox("Plugin Setup", answer), words);
+        CheckHolds(editor.ClickAndAnswer(IDC_CMD_APPLY, "Plugin Setup", answer), words);
     };
     {
         const Editor editor(program);

@@ -18,8 +18,8 @@ TEST_CASE("a build with problems lists them, to be read, copied and found again 
     program.Folder().Write(std::string("program\\") + kLogFileName + "\\in the way", "x");
     const Wizard wizard(program);
     wizard.GoToSummary();
-    wizard.Click(IDC_CMD_NEXT);
-    CheckStarts(wizard.AnswerBox("Vesk Builder", IDOK), "The log could not be saved: ");
+    CheckStarts(wizard.ClickAndAnswer(IDC_CMD_NEXT, "Vesk Builder", IDOK),
+                "The log could not be saved: ");
     wizard.AwaitFinish();
     CheckStarts(wizard.Heading(), "Built, with ");
 
@@ -106,19 +106,15 @@ TEST_CASE("a folder that no build made is emptied only after what is in it was t
     const ProgramFolder program;
     const std::string mine = program.Folder().Write("tree\\mine.txt", "keep");
     const clsInstallFolder folder(program.Tree(), clsFolderGuard({}));
-    const bool yes = [] {
-        bool answer = false;
-        SUBCASE("answered No") {}
-        SUBCASE("answered Yes") {
-            answer = true;
-        }
-        return answer;
-    }();
+    bool yes = false;
+    SUBCASE("answered No") {}
+    SUBCASE("answered Yes") {
+        yes = true;
+    }
     const Wizard wizard(program);
     wizard.GoToSummary();
     const auto refused = [&](const std::string& reason) {
-        wizard.Click(IDC_CMD_NEXT);
-        CheckHolds(wizard.AnswerBox("Vesk Builder", IDOK), reason);
+        CheckHolds(wizard.ClickAndAnswer(IDC_CMD_NEXT, "Vesk Builder", IDOK), reason);
         CHECK(wizard.Heading() == kSummaryHeading);
         CHECK(wizard.IsEnabled(IDC_CMD_BACK));
         CHECK(FileExists(mine));
@@ -153,17 +149,14 @@ TEST_CASE("an impossible folder is refused when its page is left for the next on
           L"C:\\" + std::wstring(1600, 'x')}) {
         CAPTURE(folder.size());
         wizard.Type(IDC_TXT_PROG_PATH, folder);
-        wizard.Click(IDC_CMD_NEXT);
-        const std::string told = wizard.AnswerBox("Vesk Builder", IDOK);
+        const std::string told = wizard.ClickAndAnswer(IDC_CMD_NEXT, "Vesk Builder", IDOK);
         CHECK(Holds(told, "code page") == folder.ends_with(L"\x012B")); // it would be misspelled
         CHECK_FALSE(told.empty());
         CHECK(wizard.Heading() == kBaseHeading);
     }
     // None of the other buttons minds it.
-    wizard.Click(IDC_CMD_HELP);
-    wizard.AnswerBox("Help", IDOK);
-    wizard.Click(IDCANCEL);
-    wizard.AnswerBox("Confirm Action", IDNO);
+    wizard.ClickAndAnswer(IDC_CMD_HELP, "Help", IDOK);
+    wizard.ClickAndAnswer(IDCANCEL, "Confirm Action", IDNO);
     wizard.GoTo(IDC_CMD_BACK, welcome);
     wizard.Next(kBaseHeading);
     // A letter that the code page lacks finds no source either, not even where "cdi" is one.
@@ -188,8 +181,7 @@ TEST_CASE("without a catalogue nothing is built, and the editor is one click awa
     SUBCASE("the wizard") {
         wizard.AnswerBox("Vesk Builder", IDNO);
         wizard.GoToSummary();
-        wizard.Click(IDC_CMD_NEXT);
-        CheckHolds(wizard.AnswerBox("Vesk Builder", IDOK), "-setup");
+        CheckHolds(wizard.ClickAndAnswer(IDC_CMD_NEXT, "Vesk Builder", IDOK), "-setup");
         CHECK(wizard.Heading() == kSummaryHeading);
         CHECK(FileExists(mine));
     }
@@ -203,12 +195,11 @@ TEST_CASE("a catalogue that was read in part is built from only when the user sa
     const Wizard wizard(program);
     const std::string told = wizard.AnswerBox("Vesk Builder", IDOK);
     wizard.GoToSummary();
-    wizard.Click(IDC_CMD_NEXT);
-    CheckHolds(wizard.AnswerBox("Vesk Builder", IDNO), told); // what is missing, again
+    CheckHolds(wizard.ClickAndAnswer(IDC_CMD_NEXT, "Vesk Builder", IDNO),
+               told); // what is missing, again
     CHECK(wizard.Heading() == kSummaryHeading);
     CHECK(ReadWholeFile(mine) == "keep");
-    wizard.Click(IDC_CMD_NEXT);
-    wizard.AnswerBox("Vesk Builder", IDYES);
+    wizard.ClickAndAnswer(IDC_CMD_NEXT, "Vesk Builder", IDYES);
     wizard.AnswerBox("Confirmation", IDYES);
     wizard.AwaitFinish();
     CHECK(ReadWholeFile(mine) == "stand-in");

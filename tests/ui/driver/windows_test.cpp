@@ -10,17 +10,6 @@ using namespace vesk::test;
 
 namespace {
 
-RECT AreaOf(HWND window) {
-    RECT area{};
-    GetWindowRect(window, &area);
-    return area;
-}
-
-SIZE SizeOf(HWND window) {
-    const RECT area = AreaOf(window);
-    return {area.right - area.left, area.bottom - area.top};
-}
-
 void Resize(HWND window, LONG width, LONG height) {
     SetWindowPos(window, nullptr, 0, 0, width, height, SWP_NOMOVE | SWP_NOZORDER);
 }
@@ -59,39 +48,21 @@ private:
     NONCLIENTMETRICSA before_{};
 };
 
-/// Hands mail addresses to a command that leaves a file behind, for as long as it lives.
-class MailHandler {
-public:
-    explicit MailHandler(const std::string& traceFile) {
-        LONG size = static_cast<LONG>(before_.size());
-        RegQueryValueA(HKEY_LOCAL_MACHINE, kKey, before_.data(), &size);
-        Set(R"(C:\windows\system32\cmd.exe /c echo %1 >> )" + traceFile);
-    }
-    MailHandler(const MailHandler&) = delete;
-    MailHandler& operator=(const MailHandler&) = delete;
-    ~MailHandler() { Set(before_.data()); }
+using Place = std::array<LONG, 4>; // left, top, right, bottom
 
-private:
-    static void Set(const std::string& command) {
-        RegSetValueA(HKEY_LOCAL_MACHINE, kKey, REG_SZ, command.c_str(), 0);
-    }
-    static constexpr const char* kKey = R"(Software\Classes\mailto\shell\open\command)";
-    std::array<char, 1024> before_{};
-};
-
-/// Adds where a window that is shown stands within its parent.
-BOOL CALLBACK AddArea(HWND window, LPARAM list) {
-    RECT area = AreaOf(window);
-    MapWindowPoints(nullptr, GetParent(window), reinterpret_cast<POINT*>(&area), 2);
-    if (IsWindowVisible(window))
-        reinterpret_cast<std::vector<RECT>*>(list)->push_back(area);
-    return TRUE;
+/// Where a window stands within its parent.
+Place PlaceOf(HWND window) {
+    RECT place = AreaOf(window);
+    MapWindowPoints(nullptr, GetParent(window), reinterpret_cast<POINT*>(&place), 2);
+    return {place.left, place.top, place.right, place.bottom};
 }
 
-std::vector<RECT> LayoutOf(HWND dialog) {
-    std::vector<RECT> areas;
-    EnumChildWindows(dialog, AddArea, reinterpret_cast<LPARAM>(&areas));
-    return areas;
+std::vector<Place> LayoutOf(HWND dialog) {
+    std::vector<Place> places;
+    for (const HWND control : ControlsOf(dialog))
+        if (IsWindowVisible(control))
+            places.push_back(PlaceOf(control));
+    return places;
 }
 
 /// Takes a dialog to a monitor with one and a half times the resolution, looks, and takes it back.
@@ -99,32 +70,46 @@ template <class Look>
 void OnFinerMonitor(const WizardDriver& program, const Look& look) {
     const RECT place = AreaOf(program.Window());
     const SIZE size = SizeOf(program.Window());
-    const std::vector<RECT> before = LayoutOf(program.Window());
+    const std::vector<Place> before = LayoutOf(program.Window());
     program.ChangeDpi(program.Window(), 144, {20, 20, 20 + size.cx * 3 / 2, 20 + size.cy * 3 / 2});
     look();
     program.ChangeDpi(program.Window(), 96, place);
-    const std::vector<RECT> back = LayoutOf(program.Window());
-    CHECK(std::ranges::equal(before, back, [](const RECT& one, const RECT& other) {
-        return EqualRect(&one, &other) != FALSE;
-    }));
+    CHECK(LayoutOf(program.Window()) == before);
 }
 
 } // namespace
 
-TEST_CASE("lists grow with the window, the buttons stay in its corner") {
+TEST_CASE("controls move and grow with the window as each was told, and never shrink") {
+    struct Row {
+        int id;
+        Place gained; // by each edge, in a window that is 200 wider and 100 higher
+    };
+    constexpr std::array kRows{
+        Row{IDC_LST_PLUGINS, {0, 0, 200, 100}},   Row{IDC_LINE_TOP, {0, 0, 200, 0}},
+        Row{IDC_LINE_BOTTOM, {0, 100, 200, 100}}, Row{IDC_IMG_LOGO_SMALL, {200, 0, 200, 0}},
+        Row{IDC_CMD_HELP, {0, 100, 0, 100}},      Row{IDCANCEL, {200, 100, 200, 100}}};
     const ProgramFolder program;
     const Wizard wizard(program);
     const SIZE size = SizeOf(wizard.Window());
     Resize(wizard.Window(), size.cx + 200, size.cy + 100); // before the pages with lists are there
     wizard.GoToPlugins();
-    const HWND list = wizard.Control(IDC_LST_PLUGINS);
-    const SIZE grown = SizeOf(list);
-    CHECK(IsInside(wizard.Control(IDCANCEL), AreaOf(wizard.Window())));
-    CHECK(AreaOf(wizard.Control(IDCANCEL)).right > AreaOf(wizard.Window()).right - 40);
+    std::vector<Place> grown;
+    for (const Row& row : kRows)
+        grown.push_back(PlaceOf(wizard.Control(row.id)));
     Resize(wizard.Window(), 100, 100);
     CHECK(SizeOf(wizard.Window()).cx == size.cx); // never smaller than its controls need
-    CHECK(SizeOf(list).cx == grown.cx - 200);
-    CHECK(SizeOf(list).cy == grown.cy - 100);
+    for (std::size_t i = 0; i < kRows.size(); ++i) {
+        Place gained = grown[i];
+        const Place least = PlaceOf(wizard.Control(kRows[i].id));
+        for (std::size_t edge = 0; edge < gained.size(); ++edge)
+            gained[edge] -= least[edge];
+        CAPTURE(kRows[i].id);
+        CHECK(gained == kRows[i].gained);
+    }
+    const HWND list = wizard.Control(IDC_LST_PLUGINS);
+    const LONG width = SizeOf(list).cx;
+    Resize(GetParent(list), 100, 100); // which a page does not refuse
+    CHECK(SizeOf(list).cx == width);
 }
 
 TEST_CASE("at the largest text sizes every window still fits on the screen") {
@@ -175,7 +160,9 @@ TEST_CASE("on a monitor of another resolution everything is scaled, and back to 
 TEST_CASE("a link opens by a click on it, and by none beside the text") {
     const ProgramFolder program;
     const std::string trace = program.Folder() / "opened.txt";
-    const MailHandler handler(trace);
+    const ChangedKey mailHandler(HKEY_LOCAL_MACHINE,
+                                 R"(Software\Classes\mailto\shell\open\command)",
+                                 R"(C:\windows\system32\cmd.exe /c echo %1 >> )" + trace);
     const Wizard wizard(program);
     const HWND box = wizard.Control(IDC_TXT_WELCOME);
     const auto click = [&](LPARAM at) {

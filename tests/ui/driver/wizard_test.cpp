@@ -1,6 +1,7 @@
 #include "WizardSteps.h"
 #include "build/clsBuildLog.h"
 #include "source/WindowsCd.h"
+#include "ui/kit/KitWindow.h"
 
 #include <commctrl.h>
 
@@ -11,33 +12,8 @@ namespace {
 
 /// True when the control shows a pixel of this colour.
 bool ShowsColour(HWND control, COLORREF colour) {
-    RECT area{};
-    GetWindowRect(control, &area);
-    const HDC screen = GetDC(nullptr);
-    bool found = false;
-    for (LONG y = area.top; y < area.bottom && !found; ++y) {
-        for (LONG x = area.left; x < area.right && !found; ++x)
-            found = GetPixel(screen, x, y) == colour;
-    }
-    ReleaseDC(nullptr, screen);
-    return found;
+    return HasPixel(nullptr, AreaOf(control), [&](COLORREF pixel) { return pixel == colour; });
 }
-
-/// While it lives the system has no file dialog of Windows Vista.
-class WithoutFileDialog {
-public:
-    WithoutFileDialog() { SetLibrary("none"); }
-    ~WithoutFileDialog() { SetLibrary(R"(C:\windows\system32\comdlg32.dll)"); }
-    WithoutFileDialog(const WithoutFileDialog&) = delete;
-    WithoutFileDialog& operator=(const WithoutFileDialog&) = delete;
-
-private:
-    static void SetLibrary(const char* path) {
-        CHECK(RegSetValueA(HKEY_CLASSES_ROOT,
-                           R"(CLSID\{DC1C5A9C-E88A-4DDE-A5A1-60F82A20AEF7}\InProcServer32)", REG_SZ,
-                           path, 0) == ERROR_SUCCESS);
-    }
-};
 
 } // namespace
 
@@ -131,16 +107,16 @@ TEST_CASE("leaving is asked for on each page, by Cancel, the title bar and Escap
     AWAIT(wizard, wizard.Heading() == kBaseHeading);
     wizard.PressOnKeyboard(VK_F1);
     CheckStarts(wizard.AnswerBox("Help", IDOK), "Unable to display Help Contents.");
-    wizard.Click(IDC_CMD_HELP);
-    wizard.AnswerBox("Help", IDOK);
-    wizard.Click(IDCANCEL);
-    wizard.AnswerBox("Confirm Action", IDYES);
+    wizard.ClickAndAnswer(IDC_CMD_HELP, "Help", IDOK);
+    wizard.ClickAndAnswer(IDCANCEL, "Confirm Action", IDYES);
     CHECK(wizard.AwaitEnd() == 0);
 }
 
 TEST_CASE("a folder is browsed for as Windows XP does it, beginning with the one that is named") {
     const ProgramFolder program;
-    const WithoutFileDialog none;
+    const ChangedKey noDialogOfVista(
+        HKEY_CLASSES_ROOT, R"(CLSID\{DC1C5A9C-E88A-4DDE-A5A1-60F82A20AEF7}\InProcServer32)",
+        "none");
     const Wizard wizard(program);
     wizard.Next(kBaseHeading);
     wizard.SetText(IDC_TXT_WIN_PATH, R"(C:\windows\system32)");
@@ -175,8 +151,7 @@ TEST_CASE("a Windows source is typed, browsed for and searched for, and shown as
     AWAIT(wizard, ShowsColour(field, RGB(0, 130, 0)));
 
     const auto search = [&](int answer) {
-        wizard.Click(IDC_CMD_SCAN);
-        CHECK(wizard.AnswerBox("File Search", answer) ==
+        CHECK(wizard.ClickAndAnswer(IDC_CMD_SCAN, "File Search", answer) ==
               "Search for Windows installation files ?\r\n(can take some time)");
     };
     wizard.SetText(IDC_TXT_WIN_PATH, "");

@@ -23,4 +23,16 @@ inline HWND MakeWindow(const char* className, HWND parent, int width, int height
     return window;
 }
 
+/// True when a pixel of an area matches. @param window whose inside it is; null: the screen
+template <class Matches>
+bool HasPixel(HWND window, const RECT& area, Matches matches) {
+    const HDC dc = GetDC(window);
+    bool found = false;
+    for (LONG y = area.top; y < area.bottom && !found; ++y)
+        for (LONG x = area.left; x < area.right && !found; ++x)
+            found = matches(GetPixel(dc, static_cast<int>(x), static_cast<int>(y)));
+    ReleaseDC(window, dc);
+    return found;
+}
+
 } // namespace vesk::test

@@ -15,14 +15,8 @@ constexpr int kWidth = 300;
 /// True when something is drawn below the header of a list that is shown.
 bool ShowsText(HWND list) {
     RedrawWindow(list, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
-    const HDC dc = GetDC(list);
-    bool found = false;
-    for (int y = 30; y < 80 && !found; ++y) {
-        for (int x = 5; x < kWidth - 20 && !found; ++x)
-            found = GetPixel(dc, x, y) != GetSysColor(COLOR_WINDOW);
-    }
-    ReleaseDC(list, dc);
-    return found;
+    return HasPixel(list, {5, 30, kWidth - 20, 80},
+                    [](COLORREF pixel) { return pixel != GetSysColor(COLOR_WINDOW); });
 }
 
 /// A list in a dialog.

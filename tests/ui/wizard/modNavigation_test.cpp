@@ -43,27 +43,23 @@ TEST_CASE("where the buttons lead, what closing does, and how a build is said to
     test::CheckExpected("navigation", text);
 }
 
-TEST_CASE("a walk over the list springs locked lines back and takes over the others") {
-    for (const unsigned bits : {0u, 1u, 2u, 3u, 4u, 5u, 6u, 7u}) {
-        std::vector<CatalogueEntry> entries(1);
-        const bool enabled = entries[0].enabled = (bits & 1) != 0;
-        const bool lock = entries[0].lock = (bits & 2) != 0;
-        bool ticked = (bits & 4) != 0;
-        const bool expected = lock ? enabled : ticked;
-        WalkTicks(
-            entries, 1,
-            {[&](std::size_t) { return ticked; }, [&](std::size_t, bool tick) { ticked = tick; }});
-        CAPTURE(bits);
-        CHECK(entries[0].enabled == expected);
-        CHECK(ticked == expected);
-    }
-}
-
-TEST_CASE("a walk ends in an overflow behind 256 lines") {
+TEST_CASE("a walk takes over the lines' ticks, springs locked ones back, ends behind 256 of them") {
     std::vector<CatalogueEntry> entries(300);
-    const TickAccess allTicked{[](std::size_t) { return true; }, [](std::size_t, bool) {}};
-    CHECK_NOTHROW(WalkTicks(entries, 256, allTicked));
-    CHECK_FALSE(entries[256].enabled);
-    CHECK_THROWS_WITH_AS(WalkTicks(entries, 257, allTicked), "Overflow", Failure);
-    CHECK(entries[255].enabled);
+    std::vector<bool> ticked(300, true);
+    std::vector<bool> wanted = ticked;
+    for (unsigned bits = 0; bits < 8; ++bits) {
+        entries[bits].enabled = (bits & 1) != 0;
+        entries[bits].lock = (bits & 2) != 0;
+        ticked[bits] = (bits & 4) != 0;
+        wanted[bits] = entries[bits].lock ? entries[bits].enabled : ticked[bits];
+    }
+    const TickAccess ticks{[&](std::size_t line) { return ticked[line]; },
+                           [&](std::size_t line, bool tick) { ticked[line] = tick; }};
+    CHECK_NOTHROW(WalkTicks(entries, 256, ticks));
+    for (std::size_t line = 0; line < 257; ++line) {
+        CAPTURE(line);
+        CHECK(entries[line].enabled == (line < 256 && wanted[line]));
+    }
+    CHECK(ticked == wanted);
+    CHECK_THROWS_WITH_AS(WalkTicks(entries, 257, ticks), "Overflow", Failure);
 }

@@ -41,11 +41,9 @@ TEST_CASE("what the wizard's pages say of a catalogue and its archives") {
     peBuilder.url = "http://host/x";
     tell(PeBuilderWarning(peBuilder, missing)); // downloaded
 
-    tell(RateText(0, 5));
-    tell(RateText(1500, -1));
-    tell(RateText(2500000, 1));
-    tell(RateText(50000, 119));
-    tell(RateText(50000, 150));
+    for (const auto& [rate, left] :
+         {std::pair{0, 5}, {1500, -1}, {2500000, 1}, {50000, 119}, {50000, 150}})
+        tell(RateText(rate, left));
     DownloadProgress progress;
     progress.bytesPerSecond = 5e7;
     tell(DownloadDetail(progress));
