@@ -1,6 +1,7 @@
 #include "archive/clsNewFile.h"
 
 #include "archive/ArchiveProblem.h"
+#include "base/clsPatience.h"
 #include "base/modSystemError.h"
 #include "base/modWide.h"
 
@@ -67,7 +68,8 @@ clsNewFile::clsNewFile(const std::wstring& path, const FileStamp& stamp, Place p
         if (GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES)
             CheckReplaceable(path);
         CreateBeside();
-    } else if (!Create() && GetLastError() == ERROR_FILE_EXISTS) {
+    } else if (!CreatePatiently(path, [this] { return Create(); }) &&
+               GetLastError() == ERROR_FILE_EXISTS) {
         CheckReplaceable(path);
         CreateBeside();
     }
@@ -134,7 +136,9 @@ void clsNewFile::MoveIntoPlace() {
     const bool readOnly = old != INVALID_FILE_ATTRIBUTES && (old & FILE_ATTRIBUTE_READONLY) != 0;
     if (readOnly)
         SetFileAttributesW(finalPath_.c_str(), FILE_ATTRIBUTE_NORMAL);
-    if (MoveFileExW(path_.c_str(), finalPath_.c_str(), MOVEFILE_REPLACE_EXISTING) != 0)
+    if (TryPatiently([this] {
+            return MoveFileExW(path_.c_str(), finalPath_.c_str(), MOVEFILE_REPLACE_EXISTING) != 0;
+        }))
         return;
     const DWORD error = WhyNotReplaced(finalPath_, GetLastError());
     if (readOnly) // it stays as it was
