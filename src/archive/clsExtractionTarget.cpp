@@ -2,6 +2,7 @@
 
 #include "archive/ArchiveProblem.h"
 #include "base/clsPatience.h"
+#include "base/modFolderEntries.h"
 #include "base/modSystemError.h"
 #include "base/modWide.h"
 
@@ -55,7 +56,7 @@ void CreatePlainFolder(const std::wstring& path) {
     const DWORD attributes = GetFileAttributesW(path.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES)
         ThrowSystemError(error, "cannot create", Narrowed(WithoutLongPrefix(path)));
-    if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0)
+    if (IsLink(path, attributes))
         throw ArchiveProblem("its path leads through a link");
     if ((attributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
         throw ArchiveProblem("its path leads through a file");

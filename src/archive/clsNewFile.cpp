@@ -2,6 +2,7 @@
 
 #include "archive/ArchiveProblem.h"
 #include "base/clsPatience.h"
+#include "base/modFolderEntries.h"
 #include "base/modSystemError.h"
 #include "base/modWide.h"
 
@@ -33,7 +34,7 @@ void CheckReplaceable(const std::wstring& path) {
     const DWORD attributes = GetFileAttributesW(path.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES)
         ThrowFor("cannot replace", path);
-    if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0)
+    if (IsLink(path, attributes))
         throw ArchiveProblem("there is a link in its place");
     if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
         throw ArchiveProblem("there is a folder in its place");

@@ -186,7 +186,8 @@ bool HasLinkBelow(const std::string& folder, const std::string& path) {
     const std::size_t top = WithoutTrailingBackslash(folder).size();
     for (std::string level = path; level.size() > top; level = ParentOf(level)) {
         const std::wstring name = LongPath(AbsolutePath(level));
-        if (HasAttribute(GetFileAttributesW(name.c_str()), FILE_ATTRIBUTE_REPARSE_POINT))
+        const DWORD attributes = GetFileAttributesW(name.c_str());
+        if (attributes != INVALID_FILE_ATTRIBUTES && IsLink(name, attributes))
             return true;
     }
     return false;
@@ -203,7 +204,8 @@ bool HidesSomething(const std::wstring& folder) {
 } // namespace
 
 bool HoldsLink(const std::string& folder) {
-    if (HasAttribute(GetFileAttributesA(folder.c_str()), FILE_ATTRIBUTE_REPARSE_POINT))
+    const DWORD attributes = GetFileAttributesA(folder.c_str());
+    if (attributes != INVALID_FILE_ATTRIBUTES && IsLink(LongPath(folder), attributes))
         return true;
     std::vector<std::wstring> folders{Widen(folder)};
     clsLinkDetector links;
