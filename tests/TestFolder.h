@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/UniqueHandle.h"
+#include "base/clsPatience.h"
 #include "base/modFile.h"
 #include "base/modFolderEntries.h"
 #include "base/modWide.h"
@@ -10,6 +11,7 @@
 #include <doctest/doctest.h>
 
 #include <array>
+#include <cstdint>
 #include <string>
 
 namespace vesk::test {
@@ -26,6 +28,8 @@ public:
                     "-" + std::to_string(++count);
         } while (FolderExists(path_));
         CreateFolderPath(path_);
+        // What is refused for good is so at once, and takes nothing from the cases that follow.
+        clsPatience::OfProgram() = clsPatience([] { return 0; }, [](std::uint32_t) {});
     }
     TestFolder(const TestFolder&) = delete;
     TestFolder& operator=(const TestFolder&) = delete;

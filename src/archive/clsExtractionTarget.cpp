@@ -1,6 +1,8 @@
 #include "archive/clsExtractionTarget.h"
 
 #include "archive/ArchiveProblem.h"
+#include "base/clsPatience.h"
+#include "base/modFolderEntries.h"
 #include "base/modSystemError.h"
 #include "base/modWide.h"
 
@@ -19,6 +21,10 @@ std::wstring_view NameOf(std::wstring_view path) {
     return path.substr(path.rfind(L'\\') + 1);
 }
 
+bool MakeFolder(const std::wstring& path) {
+    return CreatePatiently(path, [&] { return CreateDirectoryW(path.c_str(), nullptr) != 0; });
+}
+
 /// Creates a folder with those above it, whatever the length of its path. @throws Failure
 void CreateWithParents(const std::wstring& path) {
     std::vector<std::wstring_view> missing; // the innermost first
@@ -35,7 +41,7 @@ void CreateWithParents(const std::wstring& path) {
         missing.push_back(level);
     for (const std::wstring_view level : missing | std::views::reverse) {
         const std::wstring name(level);
-        if (CreateDirectoryW(name.c_str(), nullptr) == 0) {
+        if (!MakeFolder(name)) {
             const DWORD error = GetLastError();
             ThrowSystemError(error, "cannot create", Narrowed(WithoutLongPrefix(name)));
         }
@@ -44,13 +50,13 @@ void CreateWithParents(const std::wstring& path) {
 
 /// Creates a folder, unless it is there. @throws Failure, ArchiveProblem
 void CreatePlainFolder(const std::wstring& path) {
-    if (CreateDirectoryW(path.c_str(), nullptr) != 0)
+    if (MakeFolder(path))
         return;
     const DWORD error = GetLastError();
     const DWORD attributes = GetFileAttributesW(path.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES)
         ThrowSystemError(error, "cannot create", Narrowed(WithoutLongPrefix(path)));
-    if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0)
+    if (IsLink(path, attributes))
         throw ArchiveProblem("its path leads through a link");
     if ((attributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
         throw ArchiveProblem("its path leads through a file");

@@ -1,6 +1,8 @@
 #include "archive/clsNewFile.h"
 
 #include "archive/ArchiveProblem.h"
+#include "base/clsPatience.h"
+#include "base/modFolderEntries.h"
 #include "base/modSystemError.h"
 #include "base/modWide.h"
 
@@ -32,7 +34,7 @@ void CheckReplaceable(const std::wstring& path) {
     const DWORD attributes = GetFileAttributesW(path.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES)
         ThrowFor("cannot replace", path);
-    if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0)
+    if (IsLink(path, attributes))
         throw ArchiveProblem("there is a link in its place");
     if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
         throw ArchiveProblem("there is a folder in its place");
@@ -67,7 +69,8 @@ clsNewFile::clsNewFile(const std::wstring& path, const FileStamp& stamp, Place p
         if (GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES)
             CheckReplaceable(path);
         CreateBeside();
-    } else if (!Create() && GetLastError() == ERROR_FILE_EXISTS) {
+    } else if (!CreatePatiently(path, [this] { return Create(); }) &&
+               GetLastError() == ERROR_FILE_EXISTS) {
         CheckReplaceable(path);
         CreateBeside();
     }
@@ -134,7 +137,9 @@ void clsNewFile::MoveIntoPlace() {
     const bool readOnly = old != INVALID_FILE_ATTRIBUTES && (old & FILE_ATTRIBUTE_READONLY) != 0;
     if (readOnly)
         SetFileAttributesW(finalPath_.c_str(), FILE_ATTRIBUTE_NORMAL);
-    if (MoveFileExW(path_.c_str(), finalPath_.c_str(), MOVEFILE_REPLACE_EXISTING) != 0)
+    if (TryPatiently([this] {
+            return MoveFileExW(path_.c_str(), finalPath_.c_str(), MOVEFILE_REPLACE_EXISTING) != 0;
+        }))
         return;
     const DWORD error = WhyNotReplaced(finalPath_, GetLastError());
     if (readOnly) // it stays as it was

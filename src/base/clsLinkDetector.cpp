@@ -1,6 +1,7 @@
 #include "base/clsLinkDetector.h"
 
 #include "base/UniqueHandle.h"
+#include "base/modFolderEntries.h"
 #include "base/modRealPath.h"
 #include "base/modSystemLibrary.h"
 #include "base/modWide.h"
@@ -30,7 +31,7 @@ bool clsLinkDetector::SystemHidesLinks() {
 
 bool clsLinkDetector::IsFileLink(const std::wstring& folder, const std::wstring& name,
                                  std::uint32_t attributes) {
-    if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0)
+    if (IsLink(LongPath(folder + L"\\" + name), attributes))
         return true;
     if (!SystemHidesLinks())
         return false;

@@ -4,6 +4,7 @@
 #include "base/Problem.h"
 #include "base/UniqueHandle.h"
 #include "base/clsLinkDetector.h"
+#include "base/clsPatience.h"
 #include "base/modFolderEntries.h"
 #include "base/modRealPath.h"
 #include "base/modSystemError.h"
@@ -116,17 +117,25 @@ std::string Beside(const std::string& path) {
     return path + ".new";
 }
 
+bool Delete(const std::string& path) {
+    return TryPatiently([&] { return DeleteFileA(path.c_str()) != 0; });
+}
+
 /// Gives the complete file beside a path its name. @throws Failure; nothing then stays beside it
 void MoveIntoPlace(const std::string& path) {
     const std::string beside = Beside(path);
     if (FileExists(path))
         ClearAttributes(path);
-    if (MoveFileExA(beside.c_str(), path.c_str(),
-                    MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0)
+    const auto move = [&] {
+        return MoveFileExA(beside.c_str(), path.c_str(),
+                           MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
+    };
+    // A folder in its place stays there.
+    if (FolderExists(path) ? move() : TryPatiently(move))
         return;
     const DWORD error = GetLastError();
     ClearAttributes(beside);
-    DeleteFileA(beside.c_str());
+    Delete(beside);
     ThrowSystemError(error, "cannot replace", path);
 }
 
@@ -142,7 +151,7 @@ void WriteCompleteFile(const std::string& path, const std::string& text) {
         if (!WriteAll(file, text) || FlushFileBuffers(file.Get()) == 0) {
             const DWORD error = GetLastError();
             file.Reset(); // nobody deletes an open file
-            DeleteFileA(beside.c_str());
+            Delete(beside);
             ThrowSystemError(error, "cannot write", beside);
         }
     }
@@ -177,7 +186,8 @@ bool HasLinkBelow(const std::string& folder, const std::string& path) {
     const std::size_t top = WithoutTrailingBackslash(folder).size();
     for (std::string level = path; level.size() > top; level = ParentOf(level)) {
         const std::wstring name = LongPath(AbsolutePath(level));
-        if (HasAttribute(GetFileAttributesW(name.c_str()), FILE_ATTRIBUTE_REPARSE_POINT))
+        const DWORD attributes = GetFileAttributesW(name.c_str());
+        if (attributes != INVALID_FILE_ATTRIBUTES && IsLink(name, attributes))
             return true;
     }
     return false;
@@ -194,7 +204,8 @@ bool HidesSomething(const std::wstring& folder) {
 } // namespace
 
 bool HoldsLink(const std::string& folder) {
-    if (HasAttribute(GetFileAttributesA(folder.c_str()), FILE_ATTRIBUTE_REPARSE_POINT))
+    const DWORD attributes = GetFileAttributesA(folder.c_str());
+    if (attributes != INVALID_FILE_ATTRIBUTES && IsLink(LongPath(folder), attributes))
         return true;
     std::vector<std::wstring> folders{Widen(folder)};
     clsLinkDetector links;
@@ -224,8 +235,9 @@ void MakeWritable(const std::string& path) {
 
 void RemoveFile(const std::string& path) {
     ClearAttributes(path);
-    if (DeleteFileA(path.c_str()) == 0)
+    if (!Delete(path))
         ThrowLastError("cannot delete", path);
+    AwaitRemoval(Widen(path)); // another file may be about to get its name
 }
 
 bool PlainFileExists(const std::string& path) {
@@ -249,8 +261,17 @@ void RemoveOwnFile(const std::string& path) {
     RemoveFile(path);
 }
 
+namespace {
+
+bool MakeFolder(const std::string& path) {
+    return CreatePatiently(Widen(path),
+                           [&] { return CreateDirectoryA(path.c_str(), nullptr) != 0; });
+}
+
+} // namespace
+
 void CreateFolder(const std::string& path) {
-    if (CreateDirectoryA(path.c_str(), nullptr) == 0)
+    if (!MakeFolder(path))
         ThrowLastError("cannot create", path);
 }
 
@@ -259,7 +280,7 @@ void CreateFolderPath(const std::string& path) {
     std::vector<std::string> missing;
     for (std::string level = WithoutTrailingBackslash(path); !FolderExists(level);
          level = ParentOf(level)) {
-        if (CreateDirectoryA(level.c_str(), nullptr) != 0)
+        if (MakeFolder(level))
             break;
         const DWORD error = GetLastError();
         if (error != ERROR_PATH_NOT_FOUND || ParentOf(level).empty())
@@ -282,14 +303,15 @@ void CopyCompleteFile(const std::string& source, const std::string& target) {
     try {
         CopyFileOver(source, beside);
     } catch (const Failure&) { // of a full disk, say
-        DeleteFileA(beside.c_str());
+        Delete(beside);
         throw;
     }
     MoveIntoPlace(target);
 }
 
 void MovePath(const std::string& source, const std::string& target) {
-    if (MoveFileA(source.c_str(), target.c_str()) == 0)
+    // While anybody has a file in a folder open, the folder keeps its name.
+    if (!TryPatiently([&] { return MoveFileA(source.c_str(), target.c_str()) != 0; }))
         ThrowLastError("cannot move", source + " to " + target);
 }
 

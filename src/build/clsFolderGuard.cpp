@@ -2,6 +2,7 @@
 
 #include "base/UniqueHandle.h"
 #include "base/modFile.h"
+#include "base/modFolderEntries.h"
 #include "base/modSpecialFolder.h"
 #include "base/modText.h"
 #include "base/modWide.h"
@@ -144,7 +145,7 @@ std::string OwnObjection(const std::vector<FolderLevel>& way) {
         return std::string(kEmptied) + "so it cannot be a whole drive";
     if (!folder.IsMissing() && !folder.Has(FILE_ATTRIBUTE_DIRECTORY))
         return "The installation folder is a file";
-    if (folder.Has(FILE_ATTRIBUTE_REPARSE_POINT))
+    if (!folder.IsMissing() && IsLink(LongPath(folder.path), folder.attributes))
         return std::string(kEmptied) + "but this one is a link to another place";
     for (const FolderLevel& level : way) {
         const bool isRoot = &level == &way.back();

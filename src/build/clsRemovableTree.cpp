@@ -2,6 +2,7 @@
 
 #include "archive/modMemberName.h"
 #include "base/clsLinkDetector.h"
+#include "base/clsPatience.h"
 #include "base/modFile.h"
 #include "base/modFolderEntries.h"
 #include "base/modSpecialFolder.h"
@@ -61,6 +62,7 @@ private:
         if (failures_.empty() && !last_.empty() && attributes != INVALID_FILE_ATTRIBUTES)
             RemoveEntry(top_, {last_.substr(top_.size() + 1), L"", attributes, 0});
         RemoveEmptyFolder(top_);
+        AwaitRemoval(LongPath(top_)); // which is about to be made anew
     }
 
     void RemoveEntry(const std::wstring& folder, const FolderEntry& entry) {
@@ -78,16 +80,21 @@ private:
             links_.IsFileLink(folder, entry.name, entry.attributes))
             return Remember(path, ERROR_CANT_RESOLVE_FILENAME);
         // A folder here is a link: it goes itself, and what it leads to is not looked at.
-        if (!Delete(path, entry.IsFolder() ? RemoveDirectoryW : DeleteFileW))
+        if (!TryPatiently(
+                [&] { return Delete(path, entry.IsFolder() ? RemoveDirectoryW : DeleteFileW); }))
             Remember(path, GetLastError());
     }
 
     void RemoveEmptyFolder(const std::wstring& path) {
-        if (Delete(path, RemoveDirectoryW))
+        const auto remove = [&] { return Delete(path, RemoveDirectoryW); };
+        const bool holds = holding_.contains(path);
+        // One that seems empty may hold what others have open, such as the folders that Explorer
+        // shows: those go when they are closed.
+        if (holds ? remove() : TryPatiently(remove))
             return;
         const DWORD error = GetLastError();
         // What is left in it was reported already, and is why the folders above are left as well.
-        if (error == ERROR_DIR_NOT_EMPTY && holding_.contains(path))
+        if (error == ERROR_DIR_NOT_EMPTY && holds)
             holding_.insert(ParentOf(path));
         else
             Remember(path, error);

@@ -3,6 +3,7 @@
 #include "base/Failure.h"
 #include "base/Problem.h"
 #include "base/UniqueHandle.h"
+#include "base/clsPatience.h"
 #include "base/modFile.h"
 #include "base/modSha256.h"
 #include "base/modSystemError.h"
@@ -41,17 +42,15 @@ void MoveOver(const std::string& from, const std::string& to) {
     const auto move = [&] {
         return MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING) != 0;
     };
-    if (move())
-        return;
-    DWORD error = GetLastError();
+    const PathState old = StateOf(to);
     const DWORD attributes = GetFileAttributesA(to.c_str());
-    if (FileExists(to)) {
+    if (old == PathState::File)
         MakeWritable(to);
-        if (move())
-            return;
-        error = GetLastError();
+    if (old == PathState::Folder ? move() : TryPatiently(move))
+        return;
+    const DWORD error = GetLastError();
+    if (old == PathState::File)
         SetFileAttributesA(to.c_str(), attributes);
-    }
     ThrowSystemError(error, "cannot replace", to);
 }
 
@@ -212,6 +211,7 @@ DownloadOutcome clsDownloadSession::Outcome(const std::function<void()>& meanwhi
             !fault.empty())
             return {DownloadResult::CrcDiffers, AllReasons(WhyNotExpected(facts_, fault))};
         try {
+            const clsPatience::Meanwhile alive(clsPatience::OfProgram(), meanwhile);
             MoveOver(partial_, request_.destination);
             return {result, ""};
         } catch (const Failure& failure) {

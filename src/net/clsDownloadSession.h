@@ -61,7 +61,8 @@ public:
     /// What became of it, to be asked once: reads the whole file where a SHA-256 decides, so let
     /// pending events run first, and moves a good one to its destination, over what stands there.
     /// Any other stays at PartialPath, and the destination as it was. Cancelled whatever else
-    /// happened, once Cancel was called. @param meanwhile called every few megabytes of the file
+    /// happened, once Cancel was called. @param meanwhile called every few megabytes of the file,
+    /// and while the file at its place is waited for
     [[nodiscard]] DownloadOutcome Outcome(const std::function<void()>& meanwhile = {});
 
 private:

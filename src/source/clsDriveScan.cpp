@@ -3,6 +3,7 @@
 #include "base/Failure.h"
 #include "base/UniqueHandle.h"
 #include "base/modFileVersion.h"
+#include "base/modFolderEntries.h"
 #include "source/modSourceFolder.h"
 
 #include <windows.h>
@@ -30,7 +31,7 @@ bool HasFileVersion(const std::string& path) {
 bool IsPlainFolder(const WIN32_FIND_DATAA& entry) {
     // A junction may lead back up: what it leads to is searched at its own place.
     return (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0 &&
-           (entry.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0;
+           !IsLink(entry.dwFileAttributes, entry.dwReserved0);
 }
 
 } // namespace

@@ -18,12 +18,27 @@ bool IsWindowsNt() {
     return GetVersionExA(&version) != FALSE && version.dwPlatformId == VER_PLATFORM_WIN32_NT;
 }
 
+/// Whether what this process does is done with the rights of the administrators' group. Since
+/// Windows Vista an administrator's programs have that group, but only to be refused things for it,
+/// until they are started as an administrator. Nothing when the system could not be asked.
+std::optional<bool> HasAdministratorsRights() {
+    std::array<BYTE, SECURITY_MAX_SID_SIZE> group{};
+    DWORD size = group.size();
+    BOOL isMember = FALSE;
+    if (CreateWellKnownSid(WinBuiltinAdministratorsSid, nullptr, group.data(), &size) == FALSE ||
+        CheckTokenMembership(nullptr, group.data(), &isMember) == FALSE)
+        return std::nullopt;
+    return isMember != FALSE;
+}
+
 std::optional<bool> IsAdministrator() {
     using IsNtAdmin = BOOL(WINAPI*)(DWORD, DWORD*);
     const auto isNtAdmin = SystemFunction<IsNtAdmin>("advpack.dll", "IsNTAdmin");
     if (isNtAdmin == nullptr)
         return std::nullopt;
-    return isNtAdmin(0, nullptr) != FALSE;
+    if (isNtAdmin(0, nullptr) == FALSE)
+        return false;
+    return HasAdministratorsRights(); // the question before may count a group that only forbids
 }
 
 } // namespace
@@ -82,7 +97,7 @@ std::string RefusalText(StartRefusal refusal) {
         return "You need to be an Administrator to run this software";
     case StartRefusal::RightsUnknown:
         return "Windows could not be asked whether you are an Administrator: its advpack.dll "
-               "cannot be used";
+               "cannot be used, or it does not tell your groups";
     case StartRefusal::None:
         break;
     }

@@ -69,8 +69,14 @@ TEST_CASE("removals write their line first, and report what stays") {
     CHECK_FALSE(FileExists(readOnly));
     REQUIRE(frontEnd.problems.size() == 1);
     CHECK(frontEnd.problems[0].starts_with(locked + ": not removed, "));
+    CreateFolder(sub.Path() + "\\shown");
+    FileHandle shown(CreateFileA((sub.Path() + "\\shown").c_str(),
+                                 FILE_LIST_DIRECTORY, // by Explorer
+                                 FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                 OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+    const clsPatience::Meanwhile closing(clsPatience::OfProgram(), [&] { shown.Reset(); });
     CHECK(DeleteFolderLogged(context, sub));
-    CHECK_FALSE(FolderExists(sub.Path()));
+    CHECK_FALSE((shown || FolderExists(sub.Path())));
     CHECK(DeleteFolderLogged(context, sub)); // nothing is there: that is no problem
     CHECK(frontEnd.problems.size() == 1);
     CHECK_THROWS_AS(clsRemovableTree::Below(inputs.installFolder, "\\sub\\..\\.."), Failure);

@@ -1,8 +1,12 @@
 #include "startup/modStartUp.h"
 
+#include "base/UniqueHandle.h"
+
 #include <windows.h>
 
 #include <doctest/doctest.h>
+
+#include <array>
 
 using namespace vesk;
 
@@ -24,6 +28,23 @@ TEST_CASE("the program refuses what it cannot run on, the system first") {
           "Windows could not be asked whether you are an Administrator: its advpack.dll cannot be "
           "used");
     CHECK(CheckSystem(WindowsProbe()) == StartRefusal::None); // Wine takes everybody for one
+}
+
+TEST_CASE("an administrator whose rights were not raised is refused") {
+    using Handle = UniqueHandle<::CloseHandle, HANDLE>;
+    std::array<BYTE, SECURITY_MAX_SID_SIZE> group{};
+    DWORD size = group.size();
+    REQUIRE(CreateWellKnownSid(WinBuiltinAdministratorsSid, nullptr, group.data(), &size));
+    SID_AND_ATTRIBUTES administrators{group.data(), 0};
+    Handle token;
+    Handle limited;
+    REQUIRE(OpenProcessToken(GetCurrentProcess(), TOKEN_ALL_ACCESS, token.Out()));
+    REQUIRE(CreateRestrictedToken(token.Get(), 0, 1, &administrators, 0, nullptr, 0, nullptr,
+                                  limited.Out()));
+    REQUIRE(ImpersonateLoggedOnUser(limited.Get()));
+    const StartRefusal refusal = CheckSystem(WindowsProbe());
+    RevertToSelf();
+    CHECK(refusal == StartRefusal::NotAdministrator);
 }
 
 TEST_CASE("the environment: cut, and empty when unset") {

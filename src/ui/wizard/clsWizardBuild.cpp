@@ -2,6 +2,7 @@
 
 #include "base/Failure.h"
 #include "base/Version.h"
+#include "base/clsPatience.h"
 #include "build/modBuildRecord.h"
 #include "ui/kit/modWindow.h"
 #include "ui/wizard/frmPassword.h"
@@ -47,6 +48,10 @@ void clsWizardBuild::Prepare(const BuildInputs& inputs, Catalogue& catalogue) {
 }
 
 void clsWizardBuild::Run() {
+    const clsPatience::Meanwhile alive(clsPatience::OfProgram(), [this] {
+        if (!over_) // then the window may be closed, and its build's log is not saved yet
+            LetEventsRun();
+    });
     try {
         run_->Run();
     } catch (const std::exception& failure) {
@@ -85,6 +90,8 @@ std::optional<std::string> clsWizardBuild::AskPassword(const std::string& archiv
 }
 
 DownloadOutcome clsWizardBuild::DownloadFile(const DownloadRequest& request) {
+    // Within an event of the download no other may come.
+    const clsPatience::Meanwhile none(clsPatience::OfProgram(), {});
     return frmProgress(wizard_).DownloadFile(request);
 }
 
