@@ -26,7 +26,8 @@ std::string NumberOf(std::wstring name) {
            std::to_string(text.size());
 }
 
-/// Only the number that is the same through every drive and at any time.
+/// Only the number that is the same through every drive and at any time. A folder of another volume
+/// that happens to have it as well is refused for as long as the other build runs.
 std::string NumberOf(const std::optional<FolderIdentity>& identity) {
     return std::to_string(identity ? identity->index : 0);
 }
@@ -42,8 +43,7 @@ std::string BelowName(const FolderLevel& level) {
 }
 
 std::string TreeName(const FolderLevel& level) {
-    return "VeskBuilder-tree-" + NumberOf(level.identity) + "-" +
-           std::to_string(level.identity ? level.identity->volume : 0);
+    return "VeskBuilder-tree-" + NumberOf(level.identity);
 }
 
 std::string ProgramName() {

@@ -9,7 +9,7 @@ import subprocess
 import unittest
 
 from fixtures import Member, windows_path, write_catalogue
-from program import START_MENU, SaidTest, contents_below, run_in_wine
+from program import START_MENU, SaidTest, contents_below, link_drive, run_in_wine
 
 
 class Console(SaidTest):
@@ -114,6 +114,8 @@ class Console(SaidTest):
             silent.settimeout(1)
             connection, _ = silent.accept()
             self.build("--yes")
+            inside = link_drive(self, self.tree / "Plugin")  # no path tells that it is in the tree
+            self.run_program("--yes", "--install", inside + "\\new")
             connection.close()
             first.wait(50)
         self.build("--yes", "--disable", "Far")

@@ -23,6 +23,7 @@ CHANGING = (  # what of a line depends on the day, the machine or the version
     (r"C:\\users\\[^\\]+\\Desktop", "{DESKTOP}"),
     (r"\b(Vesk Builder v)[\d.]+", r"\1{VERSION}"),
     (r"process \d+", "process {NUMBER}"),
+    (r"\b[I-Y]:(?=\\new)", "{DRIVE}"),
 )
 
 # The Wine prefix that programs run in. On Windows itself there is none.
