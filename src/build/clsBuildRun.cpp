@@ -69,7 +69,7 @@ private:
 
     BuildEnding RunToEnding();
     bool MayReplaceFolder();
-    [[nodiscard]] bool MayReplace(const FolderContent& content) const;
+    [[nodiscard]] std::string WhyKept(const FolderContent& content) const;
     [[nodiscard]] std::string ChangeSinceAsked() const;
     void LogHeader();
     PeBuilder FetchPeBuilder();
@@ -160,8 +160,8 @@ bool clsBuildRun::Steps::MayReplaceFolder() {
         return false;
     }
     const FolderContent content = inputs_.installFolder.Content();
-    if (!MayReplace(content)) {
-        Give(path, "not built", content.ForeignWords());
+    if (const std::string why = WhyKept(content); !why.empty()) {
+        Give(path, "not built", why);
         return false;
     }
     asked_ = inputs_.installFolder.Identity();
@@ -220,9 +220,11 @@ clsBuildRun::Steps::PeBuilder clsBuildRun::Steps::FetchPeBuilder() {
     return PeBuilder::WrongArchive;
 }
 
-bool clsBuildRun::Steps::MayReplace(const FolderContent& content) const {
-    return content.kind != FolderContent::Kind::Foreign ||
-           (inputs_.replaceForeign && inputs_.installFolder.WhyKept(content).empty());
+/// Why what is in the folder must stay; empty when it may be emptied.
+std::string clsBuildRun::Steps::WhyKept(const FolderContent& content) const {
+    const std::string why = inputs_.installFolder.WhyKept(content);
+    const bool isAgreed = content.kind != FolderContent::Kind::Foreign || inputs_.replaceForeign;
+    return why.empty() && !isAgreed ? content.ForeignWords() : why;
 }
 
 /// Why the folder must not be emptied although the user said so: a download may have taken an hour
@@ -232,8 +234,8 @@ std::string clsBuildRun::Steps::ChangeSinceAsked() const {
     if (const std::string objection = folder.Objection(); !objection.empty())
         return AsReason(objection);
     const FolderContent content = folder.Content();
-    if (!MayReplace(content))
-        return content.ForeignWords();
+    if (const std::string why = WhyKept(content); !why.empty())
+        return why;
     const auto now = folder.Identity();
     if (asked_ && now && *asked_ != *now)
         return "another folder took its place after the build began";

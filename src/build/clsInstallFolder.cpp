@@ -164,7 +164,7 @@ std::string clsInstallFolder::Objection() const {
 std::string clsInstallFolder::WhyKept(const FolderContent& content) const {
     if (content.kind != FolderContent::Kind::Foreign || !guard_.KeepsForeign(path_))
         return {};
-    return path_ + " would be emptied, and " + content.ForeignWords() +
+    return content.ForeignWords() +
            "; among installed programs only a folder that a build made is emptied";
 }
 

@@ -56,7 +56,8 @@ public:
     [[nodiscard]] FolderContent Content() const;
 
     /// Why this content must not be emptied whatever the user says: what no build made, among
-    /// installed programs. A sentence without a full stop; empty when it is the user's to decide.
+    /// installed programs. "it holds ..." without a full stop; empty when it is the user's to
+    /// decide.
     [[nodiscard]] std::string WhyKept(const FolderContent& content) const;
 
     /// What the system opens under its name now; nothing when it is missing.

@@ -103,10 +103,11 @@ void RequireConsent(const clsInstallFolder& folder, const ConsoleOptions& option
     const FolderContent content = folder.Content();
     if (content.kind != FolderContent::Kind::Foreign || options.answer == false)
         return;
+    const std::string sentence = folder.Path() + " would be emptied, and ";
     if (const std::string why = folder.WhyKept(content); !why.empty())
-        throw UsageError(why);
+        throw UsageError(sentence + why);
     if (!options.replaceForeign)
-        throw UsageError(folder.Path() + " would be emptied, and " + content.ForeignWords() +
+        throw UsageError(sentence + content.ForeignWords() +
                          "; --replace-foreign empties it anyway");
 }
 

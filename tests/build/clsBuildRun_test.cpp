@@ -107,6 +107,16 @@ const std::map<std::string, void (*)(Fixture&, Text)> kSteps{
              f.WriteOldTree();
          });
      }},
+    {"appear",
+     [](Fixture& f, Text line) {
+         f.When(line, [&f] { f.folder.Write("tree\\letter.txt", "x"); });
+     }},
+    {"agree", [](Fixture& f, Text) { f.inputs.replaceForeign = true; }},
+    {"programs",
+     [](Fixture& f, Text) {
+         f.inputs.installFolder =
+             clsInstallFolder(f.folder / "tree", clsFolderGuard({}, {f.folder.Path()}));
+     }},
     {"offline", [](Fixture& f, Text) { f.network = false; }},
     {"download",
      [](Fixture& f, Text how) {

@@ -200,6 +200,7 @@ class Package(unittest.TestCase):
         for program, *arguments in ((self.setup, "/AllUsers"), (usual / "uninstall.exe", here),
                                     (usual / "uninstall.exe", "/AllUsers", here)):
             self.assertEqual(wine(LIMITED, windows_path(program), "/S", *arguments).returncode, 2)
+        self.assertEqual(wine(LIMITED, windows_path(own / "veskbuild.exe"), "--list").returncode, 4)
         for folder, other in ((own, usual), (usual, own)):
             self.uninstall(folder)
             self.assertEqual((folder.exists(), (other / "guide.txt").exists()), (False, folder == own))

@@ -34,7 +34,7 @@ ChosenFolder LookAtFolder(const std::string& text, const std::string& programPat
     const clsInstallFolder folder(text, GuardOf(programPath, sourceFolder));
     ChosenFolder chosen{folder, folder.Content()};
     if (const std::string why = folder.WhyKept(chosen.content); !why.empty())
-        throw FolderRefused(why + ".");
+        throw FolderRefused(folder.Path() + " would be emptied, and " + why + ".");
     return chosen;
 }
 
