@@ -107,10 +107,8 @@ const std::map<std::string, void (*)(Fixture&, Text)> kSteps{
              f.WriteOldTree();
          });
      }},
-    {"appear",
-     [](Fixture& f, Text line) {
-         f.When(line, [&f] { f.folder.Write("tree\\letter.txt", "x"); });
-     }},
+    {"appear", [](Fixture& f,
+                  Text line) { f.When(line, [&f] { f.folder.Write("tree\\letter.txt", "x"); }); }},
     {"agree", [](Fixture& f, Text) { f.inputs.replaceForeign = true; }},
     {"programs",
      [](Fixture& f, Text) {
