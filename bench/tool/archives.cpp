@@ -118,7 +118,9 @@ const Action kCreate("create", [](const Arguments& arguments) {
 /// ARCHIVE: inflates and checks every member into one buffer.
 const Action kInflate("inflate", [](const Arguments& arguments) {
     Members members(arguments.at(0));
-    const std::string archive = ReadWholeFile(arguments.at(0));
+    clsFileSource source(arguments.at(0));
+    std::string archive(static_cast<std::size_t>(source.Size()), '\0');
+    source.Read(0, std::as_writable_bytes(std::span(archive)));
     const std::unique_ptr<libdeflate_decompressor, void (*)(libdeflate_decompressor*)> inflater(
         libdeflate_alloc_decompressor(), libdeflate_free_decompressor);
     return Figures{Timed([&] {
