@@ -211,8 +211,8 @@ class Peers(unittest.TestCase):
              "not reached: " + silent),
             ("before the body", silent_after(HEAD), FAILED, FAILED, silent + ", 0 of 4,096 bytes came"),
             ("in mid body", silent_after(HEAD + BODY[:512]), FAILED, FAILED,
-             silent + ", 512 of 4,096 bytes came"),
-            ("slow bytes are no silence", slowly, DONE, DONE, "")])
+             silent + ", 512 of 4,096 bytes came")])
+        self.check_table(2, [("slow bytes are no silence", slowly, DONE, DONE, "")])  # 2.4 s in all
         _, proxy = self.serve(lambda c, url: c.sendall(redirect(url)))
         (result, _, _, why), = self.run_sessions(proxy, [(None, "http://h/in-circles")], 1)
         self.assertEqual((result, why[-len(silent):]), (FAILED, silent))

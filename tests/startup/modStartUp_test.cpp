@@ -26,7 +26,7 @@ TEST_CASE("the program refuses what it cannot run on, the system first") {
           "You need to be an Administrator to run this software");
     CHECK(RefusalText(StartRefusal::RightsUnknown) ==
           "Windows could not be asked whether you are an Administrator: its advpack.dll cannot be "
-          "used");
+          "used, or it does not tell your groups");
     CHECK(CheckSystem(WindowsProbe()) == StartRefusal::None); // Wine takes everybody for one
 }
 
