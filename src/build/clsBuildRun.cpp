@@ -234,7 +234,7 @@ std::string clsBuildRun::Steps::ChangeSinceAsked() const {
     if (const std::string objection = folder.Objection(); !objection.empty())
         return AsReason(objection);
     const FolderContent content = folder.Content();
-    if (const std::string why = WhyKept(content); !why.empty())
+    if (std::string why = WhyKept(content); !why.empty())
         return why;
     const auto now = folder.Identity();
     if (asked_ && now && *asked_ != *now)

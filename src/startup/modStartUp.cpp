@@ -41,6 +41,15 @@ std::optional<bool> IsAdministrator() {
     return HasAdministratorsRights(); // the question before may count a group that only forbids
 }
 
+/// The runtime asks for memory of its own when the first exception is thrown, and ends the program
+/// without a word if it gets none: too late for the exception that tells of missing memory.
+void ReserveForExceptions() {
+    try {
+        throw 0;
+    } catch (int) { // it was only to be thrown
+    }
+}
+
 } // namespace
 
 ProgramPaths FindProgramPaths() {
@@ -64,6 +73,7 @@ std::optional<ProgramFolderFault> FindProgramFolderFault() {
 }
 
 void PrepareProcess() {
+    ReserveForExceptions();
     UseSystemCodePage();
     SetErrorMode(SEM_FAILCRITICALERRORS);
 }
