@@ -6,8 +6,6 @@
 #include "base/modWide.h"
 #include "ui/resources/ids.h"
 
-#include <commctrl.h>
-
 #include <doctest/doctest.h>
 
 #include <algorithm>
@@ -68,6 +66,29 @@ std::vector<std::string> Lines(HWND list, const LineMessages& messages) {
         lines.push_back(Narrowed(text));
     }
     return lines;
+}
+
+/// In the first line of a list view, or in a button; from the upper left corner.
+POINT FirstLineOf(HWND control) {
+    auto* const header = reinterpret_cast<HWND>(SendMessageA(control, LVM_GETHEADER, 0, 0));
+    return {60, SizeOf(header).cy + 10};
+}
+
+bool IsFrame(HWND control) {
+    return ClassOf(control) == "Button" &&
+           (GetWindowLongA(control, GWL_STYLE) & BS_TYPEMASK) == BS_GROUPBOX;
+}
+
+/// True for a control that reaches out of its parent, or over another one that is shown.
+bool IsMisplaced(HWND control, const std::vector<HWND>& controls) {
+    const RECT area = AreaOf(control);
+    const bool isOver = std::ranges::any_of(controls, [&](HWND other) {
+        const RECT place = AreaOf(other);
+        RECT common{};
+        return other != control && GetParent(other) == GetParent(control) &&
+               IsWindowVisible(other) && !IsFrame(other) && IntersectRect(&common, &place, &area);
+    });
+    return (isOver && !IsFrame(control)) || !IsIn(AreaOf(GetParent(control)), area);
 }
 
 std::string ChoicesOf(HWND combo) {
@@ -154,7 +175,8 @@ std::string WizardDriver::Seen() const {
 
 std::string WizardDriver::Contents(HWND dialog, const std::vector<HWND>& tabs) const {
     std::string text = TextOf(dialog) + "\n";
-    for (const HWND control : ControlsOf(dialog)) {
+    const std::vector<HWND> controls = ControlsOf(dialog);
+    for (const HWND control : controls) {
         const std::string type = ClassOf(control);
         const std::string own = TextOf(control);
         if (!IsWindowVisible(control) || ClassOf(GetParent(control)) != kDialogClass ||
@@ -162,7 +184,8 @@ std::string WizardDriver::Contents(HWND dialog, const std::vector<HWND>& tabs) c
             continue;
         const auto place = std::ranges::find(tabs, control);
         text += place == tabs.end() ? "  " : std::to_string(place - tabs.begin() + 1) + " ";
-        text += type + (IsWindowEnabled(control) ? "" : ", disabled") +
+        text += type + (IsMisplaced(control, controls) ? ", misplaced" : "") +
+                (IsWindowEnabled(control) ? "" : ", disabled") +
                 (SendMessageA(control, BM_GETCHECK, 0, 0) == BST_CHECKED ? ", ticked" : "");
         if (type == "ComboBox")
             text += ChoicesOf(control);
@@ -342,8 +365,29 @@ void WizardDriver::ChangeDpi(HWND dialog, int dpi, const RECT& place) const {
     VirtualFreeEx(process_.Get(), there, 0, MEM_RELEASE);
 }
 
-std::string WizardDriver::AwaitTip() const {
+void DoubleClickFirstLine(HWND list) {
+    const POINT at = FirstLineOf(list);
+    for (const UINT message : {WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_LBUTTONUP})
+        PostMessageA(list, message, MK_LBUTTON, MAKELPARAM(at.x, at.y));
+}
+
+std::string WizardDriver::AwaitTip(HWND control) const {
+    SetForegroundWindow(window_);
+    const POINT at = FirstLineOf(control);
+    for (const LONG x : {at.x - 4, at.x}) // it has to move
+        SetCursorPos(AreaOf(control).left + x, AreaOf(control).top + at.y);
     return TextOf(AwaitTopWindow(TOOLTIPS_CLASSA, "", true));
+}
+
+void WizardDriver::AwaitClipboard(const std::string& wanted) const {
+    Await("the clipboard to hold " + wanted, [&] {
+        if (!OpenClipboard(nullptr))
+            return false; // the program still has it
+        const HANDLE data = GetClipboardData(CF_TEXT);
+        const std::string text = data ? static_cast<const char*>(GlobalLock(data)) : "none";
+        CloseClipboard();
+        return text == wanted;
+    });
 }
 
 std::vector<std::string> WizardDriver::LogLines() const {

@@ -4,6 +4,8 @@
 
 #include <windows.h>
 
+#include <commctrl.h>
+
 #include <functional>
 #include <string>
 #include <vector>
@@ -32,6 +34,14 @@ inline SIZE SizeOf(HWND window) {
 
 /// All controls of a dialog, those of its pages included.
 std::vector<HWND> ControlsOf(HWND dialog);
+
+inline bool IsIn(const RECT& outer, const RECT& inner) {
+    RECT common{};
+    return IntersectRect(&common, &outer, &inner) && EqualRect(&common, &inner);
+}
+
+/// Clicks twice on a list view's first line; does not wait for what that does.
+void DoubleClickFirstLine(HWND list);
 
 /// Puts a text into a field of a dialog.
 inline void TypeIn(HWND dialog, int field, const std::string& text) {
@@ -72,6 +82,11 @@ public:
     /// disabled. The folder that the program's folder is in stands as {FOLDER} in the file.
     void CheckShows(HWND dialog, const std::string& name) const;
     void CheckShows(const std::string& name) const { CheckShows(window_, name); }
+
+    /// Whether all that a dialog shows lies in its parent, and nothing over anything else.
+    [[nodiscard]] bool IsTidy(HWND dialog) const {
+        return Contents(dialog).find(", misplaced") == std::string::npos;
+    }
 
     /// A control of the main window or of one of its pages.
     [[nodiscard]] HWND Control(int id) const;
@@ -138,8 +153,11 @@ public:
     /// that it should take there.
     void ChangeDpi(HWND dialog, int dpi, const RECT& place) const;
 
-    /// Waits for a tool tip. @return its text
-    [[nodiscard]] std::string AwaitTip() const;
+    /// Takes the mouse to a button or a list's first line, and waits for the tip. @return its text
+    [[nodiscard]] std::string AwaitTip(HWND control) const;
+
+    /// Waits until the clipboard holds a text.
+    void AwaitClipboard(const std::string& wanted) const;
 
     [[nodiscard]] std::vector<std::string> LogLines() const;
 

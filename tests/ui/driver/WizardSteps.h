@@ -52,18 +52,6 @@ public:
         CHECK(AwaitEnd() == 0);
     }
 
-    /// Waits until the clipboard holds the text.
-    void AwaitClipboard(const std::string& wanted) const {
-        Await("the clipboard to hold " + wanted, [&] {
-            if (!OpenClipboard(nullptr))
-                return false; // the program still has it
-            const HANDLE data = GetClipboardData(CF_TEXT);
-            const std::string text = data ? static_cast<const char*>(GlobalLock(data)) : "none";
-            CloseClipboard();
-            return text == wanted;
-        });
-    }
-
 private:
     const ProgramFolder& program_;
 };

@@ -19,6 +19,8 @@ TEST_CASE("categories are edited, and plug-ins follow a key that became another"
     const auto press = [&](int button) { SendDlgItemMessageA(dialog, button, BM_CLICK, 0, 0); };
     open();
     editor.CheckShows(dialog, "categories");
+    editor.PressWithControl('C');
+    editor.AwaitClipboard("100\t100_tools\tTools\r\n");
     TypeIn(dialog, IDC_TXT_CATEGORY_KEY, "dropped");
     editor.Answer(dialog, IDCANCEL);
     CHECK(editor.Text(IDC_LBL_STATE).empty());
@@ -28,6 +30,7 @@ TEST_CASE("categories are edited, and plug-ins follow a key that became another"
     press(IDC_CMD_CATEGORY_ADD);
     TypeIn(dialog, IDC_TXT_CATEGORY_KEY, "200");
     TypeIn(dialog, IDC_TXT_CATEGORY_FOLDER, "300_new_ones");
+    press(IDC_CMD_CATEGORY_UP);
     press(IDC_CHK_SHOW_CATEGORIES);
     ClickIn(dialog, IDOK);
     CHECK(editor.AnswerBox("Category", IDOK) ==
@@ -37,20 +40,24 @@ TEST_CASE("categories are edited, and plug-ins follow a key that became another"
     editor.Answer(dialog, IDOK);
     editor.AwaitState("There are unsaved edits.");
     CHECK(editor.Items(IDC_CMB_BASE_PLUGIN + kCategory) ==
-          Names{"200 - Some Apps", "110 - 100 Tools", "300 - New Ones"});
-    CHECK(editor.Chosen(IDC_CMB_BASE_PLUGIN + kCategory) == 1);
+          Names{"200 - Some Apps", "300 - New Ones", "110 - 100 Tools"});
+    CHECK(editor.Chosen(IDC_CMB_BASE_PLUGIN + kCategory) == 2);
     editor.Apply();
     Catalogue expected = program.catalogue;
     expected.categories = {
-        {"200_some_apps", "200", ""}, {"100_tools", "110", ""}, {"300_new_ones", "300", ""}};
+        {"200_some_apps", "200", ""}, {"300_new_ones", "300", ""}, {"100_tools", "110", ""}};
     expected.showCategories = true;
     expected.plugins[0].cat = expected.plugins[2].cat = "110";
     editor.CheckSaved(expected);
 
     // A category that plug-ins are in does not go without a question.
     open();
-    SendDlgItemMessageA(dialog, IDC_LST_CATEGORIES, WM_KEYDOWN, VK_DOWN, 1);
-    ClickIn(dialog, IDC_CMD_CATEGORY_REMOVE);
-    CheckHolds(editor.AnswerBox("Category", IDNO), "holds 2 plug-ins");
-    editor.Answer(dialog, IDCANCEL);
+    SendDlgItemMessageA(dialog, IDC_LST_CATEGORIES, WM_KEYDOWN, VK_END, 1);
+    for (const int answer : {IDNO, IDYES}) {
+        ClickIn(dialog, IDC_CMD_CATEGORY_REMOVE);
+        CheckHolds(editor.AnswerBox("Category", answer), "holds 2 plug-ins");
+    }
+    editor.Answer(dialog, IDOK);
+    AWAIT(editor, editor.Items(IDC_CMB_BASE_PLUGIN + kCategory) ==
+                      Names{"200 - Some Apps", "300 - New Ones", "110 (no such category)"});
 }

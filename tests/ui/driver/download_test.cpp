@@ -1,8 +1,6 @@
 #include "HalfServer.h"
 #include "WizardSteps.h"
 
-#include <commctrl.h>
-
 #include <memory>
 
 using namespace vesk;
@@ -64,11 +62,14 @@ TEST_CASE("a download shows its progress, goes on after No and ends after Yes") 
     SUBCASE("finished") {
         CHECK(TextOf(dialog) == "Downloading - 1,500 Mb of 3,000 Mb");
         CHECK(SendDlgItemMessageA(dialog, IDC_SHP_PROGRESS, PBM_GETPOS, 0, 0) == 1942);
+        CHECK(text(IDC_LBL_FILE_NAME) == "remote.zip");
+        AWAIT(*download.wizard, download.wizard->IsTidy(dialog));
         CHECK_FALSE(IsWindowEnabled(download.wizard->Window()));
         CHECK((GetWindowLongA(dialog, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0);
         download.wizard->Answer(download.AskToCancel(), IDNO);
         server.SendRest();
         download.CheckLog("Downloading: remote.zip", true);
+        CHECK(SendMessageA(download.wizard->Control(IDC_BAR_OVERALL), PBM_GETPOS, 0, 0) == 1000);
     }
     SUBCASE("stalled, then broken off behind the open question") {
         AWAIT(*download.wizard, text(IDC_LBL_DETAIL).starts_with("No data for "));

@@ -112,6 +112,9 @@ TEST_CASE("the check goes through the edited catalogue and leads to the entry") 
     const HWND dialog = editor.AwaitDialog("Check");
     const HWND list = GetDlgItem(dialog, IDC_LST_PROBLEMS);
     editor.CheckShows(dialog, "check");
+    CHECK(SendMessageA(list, LVM_GETCOLUMNWIDTH, 1, 0) > SizeOf(list).cx / 2);
+    ClickIn(dialog, IDC_CMD_CHECK_COPY);
+    editor.AwaitClipboard(TextIn(dialog, IDC_TXT_PROBLEM) + "\r\n");
     const LONG listWidth = SizeOf(list).cx;
     SetWindowPos(dialog, nullptr, 0, 0, SizeOf(dialog).cx + 90, 0, SWP_NOMOVE | SWP_NOZORDER);
     AWAIT(editor, SizeOf(list).cx == listWidth + 90);
@@ -119,6 +122,9 @@ TEST_CASE("the check goes through the edited catalogue and leads to the entry") 
     CHECK(TextIn(dialog, IDC_TXT_PROBLEM) == "plug-in \"Beta\": there is no category \"gone\"");
     editor.Answer(dialog, IDC_CMD_GO_TO);
     AWAIT(editor, editor.Text(IDC_TXT_BASE_PLUGIN) == "Beta");
+    editor.Click(IDC_CMD_CHECK);
+    DoubleClickFirstLine(GetDlgItem(editor.AwaitDialog("Check"), IDC_LST_PROBLEMS));
+    AWAIT(editor, editor.Focus() == editor.Control(IDC_TXT_BASE));
 
     editor.Choose(category, 0);
     editor.Click(IDC_CMD_DISCARD);
@@ -135,6 +141,9 @@ TEST_CASE("the keyboard goes on with Enter, stays where it is after Apply, and l
           "have done their last move") {
     ProgramFolder program;
     const Editor editor(program);
+    CHECK(editor.AwaitTip(editor.Control(kDownPlugin)) == "1 of 3");
+    // The tip in sight is the uppermost window of its kind.
+    CHECK(SendMessageA(FindWindowA(TOOLTIPS_CLASSA, nullptr), TTM_GETTOOLCOUNT, 0, 0) == 21);
     editor.Choose(IDC_CMB_BASE_PLUGIN, 1);
     editor.FocusOn(kDownPlugin);
     editor.Click(kDownPlugin);

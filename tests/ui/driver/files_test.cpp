@@ -12,8 +12,12 @@ TEST_CASE("unsaved edits are asked about, and survive a save that fails") {
     const std::string file = program.Path() + kCatalogueFileName;
     {
         const Editor editor(program);
+        CHECK(SendMessageA(editor.Window(), WM_QUERYENDSESSION, 0, 0) != 0);
         editor.Type(IDC_TXT_BASE, L"Renamed");
-        CHECK(editor.ClickAndAnswer(IDCANCEL, "Plugin Setup", IDCANCEL) == question);
+        PostMessageA(editor.Window(), WM_QUERYENDSESSION, 0, 0);
+        AWAIT(editor, !IsWindowEnabled(editor.Window()));
+        CHECK(SendMessageA(editor.Window(), WM_QUERYENDSESSION, 0, 0) == 0);
+        CHECK(editor.AnswerBox("Plugin Setup", IDCANCEL) == question);
         CHECK_FALSE(editor.HasEnded());
         PostMessageA(editor.Window(), WM_CLOSE, 0, 0);
         CHECK(editor.AnswerBox("Plugin Setup", IDNO) == question);
@@ -63,10 +67,15 @@ TEST_CASE(
     browse(program.Path() + "here.zip", IDOK);
     AWAIT(editor, editor.Text(IDC_TXT_BASE + kFileName) == "here.zip");
     CHECK(editor.Text(IDC_TXT_BASE + kChecksum) == crc);
-    copy(IDYES);
+    CHECK_FALSE(FileExists(program.Path() + "veskbuilder.sha256"));
+    const std::string digests = program.Folder().Write("program\\veskbuilder.sha256", "");
+    copy(IDNO);
     AWAIT(editor, editor.Text(IDC_TXT_BASE + kFileName) == "new.zip");
-    CHECK(ReadWholeFile(program.Path() + "new.zip") == ReadWholeFile(outside));
     CHECK(editor.Text(IDC_TXT_BASE + kChecksum) == clsCRC().CalculateFile(outside));
+    CHECK_FALSE(FileExists(program.Path() + "new.zip"));
+    copy(IDYES);
+    AWAIT(editor, Holds(ReadWholeFile(digests), "new.zip"));
+    CHECK(ReadWholeFile(program.Path() + "new.zip") == ReadWholeFile(outside));
 }
 
 TEST_CASE("a catalogue is begun from nothing, and not written before Apply") {

@@ -3,16 +3,14 @@
 #include "source/WindowsCd.h"
 #include "ui/kit/KitWindow.h"
 
-#include <commctrl.h>
-
 using namespace vesk;
 using namespace vesk::test;
 
 namespace {
 
-/// True when the control shows a pixel of this colour.
-bool ShowsColour(HWND control, COLORREF colour) {
-    return HasPixel(nullptr, AreaOf(control), [&](COLORREF pixel) { return pixel == colour; });
+/// True when this area of the screen shows a pixel of this colour, or of another one.
+bool ShowsColour(const RECT& area, COLORREF colour, bool another = false) {
+    return HasPixel(nullptr, area, [&](COLORREF pixel) { return (pixel == colour) != another; });
 }
 
 } // namespace
@@ -22,9 +20,11 @@ TEST_CASE("a whole build, page by page, each compared with what it is to show") 
     WriteCd(program.Folder(), "cd\\I386", "Windows XP Home", "win51.sp2", true);
     const Wizard wizard(program);
     wizard.CheckShows("welcome");
+    AWAIT(wizard, ShowsColour(AreaOf(wizard.Control(IDC_IMG_LOGO)), 0xFFFFFF, true));
     const std::string welcome = wizard.Heading();
     wizard.Next(kBaseHeading);
     wizard.CheckShows("base");
+    AWAIT(wizard, ShowsColour(AreaOf(wizard.Control(IDC_IMG_LOGO_SMALL)), 0xFFFFFF, true));
     wizard.GoTo(IDC_CMD_BACK, welcome);
     wizard.Next(kBaseHeading);
     wizard.PressSpaceOn(IDC_LST_BASE, 0); // locked: it springs back
@@ -34,9 +34,14 @@ TEST_CASE("a whole build, page by page, each compared with what it is to show") 
     wizard.GoTo(IDC_CMD_BACK, kBaseHeading);
     wizard.CheckShows("base_with_source");
     wizard.Next(kPluginsHeading);
-    for (const int line : {0, 1, 2})
+    for (const int line : {2, 1, 0}) // which leaves the locked one unselected
         wizard.PressSpaceOn(IDC_LST_PLUGINS, line);
     wizard.CheckShows("plugins");
+    const HWND list = wizard.Control(IDC_LST_PLUGINS);
+    CHECK(SendMessageA(list, LVM_GETCOLUMNWIDTH, 0, 0) > SizeOf(list).cx / 4);
+    RECT texts = AreaOf(list);
+    InflateRect(&texts, -40, -40); // neither header nor ticks
+    AWAIT(wizard, ShowsColour(texts, GetSysColor(COLOR_GRAYTEXT)));
     wizard.Next(kSummaryHeading);
     wizard.GoTo(IDC_CMD_BACK, kPluginsHeading);
     wizard.Next(kSummaryHeading);
@@ -56,6 +61,8 @@ TEST_CASE("a whole build, page by page, each compared with what it is to show") 
     CHECK(FileExists(program.Tree() + "\\Plugin\\100_tools\\Beta\\Beta.inf"));
     CHECK_FALSE(FolderExists(program.Tree() + "\\Plugin\\100_tools\\Alpha"));
 
+    // Lines are longer than this.
+    CHECK(SendMessageA(wizard.Control(IDC_LST_PROGRESS), LB_GETHORIZONTALEXTENT, 0, 0) > 300);
     // The log's own menu and keys.
     const std::string logFile = program.Path() + kLogFileName;
     CHECK(ReadWholeFile(logFile) == Joined(lines));
@@ -120,9 +127,13 @@ TEST_CASE("a folder is browsed for as Windows XP does it, beginning with the one
     const Wizard wizard(program);
     wizard.Next(kBaseHeading);
     wizard.SetText(IDC_TXT_WIN_PATH, R"(C:\windows\system32)");
-    wizard.Click(IDC_CMD_WIN_PATH);
-    wizard.Answer(wizard.AwaitDialog("Browse for Folder"), IDOK);
+    wizard.SetText(IDC_TXT_PROG_PATH, R"(C:\windows\system32\none\either)");
+    for (const int button : {IDC_CMD_WIN_PATH, IDC_CMD_PROG_PATH}) {
+        wizard.Click(button);
+        wizard.Answer(wizard.AwaitDialog("Browse for Folder"), IDOK);
+    }
     AWAIT(wizard, wizard.Text(IDC_TXT_WIN_PATH) == R"(C:\windows\system32\)");
+    AWAIT(wizard, wizard.Text(IDC_TXT_PROG_PATH) == R"(C:\windows\system32)");
 }
 
 TEST_CASE("a Windows source is typed, browsed for and searched for, and shown as usable or not") {
@@ -134,8 +145,8 @@ TEST_CASE("a Windows source is typed, browsed for and searched for, and shown as
     wizard.SetText(IDC_TXT_WIN_PATH, program.Path());
     wizard.FocusOn(IDC_TXT_WIN_PATH);
     wizard.Press(VK_TAB);
-    AWAIT(wizard, ShowsColour(field, RGB(140, 0, 0)));
-    CHECK_FALSE(ShowsColour(field, RGB(0, 130, 0)));
+    AWAIT(wizard, ShowsColour(AreaOf(field), RGB(140, 0, 0)));
+    CHECK_FALSE(ShowsColour(AreaOf(field), RGB(0, 130, 0)));
 
     const auto browse = [&](int button) {
         wizard.Click(IDC_CMD_WIN_PATH);
@@ -148,27 +159,39 @@ TEST_CASE("a Windows source is typed, browsed for and searched for, and shown as
     browse(IDOK);
     AWAIT(wizard, wizard.Text(IDC_LBL_WIN_PRODUCT) == "Windows XP Home SP2");
     CHECK(wizard.Text(IDC_TXT_WIN_PATH) == program.Folder() / "cd\\");
-    AWAIT(wizard, ShowsColour(field, RGB(0, 130, 0)));
+    AWAIT(wizard, ShowsColour(AreaOf(field), RGB(0, 130, 0)));
 
     const auto search = [&](int answer) {
         CHECK(wizard.ClickAndAnswer(IDC_CMD_SCAN, "File Search", answer) ==
               "Search for Windows installation files ?\r\n(can take some time)");
     };
-    wizard.SetText(IDC_TXT_WIN_PATH, "");
     search(IDNO);
-    search(IDYES);
-    const HWND dialog = wizard.AwaitDialog("Searching for Windows installation files");
-    const HWND list = GetDlgItem(dialog, IDC_LST_FOUND);
-    CHECK(TextIn(dialog, IDC_CMD_STOP) == "&Stop");
-    AWAIT(wizard, SendMessageA(list, LVM_GETITEMCOUNT, 0, 0) > 0);
-    ClickIn(dialog, IDC_CMD_STOP);
-    AWAIT(wizard, TextIn(dialog, IDC_CMD_STOP) == "&Start" &&
-                      IsWindowEnabled(GetDlgItem(dialog, IDC_CMD_SELECT)));
-    CHECK(SendMessageA(list, LVM_GETSELECTEDCOUNT, 0, 0) == 1);
-    CHECK(LOWORD(SendMessageA(dialog, DM_GETDEFID, 0, 0)) == IDC_CMD_SELECT);
-    wizard.Answer(dialog, IDC_CMD_SELECT);
-    CHECK(wizard.Text(IDC_TXT_WIN_PATH).ends_with("\\"));
-    CHECK(wizard.Text(IDC_LBL_WIN_PRODUCT) == "Windows XP Home sp2");
+    for (const bool byMouse : {true, false}) {
+        wizard.SetText(IDC_TXT_WIN_PATH, "");
+        search(IDYES);
+        const HWND dialog = wizard.AwaitDialog("Searching for Windows installation files");
+        const HWND list = GetDlgItem(dialog, IDC_LST_FOUND);
+        const HWND select = GetDlgItem(dialog, IDC_CMD_SELECT);
+        const auto stop = [&] {
+            AWAIT(wizard, SendMessageA(list, LVM_GETITEMCOUNT, 0, 0) > 0);
+            ClickIn(dialog, IDC_CMD_STOP);
+            AWAIT(wizard, TextIn(dialog, IDC_CMD_STOP) == "&Start" && IsWindowEnabled(select));
+        };
+        // A key in the window behind: it must not ask whether to leave.
+        PostMessageA(wizard.Control(IDC_CMD_NEXT), WM_KEYDOWN, VK_ESCAPE, 1);
+        stop();
+        ClickIn(dialog, IDC_CMD_STOP);
+        AWAIT(wizard, TextIn(dialog, IDC_CMD_STOP) == "&Stop" && !IsWindowEnabled(select));
+        stop();
+        AWAIT(wizard, wizard.IsTidy(dialog));
+        CHECK(SendMessageA(list, LVM_GETSELECTEDCOUNT, 0, 0) == 1);
+        CHECK(LOWORD(SendMessageA(dialog, DM_GETDEFID, 0, 0)) == IDC_CMD_SELECT);
+        const std::string found = wizard.CellText(list, 0, 0);
+        CHECK(wizard.CellText(list, 0, 1) == "Windows XP Home sp2");
+        byMouse ? DoubleClickFirstLine(list) : ClickIn(dialog, IDC_CMD_SELECT);
+        AWAIT(wizard, wizard.Text(IDC_TXT_WIN_PATH) == found);
+        CHECK(wizard.Text(IDC_LBL_WIN_PRODUCT) == "Windows XP Home sp2");
+    }
 
     search(IDYES);
     REQUIRE(wizard.AwaitDialog("Searching for Windows installation files"));
