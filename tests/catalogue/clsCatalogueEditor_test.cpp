@@ -145,7 +145,8 @@ TEST_CASE("categories after some steps, and plug-ins that follow the keys of the
             [](const std::string& folder, const std::string& key) { return key + ":" + folder; });
         for (const std::string& step : Split(question, ' ')) {
             const std::size_t sign = step.find('=');
-            steps.at(step.substr(0, sign))(categories, step.substr(sign + 1));
+            const Step take = steps.at(step.substr(0, sign));
+            take(categories, step.substr(sign + 1));
         }
         std::string text = "selected " + std::to_string(categories.Selected()) + ", was <" +
                            categories.OriginalKey() + ">;";
@@ -163,5 +164,4 @@ TEST_CASE("categories after some steps, and plug-ins that follow the keys of the
             text += " " + plugin.cat;
         return text + "\n";
     });
-    CHECK(CategoryItem{"100", ""}.Text() == "100");
 }
