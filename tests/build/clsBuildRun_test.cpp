@@ -87,9 +87,9 @@ void SetField(Fixture& f, Text text) {
         {"url", &CatalogueEntry::url},
         {"crc", &CatalogueEntry::crc}};
     const auto words = Split(text, ' ');
-    CatalogueEntry& entry = words.at(0) == "base" ? f.catalogue.baseComponents[0]
-                                                  : f.catalogue.plugins[words.at(0) == "two"];
-    entry.*kFields.at(words.at(1)) = words.size() > 2 ? words[2] : "";
+    auto& entries = words.at(0) == "base" ? f.catalogue.baseComponents : f.catalogue.plugins;
+    std::string& field = entries.at(words.at(0) == "two" ? 1 : 0).*kFields.at(words.at(1));
+    field = words.size() > 2 ? words[2] : "";
 }
 
 /// What a run can find: the steps of runs.txt.
