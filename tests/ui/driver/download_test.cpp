@@ -20,7 +20,7 @@ struct HalfDownload {
         wizard->Click(IDC_CMD_NEXT);
         dialog = wizard->AwaitDialog("Downloading");
         wizard->Await("half of the download", [&] {
-            server.Serve();
+            HalfServer::Serve();
             return TextIn(dialog, IDC_LBL_RATE) == " 50%";
         });
     }
