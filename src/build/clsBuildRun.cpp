@@ -165,6 +165,7 @@ bool clsBuildRun::Steps::MayReplaceFolder() {
         return false;
     }
     asked_ = inputs_.installFolder.Identity();
+    frontEnd_.LetEventsRun();
     if (content.kind == FolderContent::Kind::Missing)
         return true;
     context_.Status("Confirmation");

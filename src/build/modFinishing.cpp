@@ -47,6 +47,7 @@ bool RenewStartMenu(const clsBuildContext& context, const std::string& startMenu
 void CreateShortcut(const clsBuildContext& context, const std::string& link,
                     const std::string& target, const std::string& icon) {
     const std::string& folder = context.InstallFolder();
+    context.frontEnd.LetEventsRun(); // each takes long, the first one most: the system loads much
     context.ResumeNext({link, "not made"}, [&] {
         // Where the system knows no such folder, the link's path begins with nothing.
         if (link.starts_with('\\') && !link.starts_with("\\\\"))
@@ -69,7 +70,6 @@ void CreateShortcuts(const clsBuildContext& context) {
     const bool hasStartMenu = RenewStartMenu(context, startMenu);
     context.Log("Creating shortcut: " + programLink);
     context.Log("Creating shortcut: " + readMeLink);
-    context.frontEnd.LetEventsRun(); // the first one takes long: the system loads much for it
     if (hasStartMenu) {
         CreateShortcut(context, programLink, "\\pebuilder.exe", icon);
         CreateShortcut(context, readMeLink, "\\readme.txt", "");

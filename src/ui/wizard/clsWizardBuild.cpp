@@ -16,7 +16,7 @@ namespace vesk {
 
 namespace {
 
-constexpr DWORD kEventsInterval = 25; // milliseconds: a window that answers later feels stuck
+constexpr DWORD kEventsInterval = 10; // milliseconds: a step of the build comes on top
 
 /// Runs one of several things that have to be saved. @return what failed, ready to be shown
 template <class Save>
@@ -66,9 +66,10 @@ void clsWizardBuild::Run() {
 }
 
 void clsWizardBuild::AddLogLine(const std::string& text, LogMode mode) {
+    // The line is added to the list between two steps, and takes about as long as one.
+    LetDueEventsRun();
     page_.LogList().ShowLines(log_.Add(text, mode));
-    if (GetTickCount() - lastEvents_ >= kEventsInterval)
-        LetEventsRun();
+    LetDueEventsRun();
 }
 
 void clsWizardBuild::ReportProblem(const Problem& problem) {
@@ -98,6 +99,11 @@ DownloadOutcome clsWizardBuild::DownloadFile(const DownloadRequest& request) {
 void clsWizardBuild::LetEventsRun() {
     RunPendingEvents();
     lastEvents_ = GetTickCount();
+}
+
+void clsWizardBuild::LetDueEventsRun() {
+    if (GetTickCount() - lastEvents_ >= kEventsInterval)
+        LetEventsRun();
 }
 
 void clsWizardBuild::SetProgress(const BuildProgress& progress) {

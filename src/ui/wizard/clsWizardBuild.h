@@ -52,6 +52,7 @@ private:
     bool StopRequested() override { return false; } // the window refuses to close meanwhile
     void EnterFinishedState(const BuildOutcome& outcome) override;
 
+    void LetDueEventsRun();
     void ShowOnTaskbar(const BuildOutcome& outcome);
     void SaveRecord() const;
 
