@@ -145,12 +145,12 @@ void clsComponentInstaller::RunBaseScript(std::size_t index) {
     RunScriptSection(script);
     bool isUtf16 = false;
     bool hasPluginPart = false;
-    context_.ResumeNext({script, "not read"}, [&] {
+    const bool isRead = context_.ResumeNext({script, "not read"}, [&] {
         isUtf16 = IsUtf16(ReadFileIfThere(script));
         hasPluginPart = !isUtf16 && IsLineInFile(script, "[plugins]");
     });
-    if (isUtf16) {
-        // Told above. It stays where it is, and out of the way of the next component's.
+    if (!isRead || isUtf16) {
+        // Told already. It stays where it is, and out of the way of the next component's.
         unreadScripts_.insert(script);
         return;
     }
@@ -202,7 +202,7 @@ void clsComponentInstaller::EditInfs(const CatalogueEntry& plugin, const std::st
         // The profile functions would read all of it for every value.
         if (!context_.ResumeNext(attempt, [&] { RequireTextSize(inf); }))
             continue;
-        const clsBuildContext context = EditingContext(context_, inf);
+        const clsBuildContext context = EditingContext(context_, attempt);
         context.ResumeNext(attempt, [&] { PrefixPluginName(context, inf, plugin.cat); });
         context.ResumeNext(attempt, [&] { CommentOutAppendMenu(context, inf); });
         context.ResumeNext(attempt, [&] { SetPluginEnable(context, inf); });

@@ -26,8 +26,8 @@ void RequireReadable(const std::string& inf) {
     RequireAnsi(inf);
 }
 
-clsBuildContext EditingContext(const clsBuildContext& context, const std::string& inf) {
-    const bool readable = context.ResumeNext({inf, "not edited"}, [&] { RequireReadable(inf); });
+clsBuildContext EditingContext(const clsBuildContext& context, const Attempt& attempt) {
+    const bool readable = context.ResumeNext(attempt, [&] { RequireReadable(attempt.place); });
     return readable ? context : context.Silent();
 }
 
@@ -45,7 +45,7 @@ void CommentOutAppendMenu(const clsBuildContext& context, const std::string& inf
 }
 
 std::string GetAppendMenuFile(const std::string& inf) {
-    return AppendMenuFile(ReadFileIfThere(inf));
+    return AppendMenuFile(ReadWholeFile(inf));
 }
 
 void OnPluginMenuFile(const std::string& path) {

@@ -17,13 +17,14 @@ void RequireReadable(const std::string& inf);
 
 /// Where the edits of an INF report to. One that cannot be read is reported here, once: then the
 /// edits, which only log their lines, report nothing more.
-clsBuildContext EditingContext(const clsBuildContext& context, const std::string& inf);
+/// @param attempt what is going to be done; its place is the INF
+clsBuildContext EditingContext(const clsBuildContext& context, const Attempt& attempt);
 
 /// Comments out the "[Append]" section's nu2menu entry: the menu is built by this program.
 /// @throws Failure when the file cannot be written
 void CommentOutAppendMenu(const clsBuildContext& context, const std::string& inf);
 
-/// Name of the plug-in's own menu file; empty when its INF names none.
+/// Name of the plug-in's own menu file; empty when its INF names none or cannot be read.
 std::string GetAppendMenuFile(const std::string& inf);
 
 /// Does nothing, on purpose: the place where a plug-in's own menu file would be taken over.

@@ -25,9 +25,11 @@ void RelocatePluginToCategory(clsBuildContext& context, const std::string& relat
     const std::string menuFile = GetAppendMenuFile(inf);
     if (!menuFile.empty())
         OnPluginMenuFile(pluginFolder + relativeFolder + "\\" + menuFile);
-    const clsBuildContext editing = EditingContext(context, inf);
-    PrefixPluginName(editing, inf, prefix);
-    CommentOutAppendMenu(editing, inf);
+    // What cannot be edited is moved all the same, and has its place in the menu.
+    const Attempt edit{inf, "not edited"};
+    const clsBuildContext editing = EditingContext(context, edit);
+    editing.ResumeNext(edit, [&] { PrefixPluginName(editing, inf, prefix); });
+    editing.ResumeNext(edit, [&] { CommentOutAppendMenu(editing, inf); });
 
     // Only now: the edits above are made even when the prefix has no category.
     if (category == nullptr)
@@ -44,11 +46,14 @@ void RelocatePluginToCategory(clsBuildContext& context, const std::string& relat
     MovePath(source, target);
 
     const std::string movedInf = categoryFolder + relativeInf;
-    context.ResumeNext({movedInf, "not read for the menu"}, [&] { RequireReadable(movedInf); });
-    const clsReportedIni moved(context, movedInf);
+    const Attempt read{movedInf, "not read for the menu"};
+    const clsBuildContext reading = EditingContext(context, read);
     CatalogueEntry entry;
-    entry.name = moved.GetStringValue(kPluginSection, "Name");
-    moved.TellCut(kPluginSection, "Name");
+    reading.ResumeNext(read, [&] {
+        const clsReportedIni moved(reading, movedInf);
+        entry.name = moved.GetStringValue(kPluginSection, "Name");
+        moved.TellCut(kPluginSection, "Name");
+    });
     entry.cat = prefix;
     context.menuRecords.push_back({entry.name, prefix, {movedInf}});
     context.catalogue.plugins.push_back(std::move(entry));

@@ -44,8 +44,10 @@ class Truth(SaidTest):
 
     def test_texts_too_large_to_be_read(self):
         large = bytes(17 * 2**20)
-        self.base = self.pe_builder(Member("large.script", large))
+        self.base = self.pe_builder(Member("large.script", large), Member("plugin/bootfix/bootfix.inf", large))
         self.build_plugins(self.archive("one.zip", Member("a.inf", INF), Member("large.inf", large)))
+        for kept in ("large.script", "Plugin/100_tools/bootfix/bootfix.inf"):
+            self.assertTrue((self.tree / kept).exists(), kept)
 
     def add_locked(self):
         """Makes an archive that holds one locked member behind a plain one."""
