@@ -228,8 +228,10 @@ class Peers(unittest.TestCase):
             (CRC, "http://a/silent,http://b/none,http://c/good"),
             (CRC, "http://a/half,http://b/none,http://c/good"),
             (CRC, "http://a/none,http://b/none,http://c/none"),
+            (CRC, ",".join(f"http://{host}/none" for host in "vwabc")),  # of so many the last ones
             (CRC, "http://a/none, http://b/a\tb ,http://c/good")], 1)], [
                 (DONE, ""), (DONE, ""), (FAILED, f"a{missing}; b{missing}; c{missing}"),
+                (FAILED, "; ".join(host + missing for host in "wabc")),
                 (FAILED, f'a{missing}; "http://b/a b": the address holds a control character')])
 
     def test_who_cannot_be_reached(self):
