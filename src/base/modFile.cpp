@@ -121,17 +121,32 @@ bool Delete(const std::string& path) {
     return TryPatiently([&] { return DeleteFileA(path.c_str()) != 0; });
 }
 
+/// Replaces or removes a file, a read-only one too. One that stays is as it was.
+/// @param call as clsPatience::Try takes it @return what it returned; the last error is its
+template <class Call>
+bool WithoutAttributes(const std::string& path, Call call) {
+    const DWORD before = GetFileAttributesA(path.c_str());
+    const bool isFile = FileExists(path);
+    if (isFile)
+        ClearAttributes(path);
+    if (call())
+        return true;
+    const DWORD error = GetLastError();
+    if (isFile)
+        SetFileAttributesA(path.c_str(), before);
+    SetLastError(error);
+    return false;
+}
+
 /// Gives the complete file beside a path its name. @throws Failure; nothing then stays beside it
 void MoveIntoPlace(const std::string& path) {
     const std::string beside = Beside(path);
-    if (FileExists(path))
-        ClearAttributes(path);
     const auto move = [&] {
         return MoveFileExA(beside.c_str(), path.c_str(),
                            MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
     };
     // A folder in its place stays there.
-    if (FolderExists(path) ? move() : TryPatiently(move))
+    if (FolderExists(path) ? move() : WithoutAttributes(path, [&] { return TryPatiently(move); }))
         return;
     const DWORD error = GetLastError();
     ClearAttributes(beside);
@@ -234,8 +249,7 @@ void MakeWritable(const std::string& path) {
 }
 
 void RemoveFile(const std::string& path) {
-    ClearAttributes(path);
-    if (!Delete(path))
+    if (!WithoutAttributes(path, [&] { return Delete(path); }))
         ThrowLastError("cannot delete", path);
     AwaitRemoval(Widen(path)); // another file may be about to get its name
 }

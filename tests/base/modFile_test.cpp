@@ -57,7 +57,11 @@ TEST_CASE("a complete file replaces the old one, or leaves it as it was") {
     CHECK(ReadWholeFile(path) == "new");
     {
         const FileHandle lock = OpenExclusively(path);
+        SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_READONLY);
         CHECK_THROWS_AS(WriteCompleteFile(path, "newer"), Failure);
+        CHECK((GetFileAttributesA(path.c_str()) & FILE_ATTRIBUTE_READONLY) != 0);
+        CHECK_THROWS_AS(RemoveFile(path), Failure);
+        CHECK((GetFileAttributesA(path.c_str()) & FILE_ATTRIBUTE_READONLY) != 0);
     }
     CHECK(ReadWholeFile(path) == "new");
     const std::string source = folder.Write("other", "copied");

@@ -365,8 +365,9 @@ void WizardDriver::ChangeDpi(HWND dialog, int dpi, const RECT& place) const {
     VirtualFreeEx(process_.Get(), there, 0, MEM_RELEASE);
 }
 
-void DoubleClickFirstLine(HWND list) {
-    const POINT at = FirstLineOf(list);
+void DoubleClickLine(HWND list, int line) {
+    POINT at = FirstLineOf(list);
+    at.y += line * HIWORD(SendMessageA(list, LVM_GETITEMSPACING, TRUE, 0));
     for (const UINT message : {WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_LBUTTONUP})
         PostMessageA(list, message, MK_LBUTTON, MAKELPARAM(at.x, at.y));
 }

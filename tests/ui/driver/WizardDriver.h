@@ -40,8 +40,8 @@ inline bool IsIn(const RECT& outer, const RECT& inner) {
     return IntersectRect(&common, &outer, &inner) && EqualRect(&common, &inner);
 }
 
-/// Clicks twice on a list view's first line; does not wait for what that does.
-void DoubleClickFirstLine(HWND list);
+/// Clicks twice on a line of a list view that is in sight; does not wait for what that does.
+void DoubleClickLine(HWND list, int line);
 
 /// Puts a text into a field of a dialog.
 inline void TypeIn(HWND dialog, int field, const std::string& text) {

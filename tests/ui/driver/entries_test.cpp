@@ -118,12 +118,15 @@ TEST_CASE("the check goes through the edited catalogue and leads to the entry") 
     const LONG listWidth = SizeOf(list).cx;
     SetWindowPos(dialog, nullptr, 0, 0, SizeOf(dialog).cx + 90, 0, SWP_NOMOVE | SWP_NOZORDER);
     AWAIT(editor, SizeOf(list).cx == listWidth + 90);
-    SendMessageA(list, WM_KEYDOWN, VK_DOWN, 1);
-    CHECK(TextIn(dialog, IDC_TXT_PROBLEM) == "plug-in \"Beta\": there is no category \"gone\"");
+    DoubleClickLine(list, 2); // which leads nowhere
+    AWAIT(editor, !IsWindowEnabled(GetDlgItem(dialog, IDC_CMD_GO_TO)));
+    PostMessageA(list, WM_KEYDOWN, VK_UP, 1);
+    AWAIT(editor,
+          TextIn(dialog, IDC_TXT_PROBLEM) == "plug-in \"Beta\": there is no category \"gone\"");
     editor.Answer(dialog, IDC_CMD_GO_TO);
     AWAIT(editor, editor.Text(IDC_TXT_BASE_PLUGIN) == "Beta");
     editor.Click(IDC_CMD_CHECK);
-    DoubleClickFirstLine(GetDlgItem(editor.AwaitDialog("Check"), IDC_LST_PROBLEMS));
+    DoubleClickLine(GetDlgItem(editor.AwaitDialog("Check"), IDC_LST_PROBLEMS), 0);
     AWAIT(editor, editor.Focus() == editor.Control(IDC_TXT_BASE));
 
     editor.Choose(category, 0);

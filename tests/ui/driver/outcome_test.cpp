@@ -57,6 +57,7 @@ TEST_CASE("the password of an archive is asked for, again while it is wrong, and
     const Wizard wizard(program);
     wizard.GoToSummary();
     wizard.Click(IDC_CMD_NEXT);
+    const HWND bar = wizard.Control(IDC_BAR_OVERALL);
     const auto answer = [&](const std::string& text, const std::string& name) {
         const HWND box = wizard.AwaitDialog("Please Enter The Password!");
         if (!name.empty())
@@ -66,6 +67,7 @@ TEST_CASE("the password of an archive is asked for, again while it is wrong, and
         CHECK_FALSE(IsWindowEnabled(GetDlgItem(box, IDOK)));
         TypeIn(box, IDC_TXT_PASSWORD, text);
         CHECK((GetWindowLongA(field, GWL_STYLE) & ES_PASSWORD) != 0);
+        CHECK(SendMessageA(bar, PBM_GETPOS, 0, 0) == (text.empty() ? 500 : 333));
         wizard.Answer(box, text.empty() ? IDCANCEL : IDOK);
     };
     answer("nope", "password");

@@ -202,7 +202,7 @@ TEST_CASE("an entry's details open by a double click, with a long name as a whol
     const HWND list = wizard.Control(IDC_LST_PLUGINS);
     CheckHolds(wizard.AwaitTip(list), "Archive: Alpha.zip");
 
-    DoubleClickFirstLine(list);
+    DoubleClickLine(list, 0);
     const HWND dialog = wizard.AwaitDialog("Component");
     wizard.CheckShows(dialog, "details");
     const HWND field = GetDlgItem(dialog, IDC_LBL_ITEM_NAME);
