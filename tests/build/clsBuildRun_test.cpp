@@ -123,9 +123,20 @@ const std::map<std::string, void (*)(Fixture&, Text)> kSteps{
          f.frontEnd.download = [how](Text destination) {
              if (how == "fails")
                  throw std::runtime_error("no window");
-             if (how == "differs")
+             if (how == "differs") {
                  WriteCompleteFile(destination, "something else");
+                 WriteCompleteFile(PartialPath(destination), "and a part of it");
+             }
              return how == "differs" ? DownloadResult::CrcDiffers : DownloadResult::Cancelled;
+         };
+     }},
+    {"brought", // by another build
+     [](Fixture& f, Text name) {
+         const std::string content = ReadWholeFile(f.folder / name);
+         RemoveFile(f.folder / name);
+         f.frontEnd.download = [content](Text destination) {
+             WriteCompleteFile(destination, content);
+             return DownloadResult::Failed;
          };
      }},
     {"set", SetField},
