@@ -6,6 +6,9 @@
 #include "catalogue/clsEditedFile.h"
 #include "catalogue/clsINI.h"
 #include "catalogue/modCatalogueText.h"
+#include "catalogue/modCategoryCaption.h"
+
+#include <windows.h>
 
 using namespace vesk;
 using namespace vesk::test;
@@ -134,6 +137,11 @@ TEST_CASE_FIXTURE(Fixture, "a catalogue in another encoding is read as the syste
         bytes += {static_cast<char>(c & 0xFF), static_cast<char>(c >> 8)};
     CHECK(Load(bytes).state == CatalogueState::Whole);
     CHECK(loaded.plugins == catalogue.plugins);
+}
+
+TEST_CASE("captions of characters of two bytes" * doctest::skip(GetACP() != 932)) {
+    // The second byte of the first looks like "_", that of the next like the key.
+    CHECK(CategoryCaption("\x83_ G_\x83G_\x82\x81", "G") == "\x83_   \x83G \x82\x60");
 }
 
 TEST_CASE(
