@@ -308,11 +308,22 @@ void CreateFolderPath(const std::string& path) {
         CreateFolder(level);
 }
 
+namespace {
+
+/// For the last error.
+[[noreturn]] void ThrowTransferError(const char* what, const std::string& source,
+                                     const std::string& target) {
+    const DWORD error = GetLastError();
+    ThrowSystemError(error, what, source + " to " + target);
+}
+
+} // namespace
+
 void CopyFileOver(const std::string& source, const std::string& target) {
     if (FileExists(target))
         ClearAttributes(target);
     if (CopyFileA(source.c_str(), target.c_str(), FALSE) == 0)
-        ThrowLastError("cannot copy", source + " to " + target);
+        ThrowTransferError("cannot copy", source, target);
 }
 
 void CopyCompleteFile(const std::string& source, const std::string& target) {
@@ -321,7 +332,8 @@ void CopyCompleteFile(const std::string& source, const std::string& target) {
         const DWORD error = GetLastError();
         if (error != ERROR_FILE_EXISTS)
             Delete(beside); // of a full disk, say
-        ThrowSystemError(error, "cannot copy", source + " to " + target);
+        SetLastError(error);
+        ThrowTransferError("cannot copy", source, target);
     }
     MoveIntoPlace(beside, target);
 }
@@ -329,7 +341,7 @@ void CopyCompleteFile(const std::string& source, const std::string& target) {
 void MovePath(const std::string& source, const std::string& target) {
     // While anybody has a file in a folder open, the folder keeps its name.
     if (!TryPatiently([&] { return MoveFileA(source.c_str(), target.c_str()) != 0; }))
-        ThrowLastError("cannot move", source + " to " + target);
+        ThrowTransferError("cannot move", source, target);
 }
 
 std::string AbsolutePath(const std::string& path) {

@@ -115,7 +115,7 @@ std::wstring AbsoluteWidePath(std::string_view path) {
     const DWORD length =
         GetFullPathNameW(wide.c_str(), static_cast<DWORD>(buffer.size()), buffer.data(), nullptr);
     if (length == 0 || length >= buffer.size())
-        ThrowLastError("not a path:", std::string(path));
+        ThrowLastError("not a path:", path);
     buffer.resize(length);
     return buffer;
 }

@@ -33,9 +33,9 @@ public:
     /// sourceFolder may be empty
     static clsFolderGuard OfSystem(const std::string& programPath, const std::string& sourceFolder);
 
-    /// The folders among which programs keep a user's data: a data folder's own one. Where that is
-    /// the profile itself, as in Windows XP, the user's things are in it too, and the data folder
-    /// stands alone. @param profile, data absolute; an empty one of the data folders stays empty
+    /// The folders that hold the users' data of all programs: the parent of each data folder. Where
+    /// that is the profile itself, as in Windows XP, the user's things are in it too, and it is the
+    /// data folder alone. @param profile, data absolute; an empty one of the data folders stays empty
     static std::vector<std::string> AmongData(const std::string& profile,
                                               std::vector<std::string> data);
 

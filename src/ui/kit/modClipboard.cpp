@@ -13,7 +13,7 @@ void PutOnClipboard(HWND owner, const std::string& text) {
     int attempt = 0;
     while (!OpenClipboard(owner)) {
         if (++attempt == kAttempts)
-            ThrowLastError("copy to", "the clipboard");
+            ThrowLastError("cannot copy to", "the clipboard");
         Sleep(10);
     }
     EmptyClipboard();

@@ -20,10 +20,10 @@ public:
     /// program cannot have
     void RequireUsableLetters() const;
 
-    /// Text of txtProgPath without a trailing backslash.
+    /// The installation folder that is typed, as `TypedFolder` gives it.
     [[nodiscard]] std::string InstallFolder() const;
 
-    /// Text of txtWinPath.
+    /// The source folder as it is typed.
     [[nodiscard]] std::string SourceFolder() const;
 
     /// Takes over what was typed as source folder.
