@@ -171,7 +171,8 @@ std::string TextOf(const Fixture& fixture) {
         std::array{"  done", "  failed", "  aborted"}.at(static_cast<std::size_t>(outcome.ending)) +
         std::string(", ") +
         std::array{"whole", "with problems", "not usable", "not built"}.at(
-            static_cast<std::size_t>(VerdictOf(outcome)));
+            static_cast<std::size_t>(VerdictOf(outcome))) +
+        (outcome.reason.empty() ? "" : ": " + outcome.reason);
     for (const std::string& destination : fixture.frontEnd.downloads)
         text += "\n  download: " + destination;
     for (const std::string& line : fixture.frontEnd.lines)
@@ -217,9 +218,11 @@ TEST_CASE("whatever happens, a run ends in its own way, with everything else don
 }
 
 TEST_CASE_FIXTURE(Fixture, "a failure of the program itself is told, and its log is kept") {
-    When("Plugins:", [] { throw std::runtime_error("no more paper"); });
+    WriteOldTree();
+    When("Deleting Folder", [] { throw std::runtime_error("no more paper"); });
     CHECK_THROWS_WITH(Run(), "no more paper");
     REQUIRE(frontEnd.outcome);
     CHECK(VerdictOf(*frontEnd.outcome) == BuildVerdict::NotBuilt);
     CHECK(frontEnd.problems == Texts{(folder / "tree") + ": not finished, no more paper"});
+    CHECK(FileExists(folder / "tree\\veskbuild.unfinished")); // while a part of it may be gone
 }

@@ -50,4 +50,7 @@ TEST_CASE("what is no source changes nothing; a file, and a drive's letter, stan
         CHECK(state.servicePackCode == "1");
     }
     RemoveFile(inRoot);
+    const FileHandle inUse = OpenExclusively(folder / "good\\I386\\LAYOUT.INF");
+    const SourceCheck unread = CheckSourceFolder(folder / "good", state);
+    CHECK((unread.usable && unread.unread == "sharing violation"));
 }
