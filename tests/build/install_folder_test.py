@@ -7,6 +7,7 @@ the guarded places lie on it too: where a guard fails, that folder is all that i
 
 import os
 import pathlib
+import struct
 import sys
 import unittest
 
@@ -95,11 +96,13 @@ class InstallFolder(unittest.TestCase):
         self.assertEqual([outcome for _, outcome in outcomes], [*wanted.values()])
 
     def test_a_cd(self):
-        place = f" {self.windows} {self.folder}"
-        outcomes = self.outcomes(["cd" + place, "{S}\\tree", "disk" + place, "{S}\\tree"])
-        self.assertEqual([outcome for _, outcome in outcomes], [
-            "1", self.fill("refused\tThe installation folder cannot be on a CD: {S}\\tree"),
-            "1", self.fill("emptied\t{S}\\tree")])
+        for name, kind in (("cd.bin", 5), ("disk.bin", 3)):  # as Wine's library has them
+            (self.folder / name).write_bytes(struct.pack(
+                "<4IQ3H", 0, kind, 0, 0, 0, ord(self.windows[0]), 30, 0) + bytes(self.folder) + b"\0")
+        self.assertEqual([outcome for _, outcome in self.outcomes(
+            ["drive {D}\\cd.bin", "{S}\\tree", "drive {D}\\disk.bin", "{S}\\tree"])], [
+                "1", self.fill("refused\tThe installation folder cannot be on a CD: {S}\\tree"),
+                "1", self.fill("emptied\t{S}\\tree")])
 
     def test_foreign_files_among_programs(self):
         (_, outcome), = self.outcomes(["{D}\\Program Files\\Tool"])

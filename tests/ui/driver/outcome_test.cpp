@@ -105,7 +105,7 @@ TEST_CASE("the summary warns of what is emptied and of what is missing, each tim
         CHECK(wizard.IsShown(IDC_LBL_FOREIGN) == !row.parts.empty());
         for (const char* part : row.parts)
             CheckHolds(wizard.Text(IDC_LBL_FOREIGN), part);
-        AWAIT(wizard, wizard.IsTidy(wizard.Window()));
+        AWAIT(wizard, IsTidy(wizard.Window()));
     }
 }
 

@@ -192,11 +192,11 @@ TEST_CASE("a Windows source is typed, browsed for and searched for, and shown as
         ClickIn(dialog, IDC_CMD_STOP);
         AWAIT(wizard, TextIn(dialog, IDC_CMD_STOP) == "&Stop" && !IsWindowEnabled(select));
         stop();
-        AWAIT(wizard, wizard.IsTidy(dialog));
+        AWAIT(wizard, IsTidy(dialog));
         CHECK(SendMessageA(list, LVM_GETSELECTEDCOUNT, 0, 0) == 1);
         CHECK(LOWORD(SendMessageA(dialog, DM_GETDEFID, 0, 0)) == IDC_CMD_SELECT);
-        const std::string found = wizard.CellText(list, 0, 0);
-        CHECK(wizard.CellText(list, 0, 1) == "Windows XP Home sp2");
+        const std::string found = CellText(list, 0, 0);
+        CHECK(CellText(list, 0, 1) == "Windows XP Home sp2");
         byMouse ? DoubleClickLine(list, 0) : ClickIn(dialog, IDC_CMD_SELECT);
         AWAIT(wizard, wizard.Text(IDC_TXT_WIN_PATH) == found);
         CHECK(wizard.Text(IDC_LBL_WIN_PRODUCT) == "Windows XP Home sp2");
