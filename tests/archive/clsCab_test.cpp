@@ -127,6 +127,30 @@ TEST_CASE("the owner can cancel, throw and restart inside an event") {
     CHECK(f.cab.FileCount() == 3);
 }
 
+TEST_CASE("of equal files those come out that are wanted and can be written") {
+    const auto without = [](const std::string& data, bool unwanted, const char* unwritten) {
+        TestCab cab = CabOf("a=" + data + "|b=|c=|d=|next=x");
+        for (const std::string member : {"member1", "member2", "member3"}) {
+            cab.fields[member + ".size"] = data.size();
+            cab.fields[member + ".offset"] = 0;
+        }
+        Fixture f(cab.Bytes());
+        CreateFolder(f.target);
+        CreateFolder(f / unwritten);
+        f.owner.react = [&](const std::string& event, bool& cancel) {
+            cancel = unwanted && event == "before a";
+        };
+        const std::string told = f.Told(&clsCab::Extract);
+        CHECK(ReplaceAll(told, "before ", "").size() + 5 * 7 ==
+              told.size()); // each asked about once
+        return ReplaceAll(f.Found(), data, "*");
+    };
+    const std::string big(300000, 'b');
+    CHECK(without("same", true, "b") == "b\\=|c=*|d=*|next=x");
+    CHECK(without(big, true, "d") == "b=*|c=*|d\\=|next=x");
+    CHECK(without(big, false, "a") == "a\\=|b=*|c=*|d=*|next=x");
+}
+
 TEST_CASE("the owner can destroy the cabinet inside an event") {
     const Fixture f(Three());
     for (const std::string last : {"before one.txt", "after one.txt"}) {
