@@ -120,6 +120,13 @@ std::string MakeRoomBeside(const std::string& path) {
     return beside;
 }
 
+/// Told by the system after each piece of a copy. @param meanwhile a function without parameters
+DWORD CALLBACK AfterPiece(LARGE_INTEGER, LARGE_INTEGER, LARGE_INTEGER, LARGE_INTEGER, DWORD, DWORD,
+                          HANDLE, HANDLE, void* meanwhile) noexcept {
+    (*static_cast<const std::function<void()>*>(meanwhile))();
+    return PROGRESS_CONTINUE;
+}
+
 bool Delete(const std::string& path) {
     return TryPatiently([&] { return DeleteFileA(path.c_str()) != 0; });
 }
@@ -317,18 +324,27 @@ namespace {
     ThrowSystemError(error, what, source + " to " + target);
 }
 
+/// @param flags as the system's function takes them @return whether it worked; else see GetLastError
+bool Copy(const std::string& source, const std::string& target,
+          const std::function<void()>& meanwhile, DWORD flags) {
+    std::function<void()> afterPiece = meanwhile;
+    return CopyFileExA(source.c_str(), target.c_str(), meanwhile ? AfterPiece : nullptr,
+                       &afterPiece, nullptr, flags) != 0;
+}
+
 } // namespace
 
 void CopyFileOver(const std::string& source, const std::string& target) {
     if (FileExists(target))
         ClearAttributes(target);
-    if (CopyFileA(source.c_str(), target.c_str(), FALSE) == 0)
+    if (!Copy(source, target, {}, 0))
         ThrowTransferError("cannot copy", source, target);
 }
 
-void CopyCompleteFile(const std::string& source, const std::string& target) {
+void CopyCompleteFile(const std::string& source, const std::string& target,
+                      const std::function<void()>& meanwhile) {
     const std::string beside = MakeRoomBeside(target);
-    if (CopyFileA(source.c_str(), beside.c_str(), TRUE) == 0) {
+    if (!Copy(source, beside, meanwhile, COPY_FILE_FAIL_IF_EXISTS)) {
         const DWORD error = GetLastError();
         if (error != ERROR_FILE_EXISTS)
             Delete(beside); // of a full disk, say

@@ -23,7 +23,8 @@ public:
     /// The installation folder that is typed, as `TypedFolder` gives it.
     [[nodiscard]] std::string InstallFolder() const;
 
-    /// The source folder as it is typed.
+    /// The source folder that is typed, without blanks at its ends: behind one it would be a path
+    /// from the current folder.
     [[nodiscard]] std::string SourceFolder() const;
 
     /// Takes over what was typed as source folder.
