@@ -55,17 +55,18 @@ TEST_CASE("a complete file replaces the old one, or leaves it as it was") {
     const std::string path = folder.Write("a.ini", "a long old text");
     WriteCompleteFile(path, "new");
     CHECK(ReadWholeFile(path) == "new");
-    {
-        const FileHandle lock = OpenExclusively(path);
-        CHECK_THROWS_AS(WriteCompleteFile(path, "newer"), Failure);
-    }
-    CHECK(ReadWholeFile(path) == "new");
     const std::string source = folder.Write("other", "copied");
     SetFileAttributesA(source.c_str(), FILE_ATTRIBUTE_READONLY);
-    for (const std::string& locked : {folder.Write("a.ini.new", ""), path}) {
-        const FileHandle lock = OpenExclusively(locked);
+    const auto isRefusedWhileInUse = [&](const std::string& inUse) {
+        const FileHandle lock = OpenExclusively(inUse);
+        CHECK_THROWS_AS(WriteCompleteFile(path, "newer"), Failure);
         CHECK_THROWS_AS(CopyCompleteFile(source, path), Failure);
-    }
+    };
+    isRefusedWhileInUse(path);
+    std::size_t files = 0;
+    ForEachEntry(Widen(folder.Path()), [&](const FolderEntry&) { ++files; });
+    CHECK(files == 2);
+    isRefusedWhileInUse(folder.Write("a.ini.new", ""));
     CHECK(ReadWholeFile(path) == "new");
     CopyCompleteFile(source, path);
     CHECK(ReadWholeFile(path) == "copied");
