@@ -81,13 +81,12 @@ void CreateFolder(const std::string& path);
 void CreateFolderPath(const std::string& path);
 
 /// Copies one file over the target, a read-only target too. Throws.
-/// @param meanwhile called again and again while it works, so that a window stays alive; not to
-/// throw
 void CopyFileOver(const std::string& source, const std::string& target);
 
 /// The same for a file that must never be seen half written: it is copied beside the target and
 /// moved into place when complete. Throws; the target is then as it was.
-/// @param meanwhile as above
+/// @param meanwhile called again and again while it works, so that a window stays alive; not to
+/// throw
 void CopyCompleteFile(const std::string& source, const std::string& target,
                       const std::function<void()>& meanwhile = {});
 

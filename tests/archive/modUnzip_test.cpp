@@ -68,15 +68,18 @@ TEST_CASE("what was not extracted is in the messages too, with a summary of the 
 TEST_CASE("times of files and folders are restored to the last digit") {
     constexpr std::uint64_t kTime = 132539328000000010;
     TestMember file = TestMember::Stored("folder/file", "x");
-    file.extra = Extra(10, U32(0) + U16(1) + U16(24) + U64(kTime) + U64(kTime) + U64(kTime));
+    constexpr std::uint64_t kRead = kTime + 10;
+    file.extra = Extra(10, U32(0) + U16(1) + U16(24) + U64(kTime) + U64(kRead) + U64(kTime));
     TestMember folder = TestMember::Stored("folder/", "");
     folder.extra = file.extra;
     const Extracting unzip("x.zip", MakeZip({folder, file}));
     CHECK(UnzipFile(unzip.path, unzip.target).failures.empty());
-    for (const char* name : {"folder\\file", "folder"}) { // after what was written into it
-        const FILETIME time = ModifiedOf(unzip / name);
-        CHECK((std::uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime) == kTime);
-    }
+    const auto ticks = [](const FILETIME& time) {
+        return std::uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime;
+    };
+    for (const char* name : {"folder\\file", "folder"}) // after what was written into it
+        CHECK(ticks(DataOf(unzip / name).ftLastWriteTime) == kTime);
+    CHECK(ticks(DataOf(unzip / "folder\\file").ftLastAccessTime) == kRead);
 }
 
 TEST_CASE("an archive of more than 4 GiB is extracted") {

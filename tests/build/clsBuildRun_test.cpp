@@ -198,6 +198,13 @@ TEST_CASE_FIXTURE(Fixture, "a build adds what it moved to the catalogue, and cou
     CHECK(std::ranges::is_sorted(frontEnd.fractions));
     CHECK(std::set(frontEnd.fractions.begin(), frontEnd.fractions.end()).size() >
           frontEnd.total + 1); // within a component, too
+    Texts& shown = frontEnd.statuses;
+    shown.erase(std::ranges::unique(shown).begin(), shown.end());
+    CHECK(shown == Texts{"Removing directory", "Deleting folder", "Processing: pebuilder3110a.zip",
+                         "Deleting folder", "Deleting file", "Modifying INF - Name",
+                         "Modifying INF - Append", "Modifying INF - Name", "Processing: one.zip",
+                         "Modifying INF - Name", "Processing: two.zip", "Modifying INF - Name",
+                         "Deleting folder", "Done"});
     REQUIRE(catalogue.plugins.size() == 3);
     CHECK(catalogue.plugins[2] == CatalogueEntry{"100 Boot", "", "100", false, false, "", ""});
 }

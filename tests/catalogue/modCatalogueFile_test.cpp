@@ -142,6 +142,7 @@ TEST_CASE_FIXTURE(Fixture, "a catalogue in another encoding is read as the syste
         bytes += {static_cast<char>(c & 0xFF), static_cast<char>(c >> 8)};
     CHECK(Load(bytes).state == CatalogueState::Whole);
     CHECK(loaded.plugins == catalogue.plugins);
+    CHECK(Load("\xEF\xBB\xBF" + ReplaceAll(good, "\xE4", "a")).state == CatalogueState::Whole);
 }
 
 TEST_CASE("captions and sections with characters of two bytes" * doctest::skip(GetACP() != 932)) {

@@ -221,17 +221,21 @@ class Peers(unittest.TestCase):
     def test_of_three_addresses_the_reasons_of_all_are_told(self):
         scripts = {"silent": silent_after(b""), "half": silent_after(HEAD + BODY[:512]),
                    "good": lambda c: c.sendall(answer(BODY)),
-                   "none": lambda c: c.sendall(NOT_FOUND)}
+                   "none": lambda c: c.sendall(NOT_FOUND), "closed": lambda _: None}
         _, proxy = self.serve(lambda c, url: scripts[url.rsplit("/", 1)[1]](c))
-        missing = f" through proxy {proxy.replace(':', ' port ')}: HTTP/1.1 404 Not Found"
+        through = f" through proxy {proxy.replace(':', ' port ')}: "
+        missing = through + "HTTP/1.1 404 Not Found"
+        closed = through + "the connection was closed without an answer"
         self.assertEqual([(result, why) for result, _, _, why in self.run_sessions(proxy, [
             (CRC, "http://a/silent,http://b/none,http://c/good"),
             (CRC, "http://a/half,http://b/none,http://c/good"),
             (CRC, "http://a/none,http://b/none,http://c/none"),
             (CRC, ",".join(f"http://{host}/none" for host in "vwabc")),  # of so many the last ones
+            (CRC, "http://a/none,http://b/none,http://c/closed"),
             (CRC, "http://a/none, http://b/a\tb ,http://c/good")], 3)], [
                 (DONE, ""), (DONE, ""), (FAILED, f"a{missing}; b{missing}; c{missing}"),
                 (FAILED, "; ".join(host + missing for host in "wabc")),
+                (FAILED, f"a{missing}; b{missing}; c{closed}"),
                 (FAILED, f'a{missing}; "http://b/a b": the address holds a control character')])
 
     def test_who_cannot_be_reached(self):
