@@ -115,7 +115,7 @@ const std::map<std::string, void (*)(Fixture&, Text)> kSteps{
     {"programs",
      [](Fixture& f, Text) {
          f.inputs.installFolder =
-             clsInstallFolder(f.folder / "tree", clsFolderGuard({}, {f.folder.Path()}));
+             clsInstallFolder(f.folder / "tree", clsFolderGuard({}, {Widen(f.folder.Path())}));
      }},
     {"offline", [](Fixture& f, Text) { f.network = false; }},
     {"download",
@@ -145,6 +145,13 @@ const std::map<std::string, void (*)(Fixture&, Text)> kSteps{
          if (kind == "second")
              return f.catalogue.baseComponents.push_back(f.catalogue.plugins[0]);
          f.catalogue.baseComponents.assign(kind == "empty" ? 1 : 0, CatalogueEntry());
+     }},
+    {"component", // ARCHIVE MEMBER CONTENT
+     [](Fixture& f, Text text) {
+         const auto words = Split(text, ' ');
+         CatalogueEntry entry{"", words.at(0), "", true, true, "", ""};
+         entry.crc = f.WriteArchive(entry.zip, {TestMember::Stored(words.at(1), words.at(2))});
+         f.catalogue.baseComponents.push_back(entry);
      }},
     {"members",
      [](Fixture& f, Text names) {
@@ -222,6 +229,20 @@ TEST_CASE("whatever happens, a run ends in its own way, with everything else don
         CHECK(fixture.frontEnd.lines.back() == "click 'Finish' to exit");
         return TextOf(fixture);
     });
+}
+
+TEST_CASE_FIXTURE(Fixture, "a window stays alive while INF files need no edit") {
+    const auto eventsWith = [&](const std::string& extension) {
+        std::vector<TestMember> members;
+        for (int i = 0; i < 100; ++i)
+            members.push_back(TestMember::Stored(std::to_string(i) + extension, "x"));
+        catalogue.plugins[0].crc = WriteArchive("one.zip", members);
+        frontEnd.events = 0;
+        Run();
+        return frontEnd.events;
+    };
+    const std::size_t others = eventsWith(".txt");
+    CHECK(eventsWith(".inf") > others + 50);
 }
 
 TEST_CASE_FIXTURE(Fixture, "a failure of the program itself is told, and its log is kept") {

@@ -6,6 +6,7 @@
 #include "RecordingFrontEnd.h"
 #include "base/UniqueHandle.h"
 #include "base/modFile.h"
+#include "base/modWide.h"
 #include "build/clsInstallFolder.h"
 #include "build/clsRemovableTree.h"
 #include "build/modFileOperations.h"
@@ -24,14 +25,16 @@ namespace {
 
 clsFolderGuard GuardOf(const std::string& drive) {
     using Reach = GuardedPlace::Reach;
-    const std::string root = drive + "\\";
-    return clsFolderGuard({{root + "program\\", "this program", Reach::Holding},
-                           {root + "cd\\", "the Windows source", Reach::Within},
-                           {root + "Windows", "Windows", Reach::Within},
-                           {root + "Program Files", "Program Files", Reach::Holding},
-                           {root + "users\\me", "your user profile", Reach::Siblings},
-                           {root + "users\\me\\Documents", "your documents", Reach::Holding}},
-                          {root + "Program Files"});
+    const std::wstring root = Widen(drive) + L"\\";
+    return clsFolderGuard({{root + L"program\\", "this program", Reach::Holding},
+                           {root + L"cd\\", "the Windows source", Reach::Within},
+                           {root + L"Windows", "Windows", Reach::Within},
+                           {root + L"Program Files", "Program Files", Reach::Holding},
+                           {root + L"users\\me", "your user profile", Reach::Siblings},
+                           {root + L"homes\\gone", "a profile that is missing", Reach::Siblings},
+                           {root + L"users\\me\\Documents", "your documents", Reach::Holding},
+                           {root + L"users\\\x0416\\Letters", "your letters", Reach::Holding}},
+                          {root + L"Program Files"});
 }
 
 std::string ShortName(const std::string& path) {
