@@ -70,6 +70,8 @@ TEST_CASE("members are counted, listed and extracted; one named in any letter ca
     Fixture f(Three());
     CHECK(f.cab.FileCount() == 3);
     CHECK(f.Told(&clsCab::GetInfo) == "found >one.txt|found sub\\deep>two.txt|found >three.txt|");
+    f.cab.FileToExtract = "none";
+    CHECK(f.Told(&clsCab::Extract).empty());
     CHECK_FALSE(FolderExists(f.target));
     f.cab.FileToExtract = "SUB\\Deep\\TWO.txt";
     CHECK(f.Told(&clsCab::Extract) == "before sub\\deep\\two.txt|after two.txt|");
