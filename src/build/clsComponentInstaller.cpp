@@ -138,11 +138,12 @@ void clsComponentInstaller::RunBaseScript(std::size_t index) {
         if (toldPlaces_.insert(problem.place).second)
             context_.report(problem);
     }
-    foundScripts_ = found.paths;
+    waitingScripts_.clear();
     const auto first = std::ranges::find_if(
         found.paths, [this](const std::string& path) { return !unreadScripts_.contains(path); });
     if (first == found.paths.end())
         return;
+    waitingScripts_.assign(first + 1, found.paths.end());
     const std::string& script = *first;
     runScripts_.insert(script);
     RunScriptSection(script);
@@ -164,7 +165,7 @@ void clsComponentInstaller::RunBaseScript(std::size_t index) {
 }
 
 void clsComponentInstaller::ReportScriptsNotRun() const {
-    for (const std::string& script : foundScripts_) {
+    for (const std::string& script : waitingScripts_) {
         if (!runScripts_.contains(script) && !unreadScripts_.contains(script))
             context_.report({script, "not run",
                              "for each base component only the first script that is found is run"});

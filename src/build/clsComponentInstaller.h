@@ -51,7 +51,7 @@ private:
     /// for that stage; the run itself does nothing with them.
     std::map<std::size_t, std::string> pendingScripts_;
     std::set<std::string> unreadScripts_;        ///< Of a kind that is not run.
-    std::vector<std::string> foundScripts_;      ///< By the last search.
+    std::vector<std::string> waitingScripts_;    ///< Found behind the one that was run last.
     std::set<std::string> runScripts_;           ///< Those that are still there.
     std::map<std::string, std::string> folders_; ///< Of plug-ins, in lower case, to their archives.
     std::set<std::string> toldPlaces_;           ///< Where the search for scripts could not look.
