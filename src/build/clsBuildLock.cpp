@@ -99,7 +99,7 @@ clsBuildLock::clsBuildLock(const clsInstallFolder& folder) : path_(folder.Path()
                 RefuseIfTaken(AtName(way[above], way[i].path));
         }
     }
-    for (const auto& anyWay : reader.WaysUp(path_)) {
+    for (const auto& anyWay : reader.WaysUp(Widen(path_))) {
         for (const FolderLevel& level : anyWay)
             RefuseIfTaken(TreeName(level));
     }

@@ -98,8 +98,8 @@ std::vector<FolderLevel> clsFolderReader::WayUp(const std::wstring& folder) {
     }
 }
 
-std::vector<std::vector<FolderLevel>> clsFolderReader::WaysUp(const std::string& folder) {
-    std::vector<std::vector<FolderLevel>> ways{WayUp(Widen(folder))};
+std::vector<std::vector<FolderLevel>> clsFolderReader::WaysUp(const std::wstring& folder) {
+    std::vector<std::vector<FolderLevel>> ways{WayUp(folder)};
     const std::wstring real = RealPath(ways[0].front().path);
     if (!IsSamePath(real, ways[0].front().path))
         ways.push_back(WayUp(real));

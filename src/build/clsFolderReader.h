@@ -49,7 +49,7 @@ public:
 
     /// The ways up from a folder: by its name first; then, where the system leads elsewhere under
     /// that name, by its real path; and where the system can climb above a drive's root, beyond it.
-    std::vector<std::vector<FolderLevel>> WaysUp(const std::string& folder);
+    std::vector<std::vector<FolderLevel>> WaysUp(const std::wstring& folder);
 
 private:
     const FolderLevel& LevelOf(const std::wstring& path);

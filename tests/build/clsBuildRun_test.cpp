@@ -113,7 +113,7 @@ const std::map<std::string, void (*)(Fixture&, Text)> kSteps{
     {"programs",
      [](Fixture& f, Text) {
          f.inputs.installFolder =
-             clsInstallFolder(f.folder / "tree", clsFolderGuard({}, {f.folder.Path()}));
+             clsInstallFolder(f.folder / "tree", clsFolderGuard({}, {Widen(f.folder.Path())}));
      }},
     {"offline", [](Fixture& f, Text) { f.network = false; }},
     {"download",

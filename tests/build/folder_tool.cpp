@@ -2,6 +2,7 @@
 // of it on the standard output. "short PATH" tries the system's short name of a path; "hide PATH"
 // marks one as the system's own. All guarded places are on the drive named first, so that nothing
 // else can come to harm when a guard fails.
+#include "base/modWide.h"
 #include "build/clsInstallFolder.h"
 #include "build/clsRemovableTree.h"
 
@@ -17,14 +18,16 @@ namespace {
 
 clsFolderGuard GuardOf(const std::string& drive) {
     using Reach = GuardedPlace::Reach;
-    const std::string root = drive + "\\";
-    return clsFolderGuard({{root + "program\\", "this program", Reach::Holding},
-                           {root + "cd\\", "the Windows source", Reach::Within},
-                           {root + "Windows", "Windows", Reach::Within},
-                           {root + "Program Files", "Program Files", Reach::Holding},
-                           {root + "users\\me", "your user profile", Reach::Siblings},
-                           {root + "users\\me\\Documents", "your documents", Reach::Holding}},
-                          {root + "Program Files"});
+    const std::wstring root = Widen(drive) + L"\\";
+    return clsFolderGuard({{root + L"program\\", "this program", Reach::Holding},
+                           {root + L"cd\\", "the Windows source", Reach::Within},
+                           {root + L"Windows", "Windows", Reach::Within},
+                           {root + L"Program Files", "Program Files", Reach::Holding},
+                           {root + L"users\\me", "your user profile", Reach::Siblings},
+                           {root + L"homes\\gone", "a profile that is missing", Reach::Siblings},
+                           {root + L"users\\me\\Documents", "your documents", Reach::Holding},
+                           {root + L"users\\\x0416\\Letters", "your letters", Reach::Holding}},
+                          {root + L"Program Files"});
 }
 
 std::string ShortName(const std::string& path) {
