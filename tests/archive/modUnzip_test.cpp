@@ -7,6 +7,7 @@
 #include <winioctl.h>
 
 #include <algorithm>
+#include <array>
 #include <map>
 
 using namespace vesk;
@@ -77,6 +78,29 @@ TEST_CASE("times of files and folders are restored to the last digit") {
         const FILETIME time = ModifiedOf(unzip / name);
         CHECK((std::uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime) == kTime);
     }
+}
+
+TEST_CASE("the short name of another member's folder or file is no other name of it") {
+    const TestFolder before; // the system makes the same names again
+    const auto shortName = [&](const std::string& name) {
+        const std::string path = before.Write(name, "x");
+        std::array<char, MAX_PATH> made{};
+        GetShortPathNameA(path.c_str(), made.data(), MAX_PATH);
+        return FileNameOf(made.data());
+    };
+    const std::string folder = shortName("a long folder name");
+    const std::string file = shortName("a long file name.txt");
+    if (file.find('~') == std::string::npos)
+        return; // this volume has none
+    const Extracting unzip("x.zip", MakeZip({TestMember::Stored("a long folder name/a", "1"),
+                                             TestMember::Stored(folder + "/a", "2"),
+                                             TestMember::Stored("a long file name.txt", "1"),
+                                             TestMember::Stored(file, "2")}));
+    CHECK(Lines(UnzipFile(unzip.path, unzip.target).failures) ==
+          folder + "\\a: not extracted, its path leads through the short name of another folder\n" +
+              file + ": not extracted, its name is the short name of another file\n");
+    for (const char* name : {"a long folder name\\a", "a long file name.txt"})
+        CHECK(ReadWholeFile(unzip / name) == "1");
 }
 
 TEST_CASE("an archive of more than 4 GiB is extracted") {
