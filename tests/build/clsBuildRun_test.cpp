@@ -142,6 +142,13 @@ const std::map<std::string, void (*)(Fixture&, Text)> kSteps{
      [](Fixture& f, Text kind) {
          f.catalogue.baseComponents.assign(kind == "empty" ? 1 : 0, CatalogueEntry());
      }},
+    {"component", // ARCHIVE MEMBER CONTENT
+     [](Fixture& f, Text text) {
+         const auto words = Split(text, ' ');
+         CatalogueEntry entry{"", words.at(0), "", true, true, "", ""};
+         entry.crc = f.WriteArchive(entry.zip, {TestMember::Stored(words.at(1), words.at(2))});
+         f.catalogue.baseComponents.push_back(entry);
+     }},
     {"members",
      [](Fixture& f, Text names) {
          std::vector<TestMember> members;
