@@ -210,6 +210,7 @@ void clsComponentInstaller::EditInfs(const CatalogueEntry& plugin, const std::st
                                        [this] { context_.frontEnd.LetEventsRun(); });
     std::ranges::for_each(found.problems, context_.report);
     for (const std::string& inf : found.paths) {
+        context_.frontEnd.LetEventsRun(); // one that needs no edit logs nothing
         const Attempt attempt{inf, "not edited"};
         // The profile functions would read all of it for every value.
         if (!context_.ResumeNext(attempt, [&] { RequireTextSize(inf); }))

@@ -216,6 +216,20 @@ TEST_CASE("whatever happens, a run ends in its own way, with everything else don
     });
 }
 
+TEST_CASE_FIXTURE(Fixture, "a window stays alive while INF files need no edit") {
+    const auto eventsWith = [&](const std::string& extension) {
+        std::vector<TestMember> members;
+        for (int i = 0; i < 100; ++i)
+            members.push_back(TestMember::Stored(std::to_string(i) + extension, "x"));
+        catalogue.plugins[0].crc = WriteArchive("one.zip", members);
+        frontEnd.events = 0;
+        Run();
+        return frontEnd.events;
+    };
+    const std::size_t others = eventsWith(".txt");
+    CHECK(eventsWith(".inf") > others + 50);
+}
+
 TEST_CASE_FIXTURE(Fixture, "a failure of the program itself is told, and its log is kept") {
     When("Plugins:", [] { throw std::runtime_error("no more paper"); });
     CHECK_THROWS_WITH(Run(), "no more paper");
