@@ -5,6 +5,7 @@
 #include "base/UniqueHandle.h"
 #include "base/clsLinkDetector.h"
 #include "base/clsPatience.h"
+#include "base/modFlush.h"
 #include "base/modFolderEntries.h"
 #include "base/modRealPath.h"
 #include "base/modSystemError.h"
@@ -151,7 +152,7 @@ void WriteCompleteFile(const std::string& path, const std::string& text) {
                                     FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
         if (!file)
             ThrowLastError("cannot create", beside);
-        if (!WriteAll(file, text) || FlushFileBuffers(file.Get()) == 0) {
+        if (!WriteAll(file, text) || !FlushToDisk(file.Get())) {
             const DWORD error = GetLastError();
             file.Reset(); // nobody deletes an open file
             Delete(beside);
