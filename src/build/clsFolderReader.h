@@ -28,7 +28,7 @@ struct FolderIdentity {
 struct FolderLevel {
     std::wstring path;
     std::uint32_t attributes = 0xFFFFFFFF;  ///< Of a link: the link's own. All ones: missing.
-    std::optional<FolderIdentity> identity; ///< Of a link: of what it leads to.
+    std::optional<FolderIdentity> identity; ///< Of a link: of what it leads to. Not all have one.
 
     bool isBeyondRoot = false; ///< Above a drive's root, where no path of ours leads.
 
