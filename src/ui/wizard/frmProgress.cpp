@@ -112,11 +112,16 @@ void frmProgress::cmdCancel_Click() {
     // A download that ended meanwhile waits for the answer, which counts whatever became of it.
     if (answer == IDYES)
         session_->Cancel();
-    CloseWhenOver();
+    LookForEnd();
 }
 
-void frmProgress::CloseWhenOver() {
-    if (session_->Finished() && !asking_)
+/// Closes the dialog once the download is over; not over an open question.
+void frmProgress::LookForEnd() {
+    if (!session_->Finished())
+        return;
+    if (asking_)
+        ShowEnd();
+    else
         EndDialog(Window(), 0);
 }
 
@@ -130,12 +135,10 @@ INT_PTR frmProgress::Handle(UINT message, WPARAM wparam, LPARAM) {
         return TRUE;
     case WM_TIMER:
         session_->OnTime();
-        CloseWhenOver(); // its message did not come when too many others were waiting
+        LookForEnd(); // its message does not come while too many others wait
         return TRUE;
     case kFinishedMessage:
-        if (asking_)
-            ShowEnd();
-        CloseWhenOver();
+        LookForEnd();
         return TRUE;
     case WM_COMMAND:
         if (LOWORD(wparam) == IDCANCEL)
