@@ -1,5 +1,6 @@
 #include "ui/wizard/frmProgress.h"
 
+#include "base/ScopeFlag.h"
 #include "base/modText.h"
 #include "net/modDownloadText.h"
 #include "net/modLocaleNumber.h"
@@ -103,14 +104,24 @@ void frmProgress::ShowEnd() {
 void frmProgress::cmdCancel_Click() {
     if (asking_ || session_->Finished())
         return;
-    asking_ = true;
-    const int answer = ShowMessage(Window(), "Are you sure you want to cancel download",
-                                   "Confirmation", MB_YESNO | MB_ICONQUESTION);
-    asking_ = false;
+    const int answer = [this] {
+        const ScopeFlag asking(asking_);
+        return ShowMessage(Window(), "Are you sure you want to cancel download", "Confirmation",
+                           MB_YESNO | MB_ICONQUESTION);
+    }();
     // A download that ended meanwhile waits for the answer, which counts whatever became of it.
     if (answer == IDYES)
         session_->Cancel();
-    if (session_->Finished())
+    LookForEnd();
+}
+
+/// Closes the dialog once the download is over; not over an open question.
+void frmProgress::LookForEnd() {
+    if (!session_->Finished())
+        return;
+    if (asking_)
+        ShowEnd();
+    else
         EndDialog(Window(), 0);
 }
 
@@ -124,12 +135,10 @@ INT_PTR frmProgress::Handle(UINT message, WPARAM wparam, LPARAM) {
         return TRUE;
     case WM_TIMER:
         session_->OnTime();
+        LookForEnd(); // its message does not come while too many others wait
         return TRUE;
     case kFinishedMessage:
-        if (asking_)
-            ShowEnd();
-        else
-            EndDialog(Window(), 0);
+        LookForEnd();
         return TRUE;
     case WM_COMMAND:
         if (LOWORD(wparam) == IDCANCEL)
