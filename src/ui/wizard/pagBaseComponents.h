@@ -23,7 +23,7 @@ public:
     /// Text of txtProgPath without a trailing backslash.
     [[nodiscard]] std::string InstallFolder() const;
 
-    /// Text of txtWinPath.
+    /// Text of txtWinPath without blanks at its ends: behind one it would be a path from here.
     [[nodiscard]] std::string SourceFolder() const;
 
     /// Takes over what was typed as source folder.
