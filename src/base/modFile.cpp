@@ -117,6 +117,13 @@ std::string Beside(const std::string& path) {
     return path + ".new";
 }
 
+/// Told by the system after each piece of a copy. @param meanwhile a function without parameters
+DWORD CALLBACK AfterPiece(LARGE_INTEGER, LARGE_INTEGER, LARGE_INTEGER, LARGE_INTEGER, DWORD, DWORD,
+                          HANDLE, HANDLE, void* meanwhile) noexcept {
+    (*static_cast<const std::function<void()>*>(meanwhile))();
+    return PROGRESS_CONTINUE;
+}
+
 bool Delete(const std::string& path) {
     return TryPatiently([&] { return DeleteFileA(path.c_str()) != 0; });
 }
@@ -291,17 +298,21 @@ void CreateFolderPath(const std::string& path) {
         CreateFolder(level);
 }
 
-void CopyFileOver(const std::string& source, const std::string& target) {
+void CopyFileOver(const std::string& source, const std::string& target,
+                  const std::function<void()>& meanwhile) {
     if (FileExists(target))
         ClearAttributes(target);
-    if (CopyFileA(source.c_str(), target.c_str(), FALSE) == 0)
+    std::function<void()> afterPiece = meanwhile;
+    if (CopyFileExA(source.c_str(), target.c_str(), meanwhile ? AfterPiece : nullptr, &afterPiece,
+                    nullptr, 0) == 0)
         ThrowLastError("cannot copy", source + " to " + target);
 }
 
-void CopyCompleteFile(const std::string& source, const std::string& target) {
+void CopyCompleteFile(const std::string& source, const std::string& target,
+                      const std::function<void()>& meanwhile) {
     const std::string beside = Beside(target);
     try {
-        CopyFileOver(source, beside);
+        CopyFileOver(source, beside, meanwhile);
     } catch (const Failure&) { // of a full disk, say
         Delete(beside);
         throw;

@@ -65,7 +65,7 @@ void frmSetup::Show() {
 void frmSetup::BeginFromNothing() {
     Catalogue beginning = BeginnersCatalogue(CategoryCaption);
     for (CatalogueEntry& entry : beginning.baseComponents)
-        entry.crc = clsCRC().CalculateFile(paths_.programPath + entry.zip);
+        entry.crc = clsCRC().CalculateFile(paths_.programPath + entry.zip, LetWindowsPaint);
     editor_.Offer(beginning);
     ShowAll();
     ShowState("");
