@@ -58,9 +58,9 @@ void clsCabExtraction::Prepare() {
         JudgeCabNames(directory_); // first: what is not extracted lends its data to no other member
         order_ = JudgeCabEntries(directory_);
         const std::string& folder = iteration_.Destination();
+        const auto matches = [&](const CabEntry& entry) { return iteration_.Matches(entry); };
         if (mode_ == Mode::Extract &&
-            std::ranges::any_of(directory_.entries,
-                                [&](const CabEntry& entry) { return iteration_.Matches(entry); }))
+            (iteration_.WantsAll() || std::ranges::any_of(directory_.entries, matches)))
             target_ = clsExtractionTarget(
                 folder.empty() ? ParentOf(AbsolutePath(iteration_.CabName())) : folder);
     } catch (const std::exception& failure) {

@@ -35,6 +35,9 @@ public:
     /// The cabinet's bytes; there after ReadDirectory.
     clsByteWindow& Cabinet() { return *window_; }
 
+    /// Whether all members are wanted, of a cabinet without any, too.
+    [[nodiscard]] bool WantsAll() const { return wanted_.empty(); }
+
     /// True for a member that is wanted.
     [[nodiscard]] bool Matches(const CabEntry& entry) const;
 
