@@ -55,5 +55,5 @@ TEST_CASE("what is no source changes nothing; a file, and a drive's letter, stan
     RemoveFile(inRoot);
     const FileHandle inUse = OpenExclusively(folder / "good\\I386\\LAYOUT.INF");
     const SourceCheck unread = CheckSourceFolder(folder / "good", state);
-    CHECK((unread.usable && unread.unread == "sharing violation"));
+    CHECK((unread.usable && !unread.unread.empty()));
 }
