@@ -41,7 +41,8 @@ inline bool IsIn(const RECT& outer, const RECT& inner) {
 }
 
 /// Clicks twice on a list view's first line; does not wait for what that does.
-void DoubleClickFirstLine(HWND list);
+/// @param left pixels from the list's edge
+void DoubleClickFirstLine(HWND list, int left = 60);
 
 /// Puts a text into a field of a dialog.
 inline void TypeIn(HWND dialog, int field, const std::string& text) {
@@ -161,8 +162,8 @@ public:
 
     [[nodiscard]] std::vector<std::string> LogLines() const;
 
-    /// Picks an entry of the build log's context menu, by its number from the top. What the entry
-    /// does may come later.
+    /// Picks an entry of the build log's context menu, by its number from the top, the third one
+    /// by mouse. What the entry does may come later.
     void PickFromLogMenu(int entry) const;
 
     /// Waits for the program's end. @return its exit code
