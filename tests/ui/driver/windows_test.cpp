@@ -206,10 +206,21 @@ TEST_CASE("an entry's details open by a double click, with a long name as a whol
     CHECK(SizeOf(field).cy >= lines * 11); // pixels, the lowest line
     wizard.Answer(dialog, IDCANCEL);
     CHECK(IsWindowEnabled(wizard.Window())); // no second one has opened
-    wizard.Click(IDC_CMD_PLUGIN_DETAILS);
+    const auto isOnlyDefault = [&](int id) {
+        return std::ranges::all_of(ControlsOf(wizard.Window()), [&](HWND control) {
+            const LRESULT kind = SendMessageA(control, WM_GETDLGCODE, 0, 0);
+            return ((kind & DLGC_DEFPUSHBUTTON) != 0) == (GetDlgCtrlID(control) == id);
+        });
+    };
+    wizard.FocusOn(IDC_CMD_PLUGIN_DETAILS);
+    AWAIT(wizard, isOnlyDefault(IDC_CMD_PLUGIN_DETAILS));
+    wizard.Press(VK_RETURN);
     wizard.Answer(wizard.AwaitDialog("Component"), IDCANCEL);
+    wizard.FocusOn(IDC_LST_PLUGINS);
+    AWAIT(wizard, isOnlyDefault(IDC_CMD_NEXT));
     wizard.GoTo(IDC_CMD_BACK, kBaseHeading);
-    wizard.Click(IDC_CMD_BASE_DETAILS);
+    wizard.FocusOn(IDC_CMD_BASE_DETAILS);
+    wizard.Press(VK_RETURN);
     const HWND base = wizard.AwaitDialog("Component");
     CHECK(TextIn(base, IDC_LBL_ITEM_NAME) == "PE Builder");
     CHECK(TextIn(base, IDC_TXT_ITEM_CATEGORY) == "base component");
