@@ -94,6 +94,9 @@ def zip_large(wine, folder, rounds):
     ours, theirs, silences = unpack_in_turn(wine, min(rounds, 5), archive, target)
     yield Row(name, ours, theirs, at_most(1),
               f"longest time without progress {statistics.median(silences):.0f} ms")
+    ours, zlib = in_turn(min(rounds, 5), **{
+        action: fresh(target, wine.figure, action, archive, target) for action in ("unzip", "zlib")})
+    yield Row(name + ", to zlib alone", ours, zlib, at_most(1))
 
 
 def cabinets(wine, folder, rounds):

@@ -19,7 +19,7 @@ public:
     std::vector<std::string> problems;  ///< As lines.
     std::optional<BuildOutcome> outcome;
     std::size_t done = 0, total = 0;
-    double fraction = 0;
+    std::vector<double> fractions; ///< Of the whole run, as they came.
 
     bool answer = true;
     /// What a download does and gives; by default it fails.
@@ -56,7 +56,7 @@ public:
     void SetProgress(const BuildProgress& progress) override {
         done = progress.componentsDone;
         total = progress.componentCount;
-        fraction = progress.fraction;
+        fractions.push_back(progress.fraction);
     }
     bool StopRequested() override { return stop; }
     void EnterFinishedState(const BuildOutcome& how) override { outcome = how; }

@@ -34,4 +34,18 @@ std::string WithoutTrailBytes(std::string_view text) {
     return plain;
 }
 
+std::size_t CharacterCount(std::string_view text) {
+    const CodePage& page = CurrentCodePage();
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        if (page.isUtf8 && (byte & 0xC0) == 0x80) // goes on with a character
+            continue;
+        ++count;
+        if (page.isLeadByte != nullptr && page.isLeadByte(byte))
+            ++i;
+    }
+    return count;
+}
+
 } // namespace vesk

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -13,6 +14,9 @@ struct CodePage {
 
     /// The pound and the negation sign, as far as the code page has them.
     std::string poundAndNegation = "\xA3\xAC";
+
+    /// Whether it is UTF-8, whose characters have one to four bytes.
+    bool isUtf8 = false;
 };
 
 /// The one in use: Windows-1252 until another one is set.
@@ -24,5 +28,8 @@ void SetCodePage(CodePage page);
 /// The text with a "0" in place of each second byte of a character: of the same length, and to be
 /// searched for bytes that mean what they look like.
 std::string WithoutTrailBytes(std::string_view text);
+
+/// How many characters the text has.
+std::size_t CharacterCount(std::string_view text);
 
 } // namespace vesk

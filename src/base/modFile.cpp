@@ -112,26 +112,43 @@ bool WriteWholeFile(const std::string& path, const std::string& text) {
 
 namespace {
 
-/// Where a file is made that is to replace the one at the path.
-std::string Beside(const std::string& path) {
-    return path + ".new";
+/// Where a file is made that is to replace the one at the path. What a run that was cut off left
+/// there goes; a link stays, and is a failure: nothing is written through it. @throws Failure
+std::string MakeRoomBeside(const std::string& path) {
+    std::string beside = path + ".vesk-new";
+    RemoveOwnFile(beside);
+    return beside;
 }
 
 bool Delete(const std::string& path) {
     return TryPatiently([&] { return DeleteFileA(path.c_str()) != 0; });
 }
 
-/// Gives the complete file beside a path its name. @throws Failure; nothing then stays beside it
-void MoveIntoPlace(const std::string& path) {
-    const std::string beside = Beside(path);
-    if (FileExists(path))
+/// Replaces or removes a file, a read-only one too. One that stays is as it was.
+/// @param call as clsPatience::Try takes it @return what it returned; the last error is its
+template <class Call>
+bool WithoutAttributes(const std::string& path, Call call) {
+    const DWORD before = GetFileAttributesA(path.c_str());
+    const bool isFile = FileExists(path);
+    if (isFile)
         ClearAttributes(path);
+    if (call())
+        return true;
+    const DWORD error = GetLastError();
+    if (isFile)
+        SetFileAttributesA(path.c_str(), before);
+    SetLastError(error);
+    return false;
+}
+
+/// Gives the complete file beside a path its name. @throws Failure; nothing then stays beside it
+void MoveIntoPlace(const std::string& beside, const std::string& path) {
     const auto move = [&] {
         return MoveFileExA(beside.c_str(), path.c_str(),
                            MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
     };
     // A folder in its place stays there.
-    if (FolderExists(path) ? move() : TryPatiently(move))
+    if (FolderExists(path) ? move() : WithoutAttributes(path, [&] { return TryPatiently(move); }))
         return;
     const DWORD error = GetLastError();
     ClearAttributes(beside);
@@ -142,10 +159,11 @@ void MoveIntoPlace(const std::string& path) {
 } // namespace
 
 void WriteCompleteFile(const std::string& path, const std::string& text) {
-    const std::string beside = Beside(path);
+    const std::string beside = MakeRoomBeside(path);
     {
-        FileHandle file(CreateFileA(beside.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
-                                    FILE_ATTRIBUTE_NORMAL, nullptr));
+        // Without the last flag the system would create what a link leads to and lacks.
+        FileHandle file(CreateFileA(beside.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                                    FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
         if (!file)
             ThrowLastError("cannot create", beside);
         if (!WriteAll(file, text) || FlushFileBuffers(file.Get()) == 0) {
@@ -155,7 +173,7 @@ void WriteCompleteFile(const std::string& path, const std::string& text) {
             ThrowSystemError(error, "cannot write", beside);
         }
     }
-    MoveIntoPlace(path);
+    MoveIntoPlace(beside, path);
 }
 
 PathState StateOf(const std::string& path) {
@@ -234,8 +252,7 @@ void MakeWritable(const std::string& path) {
 }
 
 void RemoveFile(const std::string& path) {
-    ClearAttributes(path);
-    if (!Delete(path))
+    if (!WithoutAttributes(path, [&] { return Delete(path); }))
         ThrowLastError("cannot delete", path);
     AwaitRemoval(Widen(path)); // another file may be about to get its name
 }
@@ -299,14 +316,14 @@ void CopyFileOver(const std::string& source, const std::string& target) {
 }
 
 void CopyCompleteFile(const std::string& source, const std::string& target) {
-    const std::string beside = Beside(target);
-    try {
-        CopyFileOver(source, beside);
-    } catch (const Failure&) { // of a full disk, say
-        Delete(beside);
-        throw;
+    const std::string beside = MakeRoomBeside(target);
+    if (CopyFileA(source.c_str(), beside.c_str(), TRUE) == 0) {
+        const DWORD error = GetLastError();
+        if (error != ERROR_FILE_EXISTS)
+            Delete(beside); // of a full disk, say
+        ThrowSystemError(error, "cannot copy", source + " to " + target);
     }
-    MoveIntoPlace(target);
+    MoveIntoPlace(beside, target);
 }
 
 void MovePath(const std::string& source, const std::string& target) {

@@ -34,7 +34,9 @@ std::string WhyUnreadable(const std::string& path);
 bool WriteWholeFile(const std::string& path, const std::string& text);
 
 /// Makes `path` hold exactly `text`: written beside it first and moved into place when complete, so
-/// that the old content survives every failure. Throws.
+/// that the old content survives every failure. That file has the path's name with ".vesk-new"
+/// behind it; one that a run left there when it was cut off goes, and a link in its place is a
+/// failure. Throws.
 void WriteCompleteFile(const std::string& path, const std::string& text);
 
 /// What there is under a path. Unknown: the system does not say, so something may be there.

@@ -53,6 +53,7 @@ void UseSystemCodePage() {
     // UTF-8 has no such bytes: none of its later bytes looks like a character of its own.
     if (GetCPInfo(CP_ACP, &info) != 0 && info.MaxCharSize == 2)
         page.isLeadByte = [](unsigned char byte) { return IsDBCSLeadByte(byte) != FALSE; };
+    page.isUtf8 = GetACP() == CP_UTF8;
     page.poundAndNegation.clear();
     for (const wchar_t sign : {L'\u00A3', L'\u00AC'}) {
         const auto narrow = NarrowedExactly(std::wstring(1, sign));

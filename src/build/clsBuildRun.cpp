@@ -111,6 +111,7 @@ private:
     BuildFrontEnd& frontEnd_;
     BuildOutcome outcome_;
     std::optional<FolderIdentity> asked_; ///< The folder that the user was asked about.
+    FolderContent::Kind before_ = FolderContent::Kind::Missing; ///< What was in it then.
     clsSha256List sha256_;
     clsBuildContext context_;
     clsArchiveFetcher fetcher_{context_};
@@ -165,6 +166,7 @@ bool clsBuildRun::Steps::MayReplaceFolder() {
         return false;
     }
     asked_ = inputs_.installFolder.Identity();
+    before_ = content.kind;
     frontEnd_.LetEventsRun();
     if (content.kind == FolderContent::Kind::Missing)
         return true;
@@ -240,8 +242,14 @@ std::string clsBuildRun::Steps::ChangeSinceAsked() const {
     const auto now = folder.Identity();
     if (asked_ && now && *asked_ != *now)
         return "another folder took its place after the build began";
-    if (!asked_ && content.kind == FolderContent::Kind::EarlierBuild)
-        return "it was made while the build ran";
+    // Whatever the user allowed to be emptied, it was not this.
+    using Kind = FolderContent::Kind;
+    if (content.kind != Kind::Missing && content.kind != Kind::Empty) {
+        if (before_ == Kind::Missing)
+            return "it was made while the build ran";
+        if (before_ == Kind::Empty)
+            return "it was filled while the build ran";
+    }
     return {};
 }
 

@@ -110,8 +110,14 @@ private:
             return true;
         if (GetLastError() != ERROR_ACCESS_DENIED)
             return false;
+        const DWORD before = GetFileAttributesW(name.c_str());
         SetFileAttributesW(name.c_str(), FILE_ATTRIBUTE_NORMAL);
-        return function(name.c_str()) != FALSE;
+        if (function(name.c_str()) != FALSE)
+            return true;
+        const DWORD error = GetLastError();
+        SetFileAttributesW(name.c_str(), before); // what stays is as it was
+        SetLastError(error);
+        return false;
     }
 
     void Remember(const std::wstring& path, DWORD error) {

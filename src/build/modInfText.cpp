@@ -17,6 +17,15 @@ constexpr std::string_view kAppend = "[Append]";
 constexpr std::string_view kMenu = "nu2menu.xml";
 constexpr std::size_t kNone = std::string_view::npos;
 
+/// Whether the text holds another one, from the beginning of a character on.
+bool HoldsCharacters(const std::string& text, std::string_view sought) {
+    const std::string plain = WithoutTrailBytes(text);
+    std::size_t at = text.find(sought);
+    while (at != kNone && plain[at] != text[at])
+        at = text.find(sought, at + 1);
+    return at != kNone;
+}
+
 } // namespace
 
 std::optional<std::string> CommentedOutAppendMenu(std::string_view text) {
@@ -58,7 +67,7 @@ std::optional<std::string> PrefixedName(std::string_view name, std::string_view 
     // the shorter text is then all of it.
     const std::size_t length = blank == std::string::npos ? name.size() : blank;
     const std::string first = stripped.substr(0, length);
-    if (first.find(prefix) != std::string::npos)
+    if (HoldsCharacters(first, prefix))
         return std::nullopt;
     return std::string(prefix) + " " + stripped;
 }
@@ -70,11 +79,12 @@ bool ListHolds(std::string_view list, std::string_view code) {
 
 std::string SeparatorName(std::string_view prefix, std::string_view title) {
     constexpr std::size_t kWidth = 50;
-    if (title.size() > kWidth)
+    const std::size_t length = CharacterCount(title);
+    if (length > kWidth)
         throw Failure(kInvalidCall, "CreateCategorySeparator",
                       "category title of more than 50 characters: " + std::string(title));
     return std::string(prefix) + " " + std::string(12, '=') + "[ " + std::string(title) + " ]" +
-           std::string(kWidth - title.size(), '=');
+           std::string(kWidth - length, '=');
 }
 
 } // namespace vesk

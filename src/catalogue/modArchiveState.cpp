@@ -104,22 +104,25 @@ std::string ArchiveWords(const CatalogueEntry& entry, const EntryPlace& place, A
 
 std::string ArchiveSentence(const CatalogueEntry& entry, const EntryPlace& place,
                             ArchiveState state) {
+    // PE Builder's archive is asked for again, and deleted when that brings none.
+    const std::string fate = place.IsPeBuilder()
+                                 ? "a build deletes it when it cannot download the right one."
+                                 : "it is left out of the build.";
     switch (state) {
     case ArchiveState::Good:
         return "The archive is in the program folder, and its CRC-32 is right.";
     case ArchiveState::Unchecked:
         return "The archive is in the program folder. Its CRC-32 is not checked yet.";
     case ArchiveState::CrcDiffers:
-        return "The archive is there, but its CRC-32 differs from the catalogue's: it is left out "
-               "of the build.";
+        return "The archive is there, but its CRC-32 differs from the catalogue's: " + fate;
     case ArchiveState::OtherSha256:
-        return "The archive is there, but its SHA-256 is not the one in the program folder's list: "
-               "it is left out of the build.";
+        return "The archive is there, but its SHA-256 is not the one in the program folder's "
+               "list: " +
+               fate;
     case ArchiveState::NoCrc:
-        return "The catalogue has no CRC-32 for the archive: it is left out of the build.";
+        return "The catalogue has no CRC-32 for the archive: " + fate;
     case ArchiveState::Empty:
-        return "The archive is there, but it is empty or cannot be read: it is left out of the "
-               "build.";
+        return "The archive is there, but it is empty or cannot be read: " + fate;
     case ArchiveState::Missing:
         return MissingSentence(entry, place);
     case ArchiveState::ToDownload:

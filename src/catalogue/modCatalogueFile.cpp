@@ -126,16 +126,26 @@ IniText ParseIniFile(const std::string& path, const std::string& bytes) {
     return file;
 }
 
-/// Keys whose values the system is asked for: more than the wizard's lists can hold. Each call
-/// reads the whole file, so that ten times as many would take a minute.
-constexpr std::size_t kMostAsked = 4096;
+/// Each call of the profile functions reads the whole file: so much may be read in that way, which
+/// takes seconds.
+constexpr std::size_t kMostReadAgain = std::size_t{512} << 20;
 
 /// The profile functions read the whole file for every key. Where nobody could read the text in
-/// another way, once is enough.
-std::vector<IniSection> SectionsOf(const std::string& path, const IniText& file) {
+/// another way, once is enough; where that would take too long, it has to be.
+/// @param size of the file, in bytes
+/// @param fault receives that it had to be, unless something else is wrong with the file
+std::vector<IniSection> SectionsOf(const std::string& path, const IniText& file, std::size_t size,
+                                   std::string& fault) {
     if (file.isPlain)
         return file.sections;
-    return ReadSectionsThroughSystem(path, file.linesArePlain ? &file : nullptr);
+    try {
+        return ReadSectionsThroughSystem(path, file.linesArePlain ? &file : nullptr,
+                                         std::min(kMostAsked, kMostReadAgain / size));
+    } catch (const Failure& failure) {
+        if (fault.empty())
+            fault = failure.what();
+        return file.sections;
+    }
 }
 
 /// Values by section and key, both in lower case.
@@ -194,7 +204,8 @@ CatalogueLoad ReadOrExplain(const std::string& path, std::string& bytes) {
 
 } // namespace
 
-std::vector<IniSection> ReadSectionsThroughSystem(const std::string& path, const IniText* known) {
+std::vector<IniSection> ReadSectionsThroughSystem(const std::string& path, const IniText* known,
+                                                  std::size_t mostAsked) {
     const clsINI ini(path);
     Values values = known == nullptr ? Values() : ValuesOf(*known);
     std::vector<IniSection> sections;
@@ -206,11 +217,11 @@ std::vector<IniSection> ReadSectionsThroughSystem(const std::string& path, const
         const auto& ofSection = values[LowerCase(name)];
         std::vector<std::string> keys = ini.GetAllKeys(name);
         keys.pop_back();
-        asked += known == nullptr ? keys.size() : 0;
-        if (asked > kMostAsked)
+        asked += 1 + (known == nullptr ? keys.size() : 0);
+        if (asked > mostAsked)
             throw Failure(ERROR_FILE_TOO_LARGE, "ReadSectionsThroughSystem",
-                          "it has more keys than the " + std::to_string(kMostAsked) +
-                              " that are read where its lines are not plain");
+                          "it is too large to see whether Windows reads it differently from what "
+                          "it says");
         for (const std::string& key : keys) {
             const auto found = ofSection.find(LowerCase(key));
             section.keys.push_back(
@@ -231,7 +242,7 @@ CatalogueLoad LoadCatalogueReporting(const std::string& programPath, Catalogue& 
                 path + ": it is empty"};
     std::string fault = CatalogueFault(file);
     try {
-        const std::vector<IniSection> sections = SectionsOf(path, file);
+        const std::vector<IniSection> sections = SectionsOf(path, file, bytes.size(), fault);
         FillCatalogue(sections, catalogue);
         if (fault.empty() && sections != file.sections)
             fault = "Windows reads it differently from what it says";

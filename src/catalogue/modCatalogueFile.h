@@ -3,6 +3,7 @@
 #include "catalogue/Catalogue.h"
 #include "catalogue/modIniText.h"
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -38,11 +39,17 @@ struct CatalogueLoad {
 /// short) stays in it. Throws nothing.
 CatalogueLoad LoadCatalogueReporting(const std::string& programPath, Catalogue& catalogue);
 
+/// How often the system is asked for one file at most: that is more keys than the wizard's lists
+/// can hold, and ten times as many would take a minute.
+inline constexpr std::size_t kMostAsked = 4096;
+
 /// All sections of a file as the system's profile functions read them, with a call for every key.
 /// @param known the file's text when its lines are plain: then only the names are asked for
-/// @throws Failure when so many calls would take too long
+/// @param mostAsked so many calls at most
+/// @throws Failure when it would take more
 std::vector<IniSection> ReadSectionsThroughSystem(const std::string& path,
-                                                  const IniText* known = nullptr);
+                                                  const IniText* known = nullptr,
+                                                  std::size_t mostAsked = kMostAsked);
 
 /// Derives install root and plug-in folder from install folder and path flag.
 void DeriveInstallPaths(Catalogue& catalogue, const std::string& programFilesFolder);

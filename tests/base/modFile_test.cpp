@@ -53,23 +53,32 @@ TEST_CASE("what stands under a path") {
 TEST_CASE("a complete file replaces the old one, or leaves it as it was") {
     const TestFolder folder;
     const std::string path = folder.Write("a.ini", "a long old text");
+    const std::string beside = path + ".vesk-new";
+    const std::string outside = folder.Write("outside", "x");
+    REQUIRE(CreateHardLinkA(beside.c_str(), outside.c_str(), nullptr) != 0);
     WriteCompleteFile(path, "new");
     CHECK(ReadWholeFile(path) == "new");
     {
         const FileHandle lock = OpenExclusively(path);
+        SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_READONLY);
         CHECK_THROWS_AS(WriteCompleteFile(path, "newer"), Failure);
+        CHECK((GetFileAttributesA(path.c_str()) & FILE_ATTRIBUTE_READONLY) != 0);
+        CHECK_THROWS_AS(RemoveFile(path), Failure);
+        CHECK((GetFileAttributesA(path.c_str()) & FILE_ATTRIBUTE_READONLY) != 0);
     }
     CHECK(ReadWholeFile(path) == "new");
     const std::string source = folder.Write("other", "copied");
     SetFileAttributesA(source.c_str(), FILE_ATTRIBUTE_READONLY);
-    for (const std::string& locked : {folder.Write("a.ini.new", ""), path}) {
+    for (const std::string& locked : {folder.Write("a.ini.vesk-new", ""), path}) {
         const FileHandle lock = OpenExclusively(locked);
         CHECK_THROWS_AS(CopyCompleteFile(source, path), Failure);
     }
     CHECK(ReadWholeFile(path) == "new");
+    REQUIRE(CreateHardLinkA(beside.c_str(), outside.c_str(), nullptr) != 0);
     CopyCompleteFile(source, path);
     CHECK(ReadWholeFile(path) == "copied");
-    CHECK_FALSE(FileExists(path + ".new"));
+    CHECK_FALSE(FileExists(beside));
+    CHECK(ReadWholeFile(outside) == "x");
 }
 
 TEST_CASE("absolute paths") {

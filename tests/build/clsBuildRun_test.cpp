@@ -9,8 +9,10 @@
 #include "build/modFileOperations.h"
 #include "catalogue/modArchiveState.h"
 
+#include <algorithm>
 #include <array>
 #include <map>
+#include <set>
 #include <stdexcept>
 
 using namespace vesk;
@@ -121,14 +123,27 @@ const std::map<std::string, void (*)(Fixture&, Text)> kSteps{
          f.frontEnd.download = [how](Text destination) {
              if (how == "fails")
                  throw std::runtime_error("no window");
-             if (how == "differs")
+             if (how == "differs") {
                  WriteCompleteFile(destination, "something else");
+                 WriteCompleteFile(PartialPath(destination), "and a part of it");
+             }
              return how == "differs" ? DownloadResult::CrcDiffers : DownloadResult::Cancelled;
+         };
+     }},
+    {"brought", // by another build
+     [](Fixture& f, Text name) {
+         const std::string content = ReadWholeFile(f.folder / name);
+         RemoveFile(f.folder / name);
+         f.frontEnd.download = [content](Text destination) {
+             WriteCompleteFile(destination, content);
+             return DownloadResult::Failed;
          };
      }},
     {"set", SetField},
     {"base",
      [](Fixture& f, Text kind) {
+         if (kind == "second")
+             return f.catalogue.baseComponents.push_back(f.catalogue.plugins[0]);
          f.catalogue.baseComponents.assign(kind == "empty" ? 1 : 0, CatalogueEntry());
      }},
     {"members",
@@ -178,7 +193,10 @@ std::string TextOf(const Fixture& fixture) {
 TEST_CASE_FIXTURE(Fixture, "a build adds what it moved to the catalogue, and counts all as done") {
     CHECK(Run() == BuildEnding::Done);
     CHECK(frontEnd.done == frontEnd.total);
-    CHECK(frontEnd.fraction == 1);
+    CHECK(frontEnd.fractions.back() == 1);
+    CHECK(std::ranges::is_sorted(frontEnd.fractions));
+    CHECK(std::set(frontEnd.fractions.begin(), frontEnd.fractions.end()).size() >
+          frontEnd.total + 1); // within a component, too
     REQUIRE(catalogue.plugins.size() == 3);
     CHECK(catalogue.plugins[2] == CatalogueEntry{"100 Boot", "", "100", false, false, "", ""});
 }

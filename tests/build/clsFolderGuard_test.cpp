@@ -33,6 +33,14 @@ TEST_CASE("the system's and the user's own folders are guarded") {
     CheckHolds(guard.Objection(folder.Path()), "holds this program");
     CheckHolds(guard.Objection(folder / "cd"), "holds the folder chosen as Windows source");
     CHECK(guard.Objection(folder / "program\\tree").empty());
+    // Of a whole drive that is the source only I386 is guarded.
+    const std::string drive = folder.Path().substr(0, 3);
+    const bool isNew = CreateDirectoryA((drive + "I386").c_str(), nullptr) != 0;
+    const auto ofDrive = clsFolderGuard::OfSystem("", drive);
+    CheckHolds(ofDrive.Objection(drive + "I386\\new"), "lies in");
+    CHECK(ofDrive.Objection(drive + "Vesk Builder Test").empty());
+    if (isNew)
+        RemoveDirectoryA((drive + "I386").c_str());
     std::string temporary(MAX_PATH, '\0');
     temporary.resize(GetTempPathA(MAX_PATH, temporary.data()));
     const auto ofSystem = clsFolderGuard::OfSystem("", "");

@@ -83,6 +83,24 @@ class InstallFolder(unittest.TestCase):
         self.assert_all_there()
         self.assertTrue((self.folder / "tree/kept.txt").exists())
 
+    def test_links_in_the_tree_are_not_followed(self):
+        (self.folder / "tree").mkdir()
+        os.symlink(self.folder / "work", self.folder / "tree/link")
+        os.symlink(self.folder / "file.txt", self.folder / "tree/link.txt")
+        through = "its path leads through a link"
+        wanted = {"new.txt": "written", "link": through, "link\\new.txt": through,
+                  "link.txt": "there is a link in its place",
+                  "..\\new.txt": "the folder name in the catalogue is not one inside the build tree"}
+        outcomes = self.outcomes(["into {D}\\tree\\" + name for name in wanted])
+        self.assertEqual([outcome for _, outcome in outcomes], [*wanted.values()])
+
+    def test_a_cd(self):
+        place = f" {self.windows} {self.folder}"
+        outcomes = self.outcomes(["cd" + place, "{S}\\tree", "disk" + place, "{S}\\tree"])
+        self.assertEqual([outcome for _, outcome in outcomes], [
+            "1", self.fill("refused\tThe installation folder cannot be on a CD: {S}\\tree"),
+            "1", self.fill("emptied\t{S}\\tree")])
+
     def test_foreign_files_among_programs(self):
         (_, outcome), = self.outcomes(["{D}\\Program Files\\Tool"])
         self.assertEqual(outcome, "kept\tit holds 1 file that no build made; "

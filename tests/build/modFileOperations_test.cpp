@@ -55,17 +55,24 @@ TEST_CASE("removals write their line first, and report what stays") {
     const std::string file = folder.Write("tree\\sub\\x.txt", "x");
     const std::string readOnly = folder.Write(R"(tree\sub\deep\read-only.txt)", "x");
     SetFileAttributesA(readOnly.c_str(), FILE_ATTRIBUTE_READONLY);
-    const std::string locked = folder.Write("tree\\sub\\a-locked.txt", "x");
+    const std::string locked = folder / "tree\\sub\\a-locked.dll";
+    CopyFileOver(std::string(_pgmptr), locked);
+    SetFileAttributesA(locked.c_str(), FILE_ATTRIBUTE_READONLY);
     std::wstring deep = LongPath(Widen(folder / "tree\\sub")); // until it is too long for the rest
     for (int level = 0; level < 3; ++level)
         REQUIRE(CreateDirectoryW((deep += L"\\" + std::wstring(100, L'd')).c_str(), nullptr) != 0);
+    inputs.installFolder.Mark();
     const auto sub = clsRemovableTree::Below(inputs.installFolder, "\\sub");
     DeleteFileLogged(context, file);
     CHECK_THROWS_AS(DeleteFileLogged(context, file), Failure);
     {
-        const FileHandle lock = OpenExclusively(locked);
-        CHECK_FALSE(DeleteFolderLogged(context, sub));
+        // What is loaded is not merely open: it seems to be the attribute that keeps it.
+        const UniqueHandle<FreeLibrary, HMODULE> lock(
+            LoadLibraryExA(locked.c_str(), nullptr, DONT_RESOLVE_DLL_REFERENCES));
+        CHECK_FALSE(DeleteFolderLogged(context, clsRemovableTree::Of(inputs.installFolder)));
     }
+    CHECK((GetFileAttributesA(locked.c_str()) & FILE_ATTRIBUTE_READONLY) != 0);
+    CHECK(inputs.installFolder.Content().kind == FolderContent::Kind::EarlierBuild); // still marked
     CHECK_FALSE(FileExists(readOnly));
     REQUIRE(frontEnd.problems.size() == 1);
     CHECK(frontEnd.problems[0].starts_with(locked + ": not removed, "));

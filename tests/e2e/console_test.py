@@ -138,6 +138,7 @@ class Console(SaidTest):
         them: where it cannot remove a link, nothing is written."""
         outside = self.make_outside()
         for name, target in (("Plugin", "."), ("old.txt", "kept.txt"), ("veskbuild.unfinished", "kept.txt"),
+                             ("veskbuild.unfinished.vesk-new", "kept.txt"),
                              ("input.inf", "kept.txt"), ("readme.txt", "new.txt"),
                              ("Plugin/100_tools/100_tools.inf", "new.txt")):
             for others in (["pebuilder.exe", "sub/old.txt"], ["sub/old.txt"]):

@@ -12,7 +12,9 @@ bool PumpUntil(Condition&& condition, DWORD milliseconds = 10000) {
         const DWORD elapsed = GetTickCount() - start;
         if (elapsed >= milliseconds)
             return false;
-        MsgWaitForMultipleObjects(0, nullptr, FALSE, milliseconds - elapsed, QS_ALLINPUT);
+        // Returns also for what an earlier call left in the queue when its time was up.
+        MsgWaitForMultipleObjectsEx(0, nullptr, milliseconds - elapsed, QS_ALLINPUT,
+                                    MWMO_INPUTAVAILABLE);
         MSG message;
         // Looks at the clock between messages too: some faults keep them coming.
         while (!condition() && GetTickCount() - start < milliseconds &&

@@ -67,13 +67,13 @@ class Peers(unittest.TestCase):
         run = run_in_wine([WINE, TOOL, *map(str, arguments)], check=True)
         return run.stdout.decode("latin-1").replace("\r", "").splitlines()
 
-    def run_sessions(self, proxy, downloads, timeout=20):
+    def run_sessions(self, proxy, downloads, timeout=20, *options):
         """Downloads are pairs of checksum and addresses. Returns (result, size of the file, size of
         the partial one, reason) of each; what they left open is checked and cut off."""
         words = [word for crc, urls in downloads for word in (crc or "-", urls)]
         through = [] if proxy == "direct" else ["--proxy", proxy]
         rows = [line.split("|", 5) for line in self.run_tool(
-            "--session", timeout, *through, windows_path(self.target), *words)]
+            "--session", timeout, *through, *options, windows_path(self.target), *words)]
         self.assertEqual({row[3] for row in rows}, {"0 objects, 0 sockets, 0 lookups, 0 windows"})
         # The first download loads what later ones share; from then on nothing may be added.
         handles = [int(row[4]) for row in rows[1:]]
@@ -228,8 +228,10 @@ class Peers(unittest.TestCase):
             (CRC, "http://a/silent,http://b/none,http://c/good"),
             (CRC, "http://a/half,http://b/none,http://c/good"),
             (CRC, "http://a/none,http://b/none,http://c/none"),
+            (CRC, ",".join(f"http://{host}/none" for host in "vwabc")),  # of so many the last ones
             (CRC, "http://a/none, http://b/a\tb ,http://c/good")], 1)], [
                 (DONE, ""), (DONE, ""), (FAILED, f"a{missing}; b{missing}; c{missing}"),
+                (FAILED, "; ".join(host + missing for host in "wabc")),
                 (FAILED, f'a{missing}; "http://b/a b": the address holds a control character')])
 
     def test_who_cannot_be_reached(self):
@@ -269,6 +271,12 @@ class Peers(unittest.TestCase):
                 self.assertEqual(self.run_sessions(proxy, [(CRC, "http://h/x")]), [(DONE, "4096", "none", "")])
                 self.assertEqual(self.target.read_bytes(), BODY)
                 self.target.unlink()
+        self.target.write_bytes(OLD)
+        self.target.chmod(0o444)
+        (result, *_), = self.run_sessions(proxy, [(CRC, "http://h/x")], 20, "--held", 1)
+        self.assertEqual((result, self.target.read_bytes()), (FAILED, OLD))
+        self.assertFalse(self.target.stat().st_mode & 0o222)
+        self.target.unlink()
         for name, verb, partial in ((self.target, "replace", "4096"), (self.partial, "create", "none")):
             self.partial.unlink(missing_ok=True)
             name.mkdir()  # nothing can take its place

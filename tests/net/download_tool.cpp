@@ -4,9 +4,10 @@
 //   TARGET
 // prints every event of one download as a line (--only-time: only how long it took).
 //
-//   download_tool --session SECONDS [--proxy HOST:PORT] TARGET [CHECKSUM|- URLS]...
-// runs sessions one after the other, each given up after so many seconds of silence, and prints of
-// each its result, the sizes of its two files, what it left open, and the reason.
+//   download_tool --session SECONDS [--proxy HOST:PORT] [--held 1] TARGET [CHECKSUM|- URLS]...
+// runs sessions one after the other, each given up after so many seconds of silence and with the
+// target open elsewhere if it is to be held, and prints of each its result, the sizes of its two
+// files, what it left open, and the reason.
 #include "net/MessagePump.h"
 #include "net/clsDownload.h"
 #include "net/clsDownloadSession.h"
@@ -152,6 +153,10 @@ void RunSession(const Options& options, const std::string& crc, const std::strin
     const std::string& target = options.names.at(0);
     DownloadOutcome outcome;
     {
+        FileHandle held;
+        if (options.Has("--held"))
+            held.Reset(
+                CreateFileA(target.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
         Waiter waiter;
         clsDownloadSession session(waiter, {urls, target, crc == "-" ? "" : crc}, options.proxy);
         session.SetTimeout(static_cast<std::uint32_t>(std::stoul(options.Text("--session"))));

@@ -36,6 +36,7 @@ TEST_CASE("what is no source changes nothing; a file, and a drive's letter, stan
                  {folder / "missing", folder / "missing"},
                  {folder / "good\\missing.txt", folder / "good\\missing.txt"},
                  {inRoot, root},
+                 {root, root},
                  {root.substr(0, 2), root},
              }) {
             CAPTURE(path);

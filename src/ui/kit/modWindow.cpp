@@ -8,6 +8,7 @@
 #include <commctrl.h>
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 
 namespace vesk {
@@ -23,6 +24,24 @@ bool IsDialogWindow(HWND window) {
 
 LONG HeightOf(const RECT& area) {
     return area.bottom - area.top;
+}
+
+/// Enter, or the letter of a button, from a key that is held down. Whoever takes letters gets them
+/// all.
+bool IsRepeatedPress(const MSG& message) {
+    constexpr LPARAM kWasDown = LPARAM{1} << 30;
+    if ((message.lParam & kWasDown) == 0)
+        return false;
+    switch (message.message) {
+    case WM_KEYDOWN:
+        return message.wParam == VK_RETURN;
+    case WM_SYSCHAR:
+        return true;
+    case WM_CHAR:
+        return (SendMessageA(message.hwnd, WM_GETDLGCODE, 0, 0) & DLGC_WANTCHARS) == 0;
+    default:
+        return false;
+    }
 }
 
 LOGFONTA DescribeFont(HFONT font) {
@@ -126,7 +145,8 @@ void DispatchForDialogs(MSG& message) {
     const bool isKey = message.message >= WM_KEYFIRST && message.message <= WM_KEYLAST;
     if (root && isKey && !IsWindowEnabled(root))
         return;
-    if (root && IsDialogWindow(root) && IsDialogMessageW(root, &message))
+    if (root && IsDialogWindow(root) &&
+        (IsRepeatedPress(message) || IsDialogMessageW(root, &message)))
         return;
     TranslateMessage(&message);
     DispatchMessageW(&message);
@@ -250,6 +270,30 @@ void LetWindowsPaint() {
     for (int i = 0; i < kMost && PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE | PM_QS_PAINT);
          ++i)
         DispatchMessageA(&message);
+}
+
+void DiscardInput() {
+    struct Range {
+        UINT first, last;
+    };
+    // The last one: fingers and pens, from which systems since Windows 8 make clicks later.
+    static constexpr std::array<Range, 3> kInput{
+        {{WM_KEYFIRST, WM_KEYLAST}, {WM_MOUSEFIRST, WM_MOUSELAST}, {0x0240, 0x0257}}};
+    MSG message{};
+    for (const Range& range : kInput) {
+        while (PeekMessageW(&message, nullptr, range.first, range.last, PM_REMOVE)) {
+            if (message.message == WM_QUIT) { // comes through every range
+                PostQuitMessage(static_cast<int>(message.wParam));
+                return;
+            }
+        }
+    }
+    ReleaseCapture(); // a pressed button would wait for its release, which may be among the clicks
+}
+
+void PaintBeforeInput(HWND window) {
+    RedrawWindow(window, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
+    DiscardInput();
 }
 
 } // namespace vesk

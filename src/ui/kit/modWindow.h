@@ -55,7 +55,8 @@ RECT WorkAreaOf(HWND window);
 /// keeps it on the monitor.
 void CenterWindow(HWND window);
 
-/// Handles one message: dialogs get their keyboard navigation, the rest is dispatched.
+/// Handles one message: dialogs get their keyboard navigation, the rest is dispatched. A key that is
+/// held down presses one button only, and not that of what the first one has brought up.
 void DispatchForDialogs(MSG& message);
 
 /// Handles every message that waits now. A request to end the program is put back for the main
@@ -106,6 +107,13 @@ void MatchHeight(HWND combo, HWND textField);
 
 /// Draws what is to be drawn while something takes long; keys and clicks wait for its end.
 void LetWindowsPaint();
+
+/// Forgets the keys and clicks that wait: they were not meant for what is shown next.
+void DiscardInput();
+
+/// Draws a window with its controls at once, and forgets the keys and clicks of before, which
+/// nobody made with what it shows in view.
+void PaintBeforeInput(HWND window);
 
 /// A copy of the font with another weight, and a size as a percentage of the font's own.
 GdiHandle DerivedFont(HFONT font, LONG weight, int percent);

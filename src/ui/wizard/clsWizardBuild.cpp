@@ -80,8 +80,10 @@ void clsWizardBuild::SetStatus(const std::string& caption) {
     page_.SetStatus(caption);
 }
 
-/// With Yes as its default button, as everywhere: what would be lost stands on the page before.
+/// With Yes as its default button, as everywhere: what would be lost stands on the page before. A
+/// key of before does not press it.
 bool clsWizardBuild::AskYesNo(const std::string& question, const std::string& title) {
+    DiscardInput();
     return ShowMessage(wizard_, question, title, MB_YESNO | MB_ICONQUESTION) == IDYES;
 }
 

@@ -151,6 +151,9 @@ void frmBuilder::GoTo(Page page) {
     EnableWindow(Control(IDC_CMD_BACK), NextStep(page, WizardButton::Back) != NavigationStep{});
     if (IsWindowVisible(Window()))
         FocusPage();
+    // It takes a while to come up, and the next click there empties a folder.
+    if (page == Page::Summary)
+        PaintBeforeInput(Window());
 }
 
 void frmBuilder::ShowPageWindow(Page page) {
@@ -240,7 +243,9 @@ void frmBuilder::OnCommand(WPARAM wparam, LPARAM lparam) {
     }
 }
 
+/// The look at a folder may take long: the answer is to be given by who sees the refusal.
 void frmBuilder::Refuse(const FolderRefused& refusal) const {
+    DiscardInput();
     ShowMessage(Window(), refusal.what(), kProductName, MB_OK | MB_ICONWARNING);
 }
 

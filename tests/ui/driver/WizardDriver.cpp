@@ -378,8 +378,9 @@ void WizardDriver::ChangeDpi(HWND dialog, int dpi, const RECT& place) const {
     VirtualFreeEx(process_.Get(), there, 0, MEM_RELEASE);
 }
 
-void DoubleClickFirstLine(HWND list, int left) {
-    const LPARAM at = MAKELPARAM(left, FirstLineOf(list).y);
+void DoubleClickLine(HWND list, int line, int left) {
+    const LONG down = line * HIWORD(SendMessageA(list, LVM_GETITEMSPACING, TRUE, 0));
+    const LPARAM at = MAKELPARAM(left, FirstLineOf(list).y + down);
     for (const UINT message : {WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_LBUTTONUP})
         PostMessageA(list, message, MK_LBUTTON, at);
 }

@@ -40,9 +40,9 @@ inline bool IsIn(const RECT& outer, const RECT& inner) {
     return IntersectRect(&common, &outer, &inner) && EqualRect(&common, &inner);
 }
 
-/// Clicks twice on a list view's first line; does not wait for what that does.
+/// Clicks twice on a line of a list view that is in sight; does not wait for what that does.
 /// @param left pixels from the list's edge
-void DoubleClickFirstLine(HWND list, int left = 60);
+void DoubleClickLine(HWND list, int line, int left = 60);
 
 /// Puts a text into a field of a dialog.
 inline void TypeIn(HWND dialog, int field, const std::string& text) {

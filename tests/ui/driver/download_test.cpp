@@ -12,8 +12,10 @@ namespace {
 struct HalfDownload {
     explicit HalfDownload(HalfServer& server) {
         const std::string crc = clsCRC().CalculateFile(program.Folder().Write("x", server.Body()));
-        program.catalogue.plugins = {
-            {"Remote", "remote.zip", "100", true, false, "http://127.0.0.1/remote.zip", crc}};
+        const std::string none = "http://" + server.Host() + "/none";
+        program.catalogue.plugins = {{"Remote", "remote.zip", "100", true, false,
+                                      none + ",http://" + server.Host() + "/remote.zip," + none,
+                                      crc}};
         program.Save();
         wizard = std::make_unique<Wizard>(program);
         wizard->GoToSummary();
@@ -57,12 +59,14 @@ TEST_CASE("a download shows its progress, goes on after No and ends after Yes") 
     REQUIRE(server.IsReady());
     const HalfDownload download(server);
     const HWND dialog = download.dialog;
+    const std::string missing = server.Host() + " port 80: HTTP/1.1 404 Not Found";
     const auto text = [&](int id) { return TextIn(dialog, id); };
 
     SUBCASE("finished") {
         CHECK(TextOf(dialog) == "Downloading - 1,500 Mb of 3,000 Mb");
         CHECK(SendDlgItemMessageA(dialog, IDC_SHP_PROGRESS, PBM_GETPOS, 0, 0) == 1942);
         CHECK(text(IDC_LBL_FILE_NAME) == "remote.zip");
+        CHECK(text(IDC_LBL_REASON) == "Another address failed: " + missing);
         AWAIT(*download.wizard, download.wizard->IsTidy(dialog));
         CHECK_FALSE(IsWindowEnabled(download.wizard->Window()));
         CHECK((GetWindowLongA(dialog, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0);
@@ -77,7 +81,7 @@ TEST_CASE("a download shows its progress, goes on after No and ends after Yes") 
         CHECK(TextIn(question, 0xFFFF) == "Are you sure you want to cancel download");
         server.HangUp();
         AWAIT(*download.wizard, text(IDC_LBL_DETAIL) == "The download failed.");
-        CheckStarts(text(IDC_LBL_REASON), "127.0.0.1 port 80: 1,500,");
+        CheckStarts(text(IDC_LBL_REASON), missing + "; " + server.Host() + " port 80: 1,500,");
         CHECK(text(IDC_LBL_REASON).ends_with(" bytes came"));
         CHECK(FileExists(download.program.Path() + "remote.zip.vesk-part"));
         CHECK_FALSE(FileExists(download.program.Path() + "remote.zip"));

@@ -130,14 +130,15 @@ TEST_CASE("the check goes through the edited catalogue and leads to the entry") 
                 {IDC_CMD_GO_TO, {200, 100, 200, 100}},
                 {IDCANCEL, {200, 100, 200, 100}}},
                [&] { CHECK(columnsWidth() > listWidth); });
-    SendMessageA(list, WM_KEYDOWN, VK_END, 1);
-    CHECK_FALSE(IsWindowEnabled(GetDlgItem(dialog, IDC_CMD_GO_TO))); // the digests are no entry
-    SendMessageA(list, WM_KEYDOWN, VK_UP, 1);
-    CHECK(TextIn(dialog, IDC_TXT_PROBLEM) == "plug-in \"Beta\": there is no category \"gone\"");
+    DoubleClickLine(list, 2); // which leads nowhere
+    AWAIT(editor, !IsWindowEnabled(GetDlgItem(dialog, IDC_CMD_GO_TO)));
+    PostMessageA(list, WM_KEYDOWN, VK_UP, 1);
+    AWAIT(editor,
+          TextIn(dialog, IDC_TXT_PROBLEM) == "plug-in \"Beta\": there is no category \"gone\"");
     editor.Answer(dialog, IDC_CMD_GO_TO);
     AWAIT(editor, editor.Text(IDC_TXT_BASE_PLUGIN) == "Beta");
     editor.Click(IDC_CMD_CHECK);
-    DoubleClickFirstLine(GetDlgItem(editor.AwaitDialog("Check"), IDC_LST_PROBLEMS));
+    DoubleClickLine(GetDlgItem(editor.AwaitDialog("Check"), IDC_LST_PROBLEMS), 0);
     AWAIT(editor, editor.Focus() == editor.Control(IDC_TXT_BASE));
 
     editor.Choose(category, 0);

@@ -67,6 +67,7 @@ TEST_CASE("the password of an archive is asked for, again while it is wrong, and
     const Wizard wizard(program);
     wizard.GoToSummary();
     wizard.Click(IDC_CMD_NEXT);
+    const HWND bar = wizard.Control(IDC_BAR_OVERALL);
     const auto answer = [&](const std::string& text, const std::string& name) {
         const HWND box = wizard.AwaitDialog("Please Enter The Password!");
         if (!name.empty())
@@ -78,6 +79,7 @@ TEST_CASE("the password of an archive is asked for, again while it is wrong, and
         TypeIn(box, IDC_TXT_PASSWORD, text);
         CHECK((IsWindowEnabled(GetDlgItem(box, IDOK)) == FALSE) == text.empty());
         CHECK((GetWindowLongA(field, GWL_STYLE) & ES_PASSWORD) != 0);
+        CHECK(SendMessageA(bar, PBM_GETPOS, 0, 0) == (text.empty() ? 500 : 333));
         wizard.Answer(box, text.empty() ? IDCANCEL : IDOK);
     };
     answer("nope", "password");
@@ -248,4 +250,25 @@ TEST_CASE("a catalogue that was read in part is built from only when the user sa
     wizard.AnswerBox("Confirmation", IDYES);
     wizard.AwaitFinish();
     CHECK(ReadWholeFile(mine) == "stand-in");
+}
+
+TEST_CASE("a key from before the summary is in view, or one held down, does not start the build") {
+    const ProgramFolder program;
+    const std::string mine = program.Folder().Write("tree\\mine.txt", "keep");
+    const Wizard wizard(program);
+    wizard.Next(kBaseHeading);
+    wizard.SetText(IDC_TXT_PROG_PATH, program.Tree());
+    wizard.Next(kPluginsHeading);
+    const HWND next = wizard.Control(IDC_CMD_NEXT);
+    const UniqueHandle<::CloseHandle, HANDLE> thread(OpenThread(
+        THREAD_SUSPEND_RESUME, FALSE, GetWindowThreadProcessId(wizard.Window(), nullptr)));
+    SuspendThread(thread.Get()); // all of the keys wait before the first one works
+    for (int i = 0; i < 3; ++i)
+        PostMessageA(next, WM_KEYDOWN, VK_RETURN, 1);
+    ResumeThread(thread.Get());
+    AWAIT(wizard, wizard.Heading() == kSummaryHeading);
+    CHECK(wizard.IsShown(IDC_LBL_FOREIGN));
+    PostMessageA(next, WM_KEYDOWN, VK_RETURN, 1 | 1 << 30);
+    wizard.GoTo(IDC_CMD_BACK, kPluginsHeading);
+    CHECK(FileExists(mine));
 }

@@ -197,7 +197,7 @@ TEST_CASE("an entry's details open by a double click, with a long name as a whol
     CHECK(WaitUntil([&] { return !IsWindowVisible(tip); }, 15000));
 
     for (const int left : {8, 8, 60}) // twice on the tick, which is then what it was
-        DoubleClickFirstLine(list, left);
+        DoubleClickLine(list, 0, left);
     const HWND dialog = wizard.AwaitDialog("Component");
     wizard.CheckShows(dialog, "details");
     const HWND field = GetDlgItem(dialog, IDC_LBL_ITEM_NAME);

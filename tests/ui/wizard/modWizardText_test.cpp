@@ -42,7 +42,7 @@ TEST_CASE("what the wizard's pages say of a catalogue and its archives") {
     tell(PeBuilderWarning(peBuilder, missing)); // downloaded
 
     for (const auto& [rate, left] :
-         {std::pair{0, 5}, {1500, -1}, {2500000, 1}, {50000, 119}, {50000, 150}})
+         {std::pair{0, 5}, {1, 0}, {1, 120}, {1500, -1}, {2500000, 1}, {50000, 119}, {50000, 150}})
         tell(RateText(rate, left));
     DownloadProgress progress;
     progress.bytesPerSecond = 5e7;
