@@ -206,22 +206,26 @@ TEST_CASE("an impossible folder is refused when its page is left for the next on
 
 TEST_CASE("without a catalogue nothing is built, and the editor is one click away") {
     const ProgramFolder program;
-    RemoveFile(program.Path() + kCatalogueFileName);
+    const std::string file = program.Path() + kCatalogueFileName;
     const std::string mine = program.Folder().Write("tree\\pebuilder.exe", "keep");
-    const Wizard wizard(program);
-    SUBCASE("the editor") {
-        CheckHolds(wizard.AnswerBox("Vesk Builder", IDYES), "there is no such file");
+    const auto opensEditor = [&](const std::string& fault, const std::string& state) {
+        const Wizard wizard(program);
+        CheckHolds(wizard.AnswerBox("Vesk Builder", IDYES), fault);
         const HWND editor = wizard.AwaitDialog("Plugin Setup");
-        AWAIT(wizard, TextIn(editor, IDC_LBL_STATE) == "A new catalogue, not saved yet.");
+        AWAIT(wizard, TextIn(editor, IDC_LBL_STATE) == state);
         CHECK(IsWindowEnabled(editor)); // nothing is asked a second time
-    }
-    SUBCASE("the wizard") {
-        wizard.AnswerBox("Vesk Builder", IDNO);
-        wizard.GoToSummary();
-        CheckHolds(wizard.ClickAndAnswer(IDC_CMD_NEXT, "Vesk Builder", IDOK), "-setup");
-        CHECK(wizard.Heading() == kSummaryHeading);
-        CHECK(FileExists(mine));
-    }
+    };
+    WriteCompleteFile(file, "[Install]\r\n");
+    opensEditor("", "Not all of the file could be read.");
+    RemoveFile(file);
+    opensEditor("there is no such file", "A new catalogue, not saved yet.");
+
+    const Wizard wizard(program);
+    wizard.AnswerBox("Vesk Builder", IDNO);
+    wizard.GoToSummary();
+    CheckHolds(wizard.ClickAndAnswer(IDC_CMD_NEXT, "Vesk Builder", IDOK), "-setup");
+    CHECK(wizard.Heading() == kSummaryHeading);
+    CHECK(FileExists(mine));
 }
 
 TEST_CASE("a catalogue that was read in part is built from only when the user says so") {
