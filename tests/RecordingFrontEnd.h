@@ -20,6 +20,7 @@ public:
     std::optional<BuildOutcome> outcome;
     std::size_t done = 0, total = 0;
     std::vector<double> fractions; ///< Of the whole run, as they came.
+    std::size_t events = 0;        ///< How often pending events could run.
 
     bool answer = true;
     /// What a download does and gives; by default it fails.
@@ -52,7 +53,7 @@ public:
         return {download ? download(request.destination) : DownloadResult::Failed,
                 "the test said no"};
     }
-    void LetEventsRun() override {}
+    void LetEventsRun() override { ++events; }
     void SetProgress(const BuildProgress& progress) override {
         done = progress.componentsDone;
         total = progress.componentCount;

@@ -10,9 +10,9 @@ constexpr const char* kTitle = "Vesk canary";
 /// Keeps the system's own processes alive for the tests: they end with the last program, and those
 /// that show windows with the last window.
 int Wait() {
-    constexpr DWORD kHalfAnHour = 30 * 60 * 1000;
+    constexpr DWORD kLongerThanAllTests = 90 * 60 * 1000; // milliseconds
     CreateWindowA("STATIC", kTitle, WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
-    Sleep(kHalfAnHour);
+    Sleep(kLongerThanAllTests);
     return 0;
 }
 
@@ -20,7 +20,7 @@ int Wait() {
 /// processes: they would hold its output open for as long as they live.
 int Awaited() {
     constexpr DWORD kPause = 50; // milliseconds
-    for (int tries = 0; tries < 600; ++tries, Sleep(kPause)) {
+    for (int tries = 0; tries < 2400; ++tries, Sleep(kPause)) {
         if (FindWindowA("STATIC", kTitle) != nullptr)
             return 0;
     }
@@ -29,7 +29,7 @@ int Awaited() {
 
 } // namespace
 
-/// Says that it ran. With "wait" it stays for half an hour; with "awaited" it returns when another
+/// Says that it ran. With "wait" it stays for an hour and a half; with "awaited" it returns when another
 /// one does so; with any other argument it returns 3.
 int main(int argc, char** argv) {
     const std::string_view word = argc > 1 ? argv[1] : "";

@@ -115,7 +115,7 @@ def mount_disk(place, size):
 
 def unmount_disk(place):
     """Something may look into it just now: that is waited for."""
-    for _ in range(5):
+    for _ in range(100):
         if place.is_mount() and subprocess.run(["umount", place], capture_output=True, check=False).returncode:
             time.sleep(0.2)
     if place.is_mount():

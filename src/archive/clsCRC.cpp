@@ -90,10 +90,11 @@ std::string clsCRC::CalculateFile(const std::string& path, const std::function<v
     constexpr std::size_t kPiece = std::size_t{256} * 1024;
     const auto piece = std::make_unique_for_overwrite<std::byte[]>(kPiece);
     std::setvbuf(file.get(), nullptr, _IONBF, 0);
-    Clear();
     constexpr std::size_t kPiecesBetweenCalls = 16;
     std::size_t pieces = 0;
     while (const std::size_t count = std::fread(piece.get(), 1, kPiece, file.get())) {
+        if (pieces == 0) // nothing is computed without any
+            Clear();
         AddBytes({piece.get(), count});
         if (++pieces % kPiecesBetweenCalls == 0 && meanwhile)
             meanwhile();

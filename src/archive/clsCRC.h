@@ -30,7 +30,8 @@ public:
     std::int32_t CalculateString(std::string_view text);
 
     /// Checksum of a whole file as upper-case hexadecimal text without leading zeros ("12ABCD"):
-    /// the form that the catalogue holds. Empty for a missing, unreadable or empty file.
+    /// the form that the catalogue holds. Empty for a missing, unreadable or empty file,
+    /// which leave the register as it was when nothing could be read.
     /// @param meanwhile called every few megabytes, so that a window stays alive
     std::string CalculateFile(const std::string& path, const std::function<void()>& meanwhile = {});
 

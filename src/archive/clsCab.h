@@ -55,10 +55,11 @@ public:
     std::int32_t FileCount();
 
     /// Writes the member FileToExtract, or every member, below the destination folder, over
-    /// existing files (read-only ones, too), and creates the folders it needs. Members get their
-    /// stored names, times and attributes; of two with one name the later one stays. A member whose
-    /// name leads elsewhere is left out. One that is damaged or cannot be written ends nothing but
-    /// itself; when it is through, the method throws the failure of the first of those.
+    /// existing files (read-only ones, too), and creates the folders it needs, but none
+    /// when no member is wanted. Members get their stored names, times and attributes; of two with
+    /// one name the later one stays. A member whose name leads elsewhere is left out. One that is
+    /// damaged or cannot be written ends nothing but itself; when it is through, the method throws
+    /// the failure of the first of those.
     void Extract();
 
     /// Does and reports all that Extract does except the writing, with the names for target paths.

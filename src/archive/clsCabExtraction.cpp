@@ -17,6 +17,7 @@
 #include <cstdint>
 #include <exception>
 #include <string>
+#include <utility>
 
 namespace vesk {
 
@@ -57,7 +58,9 @@ void clsCabExtraction::Prepare() {
         JudgeCabNames(directory_); // first: what is not extracted lends its data to no other member
         order_ = JudgeCabEntries(directory_);
         const std::string& folder = iteration_.Destination();
-        if (mode_ == Mode::Extract)
+        if (mode_ == Mode::Extract &&
+            std::ranges::any_of(directory_.entries,
+                                [&](const CabEntry& entry) { return iteration_.Matches(entry); }))
             target_ = clsExtractionTarget(
                 folder.empty() ? ParentOf(AbsolutePath(iteration_.CabName())) : folder);
     } catch (const std::exception& failure) {
@@ -69,22 +72,45 @@ void clsCabExtraction::Prepare() {
 }
 
 void clsCabExtraction::ExtractAll() {
-    for (std::size_t start = 0; start < order_.size(); start += group_.size()) {
+    for (std::size_t start = 0; start < order_.size();) {
         const auto folder = [this](std::size_t at) {
             return directory_.entries[order_[at]].folder;
         };
         std::size_t end = start;
         while (end < order_.size() && folder(end) == folder(start))
             ++end;
-        group_ = std::span(order_).subspan(start, end - start);
-        ExtractGroup();
+        ExtractGroup(std::span(order_).subspan(start, end - start));
+        ExtractLeft();
+        start = end;
     }
     target_.FinishFolders([this](std::size_t number, std::uint32_t error) {
         Tell(NotStamped(ShownName(directory_.entries[number]), error));
     });
 }
 
-void clsCabExtraction::ExtractGroup() {
+/// Reads the data once more for members whose twin was not kept, which may have had reasons of its
+/// own. Once only: how often a small cabinet can have its data unpacked has a limit.
+void clsCabExtraction::ExtractLeft() {
+    const std::vector<std::size_t> left = std::exchange(left_, {});
+    std::optional<std::size_t> lost;
+    std::size_t first = 0; // of those that have the same data
+    for (const std::size_t index : left) {
+        CabEntry& entry = directory_.entries[index];
+        if (entry.twin == lost) {
+            entry.twin = first;
+            directory_.entries[first].hasTwin = true;
+        } else {
+            lost = std::exchange(entry.twin, std::nullopt);
+            first = index;
+        }
+    }
+    isSecondTime_ = true;
+    ExtractGroup(left);
+    isSecondTime_ = false;
+}
+
+void clsCabExtraction::ExtractGroup(std::span<const std::size_t> group) {
+    group_ = group;
     cursor_ = 0;
     readable_.clear();
     std::vector<std::size_t> entries;
@@ -129,6 +155,8 @@ void clsCabExtraction::HandleUnread(std::size_t place) {
             Fail(entry, {entry.leftOut ? 0 : kCabDamaged, NotExtracted("", entry.refusal)});
         else if (IsCabFolderEntry(entry))
             CreateFolderOf(entry);
+        else if (entry.twin && isUnpacked_ && kept_ != entry.twin && !isSecondTime_)
+            return left_.push_back(NumberOf(entry));
         else if (entry.twin && isUnpacked_)
             CopyTwin(entry);
         else if (entry.size != 0 && isUnpacked_)
@@ -227,6 +255,8 @@ void clsCabExtraction::End() {
 }
 
 bool clsCabExtraction::IsWanted(const CabEntry& entry) {
+    if (isSecondTime_) // the owner said so the first time
+        return true;
     bool cancel = false;
     iteration_.Raise(
         [&](CabEvents& owner) { owner.OnBeforeExtract(cancel, CabMemberName(entry)); });
@@ -270,6 +300,14 @@ void clsCabExtraction::Keep(const CabEntry& entry) {
     MemberContent content{NumberOf(entry), entry.size, std::nullopt};
     if (isUnpacked_)
         content.crc = isCopy_ ? keptCrc_ : static_cast<std::uint32_t>(crc_.Value());
+    const bool isSmall = !file_;
+    const auto lend = [&] {
+        kept_ = content.number;
+        keptBytes_ = held_;
+        keptCrc_ = content.crc.value_or(0);
+    };
+    if (entry.hasTwin && isSmall) // whether it can be written or not
+        lend();
     AddedFile added;
     try {
         added =
@@ -278,11 +316,8 @@ void clsCabExtraction::Keep(const CabEntry& entry) {
         return Fail(entry, {CabNumberOf(failure), FailureOf("", failure)});
     }
     file_.reset(); // an event may look at it
-    if (entry.hasTwin && (added.isWritten || mode_ == Mode::Test || !held_.empty())) {
-        kept_ = NumberOf(entry);
-        keptBytes_ = held_;
-        keptCrc_ = content.crc.value_or(0);
-    }
+    if (entry.hasTwin && !isSmall && (added.isWritten || mode_ == Mode::Test))
+        lend();
     iteration_.Raise(
         [&](CabEvents& owner) { owner.OnAfterExtract(Narrowed(WithoutLongPrefix(path))); });
     if (const auto& both = added.overwriting)

@@ -38,7 +38,8 @@ private:
 
     void Prepare();
     void ExtractAll();
-    void ExtractGroup();
+    void ExtractGroup(std::span<const std::size_t> group);
+    void ExtractLeft();
     void HandleUnreadUpTo(std::size_t end);
     void HandleUnread(std::size_t place);
     void CreateFolderOf(const CabEntry& entry);
@@ -74,6 +75,8 @@ private:
     std::span<const std::size_t> group_; ///< Members of the folder at hand, in order.
     bool isUnpacked_ = true;             ///< The reader is asked for them at all.
     std::vector<std::size_t> readable_;  ///< Places in the group that the reader is given.
+    std::vector<std::size_t> left_;      ///< Members wanted whose twin was not kept, in order.
+    bool isSecondTime_ = false;          ///< The folder is read once more, for those.
     std::size_t cursor_ = 0;             ///< Place in the group of the next member to deal with.
     Trouble unread_; ///< Why readable members of the group were not reached by the reader.
 

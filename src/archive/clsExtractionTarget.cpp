@@ -60,13 +60,19 @@ void CreatePlainFolder(const std::wstring& path) {
         throw ArchiveProblem("its path leads through a link");
     if ((attributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
         throw ArchiveProblem("its path leads through a file");
+    // Two folders of the archive would become one, and their files each other's.
+    if (IsShortName(path))
+        throw ArchiveProblem("its path leads through the short name of another folder");
 }
 
 /// A file system may take long to find out that it cannot hold a file.
 void CheckFreeSpace(std::wstring_view folder, std::uint64_t size) {
     ULARGE_INTEGER free{};
+    ULARGE_INTEGER total{};
     const std::wstring name(folder);
-    if (GetDiskFreeSpaceExW(name.c_str(), &free, nullptr, nullptr) != 0 && free.QuadPart < size)
+    // Some file systems of servers say 0 of 0: then they know neither.
+    if (GetDiskFreeSpaceExW(name.c_str(), &free, &total, nullptr) != 0 && total.QuadPart > 0 &&
+        free.QuadPart < size)
         ThrowSystemError(ERROR_DISK_FULL, "cannot write into", Narrowed(WithoutLongPrefix(name)));
 }
 

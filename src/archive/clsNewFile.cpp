@@ -18,16 +18,6 @@ namespace {
     ThrowSystemError(error, what, Narrowed(WithoutLongPrefix(path)));
 }
 
-/// Whether a path ends in the short name that the system gave to a file with another name.
-bool IsShortName(const std::wstring& path) {
-    const std::wstring name = path.substr(path.rfind(L'\\') + 1);
-    if (name.find(L'~') == std::wstring::npos)
-        return false;
-    WIN32_FIND_DATAW found{};
-    const FindHandle search(FindFirstFileW(path.c_str(), &found));
-    return search && lstrcmpiW(found.cFileName, name.c_str()) != 0;
-}
-
 /// Whether an old file may be replaced. @throws ArchiveProblem for what is no plain file, or
 /// another one
 void CheckReplaceable(const std::wstring& path) {
@@ -51,6 +41,15 @@ DWORD WhyNotReplaced(const std::wstring& path, DWORD error) {
 }
 
 } // namespace
+
+bool IsShortName(const std::wstring& path) {
+    const std::wstring name = path.substr(path.rfind(L'\\') + 1);
+    if (name.find(L'~') == std::wstring::npos)
+        return false;
+    WIN32_FIND_DATAW found{};
+    const FindHandle search(FindFirstFileW(path.c_str(), &found));
+    return search && lstrcmpiW(found.cFileName, name.c_str()) != 0;
+}
 
 std::uint32_t SetTimes(HANDLE handle, const FileStamp& stamp) {
     const auto pointer = [](const std::optional<FILETIME>& time) {

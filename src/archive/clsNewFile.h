@@ -17,6 +17,10 @@ struct FileStamp {
     DWORD error = ERROR_SUCCESS; ///< Why a time that is stored is not among them.
 };
 
+/// Whether a path ends in the short name that the system gave to a file or folder with another one.
+/// @param path as LongPath gives it
+bool IsShortName(const std::wstring& path);
+
 /// Sets those times of a file or folder that the stamp has.
 /// @return the system's error code, 0 when all is well
 std::uint32_t SetTimes(HANDLE handle, const FileStamp& stamp);

@@ -50,7 +50,9 @@ ExtractionOutcome SingleEntryUnzip(const DCL& options, const UnzipCallbacks& cal
 /// Extracts every member of a ZIP archive below the target folder, with its stored folders, times
 /// and attributes, over existing files and without a question. With an empty target folder the
 /// archive is listed instead. What could not be extracted is in the result, and a line in
-/// the message buffer; the rest is extracted. Throws nothing but what a callback throws.
+/// the message buffer; the rest is extracted. Members that are neither stored nor deflated are
+/// refused by design, with the method's name as the reason. Throws nothing but what a callback
+/// throws.
 ExtractionOutcome UnzipFile(const std::string& zipPath, const std::string& targetFolder,
                             const UnzipCallbacks& callbacks = {});
 

@@ -21,7 +21,7 @@ struct Failure : std::runtime_error {
           reason(std::move(why)) {}
 
     std::uint32_t number; ///< The system's error code, or the raising class's own number.
-    std::string source;   ///< Class and method, or unit, that raised it.
+    std::string source;   ///< The unit or method that raised it, or what was tried: "cannot read".
     std::string reason;   ///< Why it failed, without what and where.
 };
 

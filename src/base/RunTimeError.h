@@ -4,8 +4,8 @@
 
 namespace vesk {
 
-/// Numbers of the failures that the program raises itself and not the system: callers know them
-/// from the language that plug-in authors and their tools use.
+/// Numbers of the failures that the program raises itself and not the system: fixed ones, which
+/// callers look at.
 enum RunTimeError : std::uint32_t {
     kInvalidCall = 5,
     kOverflow = 6,

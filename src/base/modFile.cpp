@@ -5,6 +5,7 @@
 #include "base/UniqueHandle.h"
 #include "base/clsLinkDetector.h"
 #include "base/clsPatience.h"
+#include "base/modFlush.h"
 #include "base/modFolderEntries.h"
 #include "base/modRealPath.h"
 #include "base/modSystemError.h"
@@ -120,6 +121,13 @@ std::string MakeRoomBeside(const std::string& path) {
     return beside;
 }
 
+/// Told by the system after each piece of a copy. @param meanwhile a function without parameters
+DWORD CALLBACK AfterPiece(LARGE_INTEGER, LARGE_INTEGER, LARGE_INTEGER, LARGE_INTEGER, DWORD, DWORD,
+                          HANDLE, HANDLE, void* meanwhile) noexcept {
+    (*static_cast<const std::function<void()>*>(meanwhile))();
+    return PROGRESS_CONTINUE;
+}
+
 bool Delete(const std::string& path) {
     return TryPatiently([&] { return DeleteFileA(path.c_str()) != 0; });
 }
@@ -166,7 +174,7 @@ void WriteCompleteFile(const std::string& path, const std::string& text) {
                                     FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
         if (!file)
             ThrowLastError("cannot create", beside);
-        if (!WriteAll(file, text) || FlushFileBuffers(file.Get()) == 0) {
+        if (!WriteAll(file, text) || !FlushToDisk(file.Get())) {
             const DWORD error = GetLastError();
             file.Reset(); // nobody deletes an open file
             Delete(beside);
@@ -308,20 +316,41 @@ void CreateFolderPath(const std::string& path) {
         CreateFolder(level);
 }
 
+namespace {
+
+/// For the last error.
+[[noreturn]] void ThrowTransferError(const char* what, const std::string& source,
+                                     const std::string& target) {
+    const DWORD error = GetLastError();
+    ThrowSystemError(error, what, source + " to " + target);
+}
+
+/// @param flags as the system's function takes them @return whether it worked; else see GetLastError
+bool Copy(const std::string& source, const std::string& target,
+          const std::function<void()>& meanwhile, DWORD flags) {
+    std::function<void()> afterPiece = meanwhile;
+    return CopyFileExA(source.c_str(), target.c_str(), meanwhile ? AfterPiece : nullptr,
+                       &afterPiece, nullptr, flags) != 0;
+}
+
+} // namespace
+
 void CopyFileOver(const std::string& source, const std::string& target) {
     if (FileExists(target))
         ClearAttributes(target);
-    if (CopyFileA(source.c_str(), target.c_str(), FALSE) == 0)
-        ThrowLastError("cannot copy", source + " to " + target);
+    if (!Copy(source, target, {}, 0))
+        ThrowTransferError("cannot copy", source, target);
 }
 
-void CopyCompleteFile(const std::string& source, const std::string& target) {
+void CopyCompleteFile(const std::string& source, const std::string& target,
+                      const std::function<void()>& meanwhile) {
     const std::string beside = MakeRoomBeside(target);
-    if (CopyFileA(source.c_str(), beside.c_str(), TRUE) == 0) {
+    if (!Copy(source, beside, meanwhile, COPY_FILE_FAIL_IF_EXISTS)) {
         const DWORD error = GetLastError();
         if (error != ERROR_FILE_EXISTS)
             Delete(beside); // of a full disk, say
-        ThrowSystemError(error, "cannot copy", source + " to " + target);
+        SetLastError(error);
+        ThrowTransferError("cannot copy", source, target);
     }
     MoveIntoPlace(beside, target);
 }
@@ -329,7 +358,7 @@ void CopyCompleteFile(const std::string& source, const std::string& target) {
 void MovePath(const std::string& source, const std::string& target) {
     // While anybody has a file in a folder open, the folder keeps its name.
     if (!TryPatiently([&] { return MoveFileA(source.c_str(), target.c_str()) != 0; }))
-        ThrowLastError("cannot move", source + " to " + target);
+        ThrowTransferError("cannot move", source, target);
 }
 
 std::string AbsolutePath(const std::string& path) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 /// Files and folders of the system. Paths are texts in the ANSI code page, separated by "\".
@@ -84,7 +85,10 @@ void CopyFileOver(const std::string& source, const std::string& target);
 
 /// The same for a file that must never be seen half written: it is copied beside the target and
 /// moved into place when complete. Throws; the target is then as it was.
-void CopyCompleteFile(const std::string& source, const std::string& target);
+/// @param meanwhile called again and again while it works, so that a window stays alive; not to
+/// throw
+void CopyCompleteFile(const std::string& source, const std::string& target,
+                      const std::function<void()>& meanwhile = {});
 
 /// Renames or moves a file or folder; the target must not exist. Throws.
 void MovePath(const std::string& source, const std::string& target);

@@ -15,7 +15,8 @@ struct Attempt {
 };
 
 /// Runs one statement of the build run and goes on whatever becomes of it: a failure inside it is
-/// reported as a problem and dropped. The only place that swallows failures wholesale.
+/// reported as a problem and dropped. Nothing else swallows failures wholesale, except the sockets'
+/// window procedure.
 /// @return true when the statement succeeded
 template <class Statement>
 bool ResumeNext(const ProblemReport& report, const Attempt& attempt, Statement&& statement) {

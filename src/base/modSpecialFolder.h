@@ -39,4 +39,8 @@ enum class SpecialFolder : int {
 /// Path of a special folder without a trailing backslash; empty when the system has none.
 std::string SpecialFolderPath(SpecialFolder folder);
 
+/// The same in UTF-16, where it may not pass for another one: the code page may lack letters of the
+/// user's name.
+std::wstring SpecialFolderWidePath(SpecialFolder folder);
+
 } // namespace vesk

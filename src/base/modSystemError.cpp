@@ -23,8 +23,9 @@ void ThrowSystemError(std::uint32_t code, const std::string& what, const std::st
     throw Failure(code, what, what + " " + object + ": " + reason, reason);
 }
 
-void ThrowLastError(const std::string& what, const std::string& object) {
-    ThrowSystemError(GetLastError(), what, object);
+void ThrowLastError(const char* what, std::string_view object) {
+    const DWORD code = GetLastError();
+    ThrowSystemError(code, what, std::string(object));
 }
 
 } // namespace vesk

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace vesk {
 
@@ -13,7 +14,8 @@ std::string SystemErrorText(std::uint32_t code);
 [[noreturn]] void ThrowSystemError(std::uint32_t code, const std::string& what,
                                    const std::string& object);
 
-/// The same for the calling thread's last error. Call it first thing after the failing call.
-[[noreturn]] void ThrowLastError(const std::string& what, const std::string& object);
+/// The same for the calling thread's last error, which is taken before anything else happens: no
+/// argument may need memory. Call it first thing after the failing call.
+[[noreturn]] void ThrowLastError(const char* what, std::string_view object);
 
 } // namespace vesk

@@ -107,15 +107,19 @@ std::wstring LongPath(std::string_view absolute) {
 }
 
 std::wstring AbsoluteWidePath(std::string_view path) {
-    std::wstring wide = Widen(path);
+    return AbsoluteWidePath(Widen(path));
+}
+
+std::wstring AbsoluteWidePath(std::wstring path) {
     // It means the drive's current folder to the system, but the root to people.
-    if (wide.size() == 2 && wide[1] == L':')
-        wide += L'\\';
+    if (path.size() == 2 && path[1] == L':')
+        path += L'\\';
     std::wstring buffer(32768, L'\0'); // the system's own limit
     const DWORD length =
-        GetFullPathNameW(wide.c_str(), static_cast<DWORD>(buffer.size()), buffer.data(), nullptr);
+        GetFullPathNameW(path.c_str(), static_cast<DWORD>(buffer.size()), buffer.data(), nullptr);
     if (length == 0 || length >= buffer.size())
-        ThrowLastError("not a path:", std::string(path));
+        ThrowSystemError(length == 0 ? GetLastError() : ERROR_FILENAME_EXCED_RANGE,
+                         "not a path:", Narrowed(path));
     buffer.resize(length);
     return buffer;
 }

@@ -37,6 +37,7 @@ std::wstring LongPath(std::string_view absolute);
 /// The absolute form of a path of any length, without ".", ".." and doubled backslashes. A bare
 /// drive ("C:") stands for its root and not for its current folder. @throws Failure
 std::wstring AbsoluteWidePath(std::string_view path);
+std::wstring AbsoluteWidePath(std::wstring path);
 
 /// LongPath of that. @throws Failure
 std::wstring AbsoluteLongPath(std::string_view path);

@@ -10,7 +10,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <utility>
 
 namespace vesk {
@@ -27,23 +26,24 @@ std::string NumberOf(std::wstring name) {
 }
 
 /// Only the number that is the same through every drive and at any time. A folder of another volume
-/// that happens to have it as well is refused for as long as the other build runs.
-std::string NumberOf(const std::optional<FolderIdentity>& identity) {
-    return std::to_string(identity ? identity->index : 0);
+/// that happens to have it as well is refused for as long as the other build runs. Where the file
+/// system has no numbers, the path must do.
+std::string NumberOf(const FolderLevel& level) {
+    return level.identity ? std::to_string(level.identity->index) : NumberOf(level.path);
 }
 
 /// A folder by the one that it lies in and its name there: a build replaces the folder itself.
 std::string AtName(const FolderLevel& above, const std::wstring& path) {
     const std::size_t start = above.path.size() + (above.path.ends_with(L'\\') ? 0 : 1);
-    return "VeskBuilder-at-" + NumberOf(above.identity) + "-" + NumberOf(path.substr(start));
+    return "VeskBuilder-at-" + NumberOf(above) + "-" + NumberOf(path.substr(start));
 }
 
 std::string BelowName(const FolderLevel& level) {
-    return "VeskBuilder-below-" + NumberOf(level.identity);
+    return "VeskBuilder-below-" + NumberOf(level);
 }
 
 std::string TreeName(const FolderLevel& level) {
-    return "VeskBuilder-tree-" + NumberOf(level.identity);
+    return "VeskBuilder-tree-" + NumberOf(level);
 }
 
 std::string ProgramName() {
@@ -90,30 +90,30 @@ clsBuildLock::clsBuildLock(const clsInstallFolder& folder) : path_(folder.Path()
     // First the folder is taken and then others are looked for, so that of two that start at once
     // one at least sees the other.
     for (std::size_t i = 1; i < way.size(); ++i) {
-        if (way[i].identity)
+        if (!way[i].IsMissing())
             Take(AtName(way[i], way[0].path));
     }
     for (std::size_t i = 1; i < way.size(); ++i) {
         for (std::size_t above = i + 1; above < way.size(); ++above) {
-            if (way[above].identity)
+            if (!way[above].IsMissing())
                 RefuseIfTaken(AtName(way[above], way[i].path));
         }
     }
-    for (const auto& anyWay : reader.WaysUp(path_)) {
+    for (const auto& anyWay : reader.WaysUp(Widen(path_))) {
         for (const FolderLevel& level : anyWay)
             RefuseIfTaken(TreeName(level));
     }
-    if (way[0].identity)
+    if (!way[0].IsMissing())
         RefuseIfTaken(BelowName(way[0]));
     for (std::size_t i = 1; i < way.size(); ++i) {
-        if (way[i].identity)
+        if (!way[i].IsMissing())
             Sign(BelowName(way[i]));
     }
 }
 
 void clsBuildLock::NoteFolder() {
     const FolderLevel folder = clsFolderReader().WayUp(Widen(path_)).front();
-    if (folder.identity)
+    if (!folder.IsMissing())
         Sign(TreeName(folder));
 }
 

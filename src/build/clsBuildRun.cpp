@@ -284,6 +284,7 @@ void clsBuildRun::Steps::InstallBaseComponents() {
             NotePeBuilder(missing);
         ComponentDone();
     }
+    installer_.ReportScriptsNotRun();
 }
 
 void clsBuildRun::Steps::DownloadPlugins() {

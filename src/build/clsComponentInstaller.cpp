@@ -60,6 +60,7 @@ std::string clsComponentInstaller::InstallBaseComponent(std::size_t index) {
             ReportMissingProgram(component);
         context_.Log("");
         RunBaseScript(index);
+        std::erase_if(runScripts_, [](const std::string& path) { return !FileExists(path); });
     }
     if (isPeBuilder) {
         WriteSettingsFile(context_);
@@ -137,11 +138,13 @@ void clsComponentInstaller::RunBaseScript(std::size_t index) {
         if (toldPlaces_.insert(problem.place).second)
             context_.report(problem);
     }
+    foundScripts_ = found.paths;
     const auto first = std::ranges::find_if(
         found.paths, [this](const std::string& path) { return !unreadScripts_.contains(path); });
     if (first == found.paths.end())
         return;
     const std::string& script = *first;
+    runScripts_.insert(script);
     RunScriptSection(script);
     bool isUtf16 = false;
     bool hasPluginPart = false;
@@ -158,6 +161,14 @@ void clsComponentInstaller::RunBaseScript(std::size_t index) {
         pendingScripts_[index] = script;
     else
         context_.ResumeNext({script, "not removed"}, [&] { DeleteFileLogged(context_, script); });
+}
+
+void clsComponentInstaller::ReportScriptsNotRun() const {
+    for (const std::string& script : foundScripts_) {
+        if (!runScripts_.contains(script) && !unreadScripts_.contains(script))
+            context_.report({script, "not run",
+                             "for each base component only the first script that is found is run"});
+    }
 }
 
 void clsComponentInstaller::RunScriptSection(const std::string& script) {
@@ -198,6 +209,7 @@ void clsComponentInstaller::EditInfs(const CatalogueEntry& plugin, const std::st
                                        [this] { context_.frontEnd.LetEventsRun(); });
     std::ranges::for_each(found.problems, context_.report);
     for (const std::string& inf : found.paths) {
+        context_.frontEnd.LetEventsRun(); // one that needs no edit logs nothing
         const Attempt attempt{inf, "not edited"};
         // The profile functions would read all of it for every value.
         if (!context_.ResumeNext(attempt, [&] { RequireTextSize(inf); }))

@@ -9,6 +9,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <vector>
 
 namespace vesk {
 
@@ -24,6 +25,9 @@ public:
     /// itself, the tree is made and its stock plug-ins are sorted.
     /// @return why it is not in the tree; empty when it is, with or without problems
     std::string InstallBaseComponent(std::size_t index);
+
+    /// Reports the scripts of base components that were not run: to be called after the last one.
+    void ReportScriptsNotRun() const;
 
     /// Installs a plug-in and edits its INF files.
     void InstallPlugin(const CatalogueEntry& plugin);
@@ -47,6 +51,8 @@ private:
     /// for that stage; the run itself does nothing with them.
     std::map<std::size_t, std::string> pendingScripts_;
     std::set<std::string> unreadScripts_;        ///< Of a kind that is not run.
+    std::vector<std::string> foundScripts_;      ///< By the last search.
+    std::set<std::string> runScripts_;           ///< Those that are still there.
     std::map<std::string, std::string> folders_; ///< Of plug-ins, in lower case, to their archives.
     std::set<std::string> toldPlaces_;           ///< Where the search for scripts could not look.
 };

@@ -1,7 +1,6 @@
 #include "build/clsFolderGuard.h"
 
 #include "base/UniqueHandle.h"
-#include "base/modFile.h"
 #include "base/modFolderEntries.h"
 #include "base/modSpecialFolder.h"
 #include "base/modText.h"
@@ -12,9 +11,11 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <iterator>
 #include <set>
 #include <string_view>
+#include <utility>
 
 namespace vesk {
 
@@ -29,28 +30,28 @@ bool Leads(const std::vector<std::vector<FolderLevel>>& ways, const FolderLevel&
 
 /// What the shell has noted of the user's and of all users' folders: newer systems have more of
 /// them than there are numbers for.
-std::vector<std::string> RegisteredShellFolders() {
+std::vector<std::wstring> RegisteredShellFolders() {
     constexpr const char* kKey =
         R"(Software\Microsoft\Windows\CurrentVersion\Explorer\User Shell Folders)";
-    std::vector<std::string> folders;
+    std::vector<std::wstring> folders;
     for (const HKEY root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) {
         UniqueHandle<::RegCloseKey, HKEY> key;
         if (RegOpenKeyExA(root, kKey, 0, KEY_READ, key.Out()) != ERROR_SUCCESS)
             continue;
         for (DWORD index = 0;; ++index) {
-            std::array<char, 256> name{};
-            std::array<char, 1024> value{};
-            std::array<char, 1024> expanded{};
+            std::array<wchar_t, 256> name{};
+            std::array<wchar_t, 1024> value{};
+            std::array<wchar_t, 1024> expanded{};
             DWORD nameSize = name.size();
-            DWORD valueSize = value.size() - 1;
+            DWORD valueSize = (value.size() - 1) * sizeof(wchar_t);
             const LSTATUS error =
-                RegEnumValueA(key.Get(), index, name.data(), &nameSize, nullptr, nullptr,
+                RegEnumValueW(key.Get(), index, name.data(), &nameSize, nullptr, nullptr,
                               reinterpret_cast<BYTE*>(value.data()), &valueSize);
-            if (error == ERROR_NO_MORE_ITEMS)
-                break;
-            const DWORD length = ExpandEnvironmentStringsA(value.data(), expanded.data(),
+            if (error != ERROR_SUCCESS && error != ERROR_MORE_DATA)
+                break; // at the end; or the key is gone, and would be for each index
+            const DWORD length = ExpandEnvironmentStringsW(value.data(), expanded.data(),
                                                            static_cast<DWORD>(expanded.size()));
-            if (error == ERROR_SUCCESS && length <= expanded.size() && expanded[1] == ':')
+            if (error == ERROR_SUCCESS && length <= expanded.size() && expanded[1] == L':')
                 folders.emplace_back(expanded.data());
         }
     }
@@ -89,21 +90,21 @@ constexpr std::array kSystemPlaces = {
 };
 
 /// The folders that programs are installed into.
-std::vector<std::string> ProgramFolders() {
-    std::vector<std::string> folders = {SpecialFolderPath(SpecialFolder::ProgramFiles),
-                                        SpecialFolderPath(SpecialFolder::ProgramFilesX86)};
+std::vector<std::wstring> ProgramFolders() {
+    std::vector<std::wstring> folders = {SpecialFolderWidePath(SpecialFolder::ProgramFiles),
+                                         SpecialFolderWidePath(SpecialFolder::ProgramFilesX86)};
     // The shell shows a 32-bit program only the 32-bit ones.
-    std::array<char, MAX_PATH> wide{};
-    if (GetEnvironmentVariableA("ProgramW6432", wide.data(), static_cast<DWORD>(wide.size())) <
-        wide.size())
-        folders.emplace_back(wide.data());
+    std::array<wchar_t, MAX_PATH> others{};
+    if (GetEnvironmentVariableW(L"ProgramW6432", others.data(), static_cast<DWORD>(others.size())) <
+        others.size())
+        folders.emplace_back(others.data());
     return folders;
 }
 
 /// Where programs keep what is the user's: no more than a program's own folder is that replaced.
-std::vector<std::string> DataFolders() {
-    const auto path = SpecialFolderPath;
-    std::vector<std::string> folders =
+std::vector<std::wstring> DataFolders() {
+    const auto path = SpecialFolderWidePath;
+    std::vector<std::wstring> folders =
         clsFolderGuard::AmongData(path(SpecialFolder::UserProfile),
                                   {path(SpecialFolder::AppData), path(SpecialFolder::LocalAppData),
                                    path(SpecialFolder::CommonDocuments)});
@@ -123,17 +124,16 @@ const char* Relation(const std::vector<std::vector<FolderLevel>>& ways,
     const std::vector<FolderLevel>& place = placeWays.front();
     if (std::ranges::any_of(ways, [&](const auto& way) { return Leads(placeWays, way.front()); }))
         return "holds ";
-    if (place.front().IsMissing() || place.size() < 2)
-        return nullptr; // nothing can lie in it; or it is a drive, and everything on it would
-    if (reach == GuardedPlace::Reach::Within && Leads(ways, place.front()))
-        return "lies in ";
     const auto liesBeside = [&](const auto& way) {
         return way.size() > 1 && IsSameFolder(way[1], place[1]);
     };
     if (reach == GuardedPlace::Reach::Siblings && place.size() > 2 &&
         std::ranges::any_of(ways, liesBeside))
         return "is a user's profile";
-    return nullptr;
+    if (place.front().IsMissing() || place.size() < 2)
+        return nullptr; // nothing can lie in it; or it is a drive, and everything on it would
+    return reach == GuardedPlace::Reach::Within && Leads(ways, place.front()) ? "lies in "
+                                                                              : nullptr;
 }
 
 constexpr const char* kEmptied = "The installation folder is emptied before a build, ";
@@ -170,53 +170,55 @@ struct clsFolderGuard::Known {
 };
 
 clsFolderGuard::clsFolderGuard(const std::vector<GuardedPlace>& places,
-                               const std::vector<std::string>& programs)
+                               const std::vector<std::wstring>& programs)
     : known_(std::make_shared<Known>()) {
     clsFolderReader reader;
-    std::set<std::string> seen; // the shell names many folders more than once
+    // The shell names many folders more than once.
+    std::set<std::pair<std::wstring, std::string>> seen;
     for (const GuardedPlace& place : places) {
-        if (!place.path.empty() && seen.insert(LowerCase(place.path) + place.name).second)
-            known_->places.push_back({place, reader.WaysUp(AbsolutePath(place.path))});
+        if (!place.path.empty() && seen.emplace(place.path, place.name).second)
+            known_->places.push_back({place, reader.WaysUp(AbsoluteWidePath(place.path))});
     }
-    for (const std::string& program : programs) {
+    for (const std::wstring& program : programs) {
         if (!program.empty())
-            known_->programs.push_back(reader.WayUp(Widen(program)).front());
+            known_->programs.push_back(reader.WayUp(program).front());
     }
 }
 
 clsFolderGuard clsFolderGuard::OfSystem(const std::string& programPath,
                                         const std::string& sourceFolder) {
     std::vector<GuardedPlace> places{
-        {programPath, "this program", Reach::Holding},
-        {sourceFolder, "the folder chosen as Windows source", Reach::Within}};
+        {Widen(programPath), "this program", Reach::Holding},
+        {Widen(sourceFolder), "the folder chosen as Windows source", Reach::Within}};
     if (!sourceFolder.empty()) // which may be a whole drive
-        places.push_back({WithTrailingBackslash(sourceFolder) + "I386",
+        places.push_back({Widen(WithTrailingBackslash(sourceFolder)) + L"I386",
                           "the folder chosen as Windows source", Reach::Within});
     for (const SystemPlace& place : kSystemPlaces)
-        places.push_back({SpecialFolderPath(place.folder), place.name, place.reach});
-    for (const std::string& folder : RegisteredShellFolders())
+        places.push_back({SpecialFolderWidePath(place.folder), place.name, place.reach});
+    for (const std::wstring& folder : RegisteredShellFolders())
         places.push_back({folder, "one of the system's folders for your files", Reach::Holding});
-    std::array<char, MAX_PATH> temporary{};
-    if (GetTempPathA(static_cast<DWORD>(temporary.size()), temporary.data()) != 0)
+    std::array<wchar_t, MAX_PATH + 1> temporary{};
+    if (GetTempPathW(static_cast<DWORD>(temporary.size()), temporary.data()) != 0)
         places.push_back({temporary.data(), "the temporary folder", Reach::Holding});
-    std::vector<std::string> programs = ProgramFolders();
-    for (const std::string& folder : programs)
+    std::vector<std::wstring> programs = ProgramFolders();
+    for (const std::wstring& folder : programs)
         places.push_back({folder, "Program Files", Reach::Holding});
     std::ranges::move(DataFolders(), std::back_inserter(programs));
     return clsFolderGuard(places, programs);
 }
 
-std::vector<std::string> clsFolderGuard::AmongData(const std::string& profile,
-                                                   std::vector<std::string> data) {
-    for (std::string& folder : data) {
-        if (const std::string parent = ParentOf(folder); !EqualNoCase(parent, profile))
-            folder = parent;
+std::vector<std::wstring> clsFolderGuard::AmongData(const std::wstring& profile,
+                                                    std::vector<std::wstring> data) {
+    for (std::wstring& folder : data) {
+        const std::size_t end = folder.rfind(L'\\');
+        if (end != std::wstring::npos && !IsSamePath(folder.substr(0, end), profile))
+            folder.resize(end);
     }
     return data;
 }
 
 std::string clsFolderGuard::Objection(const std::string& folder) const {
-    const auto ways = clsFolderReader().WaysUp(folder);
+    const auto ways = clsFolderReader().WaysUp(Widen(folder));
     for (const auto& way : ways) {
         if (std::string own = OwnObjection(way); !own.empty() && !way.back().isBeyondRoot)
             return own;
@@ -230,7 +232,7 @@ std::string clsFolderGuard::Objection(const std::string& folder) const {
 }
 
 bool clsFolderGuard::KeepsForeign(const std::string& folder) const {
-    const auto ways = clsFolderReader().WaysUp(folder);
+    const auto ways = clsFolderReader().WaysUp(Widen(folder));
     return std::ranges::any_of(known_->programs,
                                [&](const FolderLevel& program) { return Leads(ways, program); });
 }

@@ -14,7 +14,9 @@ struct GuardedPlace {
         Siblings, ///< So is one next to it: other users' profiles.
     };
 
-    std::string path; ///< Absolute; an empty one guards nothing.
+    /// Absolute; an empty one guards nothing. In UTF-16: the code page may lack letters of the
+    /// user's name, and would make another folder's path of it, or none.
+    std::wstring path;
     std::string name; ///< For people: "Windows", "this program".
     Reach reach = Reach::Holding;
 };
@@ -27,17 +29,17 @@ public:
     /// @param programs folders that programs are installed into: a folder below one is refused when
     /// it holds anything that no build made
     explicit clsFolderGuard(const std::vector<GuardedPlace>& places,
-                            const std::vector<std::string>& programs = {});
+                            const std::vector<std::wstring>& programs = {});
 
     /// The guard of this system and user. @param programPath, sourceFolder may end in "\";
     /// sourceFolder may be empty
     static clsFolderGuard OfSystem(const std::string& programPath, const std::string& sourceFolder);
 
-    /// The folders among which programs keep a user's data: a data folder's own one. Where that is
-    /// the profile itself, as in Windows XP, the user's things are in it too, and the data folder
-    /// stands alone. @param profile, data absolute; an empty one of the data folders stays empty
-    static std::vector<std::string> AmongData(const std::string& profile,
-                                              std::vector<std::string> data);
+    /// The folders that hold the users' data of all programs: the parent of each data folder. Where
+    /// that is the profile itself, as in Windows XP, the user's things are in it too, and it is the
+    /// data folder alone. @param profile, data absolute; an empty one of the data folders stays empty
+    static std::vector<std::wstring> AmongData(const std::wstring& profile,
+                                               std::vector<std::wstring> data);
 
     /// Why a folder must not be emptied, or made and emptied later: a sentence without the path;
     /// empty when nothing speaks against it. @param folder absolute, may be missing

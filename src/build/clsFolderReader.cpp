@@ -22,7 +22,9 @@ FolderLevel Read(const std::wstring& name) {
         CreateFileW(name.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                     nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
     BY_HANDLE_FILE_INFORMATION info{};
-    if (folder && GetFileInformationByHandle(folder.Get(), &info) != FALSE)
+    // A file system that has no numbers says 0 of every folder, which would make them all the same.
+    if (folder && GetFileInformationByHandle(folder.Get(), &info) != FALSE &&
+        (info.nFileIndexHigh != 0 || info.nFileIndexLow != 0))
         level.identity = {info.dwVolumeSerialNumber,
                           std::uint64_t{info.nFileIndexHigh} << 32 | info.nFileIndexLow,
                           std::uint64_t{info.ftCreationTime.dwHighDateTime} << 32 |
@@ -98,8 +100,8 @@ std::vector<FolderLevel> clsFolderReader::WayUp(const std::wstring& folder) {
     }
 }
 
-std::vector<std::vector<FolderLevel>> clsFolderReader::WaysUp(const std::string& folder) {
-    std::vector<std::vector<FolderLevel>> ways{WayUp(Widen(folder))};
+std::vector<std::vector<FolderLevel>> clsFolderReader::WaysUp(const std::wstring& folder) {
+    std::vector<std::vector<FolderLevel>> ways{WayUp(folder)};
     const std::wstring real = RealPath(ways[0].front().path);
     if (!IsSamePath(real, ways[0].front().path))
         ways.push_back(WayUp(real));

@@ -28,7 +28,7 @@ struct FolderIdentity {
 struct FolderLevel {
     std::wstring path;
     std::uint32_t attributes = 0xFFFFFFFF;  ///< Of a link: the link's own. All ones: missing.
-    std::optional<FolderIdentity> identity; ///< Of a link: of what it leads to.
+    std::optional<FolderIdentity> identity; ///< Of a link: of what it leads to. Not all have one.
 
     bool isBeyondRoot = false; ///< Above a drive's root, where no path of ours leads.
 
@@ -49,7 +49,7 @@ public:
 
     /// The ways up from a folder: by its name first; then, where the system leads elsewhere under
     /// that name, by its real path; and where the system can climb above a drive's root, beyond it.
-    std::vector<std::vector<FolderLevel>> WaysUp(const std::string& folder);
+    std::vector<std::vector<FolderLevel>> WaysUp(const std::wstring& folder);
 
 private:
     const FolderLevel& LevelOf(const std::wstring& path);

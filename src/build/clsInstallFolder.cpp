@@ -200,15 +200,16 @@ void clsInstallFolder::Mark() const {
 
 void clsInstallFolder::Unmark() const {
     const std::string mark = path_ + "\\" + kMarkName;
-    bool unknown = false;
+    DWORD error = ERROR_SUCCESS; // of the first that cannot be looked at
     for (const char* name : kTraces) {
         const PathState state = StateOf(path_ + "\\" + name);
         if (state == PathState::File)
             return RemoveOwnFile(mark);
-        unknown |= state == PathState::Unknown;
+        if (state == PathState::Unknown && error == ERROR_SUCCESS)
+            error = GetLastError();
     }
-    if (unknown)
-        ThrowLastError("cannot look at", path_);
+    if (error != ERROR_SUCCESS)
+        ThrowSystemError(error, "cannot look at", path_);
 }
 
 } // namespace vesk

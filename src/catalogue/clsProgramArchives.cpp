@@ -55,14 +55,15 @@ std::string clsProgramArchives::ExpectedSha256(const std::string& name) const {
     return list_.Expected(name);
 }
 
-ArchiveFacts clsProgramArchives::Facts(const std::string& name) {
+ArchiveFacts clsProgramArchives::Facts(const std::string& name,
+                                       const std::function<void()>& meanwhile) {
     ArchiveFacts facts = Known(name);
     const auto stamp = facts.isThere && !facts.crc ? StampOf(name) : std::nullopt;
     if (stamp) {
         const std::string path = programPath_ + name;
         const std::string expected = ExpectedSha256(name);
-        facts.crc = clsCRC().CalculateFile(path);
-        facts.sha256Fault = facts.crc->empty() ? "" : Sha256Fault(path, expected);
+        facts.crc = clsCRC().CalculateFile(path, meanwhile);
+        facts.sha256Fault = facts.crc->empty() ? "" : Sha256Fault(path, expected, meanwhile);
         checksums_[name] = {*stamp, *facts.crc, expected, facts.sha256Fault};
     }
     return facts;

@@ -4,6 +4,7 @@
 #include "catalogue/modArchiveState.h"
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -22,7 +23,9 @@ public:
     [[nodiscard]] ArchiveFacts Known(const std::string& name) const;
 
     /// All of it. Reads the whole file the first time.
-    [[nodiscard]] ArchiveFacts Facts(const std::string& name);
+    /// @param meanwhile called every few megabytes of it, so that a window stays alive
+    [[nodiscard]] ArchiveFacts Facts(const std::string& name,
+                                     const std::function<void()>& meanwhile = {});
 
 private:
     /// What distinguishes one content of a file from the next.

@@ -56,12 +56,14 @@ std::string clsSha256List::Expected(const std::string& archiveName) const {
     return found == text_.digests.end() ? std::string() : found->second;
 }
 
-bool UpdateSha256List(const std::string& programPath, const std::string& archiveName) {
+bool UpdateSha256List(const std::string& programPath, const std::string& archiveName,
+                      const std::function<void()>& meanwhile) {
     const std::string path = programPath + kSha256FileName;
     if (StateOf(path) == PathState::Nothing)
         return false;
     const std::string text = ListText(path);
-    WriteCompleteFile(path, WithSha256(text, archiveName, Sha256OfFile(programPath + archiveName)));
+    const std::string digest = Sha256OfFile(programPath + archiveName, meanwhile);
+    WriteCompleteFile(path, WithSha256(text, archiveName, digest));
     return true;
 }
 

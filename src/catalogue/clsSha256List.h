@@ -3,6 +3,7 @@
 #include "base/Problem.h"
 #include "catalogue/modSha256Text.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -33,7 +34,9 @@ private:
 
 /// Writes an archive's digest into the list, if there is such a file.
 /// @param programPath ends in "\" @param archiveName of a file in that folder
+/// @param meanwhile called every few megabytes of it, so that a window stays alive
 /// @return false when there is no list @throws Failure
-bool UpdateSha256List(const std::string& programPath, const std::string& archiveName);
+bool UpdateSha256List(const std::string& programPath, const std::string& archiveName,
+                      const std::function<void()>& meanwhile = {});
 
 } // namespace vesk

@@ -31,7 +31,7 @@ std::string StateWords(const CatalogueEntry& entry, const EntryPlace& place, Arc
     case ArchiveState::ToDownload:
         return IsIncluded(entry, place) ? "to download" : "missing, downloaded if ticked";
     case ArchiveState::ToReplace:
-        return "CRC differs, to download";
+        return "not the right one, to download";
     case ArchiveState::BadName:
         return "no file name";
     case ArchiveState::NotPeBuilder:
@@ -128,8 +128,7 @@ std::string ArchiveSentence(const CatalogueEntry& entry, const EntryPlace& place
     case ArchiveState::ToDownload:
         return DownloadSentence(entry, place);
     case ArchiveState::ToReplace:
-        return "The archive is there, but its CRC-32 differs from the catalogue's: the build "
-               "downloads it again.";
+        return "The archive is there, but it is not the right one: the build downloads it again.";
     case ArchiveState::BadName:
         return "The archive's name is " + ArchiveNameFault(entry.zip) +
                ": it is neither downloaded nor extracted.";

@@ -144,9 +144,9 @@ private:
         CheckText("category", entry.cat);
         CheckText("address", entry.url);
         CheckText("CRC-32", entry.crc);
-        CheckArchiveName(entry, place);
+        const bool isFirst = CheckArchiveName(entry, place);
         ReportIfAny(Kind::CrcForm, CrcFormFault(entry.crc));
-        CheckArchive(entry, place);
+        CheckArchive(entry, place, isFirst);
         CheckAddresses(entry);
         if (place.list == EntryList::Plugins)
             CheckFolder(entry);
@@ -162,13 +162,16 @@ private:
             Report(Kind::ValueForm, "the quotes around its " + what + " are lost in the file");
     }
 
-    void CheckArchiveName(const CatalogueEntry& entry, const EntryPlace& place) {
+    /// @return whether it is the first entry with this archive
+    bool CheckArchiveName(const CatalogueEntry& entry, const EntryPlace& place) {
         if (IsMisnamedPeBuilder(entry, place))
             Report(Kind::FirstArchive, "the first one's archive has to be " +
                                            Quoted(kFirstArchiveName) + ", here it is " +
                                            Quoted(entry.zip));
-        if (entry.zip.empty())
-            return Report(Kind::ArchiveType, "it names no archive");
+        if (entry.zip.empty()) {
+            Report(Kind::ArchiveType, "it names no archive");
+            return false;
+        }
         if (ArchiveKindOf(entry.zip) == ArchiveKind::Neither)
             Report(Kind::ArchiveType, Quoted(entry.zip) + " is neither .zip nor .cab and would not "
                                                           "be extracted");
@@ -179,9 +182,11 @@ private:
         if (!isNew)
             Report(Kind::DuplicateArchive,
                    Quoted(entry.zip) + " is the archive of " + first->second + " as well");
+        return isNew;
     }
 
-    void CheckArchive(const CatalogueEntry& entry, const EntryPlace& place) {
+    /// @param isFirst entry with this archive, whose content is tested once
+    void CheckArchive(const CatalogueEntry& entry, const EntryPlace& place, bool isFirst) {
         if (!archives_.factsOf || entry.zip.empty())
             return;
         const ArchiveFacts facts = archives_.factsOf(entry.zip);
@@ -197,7 +202,7 @@ private:
         CheckPresent(entry, facts.crc.value_or(""));
         if (!facts.sha256Fault.empty())
             Report(Kind::CrcDiffers, Quoted(entry.zip) + ": " + facts.sha256Fault);
-        if (archives_.contentFaultsOf)
+        if (isFirst && archives_.contentFaultsOf)
             ReportContent(entry, archives_.contentFaultsOf(entry.zip));
     }
 

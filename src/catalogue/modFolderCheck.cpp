@@ -18,7 +18,11 @@ namespace {
 /// The archives in a folder (its path ends in "\"), for CheckCatalogue.
 ArchiveSource ArchivesIn(const std::string& programPath, const ExtractionOwner& owner) {
     const auto archives = std::make_shared<clsProgramArchives>(programPath);
-    return {[archives](const std::string& name) { return archives->Facts(name); },
+    const auto alive = [owner] {
+        if (owner.progress)
+            owner.progress(0);
+    };
+    return {[archives, alive](const std::string& name) { return archives->Facts(name, alive); },
             [programPath, owner](const std::string& name) {
                 std::vector<std::string> lines;
                 for (const MemberFailure& failure : InspectArchive(programPath + name, owner))

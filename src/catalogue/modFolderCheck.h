@@ -10,7 +10,7 @@
 namespace vesk {
 
 /// What would go wrong in a build of a catalogue with what lies in the program path.
-/// @param owner asked for passwords, and called now and then while an archive is tested
+/// @param owner asked for passwords, and called now and then while an archive is read
 /// @param sectionNames as for CheckCatalogue
 CatalogueCheck CheckWithProgramFolder(const std::string& programPath, const Catalogue& catalogue,
                                       const ExtractionOwner& owner,

@@ -1,5 +1,6 @@
 #include "catalogue/modIniText.h"
 
+#include "base/CodePage.h"
 #include "base/modText.h"
 
 #include <algorithm>
@@ -41,6 +42,11 @@ std::string_view Unquoted(std::string_view value) {
     return IsInQuotes(value) ? value.substr(1, value.size() - 2) : value;
 }
 
+/// Where the bracket behind a section's name is.
+std::size_t SectionEnd(std::string_view line) {
+    return WithoutTrailBytes(line).find(']');
+}
+
 class Parser {
 public:
     IniText Run(std::string_view text) {
@@ -76,7 +82,7 @@ private:
     }
 
     void TakeSection(std::string_view line) {
-        const std::size_t end = line.find(']');
+        const std::size_t end = SectionEnd(line);
         if (end == std::string_view::npos)
             return Lose("line " + std::to_string(number_) + " has no \"]\"");
         const std::string_view name = WithoutSpaceAround(line.substr(1, end - 1));
@@ -150,7 +156,7 @@ std::vector<std::string> SectionNames(std::string_view iniText) {
     for (const std::string& piece : Split(iniText, '\n')) {
         const std::string line = TrimBlanks(piece);
         if (line.starts_with('['))
-            names.push_back(TrimBlanks(line.substr(1, line.find(']') - 1)));
+            names.push_back(TrimBlanks(line.substr(1, SectionEnd(line) - 1)));
     }
     return names;
 }

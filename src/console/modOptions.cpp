@@ -145,10 +145,10 @@ veskbuild --help | --version
 Exit codes:
    0  done, and everything is in the tree (--check: nothing was found that would go wrong)
    1  done, with warnings or problems (--check: something is wrong; --list: the catalogue
-      was not read in full)
+      was not read, or not printed, in full; both: an --enable or --disable had no effect)
    2  install failed: PE Builder's archive arrived damaged; the old tree was not touched
    3  aborted: the answer No, Ctrl+C, or an old tree that could not be replaced safely
-   4  refused at start-up: not Windows NT, or not an administrator
+   4  refused at start-up: not Windows NT, not an administrator, or Windows could not be asked
    5  PE Builder's archive is not in the tree
   64  wrong usage, or an unusable folder or catalogue; nothing was changed
   70  the program itself failed

@@ -4,6 +4,7 @@
 #include "base/Problem.h"
 #include "base/UniqueHandle.h"
 #include "base/modFile.h"
+#include "base/modFlush.h"
 #include "base/modSystemError.h"
 #include "base/modText.h"
 #include "net/modHttpText.h"
@@ -255,7 +256,7 @@ bool clsDownload::AppendToFile(std::string_view bytes) {
 /// Hands the file's bytes to the disk: a name that outlives a power failure must not stand for a
 /// file that does not.
 bool clsDownload::FlushFile() {
-    if (!transfer_->file || FlushFileBuffers(transfer_->file.Get()) != 0)
+    if (!transfer_->file || FlushToDisk(transfer_->file.Get()))
         return true;
     FailWriting(GetLastError());
     return false;

@@ -1,7 +1,7 @@
 #include "script/clsRegistry.h"
 
 #include "base/UniqueHandle.h"
-#include "base/modText.h"
+#include "base/modWide.h"
 
 #include <windows.h>
 
@@ -34,6 +34,13 @@ RegistryKey OpenKey(std::uint32_t root, const std::string& keyPath, REGSAM acces
         key.Reset(opened);
     SetLastError(static_cast<DWORD>(error));
     return key;
+}
+
+/// Of any letter of the code page, which may have two bytes.
+std::string InUpperCase(const std::string& text) {
+    std::wstring wide = Widen(text);
+    CharUpperBuffW(wide.data(), static_cast<DWORD>(wide.size()));
+    return Narrowed(wide);
 }
 
 std::string CutAtNul(std::string_view buffer) {
@@ -146,7 +153,7 @@ void clsRegistry::GetFileTypes(std::vector<std::string>& list) {
     list.clear();
     for (const std::string& name : SubKeyNames(OpenKey(kClassesRoot, ""))) {
         if (name.starts_with('.'))
-            list.push_back(UpperCase(name.substr(1)));
+            list.push_back(InUpperCase(name.substr(1)));
     }
 }
 

@@ -2,7 +2,6 @@
 
 #include "base/Failure.h"
 #include "base/Problem.h"
-#include "base/UniqueHandle.h"
 #include "base/modFile.h"
 #include "base/modSystemError.h"
 #include "base/modText.h"
@@ -52,18 +51,13 @@ private:
 };
 
 std::vector<std::string> LinesOfExistingFile(const std::string& path) {
-    std::vector<std::string> lines = ReadFileLines(path);
-    if (lines.empty())
+    const PathState state = StateOf(path);
+    if (state == PathState::Nothing || state == PathState::Folder)
         ThrowSystemError(ERROR_FILE_NOT_FOUND, "cannot read", path);
-    // One that another program holds reads as empty: the true reason is the system's.
-    const FileHandle file(CreateFileA(path.c_str(), GENERIC_READ,
-                                      FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0,
-                                      nullptr));
-    if (!file)
-        ThrowLastError("cannot read", path);
-    if (IsUtf16(ReadWholeFile(path)))
+    const std::string text = ReadFileIfThere(path);
+    if (IsUtf16(text))
         throw Failure(ERROR_NO_UNICODE_TRANSLATION, "ProcessScript", kIsUtf16);
-    return lines;
+    return SplitScriptLines(text);
 }
 
 } // namespace

@@ -22,11 +22,12 @@ struct ScriptContext {
 void ProcessScript(const std::string& scriptPath, const std::string& sectionName,
                    const ScriptContext& context);
 
-/// The lines of a file: none when it does not exist, at least one when it does.
+/// The lines of a file: none when it does not exist, at least one when it does. @throws Failure when
+/// it cannot be read
 std::vector<std::string> ReadFileLines(const std::string& path);
 
 /// True when the file holds exactly this line, letter case included.
-/// @throws Failure when there is no such file.
+/// @throws Failure when there is no such file, it cannot be read, or it is UTF-16 text.
 bool IsLineInFile(const std::string& path, const std::string& line);
 
 } // namespace vesk

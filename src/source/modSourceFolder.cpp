@@ -58,6 +58,7 @@ bool IsI386Folder(const std::string& folder) {
 
 SourceProduct ReadSourceProduct(const std::string& i386Folder) {
     const clsINI layout(i386Folder + "LAYOUT.INF");
+    RequireTextSize(layout.iniFileName); // a real one is below a megabyte
     return {layout.ReadStringValue("Strings", "productname"),
             ExtensionOf(layout.ReadStringValue("Strings", "spcdtagfilei"))};
 }

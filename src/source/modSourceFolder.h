@@ -29,7 +29,7 @@ struct SourceProduct {
 };
 
 /// Reads it. @param i386Folder ending in "\"
-/// @throws Failure when it is missing or cannot be read
+/// @throws Failure when it is missing, cannot be read, or is too large for such a file
 SourceProduct ReadSourceProduct(const std::string& i386Folder);
 
 /// Sets the codes that product name and tag stand for; what is not recognised keeps its code.

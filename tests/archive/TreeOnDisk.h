@@ -43,10 +43,10 @@ inline std::string ListedIn(const std::string& folder) {
     return list;
 }
 
-inline FILETIME ModifiedOf(const std::string& path) {
+inline WIN32_FILE_ATTRIBUTE_DATA DataOf(const std::string& path) {
     WIN32_FILE_ATTRIBUTE_DATA data{};
     REQUIRE(GetFileAttributesExA(path.c_str(), GetFileExInfoStandard, &data) != 0);
-    return data.ftLastWriteTime;
+    return data;
 }
 
 inline std::string Lines(const std::vector<MemberFailure>& failures) {

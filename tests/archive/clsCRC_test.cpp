@@ -37,7 +37,9 @@ TEST_CASE("a file's checksum is upper-case hexadecimal without leading zeros") {
         const char* const path = "clsCRC_test.tmp";
         std::ofstream(path, std::ios::binary) << row.content;
         crc.SetAlgorithm(row.crc32);
+        const std::int32_t before = crc.CalculateString("before");
         CHECK(crc.CalculateFile(path) == row.digits);
+        CHECK((crc.Value() == before) == row.content.empty());
         std::remove(path);
     }
     for (const char* nothing : {"no such file", "."})

@@ -70,6 +70,8 @@ TEST_CASE("members are counted, listed and extracted; one named in any letter ca
     Fixture f(Three());
     CHECK(f.cab.FileCount() == 3);
     CHECK(f.Told(&clsCab::GetInfo) == "found >one.txt|found sub\\deep>two.txt|found >three.txt|");
+    f.cab.FileToExtract = "none";
+    CHECK(f.Told(&clsCab::Extract).empty());
     CHECK_FALSE(FolderExists(f.target));
     f.cab.FileToExtract = "SUB\\Deep\\TWO.txt";
     CHECK(f.Told(&clsCab::Extract) == "before sub\\deep\\two.txt|after two.txt|");
@@ -125,6 +127,30 @@ TEST_CASE("the owner can cancel, throw and restart inside an event") {
     f.cab.Extract();
     CHECK(refused == 12);
     CHECK(f.cab.FileCount() == 3);
+}
+
+TEST_CASE("of equal files those come out that are wanted and can be written") {
+    const auto without = [](const std::string& data, bool unwanted, const char* unwritten) {
+        TestCab cab = CabOf("a=" + data + "|b=|c=|d=|next=x");
+        for (const std::string member : {"member1", "member2", "member3"}) {
+            cab.fields[member + ".size"] = data.size();
+            cab.fields[member + ".offset"] = 0;
+        }
+        Fixture f(cab.Bytes());
+        CreateFolder(f.target);
+        CreateFolder(f / unwritten);
+        f.owner.react = [&](const std::string& event, bool& cancel) {
+            cancel = unwanted && event == "before a";
+        };
+        const std::string told = f.Told(&clsCab::Extract);
+        CHECK(ReplaceAll(told, "before ", "").size() + 5 * 7 ==
+              told.size()); // each asked about once
+        return ReplaceAll(f.Found(), data, "*");
+    };
+    const std::string big(300000, 'b');
+    CHECK(without("same", true, "b") == "b\\=|c=*|d=*|next=x");
+    CHECK(without(big, true, "d") == "b=*|c=*|d\\=|next=x");
+    CHECK(without(big, false, "a") == "a\\=|b=*|c=*|d=*|next=x");
 }
 
 TEST_CASE("the owner can destroy the cabinet inside an event") {

@@ -7,6 +7,7 @@
 #include <winioctl.h>
 
 #include <algorithm>
+#include <array>
 #include <map>
 
 using namespace vesk;
@@ -68,15 +69,41 @@ TEST_CASE("what was not extracted is in the messages too, with a summary of the 
 TEST_CASE("times of files and folders are restored to the last digit") {
     constexpr std::uint64_t kTime = 132539328000000010;
     TestMember file = TestMember::Stored("folder/file", "x");
-    file.extra = Extra(10, U32(0) + U16(1) + U16(24) + U64(kTime) + U64(kTime) + U64(kTime));
+    constexpr std::uint64_t kRead = kTime + 10;
+    file.extra = Extra(10, U32(0) + U16(1) + U16(24) + U64(kTime) + U64(kRead) + U64(kTime));
     TestMember folder = TestMember::Stored("folder/", "");
     folder.extra = file.extra;
     const Extracting unzip("x.zip", MakeZip({folder, file}));
     CHECK(UnzipFile(unzip.path, unzip.target).failures.empty());
-    for (const char* name : {"folder\\file", "folder"}) { // after what was written into it
-        const FILETIME time = ModifiedOf(unzip / name);
-        CHECK((std::uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime) == kTime);
-    }
+    const auto ticks = [](const FILETIME& time) {
+        return std::uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime;
+    };
+    for (const char* name : {"folder\\file", "folder"}) // after what was written into it
+        CHECK(ticks(DataOf(unzip / name).ftLastWriteTime) == kTime);
+    CHECK(ticks(DataOf(unzip / "folder\\file").ftLastAccessTime) == kRead);
+}
+
+TEST_CASE("the short name of another member's folder or file is no other name of it") {
+    const TestFolder before; // the system makes the same names again
+    const auto shortName = [&](const std::string& name) {
+        const std::string path = before.Write(name, "x");
+        std::array<char, MAX_PATH> made{};
+        GetShortPathNameA(path.c_str(), made.data(), MAX_PATH);
+        return FileNameOf(made.data());
+    };
+    const std::string folder = shortName("a long folder name");
+    const std::string file = shortName("a long file name.txt");
+    if (file.find('~') == std::string::npos)
+        return; // this volume has none
+    const Extracting unzip("x.zip", MakeZip({TestMember::Stored("a long folder name/a", "1"),
+                                             TestMember::Stored(folder + "/a", "2"),
+                                             TestMember::Stored("a long file name.txt", "1"),
+                                             TestMember::Stored(file, "2")}));
+    CHECK(Lines(UnzipFile(unzip.path, unzip.target).failures) ==
+          folder + "\\a: not extracted, its path leads through the short name of another folder\n" +
+              file + ": not extracted, its name is the short name of another file\n");
+    for (const char* name : {"a long folder name\\a", "a long file name.txt"})
+        CHECK(ReadWholeFile(unzip / name) == "1");
 }
 
 TEST_CASE("an archive of more than 4 GiB is extracted") {

@@ -14,7 +14,7 @@ TEST_CASE("a sentence becomes the end of another one") {
 }
 
 TEST_CASE("no name begins a line of its own") {
-    CHECK(Problem{"a\r\nb.zip", "not\tmade", "x\x1B"}.Line() == "a??b.zip: not?made, x?");
+    CHECK(Problem{"a\r\nb.zip", "not\tmade", "x\x1B\x7F"}.Line() == "a??b.zip: not?made, x??");
 }
 
 TEST_CASE("what fails is reported once, with the reason alone, and the run goes on") {

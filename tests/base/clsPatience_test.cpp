@@ -52,4 +52,9 @@ TEST_CASE("what somebody has open for a moment is replaced, renamed and removed 
     whileOpen(path, [&] { MovePath(path, folder / "b"); });
     whileOpen(folder / "b", [&] { RemoveFile(folder / "b"); });
     CHECK(StateOf(folder / "b") == PathState::Nothing);
+    int refusals = 1;
+    CHECK(CreatePatiently(Widen(folder / "b"), [&] {
+        SetLastError(ERROR_ACCESS_DENIED);
+        return refusals-- == 0;
+    }));
 }

@@ -69,10 +69,16 @@ TEST_CASE("a complete file replaces the old one, or leaves it as it was") {
     CHECK(ReadWholeFile(path) == "new");
     const std::string source = folder.Write("other", "copied");
     SetFileAttributesA(source.c_str(), FILE_ATTRIBUTE_READONLY);
-    for (const std::string& locked : {folder.Write("a.ini.vesk-new", ""), path}) {
-        const FileHandle lock = OpenExclusively(locked);
+    const auto isRefusedWhileInUse = [&](const std::string& inUse) {
+        const FileHandle lock = OpenExclusively(inUse);
+        CHECK_THROWS_AS(WriteCompleteFile(path, "newer"), Failure);
         CHECK_THROWS_AS(CopyCompleteFile(source, path), Failure);
-    }
+    };
+    isRefusedWhileInUse(path);
+    std::size_t files = 0;
+    ForEachEntry(Widen(folder.Path()), [&](const FolderEntry&) { ++files; });
+    CHECK(files == 3);
+    isRefusedWhileInUse(folder.Write("a.ini.vesk-new", ""));
     CHECK(ReadWholeFile(path) == "new");
     REQUIRE(CreateHardLinkA(beside.c_str(), outside.c_str(), nullptr) != 0);
     CopyCompleteFile(source, path);

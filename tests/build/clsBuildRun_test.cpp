@@ -115,7 +115,7 @@ const std::map<std::string, void (*)(Fixture&, Text)> kSteps{
     {"programs",
      [](Fixture& f, Text) {
          f.inputs.installFolder =
-             clsInstallFolder(f.folder / "tree", clsFolderGuard({}, {f.folder.Path()}));
+             clsInstallFolder(f.folder / "tree", clsFolderGuard({}, {Widen(f.folder.Path())}));
      }},
     {"offline", [](Fixture& f, Text) { f.network = false; }},
     {"download",
@@ -146,6 +146,13 @@ const std::map<std::string, void (*)(Fixture&, Text)> kSteps{
              return f.catalogue.baseComponents.push_back(f.catalogue.plugins[0]);
          f.catalogue.baseComponents.assign(kind == "empty" ? 1 : 0, CatalogueEntry());
      }},
+    {"component", // ARCHIVE MEMBER CONTENT
+     [](Fixture& f, Text text) {
+         const auto words = Split(text, ' ');
+         CatalogueEntry entry{"", words.at(0), "", true, true, "", ""};
+         entry.crc = f.WriteArchive(entry.zip, {TestMember::Stored(words.at(1), words.at(2))});
+         f.catalogue.baseComponents.push_back(entry);
+     }},
     {"members",
      [](Fixture& f, Text names) {
          std::vector<TestMember> members;
@@ -171,7 +178,8 @@ std::string TextOf(const Fixture& fixture) {
         std::array{"  done", "  failed", "  aborted"}.at(static_cast<std::size_t>(outcome.ending)) +
         std::string(", ") +
         std::array{"whole", "with problems", "not usable", "not built"}.at(
-            static_cast<std::size_t>(VerdictOf(outcome)));
+            static_cast<std::size_t>(VerdictOf(outcome))) +
+        (outcome.reason.empty() ? "" : ": " + outcome.reason);
     for (const std::string& destination : fixture.frontEnd.downloads)
         text += "\n  download: " + destination;
     for (const std::string& line : fixture.frontEnd.lines)
@@ -197,6 +205,13 @@ TEST_CASE_FIXTURE(Fixture, "a build adds what it moved to the catalogue, and cou
     CHECK(std::ranges::is_sorted(frontEnd.fractions));
     CHECK(std::set(frontEnd.fractions.begin(), frontEnd.fractions.end()).size() >
           frontEnd.total + 1); // within a component, too
+    Texts& shown = frontEnd.statuses;
+    shown.erase(std::ranges::unique(shown).begin(), shown.end());
+    CHECK(shown == Texts{"Removing directory", "Deleting folder", "Processing: pebuilder3110a.zip",
+                         "Deleting folder", "Deleting file", "Modifying INF - Name",
+                         "Modifying INF - Append", "Modifying INF - Name", "Processing: one.zip",
+                         "Modifying INF - Name", "Processing: two.zip", "Modifying INF - Name",
+                         "Deleting folder", "Done"});
     REQUIRE(catalogue.plugins.size() == 3);
     CHECK(catalogue.plugins[2] == CatalogueEntry{"100 Boot", "", "100", false, false, "", ""});
 }
@@ -216,10 +231,26 @@ TEST_CASE("whatever happens, a run ends in its own way, with everything else don
     });
 }
 
+TEST_CASE_FIXTURE(Fixture, "a window stays alive while INF files need no edit") {
+    const auto eventsWith = [&](const std::string& extension) {
+        std::vector<TestMember> members;
+        for (int i = 0; i < 100; ++i)
+            members.push_back(TestMember::Stored(std::to_string(i) + extension, "x"));
+        catalogue.plugins[0].crc = WriteArchive("one.zip", members);
+        frontEnd.events = 0;
+        Run();
+        return frontEnd.events;
+    };
+    const std::size_t others = eventsWith(".txt");
+    CHECK(eventsWith(".inf") > others + 50);
+}
+
 TEST_CASE_FIXTURE(Fixture, "a failure of the program itself is told, and its log is kept") {
-    When("Plugins:", [] { throw std::runtime_error("no more paper"); });
+    WriteOldTree();
+    When("Deleting Folder", [] { throw std::runtime_error("no more paper"); });
     CHECK_THROWS_WITH(Run(), "no more paper");
     REQUIRE(frontEnd.outcome);
     CHECK(VerdictOf(*frontEnd.outcome) == BuildVerdict::NotBuilt);
     CHECK(frontEnd.problems == Texts{(folder / "tree") + ": not finished, no more paper"});
+    CHECK(FileExists(folder / "tree\\veskbuild.unfinished")); // while a part of it may be gone
 }

@@ -6,6 +6,8 @@
 #include "build/clsBuildLock.h"
 #include "build/clsInstallFolder.h"
 
+#include <array>
+
 using namespace vesk;
 using namespace vesk::test;
 
@@ -56,11 +58,43 @@ TEST_CASE("the system's and the user's own folders are guarded") {
     CHECK(guard.KeepsForeign(ParentOf(SpecialFolderPath(SpecialFolder::AppData)) + "\\tree"));
     CHECK_FALSE(guard.KeepsForeign(SpecialFolderPath(SpecialFolder::Desktop) + "\\tree"));
     // As Windows XP and Windows 7 have them.
-    CHECK(clsFolderGuard::AmongData("C:\\D\\ann", {R"(c:\d\Ann\Application Data)",
-                                                   R"(C:\D\ann\Local Settings\Application Data)",
-                                                   R"(C:\U\ann\AppData\Roaming)", ""}) ==
-          std::vector<std::string>{R"(c:\d\Ann\Application Data)", R"(C:\D\ann\Local Settings)",
-                                   R"(C:\U\ann\AppData)", ""});
+    CHECK(clsFolderGuard::AmongData(L"C:\\D\\ann", {LR"(c:\d\Ann\Application Data)",
+                                                    LR"(C:\D\ann\Local Settings\Application Data)",
+                                                    LR"(C:\U\ann\AppData\Roaming)", L""}) ==
+          std::vector<std::wstring>{LR"(c:\d\Ann\Application Data)", LR"(C:\D\ann\Local Settings)",
+                                    LR"(C:\U\ann\AppData)", L""});
+}
+
+TEST_CASE("so are those named by letters that the code page lacks, under any other name") {
+    const TestFolder folder;
+    const std::wstring user = Widen(folder.Path()) + L"\\\x0416";
+    REQUIRE(CreateDirectoryW(user.c_str(), nullptr) != 0);
+    std::wstring name(MAX_PATH, L'\0');
+    name.resize(GetShortPathNameW(user.c_str(), name.data(), MAX_PATH));
+    const auto other = NarrowedExactly(name);
+    if (!other)
+        return; // this volume has no short names
+    struct Variable {
+        const wchar_t* name;
+        const wchar_t* folder; ///< Of the user's.
+        std::wstring before;
+    };
+    std::array<Variable, 3> variables{{{L"TMP", L"\\Temp", L""},
+                                       {L"ProgramW6432", L"\\Programs", L""},
+                                       {L"USERPROFILE", L"", L""}}};
+    for (Variable& variable : variables) {
+        variable.before.resize(MAX_PATH);
+        variable.before.resize(
+            GetEnvironmentVariableW(variable.name, variable.before.data(), MAX_PATH));
+        SetEnvironmentVariableW(variable.name, (user + variable.folder).c_str());
+    }
+    const auto guard = clsFolderGuard::OfSystem("", "");
+    for (const Variable& variable : variables)
+        SetEnvironmentVariableW(variable.name,
+                                variable.before.empty() ? nullptr : variable.before.c_str());
+    CheckHolds(guard.Objection(*other + "\\Temp"), "the temporary folder");
+    CheckHolds(guard.Objection(*other + "\\Downloads"), "one of the system's folders");
+    CHECK(guard.KeepsForeign(*other + "\\Programs\\tree"));
 }
 
 TEST_CASE("no build works in, below or above another one's folder") {

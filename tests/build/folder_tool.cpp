@@ -1,11 +1,12 @@
 // Tries to empty folders as a build would: one spelling a line on the standard input, what became
 // of it on the standard output. "short PATH" tries the system's short name of a path; "hide PATH"
 // marks one as the system's own; "into PATH" asks whether a build into \tree of the first drive
-// writes there; "cd D: FOLDER" has Wine take a folder of Linux for a CD, "disk D: FOLDER" for a
-// disk. All guarded places are on the drive named first, so that nothing else can come to harm when
-// a guard fails.
+// writes there; "drive FILE" has Wine know a drive as the file says. All guarded places are on the
+// drive named first, so that nothing else can come to harm when a guard fails.
 #include "RecordingFrontEnd.h"
 #include "base/UniqueHandle.h"
+#include "base/modFile.h"
+#include "base/modWide.h"
 #include "build/clsInstallFolder.h"
 #include "build/clsRemovableTree.h"
 #include "build/modFileOperations.h"
@@ -15,7 +16,6 @@
 #include <winioctl.h>
 
 #include <array>
-#include <cstddef>
 #include <iostream>
 #include <string>
 
@@ -25,14 +25,16 @@ namespace {
 
 clsFolderGuard GuardOf(const std::string& drive) {
     using Reach = GuardedPlace::Reach;
-    const std::string root = drive + "\\";
-    return clsFolderGuard({{root + "program\\", "this program", Reach::Holding},
-                           {root + "cd\\", "the Windows source", Reach::Within},
-                           {root + "Windows", "Windows", Reach::Within},
-                           {root + "Program Files", "Program Files", Reach::Holding},
-                           {root + "users\\me", "your user profile", Reach::Siblings},
-                           {root + "users\\me\\Documents", "your documents", Reach::Holding}},
-                          {root + "Program Files"});
+    const std::wstring root = Widen(drive) + L"\\";
+    return clsFolderGuard({{root + L"program\\", "this program", Reach::Holding},
+                           {root + L"cd\\", "the Windows source", Reach::Within},
+                           {root + L"Windows", "Windows", Reach::Within},
+                           {root + L"Program Files", "Program Files", Reach::Holding},
+                           {root + L"users\\me", "your user profile", Reach::Siblings},
+                           {root + L"homes\\gone", "a profile that is missing", Reach::Siblings},
+                           {root + L"users\\me\\Documents", "your documents", Reach::Holding},
+                           {root + L"users\\\x0416\\Letters", "your letters", Reach::Holding}},
+                          {root + L"Program Files"});
 }
 
 std::string ShortName(const std::string& path) {
@@ -41,28 +43,15 @@ std::string ShortName(const std::string& path) {
     return name.data();
 }
 
-/// What Wine's manager of drives is told of one.
-struct UnixDrive {
-    ULONG size = sizeof(UnixDrive), type = 0, fileSystem = 0, serial = 0;
-    ULONGLONG device = 0;
-    WCHAR letter = 0;
-    USHORT folderAt = 0, deviceAt = 0;
-    std::array<char, MAX_PATH> folder{};
-};
-
-std::string DefineDrive(UINT type, const std::string& words) {
-    UnixDrive drive;
-    drive.type = type;
-    drive.letter = static_cast<WCHAR>(words[0]);
-    drive.folderAt = offsetof(UnixDrive, folder);
-    words.copy(drive.folder.data(), MAX_PATH - 1, 3);
+/// Has Wine's manager of drives do what a file asks for.
+std::string TellOfDrive(const std::string& file) {
     const FileHandle manager(CreateFileA(R"(\\.\MountPointManager)", GENERIC_READ | GENERIC_WRITE,
                                          0, nullptr, OPEN_EXISTING, 0, nullptr));
-    constexpr DWORD kDefine =
-        CTL_CODE('m', 32, METHOD_BUFFERED, FILE_READ_ACCESS | FILE_WRITE_ACCESS);
+    std::string told = ReadWholeFile(file);
     DWORD size = 0;
-    return std::to_string(
-        DeviceIoControl(manager.Get(), kDefine, &drive, sizeof drive, nullptr, 0, &size, nullptr));
+    return std::to_string(DeviceIoControl(
+        manager.Get(), CTL_CODE('m', 32, METHOD_BUFFERED, FILE_READ_ACCESS | FILE_WRITE_ACCESS),
+        told.data(), static_cast<DWORD>(told.size()), nullptr, 0, &size, nullptr));
 }
 
 std::string WhyNotInto(const std::string& path) {
@@ -84,10 +73,8 @@ std::string Outcome(const std::string& line, const clsFolderGuard& guard) {
                                   FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM) != FALSE
                    ? "hidden"
                    : "not hidden";
-    if (line.starts_with("cd "))
-        return DefineDrive(DRIVE_CDROM, line.substr(3));
-    if (line.starts_with("disk "))
-        return DefineDrive(DRIVE_FIXED, line.substr(5));
+    if (line.starts_with("drive "))
+        return TellOfDrive(line.substr(6));
     if (line.starts_with("into "))
         return WhyNotInto(line.substr(5));
     const std::string text = line.starts_with("short ") ? ShortName(line.substr(6)) : line;

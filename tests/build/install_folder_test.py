@@ -7,6 +7,7 @@ the guarded places lie on it too: where a guard fails, that folder is all that i
 
 import os
 import pathlib
+import struct
 import sys
 import unittest
 
@@ -19,11 +20,11 @@ TOOL, *WINE = sys.argv[1:]
 DEEP = "Windows" + "/a folder with a name of some forty letters" * 8
 KEPT = ["program/veskbuild.exe", "cd/I386/LAYOUT.INF", "Windows/system32/kernel.dll",
         "Windows/win.ini", "Program Files/Tool/tool.exe", "users/me/Documents/letter.txt",
-        "users/other/letter.txt", "work/sub/notes.txt", "Recycled/hidden/file", "file.txt",
+        "users/other/letter.txt", "users/Ж/Letters/letter.txt", "work/sub/notes.txt", "Recycled/hidden/file", "file.txt",
         DEEP + "/file"]
 
 # {D} is the drive that all lies on; {S} one that leads to its Windows, {U} one to its users, {A} one
-# to the folder that {D} is in. The current folder is {D}\work\sub. Words of the reason stand above those
+# to the folder that {D} is in, {F} one to a user's folder whose name the code page lacks. The current folder is {D}\work\sub. Words of the reason stand above those
 # that are refused for it, behind "=>".
 BLOCKS = (TOP / "tests/data/refused_folders.txt").read_text("utf-8").split("=> ")[1:]
 REFUSED = [(spelling, words) for words, *spellings in (block.rstrip("\n").split("\n") for block in BLOCKS)
@@ -55,11 +56,12 @@ class InstallFolder(unittest.TestCase):
         self.drive = link_drive(self, self.folder)
         self.windows = link_drive(self, self.folder / "Windows")
         self.users = link_drive(self, self.folder / "users")
+        self.foreign = link_drive(self, self.folder / "users/Ж")
         self.assertEqual(self.outcomes(["hide {D}\\Recycled"])[0][1], "hidden")
 
     def fill(self, text):
         return text.format(D=self.drive, d=self.drive.lower(), L=self.drive[0], S=self.windows,
-                           U=self.users, A=self.above)
+                           U=self.users, A=self.above, F=self.foreign)
 
     def outcomes(self, spellings):
         text = "".join(self.fill(spelling) + "\r\n" for spelling in spellings)
@@ -95,11 +97,13 @@ class InstallFolder(unittest.TestCase):
         self.assertEqual([outcome for _, outcome in outcomes], [*wanted.values()])
 
     def test_a_cd(self):
-        place = f" {self.windows} {self.folder}"
-        outcomes = self.outcomes(["cd" + place, "{S}\\tree", "disk" + place, "{S}\\tree"])
-        self.assertEqual([outcome for _, outcome in outcomes], [
-            "1", self.fill("refused\tThe installation folder cannot be on a CD: {S}\\tree"),
-            "1", self.fill("emptied\t{S}\\tree")])
+        for name, kind in (("cd.bin", 5), ("disk.bin", 3)):  # as Wine's library has them
+            (self.folder / name).write_bytes(struct.pack(
+                "<4IQ3H", 0, kind, 0, 0, 0, ord(self.windows[0]), 30, 0) + bytes(self.folder) + b"\0")
+        self.assertEqual([outcome for _, outcome in self.outcomes(
+            ["drive {D}\\cd.bin", "{S}\\tree", "drive {D}\\disk.bin", "{S}\\tree"])], [
+                "1", self.fill("refused\tThe installation folder cannot be on a CD: {S}\\tree"),
+                "1", self.fill("emptied\t{S}\\tree")])
 
     def test_foreign_files_among_programs(self):
         (_, outcome), = self.outcomes(["{D}\\Program Files\\Tool"])

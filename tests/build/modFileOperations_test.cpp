@@ -85,6 +85,11 @@ TEST_CASE("removals write their line first, and report what stays") {
     CHECK(DeleteFolderLogged(context, sub));
     CHECK_FALSE((shown || FolderExists(sub.Path())));
     CHECK(DeleteFolderLogged(context, sub)); // nothing is there: that is no problem
+    for (int number = 0; number < 64; ++number)
+        folder.Write("tree\\sub\\" + std::to_string(number), "");
+    int rests = 0; // in which a window stays alive
+    CHECK(sub.Remove([&] { ++rests; }).empty());
+    CHECK(rests == 1);
     CHECK(frontEnd.problems.size() == 1);
     CHECK_THROWS_AS(clsRemovableTree::Below(inputs.installFolder, "\\sub\\..\\.."), Failure);
     LogIndented(context, "text");

@@ -73,7 +73,7 @@ TEST_CASE("edits wait for Apply, and Revert drops them") {
         [&] { editor.SetInstallFolder(" other "); },
         [&] { editor.SetInstallPathItem(1); },
         [&] { editor.Base().MoveDown(); },
-        [&] { editor.Plugins().SetField(&CatalogueEntry::cat, "200"); },
+        [&] { editor.Plugins().SetField(&CatalogueEntry::cat, " 200 "); },
         [&] {
             editor.TakeCategories({{"x", "9", ""}}, true, {});
         },
@@ -96,11 +96,14 @@ TEST_CASE("edits wait for Apply, and Revert drops them") {
     CHECK(editor.Plugins().Selected() == 0);
     CHECK(editor.InstallFolder() == "other"); // as readers get it back
     CHECK(saved.installFolder == "other");
+    CHECK(saved.plugins[0].cat == "200");
     CHECK(saved.categories == std::vector<CategoryRecord>{{"x", "9", ""}});
     CHECK_FALSE(saved.showCategories);
     editor.SetInstallFolder("third");
     editor.Revert();
     CHECK(editor.InstallFolder() == "other");
+    editor.Offer(BeginnersCatalogue([](const auto& folder, const auto&) { return folder; }));
+    CHECK(editor.ShowCategories());
 }
 
 TEST_CASE("the installation path's two items") {

@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <map>
+#include <utility>
 
 using namespace vesk;
 using vesk::test::TestFolder;
@@ -54,6 +55,14 @@ TEST_CASE("where there is a list, an archive's SHA-256 counts as well") {
     CHECK_FALSE(archives.Known("a.zip").crc);
     CHECK(archives.Facts("a.zip").sha256Fault.empty());
     CHECK(clsSha256List(path).Problems().empty());
+    folder.Write("a.zip", std::string(std::size_t{4} << 20, 'x'));
+    int calls = 0;
+    const auto count = [&calls] { ++calls; };
+    CHECK(UpdateSha256List(path, "a.zip", count));
+    const int callsOfDigest = std::exchange(calls, 0);
+    CHECK(callsOfDigest > 0);
+    CHECK(archives.Facts("a.zip", count).crc);
+    CHECK(calls > callsOfDigest); // the checksum's as well
 
     if (const auto name = NarrowedExactly(L"\x00FC.zip"); GetACP() != CP_UTF8 && name) {
         folder.Write(kSha256FileName, std::string(64, '0') + "  \xC3\xBC.zip\n");

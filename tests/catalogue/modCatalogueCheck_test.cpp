@@ -94,6 +94,11 @@ const std::map<Text, void (*)(Case&, const Text& value)> kChanges = {
          c.LookAt(kStates.at(words.at(0)));
      }},
     {"content-faults", [](Case& c, const Text& count) { c.LookAt(kGood, std::stoul(count)); }},
+    {"content-twice",
+     [](Case& c, const Text& count) { // of one archive that two entries have
+         c.catalogue.plugins.push_back(c.Plugin());
+         c.LookAt(kGood, std::stoul(count));
+     }},
     {"all-missing",
      [](Case& c, const Text& url) { // only the first base component is ever downloaded
          c.catalogue.baseComponents.push_back(Entry("Second", "second.zip"));

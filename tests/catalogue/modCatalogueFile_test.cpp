@@ -142,11 +142,15 @@ TEST_CASE_FIXTURE(Fixture, "a catalogue in another encoding is read as the syste
         bytes += {static_cast<char>(c & 0xFF), static_cast<char>(c >> 8)};
     CHECK(Load(bytes).state == CatalogueState::Whole);
     CHECK(loaded.plugins == catalogue.plugins);
+    CHECK(Load("\xEF\xBB\xBF" + ReplaceAll(good, "\xE4", "a")).state == CatalogueState::Whole);
 }
 
-TEST_CASE("captions of characters of two bytes" * doctest::skip(GetACP() != 932)) {
+TEST_CASE("captions and sections with characters of two bytes" * doctest::skip(GetACP() != 932)) {
     // The second byte of the first looks like "_", that of the next like the key.
     CHECK(CategoryCaption("\x83_ G_\x83G_\x82\x81", "G") == "\x83_   \x83G \x82\x60");
+    UseSystemCodePage();
+    CHECK(ParseIni("[a\x81]]").sections.at(0).name == "a\x81]");
+    CHECK(SectionNames("[a\x81]]") == Lines{"a\x81]"});
 }
 
 TEST_CASE(

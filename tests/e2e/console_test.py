@@ -53,11 +53,6 @@ class Console(SaidTest):
             for name in ("letter.txt", "sub"):
                 self.assertEqual((self.tree / name).exists(), stays)
 
-    def test_a_folder_below_one_that_is_missing(self):
-        self.tree = self.folder / "new/deep/tree"
-        self.build()
-        self.assertTrue((self.tree / "Plugin/100_tools/100_tools.inf").exists())
-
     def test_list_and_locked_entries(self):
         """A tick that has no effect is not taken in silence."""
         self.raw("one.zip", b"damaged")
@@ -72,6 +67,7 @@ class Console(SaidTest):
         self.write_entries([self.pe_builder()], [("100", "Two", 1, 0, *two)],
                            [(key, key + "_x") for key in ("100", "200", "300", "500")])
         self.run_program("--check")
+        self.run_program("--check", "--disable", "PE Builder")
         self.raw("two.zip", b"damaged")
         self.run_program("--check", "--quiet")
         self.catalogue.write_text(self.catalogue.read_text().replace("Lock0=0", "Lock0=maybe"))
@@ -93,10 +89,6 @@ class Console(SaidTest):
             self.assertEqual(contents_below(self.folder), files)
             self.build("--yes", "--replace-foreign", "--partial")
             self.assertEqual(contents_below(self.folder) == files, not built)
-
-    def test_without_pe_builder_there_is_no_usable_tree(self):
-        self.raw("pebuilder3110a.zip", b"damaged")
-        self.build("--quiet")
 
     def test_one_build_at_a_time(self):
         write_catalogue(self.program,

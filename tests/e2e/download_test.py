@@ -66,7 +66,7 @@ class Download(SaidTest):
 
     def test_a_server_that_falls_silent_is_given_up(self):
         self.slow = "one.zip"
-        self.build(*self.proxy, "--timeout", "1")
+        self.build(*self.proxy, "--timeout", "3")
         self.assertEqual(self.archives() & {"one.zip"}, set())
 
     def test_progress_is_drawn_and_ctrl_c_ends_download_and_run(self):

@@ -102,11 +102,12 @@ class Loading(ProgramTest):
         with open(said, "wb") as file, subprocess.Popen(
                 [*WINE, str(self.program / program), *arguments], cwd=self.program, stdin=subprocess.DEVNULL,
                 stdout=subprocess.DEVNULL, stderr=file, env=os.environ | {"WINEDEBUG": "+module"}) as process:
-            end = time.monotonic() + 30
+            end = time.monotonic() + 120
             while process.poll() is None and time.monotonic() < end:
                 time.sleep(0.1)
                 if until and until in said.read_bytes():
-                    process.kill()
+                    break
+            process.kill()
         found = [(name.lower(), folders) for name, folders in SEARCH.findall(said.read_text("cp1252", "replace"))]
         names = [name for name, _ in found]
         first = r"c:\\windows\\system32\\advpack.dll"

@@ -22,7 +22,7 @@ PATHS = {"VESK_WIZARD": str(PROGRAMS.parent / "ui/veskbuilder.exe"),
 
 class Versions(ProgramTest):
     def become(self, version):
-        run_whole([TOP / "tools/wine-prefix", f"{PREFIX}:{version}"], timeout=120)
+        run_whole([TOP / "tools/wine-prefix", f"{PREFIX}:{version}"], timeout=300)
 
     def test_a_whole_build(self):
         self.add_sample()
@@ -37,7 +37,7 @@ class Versions(ProgramTest):
                 self.assertRegex(lines[-2], r"^Done\.\.\. \[")
                 # A comma would end the pattern.
                 said = run_in_wine([*WINE, UI_TESTS, "--test-case=a whole build*"], encoding="cp1252",
-                                   check=True, env=os.environ | PATHS)
+                                   check=True, timeout=250, env=os.environ | PATHS)
                 self.assertIn("test cases:  1 |  1 passed", said.stdout)
 
     def test_what_is_no_nt_is_refused(self):

@@ -87,7 +87,7 @@ def faults(build, good, kinds):
     codes = (build.built.returncode, build.checked.returncode)
     found = [f"exit codes {codes}"] if not {0, 1}.issuperset(codes) else []
     found += [f"elsewhere: {path}" for path in sorted(build.made ^ good.made)]
-    found += [f"{build.seconds:.0f} s"] if build.seconds > 10 + good.seconds else []
+    found += [f"{build.seconds:.0f} s"] if build.seconds > 60 + good.seconds else []
     told, checked = build.told(build.built), build.told(build.checked)
     for name, kind in kinds.items():
         is_zip, there, wanted = name.endswith(".zip"), build.contents(name), good.contents(kind)

@@ -92,7 +92,7 @@ class Builder:
         server = ScriptedServer(self.sample.serve)
         self.run_folder = self.folder / "run"
         self.arguments = ["--install", windows_path(self.run_folder / "tree"), "--source",
-                          windows_path(self.folder / "sample/source"), "--yes", "--timeout", "3",
+                          windows_path(self.folder / "sample/source"), "--yes", "--timeout", "10",
                           "--proxy", f"localhost:{server.port}"]
         self.sample.fill(self.run_folder, self.program)
         self.untouched = picture(self.run_folder)
@@ -100,9 +100,10 @@ class Builder:
 
     def build(self, fault, **options):
         """As build_once. On a busy machine Wine ends a process now and then, with 1 and without a report,
-        or loses its exit code; the program would do so again."""
+        loses its exit code, or keeps it; the program would do so again."""
         run = self.build_once(fault, **options)
-        if run.code == 1 and not run.calls or run.code == 0 and run.errors:
+        if run.code == 1 and not run.calls or run.code == 0 and run.errors or \
+                run.code is None and options.get("after") is None:
             print("left out: a run that Wine ended", file=sys.stderr)
             run = self.build_once(fault, **options)
         return run
@@ -117,17 +118,18 @@ class Builder:
         told = {"CALL": fault.call, "AT": fault.number, "WITH": fault.reason, "ON": int(fault.on),
                 "REPORT": windows_path(report), "KEY": self.key, "PLACES": int(places),
                 "SHELL": windows_path(self.run_folder / "shell")}
-        try:
-            done = subprocess.run(
-                [*self.wine, str(self.run_folder / "program/veskbuild.exe"), *self.arguments], check=False,
-                stdin=subprocess.DEVNULL, capture_output=True, timeout=60 if after is None else after,
-                env=os.environ | {f"VESK_FAIL_{name}": str(value) for name, value in told.items()})
-        except subprocess.TimeoutExpired:
-            done = subprocess.CompletedProcess((), None, b"", b"")
-        errors = "".join(line for line in done.stderr.decode("cp1252").splitlines(True)
-                         if line.startswith("veskbuild:"))
-        run = Run(done.returncode, done.stdout.decode("cp1252").splitlines(), errors,
-                  picture(self.run_folder))
+        with tempfile.TemporaryFile() as output, tempfile.TemporaryFile() as said:  # see run_in_wine
+            try:
+                code = subprocess.run(
+                    [*self.wine, str(self.run_folder / "program/veskbuild.exe"), *self.arguments],
+                    check=False, stdin=subprocess.DEVNULL, stdout=output, stderr=said,
+                    timeout=60 if after is None else after,
+                    env=os.environ | {f"VESK_FAIL_{name}": str(value) for name, value in told.items()}).returncode
+            except subprocess.TimeoutExpired:
+                code = None
+            lines, errors = (file.seek(0) or file.read().decode("cp1252") for file in (output, said))
+        errors = "".join(line for line in errors.splitlines(True) if line.startswith("veskbuild:"))
+        run = Run(code, lines.splitlines(), errors, picture(self.run_folder))
         if report.exists():
             run.read(report)
         return run

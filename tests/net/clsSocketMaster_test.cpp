@@ -2,6 +2,7 @@
 
 #include "ExpectedText.h"
 #include "net/MessagePump.h"
+#include "net/clsReceiveQueue.h"
 #include "net/modSocketHandle.h"
 #include "net/modSocketMaster.h"
 
@@ -132,6 +133,7 @@ TEST_CASE_FIXTURE(NothingLeft, "connect, talk, look at what waits, close") {
 }
 
 TEST_CASE_FIXTURE(NothingLeft, "what must not be done is refused and changes nothing") {
+    CHECK(clsReceiveQueue().ReadOnce(INVALID_SOCKET) == SOCKET_ERROR);
     Pair pair;
     Peer closed;
     SocketValue data;

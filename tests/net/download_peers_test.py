@@ -11,7 +11,7 @@ import unittest
 import zlib
 
 from fixtures import fresh_folder, mount_disk, run_in_wine, unmount_disk, windows_path
-from peers import Nginx, ScriptedServer, Tinyproxy, answer, free_port, reset
+from peers import Nginx, ScriptedServer, Tinyproxy, answer, reset
 
 WINE, TOOL = sys.argv[1:]
 CRC_DIFFERS, DONE, FAILED = 0, 1, 2
@@ -192,7 +192,7 @@ class Peers(unittest.TestCase):
                     "closed without an answer$" if came == -begun else "no HTTP header, a text"))
 
     def test_silence_in_every_state_ends_when_the_time_is_up(self):
-        silent = "no data for 1 s"
+        silent = "no data for 3 s"
         with socket.socket() as full:  # nobody accepts the connection
             full.bind(("127.0.0.1", 0))
             full.listen(0)
@@ -202,10 +202,10 @@ class Peers(unittest.TestCase):
                 self.addCleanup(waiting.close)
                 waiting.setblocking(False)
                 waiting.connect_ex(full.getsockname())
-            self.assertEqual(self.run_sessions(proxy, [(CRC, "http://h/x")], 1),
+            self.assertEqual(self.run_sessions(proxy, [(CRC, "http://h/x")], 3),
                              [(FAILED, "none", "none", f"proxy {proxy.replace(':', ' port ')}: {silent}")])
         started = time.monotonic()
-        self.check_table(1, [
+        self.check_table(3, [
             ("before the header", silent_after(b""), FAILED, FAILED, "not reached: " + silent),
             ("drops of a header", endless(b"X: y\r\n", 0.02), FAILED, FAILED,
              "not reached: " + silent),
@@ -214,30 +214,36 @@ class Peers(unittest.TestCase):
              silent + ", 512 of 4,096 bytes came")])
         self.check_table(2, [("slow bytes are no silence", slowly, DONE, DONE, "")])  # 2.4 s in all
         _, proxy = self.serve(lambda c, url: c.sendall(redirect(url)))
-        (result, _, _, why), = self.run_sessions(proxy, [(None, "http://h/in-circles")], 1)
+        (result, _, _, why), = self.run_sessions(proxy, [(None, "http://h/in-circles")], 3)
         self.assertEqual((result, why[-len(silent):]), (FAILED, silent))
-        self.assertLess(time.monotonic() - started, 60)
+        self.assertLess(time.monotonic() - started, 180)
 
     def test_of_three_addresses_the_reasons_of_all_are_told(self):
         scripts = {"silent": silent_after(b""), "half": silent_after(HEAD + BODY[:512]),
                    "good": lambda c: c.sendall(answer(BODY)),
-                   "none": lambda c: c.sendall(NOT_FOUND)}
+                   "none": lambda c: c.sendall(NOT_FOUND), "closed": lambda _: None}
         _, proxy = self.serve(lambda c, url: scripts[url.rsplit("/", 1)[1]](c))
-        missing = f" through proxy {proxy.replace(':', ' port ')}: HTTP/1.1 404 Not Found"
+        through = f" through proxy {proxy.replace(':', ' port ')}: "
+        missing = through + "HTTP/1.1 404 Not Found"
+        closed = through + "the connection was closed without an answer"
         self.assertEqual([(result, why) for result, _, _, why in self.run_sessions(proxy, [
             (CRC, "http://a/silent,http://b/none,http://c/good"),
             (CRC, "http://a/half,http://b/none,http://c/good"),
             (CRC, "http://a/none,http://b/none,http://c/none"),
             (CRC, ",".join(f"http://{host}/none" for host in "vwabc")),  # of so many the last ones
-            (CRC, "http://a/none, http://b/a\tb ,http://c/good")], 1)], [
+            (CRC, "http://a/none,http://b/none,http://c/closed"),
+            (CRC, "http://a/none, http://b/a\tb ,http://c/good")], 3)], [
                 (DONE, ""), (DONE, ""), (FAILED, f"a{missing}; b{missing}; c{missing}"),
                 (FAILED, "; ".join(host + missing for host in "wabc")),
+                (FAILED, f"a{missing}; b{missing}; c{closed}"),
                 (FAILED, f'a{missing}; "http://b/a b": the address holds a control character')])
 
     def test_who_cannot_be_reached(self):
-        port = free_port()
-        self.assertEqual([row[3] for row in self.run_sessions(f"127.0.0.1:{port}", [("-", "http://h/")])],
-                         [f"proxy 127.0.0.1 port {port}: connection refused"])
+        with socket.socket() as silent:  # which nobody else can take, and that does not listen
+            silent.bind(("127.0.0.1", 0))
+            port = silent.getsockname()[1]
+            self.assertEqual([row[3] for row in self.run_sessions(f"127.0.0.1:{port}", [("-", "http://h/")])],
+                             [f"proxy 127.0.0.1 port {port}: connection refused"])
         self.assertEqual(
             [row[3] for row in self.run_sessions("direct", [
                 ("-", "http://no-such-host.invalid/x"), ("-", "http://h:8080/x"),

@@ -1,6 +1,7 @@
 #include "net/modSocketValue.h"
 
 #include "ExpectedText.h"
+#include "net/modSocketErrors.h"
 
 using namespace vesk;
 
@@ -36,4 +37,9 @@ TEST_CASE("ports and lengths from values of every kind") {
     CHECK(NumberOfFailure([] { BytesTaken(3, VarType::Long, "Method"); }) == 40014);
     CHECK(NumberOfFailure([] { BytesTaken(3, static_cast<VarType>(9), "Method"); }) == 40018);
     CHECK(BytesOf(SocketBytes{65, 0, 66}, "Method") == std::string_view("A\0B", 3));
+}
+
+TEST_CASE("the system's errors have the texts that users know") {
+    test::CheckLines("socket_errors",
+                     [](const auto& code) { return GetErrorDescription(std::stoi(code)); });
 }

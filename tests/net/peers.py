@@ -17,18 +17,25 @@ def free_port():
 
 
 class ServerProcess:
-    """A server program that is ended by stop."""
+    """A server program on a port of 127.0.0.1 that is ended by stop."""
 
-    def start(self, port, log, *command):
-        with open(log, "ab") as said:
-            self.process = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=said, stderr=said)
-        for _ in range(500):
-            try:
-                return socket.create_connection(("127.0.0.1", port), 1).close()
-            except OSError:
+    def start(self, folder, configure):
+        """Another program may take the port first. Then the server ends, and gets another one.
+        @param folder where it writes the file "pid" as soon as it listens
+        @param configure writes what it reads, for a port, and returns its command"""
+        for _ in range(5):
+            self.port = free_port()
+            with open(folder / "log", "ab") as said:
+                self.process = subprocess.Popen(configure(self.port), stdin=subprocess.DEVNULL,
+                                                stdout=said, stderr=said)
+            for _ in range(1500):
+                if (folder / "pid").exists():
+                    return
+                if self.process.poll() is not None:
+                    break
                 time.sleep(0.02)
-        self.stop()
-        raise RuntimeError(f"no server came up at port {port}: {command}\n{log.read_text('utf-8', 'replace')}")
+            self.stop()
+        raise RuntimeError("no server came up\n" + (folder / "log").read_text("utf-8", "replace"))
 
     def stop(self):
         self.process.terminate()
@@ -45,36 +52,41 @@ class Nginx(ServerProcess):
         self.root = self.folder / "root"
         self.root.mkdir(parents=True)
         self.folder.chmod(0o755)
-        self.port = free_port()
-        listen = f"listen 127.0.0.1:{self.port};"
-        try:
-            socket.create_server((self.direct_host, 80)).close()
-            listen += f" listen {self.direct_host}:80;"
-            self.direct = True
-        except OSError:
-            self.direct = False
         temporary = "".join(f"{kind}_temp_path {self.folder}/{kind};"
                             for kind in ("client_body", "proxy", "fastcgi", "uwsgi", "scgi"))
         config = self.folder / "nginx.conf"
-        config.write_text(f"""
-            daemon off; master_process off; pid {self.folder}/pid; error_log {self.folder}/log;
-            events {{ worker_connections 64; }}
-            http {{ access_log off; sendfile on; {temporary}
-                server {{ {listen} root {self.root};
-                    location /secret {{ return 401; }} }} }}""")
-        self.start(self.port, self.folder / "log", "/usr/sbin/nginx", "-p", str(self.folder), "-e",
-                   f"{self.folder}/log", "-c", str(config))
+
+        def configure(port):
+            listen = f"listen 127.0.0.1:{port};"
+            try:
+                socket.create_server((self.direct_host, 80)).close()
+                listen += f" listen {self.direct_host}:80;"
+                self.direct = True
+            except OSError:
+                self.direct = False
+            config.write_text(f"""
+                daemon off; master_process off; pid {self.folder}/pid; error_log {self.folder}/log;
+                events {{ worker_connections 64; }}
+                http {{ access_log off; sendfile on; {temporary}
+                    server {{ {listen} root {self.root};
+                        location /secret {{ return 401; }} }} }}""")
+            return ("/usr/sbin/nginx", "-p", str(self.folder), "-e", f"{self.folder}/log", "-c", str(config))
+
+        self.start(self.folder, configure)
 
 
 class Tinyproxy(ServerProcess):
     def __init__(self, folder):
         folder = pathlib.Path(folder)
         folder.mkdir()
-        self.port = free_port()
         config = folder / "tinyproxy.conf"
-        config.write_text(f"Port {self.port}\nListen 127.0.0.1\nTimeout 60\nAllow 127.0.0.1\n"
-                          f'LogFile "{folder}/log"\nPidFile "{folder}/pid"\nMaxClients 20\n')
-        self.start(self.port, folder / "log", "/usr/bin/tinyproxy", "-d", "-c", str(config))
+
+        def configure(port):
+            config.write_text(f"Port {port}\nListen 127.0.0.1\nTimeout 60\nAllow 127.0.0.1\n"
+                              f'LogFile "{folder}/log"\nPidFile "{folder}/pid"\nMaxClients 20\n')
+            return "/usr/bin/tinyproxy", "-d", "-c", str(config)
+
+        self.start(folder, configure)
 
 
 class ScriptedServer:

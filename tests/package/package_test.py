@@ -49,8 +49,7 @@ def files_below(folder):
 def registry():
     """All keys and values. What Windows itself notes about programs that ran is left out, and the key
     that it keeps for uninstallers, when nothing is in it."""
-    subprocess.run(["wineserver", "-k"], check=False, timeout=60)
-    subprocess.run(["wineserver", "-w"], check=False, timeout=60)
+    subprocess.run(["wineserver", "-w"], check=True, timeout=300)
     lines = set()
     for hive in ("system.reg", "user.reg"):
         key = ""
@@ -136,7 +135,7 @@ class Package(unittest.TestCase):
         """The uninstaller goes on in a copy of itself: wait until its last step is done."""
         menus = set(DRIVE.rglob("Vesk Builder Setup"))
         said = wine(folder / "uninstall.exe", "/S", *arguments)
-        subprocess.run(["wineserver", "-w"], check=True, timeout=60)
+        subprocess.run(["wineserver", "-w"], check=True, timeout=300)
         self.assertEqual(len(menus - set(DRIVE.rglob("Vesk Builder Setup"))), 1, said)
 
     def check_versions(self, folder):

@@ -102,11 +102,11 @@ TEST_CASE_FIXTURE(RegistryTestKey, "values are listed up to the first that is to
 
 TEST_CASE("file types are the keys with a leading dot, in upper case") {
     constexpr std::uint32_t kClassesRoot = 0x80000000;
-    clsRegistry::CreateNewKey(kClassesRoot, ".veskTest");
+    clsRegistry::CreateNewKey(kClassesRoot, ".veskT\xE4st");
     Texts list;
     clsRegistry::GetFileTypes(list);
-    clsRegistry::DeleteKey(kClassesRoot, "", ".veskTest");
-    CHECK(std::ranges::count(list, "VESKTEST") == 1);
+    clsRegistry::DeleteKey(kClassesRoot, "", ".veskT\xE4st");
+    CHECK(std::ranges::count(list, "VESKT\xC4ST") == 1);
     CHECK(std::ranges::count(list, "CLSID") == 0);
 }
 

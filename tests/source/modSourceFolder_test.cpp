@@ -1,6 +1,7 @@
 #include "source/modSourceFolder.h"
 
 #include "ExpectedText.h"
+#include "base/modFile.h"
 #include "source/WindowsCd.h"
 
 using namespace vesk;
@@ -49,5 +50,10 @@ TEST_CASE("what is no source changes nothing; a file, and a drive's letter, stan
         CHECK(CheckSourceFolder(folder / "good", state).usable);
         CHECK(state.servicePackCode == "1");
     }
+    WriteCd(folder, "large\\I386", std::string(kLongestText, 'x')); // each value is a reading of it
+    CHECK(CheckSourceFolder(folder / "large", state).unread == "it is larger than 16 MB");
     RemoveFile(inRoot);
+    const FileHandle inUse = OpenExclusively(folder / "good\\I386\\LAYOUT.INF");
+    const SourceCheck unread = CheckSourceFolder(folder / "good", state);
+    CHECK((unread.usable && unread.unread == "sharing violation"));
 }

@@ -1,5 +1,6 @@
 #include "startup/modStartUp.h"
 
+#include "base/CodePage.h"
 #include "base/UniqueHandle.h"
 
 #include <windows.h>
@@ -45,6 +46,15 @@ TEST_CASE("an administrator whose rights were not raised is refused") {
     const StartRefusal refusal = CheckSystem(WindowsProbe());
     RevertToSelf();
     CHECK(refusal == StartRefusal::NotAdministrator);
+}
+
+TEST_CASE("a process works in the system's code page, and shows no box for an empty drive") {
+    const UINT before = SetErrorMode(0);
+    SetCodePage({[](unsigned char) { return true; }, ""});
+    PrepareProcess();
+    CHECK((CurrentCodePage().isLeadByte == nullptr));
+    CHECK(CurrentCodePage().poundAndNegation == "\xA3\xAC");
+    CHECK(SetErrorMode(before) == UINT{SEM_FAILCRITICALERRORS});
 }
 
 TEST_CASE("the environment: cut, and empty when unset") {

@@ -221,7 +221,7 @@ void clsEntryFrame::Browse() {
         return;
     const std::string crc = [&] {
         const clsWaitCursor wait;
-        return clsCRC().CalculateFile(path);
+        return clsCRC().CalculateFile(path, LetWindowsPaint);
     }();
     if (crc.empty())
         ShowMessage(dialog_, path + "\r\nis empty or cannot be read: it has no checksum.",
@@ -236,7 +236,7 @@ void clsEntryFrame::TakeSha256(const std::string& path) const {
         return;
     try {
         const clsWaitCursor wait;
-        UpdateSha256List(programPath_, FileNameOf(path));
+        UpdateSha256List(programPath_, FileNameOf(path), LetWindowsPaint);
     } catch (const Failure& failure) {
         ShowMessage(dialog_,
                     std::string("The archive's SHA-256 could not be recorded: ") + failure.what() +
@@ -270,7 +270,7 @@ std::string clsEntryFrame::BroughtHere(const std::string& path) const {
     if (answer != IDYES)
         return {};
     const clsWaitCursor wait;
-    CopyCompleteFile(path, here); // a failure is shown by the dialog
+    CopyCompleteFile(path, here, LetWindowsPaint); // a failure is shown by the dialog
     return here;
 }
 

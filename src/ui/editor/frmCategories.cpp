@@ -136,14 +136,23 @@ void frmCategories::Do(int button) {
                      reinterpret_cast<WPARAM>(Control(IDC_TXT_CATEGORY_KEY)), TRUE);
 }
 
+/// Whether the box is ticked.
+bool frmCategories::ShowsCategories() const {
+    return IsDlgButtonChecked(Window(), IDC_CHK_SHOW_CATEGORIES) == BST_CHECKED;
+}
+
+/// Whether Cancel would lose an edit.
+bool frmCategories::IsModified() const {
+    return categories_.Categories() != editor_.Categories() ||
+           ShowsCategories() != editor_.ShowCategories();
+}
+
 /// Nothing goes into the catalogue that its file would not give back.
 void frmCategories::Accept() {
     const std::vector<std::string> faults = CategoryFaults(categories_.Categories());
     const auto fault = std::ranges::find_if(faults, [](const auto& text) { return !text.empty(); });
     if (fault == faults.end()) {
-        editor_.TakeCategories(categories_.Categories(),
-                               IsDlgButtonChecked(Window(), IDC_CHK_SHOW_CATEGORIES) == BST_CHECKED,
-                               categories_.Renames());
+        editor_.TakeCategories(categories_.Categories(), ShowsCategories(), categories_.Renames());
         EndDialog(Window(), IDOK);
         return;
     }
@@ -166,6 +175,12 @@ void frmCategories::OnCommand(int id, int notification) {
     else if (notification == BN_CLICKED && id >= IDC_CMD_CATEGORY_ADD &&
              id <= IDC_CMD_CATEGORY_DOWN)
         Do(id);
+}
+
+/// The editor behind it knows nothing of edits that were not taken over yet.
+INT_PTR frmCategories::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
+    return message == WM_QUERYENDSESSION ? Answer(!IsModified())
+                                         : clsListDialog::Handle(message, wparam, lparam);
 }
 
 void frmCategories::OnListNotify(const NMHDR& header) {

@@ -17,6 +17,7 @@ public:
     bool Show(HWND owner);
 
 private:
+    INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam) override;
     void OnCreated() override;
     void OnCommand(int id, int notification) override;
     void OnListNotify(const NMHDR& header) override;
@@ -26,6 +27,8 @@ private:
     void Do(int button);
     void Remove();
     void Accept();
+    [[nodiscard]] bool ShowsCategories() const;
+    [[nodiscard]] bool IsModified() const;
     void ShowList();
     void ShowCurrent();
     void EnableWhatWorks() const;

@@ -65,7 +65,7 @@ void frmSetup::Show() {
 void frmSetup::BeginFromNothing() {
     Catalogue beginning = BeginnersCatalogue(CategoryCaption);
     for (CatalogueEntry& entry : beginning.baseComponents)
-        entry.crc = clsCRC().CalculateFile(paths_.programPath + entry.zip);
+        entry.crc = clsCRC().CalculateFile(paths_.programPath + entry.zip, LetWindowsPaint);
     editor_.Offer(beginning);
     ShowAll();
     ShowState("");
@@ -167,9 +167,8 @@ void frmSetup::GoTo(const EntryPlace& place) {
     FrameOf(place.list).GoTo(place.index);
 }
 
-/// The editor's own messages were two, about a removal. Those around a save came later: nothing
-/// that the user typed may be lost in silence. This one tells what the file would not give back,
-/// and shows it. @return false when there is nothing
+/// Nothing that the user typed may be lost in silence: tells what the file would not give back, and
+/// shows it. @return false when there is nothing
 bool frmSetup::RefuseWhatIsLost() {
     const auto lost = LostBySaving(editor_.Edited());
     if (!lost)

@@ -6,11 +6,17 @@
 
 namespace vesk {
 
+/// Files that a dialog offers: what it calls them, and the patterns of their names.
+struct FileType {
+    const wchar_t* name;
+    const wchar_t* pattern;
+};
+
 /// The file dialog that Windows has had since Vista. The headers declare it only for programs that
 /// need Vista; this one asks for it at run time. The order of the methods is the interface.
 struct FileDialog : IUnknown {
     virtual HRESULT STDMETHODCALLTYPE Show(HWND owner) = 0;
-    virtual HRESULT STDMETHODCALLTYPE SetFileTypes(UINT, const void*) = 0;
+    virtual HRESULT STDMETHODCALLTYPE SetFileTypes(UINT count, const FileType* types) = 0;
     virtual HRESULT STDMETHODCALLTYPE SetFileTypeIndex(UINT) = 0;
     virtual HRESULT STDMETHODCALLTYPE GetFileTypeIndex(UINT*) = 0;
     virtual HRESULT STDMETHODCALLTYPE Advise(IUnknown*, DWORD*) = 0;
@@ -38,6 +44,7 @@ inline constexpr IID kFileDialogInterface{
     0x42F85136, 0xDB7E, 0x439C, {0x85, 0xF1, 0xE4, 0x07, 0x5D, 0x13, 0x5F, 0xC8}};
 inline constexpr DWORD kPickFolders = 0x20;
 inline constexpr DWORD kForceFileSystem = 0x40;
+inline constexpr DWORD kFileMustExist = 0x1000;
 inline constexpr DWORD kNoChangeDir = 0x8;
 
 } // namespace vesk

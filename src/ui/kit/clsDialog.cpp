@@ -24,7 +24,7 @@ void clsDialog::Create(HWND owner, int resourceId) {
     points_ = dialog.Points();
     if (!CreateDialogIndirectParamW(ProgramInstance(), dialog.Get(), owner, Procedure,
                                     reinterpret_cast<LPARAM>(this)))
-        ThrowLastError("create dialog", std::to_string(resourceId));
+        ThrowLastError("cannot create dialog", std::to_string(resourceId));
     if (window_ && (GetWindowLongPtrA(window_, GWL_STYLE) & WS_CHILD) != 0)
         FollowOwner(owner);
 }
@@ -35,7 +35,7 @@ INT_PTR clsDialog::RunModal(HWND owner, int resourceId) {
     const INT_PTR result = DialogBoxIndirectParamW(ProgramInstance(), dialog.Get(), owner,
                                                    Procedure, reinterpret_cast<LPARAM>(this));
     if (result == -1)
-        ThrowLastError("show dialog", std::to_string(resourceId));
+        ThrowLastError("cannot show dialog", std::to_string(resourceId));
     return result;
 }
 
@@ -74,8 +74,8 @@ INT_PTR CALLBACK clsDialog::Procedure(HWND window, UINT message, WPARAM wparam, 
     return self->HandleSafely(message, wparam, lparam);
 }
 
-/// A page that opens within a scaled dialog has that one's font already.
-/// A page is made for the monitor that the system counts it to, which may be another one.
+/// A page is made for the monitor that the system counts it to, which may be another than its
+/// dialog's.
 void clsDialog::FollowOwner(HWND owner) {
     const int dpi = DpiOf(owner);
     if (dpi == scale_.Dpi())

@@ -159,7 +159,7 @@ const std::uint8_t* SkipFont(const std::uint8_t* at) {
 clsDialogTemplate::clsDialogTemplate(int resourceId, HWND owner) {
     const HRSRC found = FindResourceA(ProgramInstance(), MAKEINTRESOURCEA(resourceId), RT_DIALOG);
     if (!found)
-        ThrowLastError("find dialog", std::to_string(resourceId));
+        ThrowLastError("cannot find dialog", std::to_string(resourceId));
     const auto* start =
         static_cast<const std::uint8_t*>(LockResource(LoadResource(ProgramInstance(), found)));
     const std::uint8_t* end = start + SizeofResource(ProgramInstance(), found);

@@ -12,6 +12,8 @@
 #include <array>
 #include <memory>
 #include <optional>
+#include <span>
+#include <string>
 
 namespace vesk {
 
@@ -67,9 +69,11 @@ std::string PathOf(IShellItem& item) {
     return UsablePath(name.get());
 }
 
-/// The folder dialog of Windows Vista and later; nothing on a system that lacks it.
+/// The dialog of Windows Vista and later; nothing on a system that lacks it.
+/// @param types files to choose from; none: a folder is chosen
 std::optional<std::string> ChooseInFileDialog(HWND owner, const std::string& title,
-                                              const std::string& startFolder) {
+                                              const std::string& startFolder,
+                                              std::span<const FileType> types) {
     void* created = nullptr;
     if (FAILED(CoCreateInstance(kFileOpenDialogClass, nullptr, CLSCTX_INPROC_SERVER,
                                 kFileDialogInterface, &created)))
@@ -77,7 +81,10 @@ std::optional<std::string> ChooseInFileDialog(HWND owner, const std::string& tit
     const ComPointer<FileDialog> dialog(static_cast<FileDialog*>(created));
     DWORD options = 0;
     dialog->GetOptions(&options);
-    dialog->SetOptions(options | kPickFolders | kForceFileSystem | kNoChangeDir);
+    dialog->SetOptions(options | (types.empty() ? kPickFolders : kFileMustExist) |
+                       kForceFileSystem | kNoChangeDir);
+    if (!types.empty())
+        dialog->SetFileTypes(static_cast<UINT>(types.size()), types.data());
     dialog->SetTitle(Widen(title).c_str());
     if (const auto start = ShellItemOf(startFolder))
         dialog->SetFolder(start.get());
@@ -106,27 +113,19 @@ std::string ChooseInFolderTree(HWND owner, const std::string& title,
     return PathOf(ItemIdList(SHBrowseForFolderA(&info)).get());
 }
 
-} // namespace
-
-std::string frmBrowse::ChooseFolder(const std::string& title,
-                                    const std::string& startFolder) const {
-    const std::string start =
-        startFolder.size() > 3 ? WithoutTrailingBackslash(startFolder) : startFolder;
-    if (const auto chosen = ChooseInFileDialog(owner_, title, start))
-        return *chosen;
-    return ChooseInFolderTree(owner_, title, start);
-}
-
-std::string frmBrowse::ChooseFile(const std::string& title, const std::string& pattern,
-                                  const std::string& startFolder) const {
-    std::wstring filter = Widen("Archives (" + pattern + ")") + L'\0' + Widen(pattern) + L'\0';
-    filter += std::wstring(L"All files") + L'\0' + L"*.*" + L'\0';
+/// The dialog of systems before Vista. Windows 7 and later would open it where the user chose last,
+/// and not where it is to begin.
+std::string ChooseInOldDialog(HWND owner, const std::string& title, const std::string& startFolder,
+                              std::span<const FileType> types) {
+    std::wstring filter;
+    for (const FileType& type : types)
+        filter += std::wstring(type.name) + L'\0' + type.pattern + L'\0';
     const std::wstring start = Widen(startFolder);
     const std::wstring caption = Widen(title);
     std::array<wchar_t, 1024> path{};
     OPENFILENAMEW request{};
     request.lStructSize = sizeof request;
-    request.hwndOwner = owner_;
+    request.hwndOwner = owner;
     request.lpstrFilter = filter.c_str();
     request.lpstrFile = path.data();
     request.nMaxFile = static_cast<DWORD>(path.size());
@@ -134,6 +133,32 @@ std::string frmBrowse::ChooseFile(const std::string& title, const std::string& p
     request.lpstrTitle = caption.c_str();
     request.Flags = OFN_EXPLORER | OFN_FILEMUSTEXIST | OFN_HIDEREADONLY | OFN_NOCHANGEDIR;
     return GetOpenFileNameW(&request) ? UsablePath(path.data()) : std::string();
+}
+
+/// A folder as the dialogs take it: without a backslash at its end, unless it is a drive.
+std::string StartOf(const std::string& folder) {
+    return folder.size() > 3 ? WithoutTrailingBackslash(folder) : folder;
+}
+
+} // namespace
+
+std::string frmBrowse::ChooseFolder(const std::string& title,
+                                    const std::string& startFolder) const {
+    const std::string start = StartOf(startFolder);
+    if (const auto chosen = ChooseInFileDialog(owner_, title, start, {}))
+        return *chosen;
+    return ChooseInFolderTree(owner_, title, start);
+}
+
+std::string frmBrowse::ChooseFile(const std::string& title, const std::string& pattern,
+                                  const std::string& startFolder) const {
+    const std::wstring wide = Widen(pattern);
+    const std::wstring name = L"Archives (" + wide + L")";
+    const std::array<FileType, 2> types{{{name.c_str(), wide.c_str()}, {L"All files", L"*.*"}}};
+    const std::string start = StartOf(startFolder);
+    if (const auto chosen = ChooseInFileDialog(owner_, title, start, types))
+        return *chosen;
+    return ChooseInOldDialog(owner_, title, start, types);
 }
 
 } // namespace vesk

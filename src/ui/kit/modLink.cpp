@@ -1,5 +1,6 @@
 #include "ui/kit/modLink.h"
 
+#include "base/CodePage.h"
 #include "base/modText.h"
 
 #include <algorithm>
@@ -12,11 +13,12 @@ namespace {
 
 constexpr std::string_view kLineBreak = "\r\n";
 
-// "£" by its number in the ANSI code page, so that this file's own encoding does not matter.
-constexpr std::string_view kPunctuation = ",!\"\xA3$%^&*()'#~][{}+";
-
+/// The pound sign is one, too. In code pages that lack it its number is a letter's.
 bool IsPunctuation(char c) {
-    return kPunctuation.find(c) != std::string_view::npos;
+    static constexpr std::string_view kPunctuation = ",!\"$%^&*()'#~][{}+";
+    constexpr char kPound = '\xA3';
+    return kPunctuation.find(c) != std::string_view::npos ||
+           (c == kPound && CurrentCodePage().poundAndNegation.starts_with(kPound));
 }
 
 } // namespace
@@ -36,7 +38,7 @@ std::string WordAtCaret(std::string_view text, std::size_t caret) {
 std::string TrimLinkPunctuation(std::string_view word) {
     if (!word.empty() && IsPunctuation(word.front()))
         word.remove_prefix(1);
-    if (!word.empty() && IsPunctuation(word.back()))
+    if (!word.empty() && IsPunctuation(WithoutTrailBytes(word).back()))
         word.remove_suffix(1);
     return ReplaceAll(word, kLineBreak, "");
 }
@@ -45,7 +47,7 @@ std::string MakeLink(const std::string& word) {
     static constexpr std::array<std::string_view, 4> kStarts{"http://", "www.", "ftp.", "ftp://"};
     static constexpr std::array<std::string_view, 5> kEnds{".com", ".co.uk", ".org", ".net",
                                                            ".org.uk"};
-    if (word.find('@') != std::string::npos)
+    if (WithoutTrailBytes(word).find('@') != std::string::npos)
         return "mailto:" + word;
     const std::string lower = LowerCase(word);
     if (std::ranges::any_of(kStarts, [&](auto start) { return lower.starts_with(start); }))

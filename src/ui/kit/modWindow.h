@@ -55,8 +55,8 @@ RECT WorkAreaOf(HWND window);
 /// keeps it on the monitor.
 void CenterWindow(HWND window);
 
-/// Handles one message: dialogs get their keyboard navigation, the rest is dispatched. A key that is
-/// held down presses one button only, and not that of what the first one has brought up.
+/// Handles one message: dialogs get their keyboard navigation, the rest is dispatched. A key that
+/// is held down presses one button only, and not that of what the first one has brought up.
 void DispatchForDialogs(MSG& message);
 
 /// Handles every message that waits now. A request to end the program is put back for the main

@@ -1,6 +1,7 @@
 #include "ui/wizard/clsBuildGate.h"
 
 #include "ui/kit/clsWaitCursor.h"
+#include "ui/kit/modWindow.h"
 #include "ui/wizard/modWizardText.h"
 #include "ui/wizard/pagBaseComponents.h"
 
@@ -26,8 +27,8 @@ std::string clsBuildGate::WarningOf(const ChosenFolder& chosen) {
     if (catalogue_.baseComponents.empty())
         return warning;
     const clsWaitCursor wait;
-    const std::string fault =
-        PeBuilderWarning(catalogue_.baseComponents.front(), archives_.Facts(kFirstArchiveName));
+    const std::string fault = PeBuilderWarning(catalogue_.baseComponents.front(),
+                                               archives_.Facts(kFirstArchiveName, LetWindowsPaint));
     return warning + (warning.empty() || fault.empty() ? "" : "\r\n") + fault;
 }
 

@@ -183,7 +183,7 @@ void clsComponentList::CheckNextArchive() {
     }
     const CatalogueEntry& entry = EntryAt(nextToCheck_);
     states_[static_cast<std::size_t>(nextToCheck_)] =
-        JudgeArchive(entry, PlaceAt(nextToCheck_), archives_.Facts(entry.zip));
+        JudgeArchive(entry, PlaceAt(nextToCheck_), archives_.Facts(entry.zip, LetWindowsPaint));
     ShowState(nextToCheck_++);
 }
 

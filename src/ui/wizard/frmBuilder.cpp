@@ -104,8 +104,8 @@ void frmBuilder::AddPage(Page page) {
     SetWindowPos(window, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
 }
 
-/// The pages behind the first one, when they are about to be shown: they make a third of the
-/// program's start.
+/// The pages behind the first one, when they are about to be shown: the program starts quicker
+/// without them.
 void frmBuilder::CreatePages() {
     if (buildPage_)
         return;

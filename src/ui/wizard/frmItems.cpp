@@ -33,7 +33,8 @@ void frmItems::OnCreated() {
     show(IDC_TXT_ITEM_CATEGORY, category_,
          place_.list == EntryList::Plugins ? "none" : "base component");
     show(IDC_TXT_ITEM_CRC, entry_.crc, "not given");
-    const ArchiveState state = JudgeArchive(entry_, place_, archives_.Facts(entry_.zip));
+    const ArchiveState state =
+        JudgeArchive(entry_, place_, archives_.Facts(entry_.zip, LetWindowsPaint));
     show(IDC_TXT_ITEM_STATE, ArchiveSentence(entry_, place_, state), "");
     show(IDC_TXT_ITEM_TICK, InBuildText(entry_, place_.list, state), "");
     show(IDC_TXT_ITEM_URL, ReplaceAll(ReplaceAll(entry_.url, ", ", ","), ",", "\r\n"), "none");

@@ -1,5 +1,6 @@
 #include "ui/wizard/frmProgress.h"
 
+#include "base/ScopeFlag.h"
 #include "base/modText.h"
 #include "net/modDownloadText.h"
 #include "net/modLocaleNumber.h"
@@ -103,14 +104,19 @@ void frmProgress::ShowEnd() {
 void frmProgress::cmdCancel_Click() {
     if (asking_ || session_->Finished())
         return;
-    asking_ = true;
-    const int answer = ShowMessage(Window(), "Are you sure you want to cancel download",
-                                   "Confirmation", MB_YESNO | MB_ICONQUESTION);
-    asking_ = false;
+    const int answer = [this] {
+        const ScopeFlag asking(asking_);
+        return ShowMessage(Window(), "Are you sure you want to cancel download", "Confirmation",
+                           MB_YESNO | MB_ICONQUESTION);
+    }();
     // A download that ended meanwhile waits for the answer, which counts whatever became of it.
     if (answer == IDYES)
         session_->Cancel();
-    if (session_->Finished())
+    CloseWhenOver();
+}
+
+void frmProgress::CloseWhenOver() {
+    if (session_->Finished() && !asking_)
         EndDialog(Window(), 0);
 }
 
@@ -124,12 +130,12 @@ INT_PTR frmProgress::Handle(UINT message, WPARAM wparam, LPARAM) {
         return TRUE;
     case WM_TIMER:
         session_->OnTime();
+        CloseWhenOver(); // its message did not come when too many others were waiting
         return TRUE;
     case kFinishedMessage:
         if (asking_)
             ShowEnd();
-        else
-            EndDialog(Window(), 0);
+        CloseWhenOver();
         return TRUE;
     case WM_COMMAND:
         if (LOWORD(wparam) == IDCANCEL)

@@ -27,6 +27,7 @@ private:
     void ShowEnd();
     void LetUserAct();
     void cmdCancel_Click();
+    void CloseWhenOver();
 
     HWND owner_;
     std::string destination_;

@@ -25,7 +25,7 @@ struct SummaryInputs {
 std::string SummaryText(const SummaryInputs& inputs);
 
 /// What is said before a build whose tree cannot be used, because PE Builder will not be in it;
-/// empty when it does, or may. @param facts of its archive, checksum included
+/// empty when PE Builder will or may be in it. @param facts of its archive, checksum included
 std::string PeBuilderWarning(const CatalogueEntry& peBuilder, const ArchiveFacts& facts);
 
 /// What a build does about an entry's archive, in a few words for a list's column; a locked entry

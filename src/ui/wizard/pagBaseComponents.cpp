@@ -65,11 +65,11 @@ std::string pagBaseComponents::InstallFolder() const {
 }
 
 std::string pagBaseComponents::SourceFolder() const {
-    return TextOf(Control(IDC_TXT_WIN_PATH));
+    return TrimBlanks(TextOf(Control(IDC_TXT_WIN_PATH)));
 }
 
 void pagBaseComponents::CommitSource() {
-    const std::string typed = TrimBlanks(SourceFolder());
+    const std::string typed = SourceFolder();
     if (typed == checkedSource_)
         return;
     if (typed.empty())

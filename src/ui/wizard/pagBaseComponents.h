@@ -20,10 +20,11 @@ public:
     /// program cannot have
     void RequireUsableLetters() const;
 
-    /// Text of txtProgPath without a trailing backslash.
+    /// The installation folder that is typed, as `TypedFolder` gives it.
     [[nodiscard]] std::string InstallFolder() const;
 
-    /// Text of txtWinPath.
+    /// The source folder that is typed, without blanks at its ends: behind one it would be a path
+    /// from the current folder.
     [[nodiscard]] std::string SourceFolder() const;
 
     /// Takes over what was typed as source folder.

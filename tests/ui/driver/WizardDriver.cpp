@@ -1,9 +1,7 @@
 #include "WizardDriver.h"
 
 #include "ExpectedText.h"
-#include "base/Version.h"
 #include "base/modText.h"
-#include "base/modWide.h"
 #include "ui/resources/ids.h"
 
 #include <doctest/doctest.h>
@@ -14,19 +12,6 @@ namespace vesk::test {
 
 namespace {
 
-constexpr const char* kDialogClass = "#32770";
-
-std::string ShownTextOf(HWND control) {
-    return IsWindowVisible(control) ? TextOf(control) : "(not shown)";
-}
-
-std::string ClassOf(HWND window) {
-    std::string name(64, '\0');
-    name.resize(static_cast<std::size_t>(
-        GetClassNameA(window, name.data(), static_cast<int>(name.size()))));
-    return name;
-}
-
 /// What a window's thread does with the keyboard and menus.
 GUITHREADINFO ThreadOf(HWND window) {
     GUITHREADINFO info{};
@@ -35,48 +20,10 @@ GUITHREADINFO ThreadOf(HWND window) {
     return info;
 }
 
-BOOL CALLBACK AddTo(HWND window, LPARAM list) {
-    reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
-    return TRUE;
-}
-
 /// Null where none matches.
 HWND FirstOf(const std::vector<HWND>& windows, const std::function<bool(HWND)>& matches) {
     const auto found = std::ranges::find_if(windows, matches);
     return found == windows.end() ? nullptr : *found;
-}
-
-/// The messages that ask a list for its lines.
-struct LineMessages {
-    UINT count;
-    UINT length;
-    UINT text;
-};
-
-std::vector<std::string> Lines(HWND list, const LineMessages& messages) {
-    const LRESULT count = SendMessageW(list, messages.count, 0, 0);
-    std::vector<std::string> lines;
-    for (LRESULT i = 0; i < count; ++i) {
-        // Across processes only the wide form is converted right.
-        const auto line = static_cast<WPARAM>(i);
-        const LRESULT length = std::max<LRESULT>(SendMessageW(list, messages.length, line, 0), 0);
-        std::wstring text(static_cast<std::size_t>(length) + 1, L'\0');
-        SendMessageW(list, messages.text, line, reinterpret_cast<LPARAM>(text.data()));
-        text.pop_back();
-        lines.push_back(Narrowed(text));
-    }
-    return lines;
-}
-
-/// In the first line of a list view, or in a button; from the upper left corner.
-POINT FirstLineOf(HWND control) {
-    auto* const header = reinterpret_cast<HWND>(SendMessageA(control, LVM_GETHEADER, 0, 0));
-    return {60, SizeOf(header).cy + 10};
-}
-
-bool IsFrame(HWND control) {
-    return ClassOf(control) == "Button" &&
-           (GetWindowLongA(control, GWL_STYLE) & BS_TYPEMASK) == BS_GROUPBOX;
 }
 
 bool IsInTheMiddle(const RECT& outer, const RECT& inner) {
@@ -85,30 +32,8 @@ bool IsInTheMiddle(const RECT& outer, const RECT& inner) {
            nearly(outer.top + outer.bottom, inner.top + inner.bottom);
 }
 
-/// True for a control that reaches out of its parent, or over another one that is shown.
-bool IsMisplaced(HWND control, const std::vector<HWND>& controls) {
-    const RECT area = AreaOf(control);
-    const bool isOver = std::ranges::any_of(controls, [&](HWND other) {
-        const RECT place = AreaOf(other);
-        RECT common{};
-        return other != control && GetParent(other) == GetParent(control) &&
-               IsWindowVisible(other) && !IsFrame(other) && IntersectRect(&common, &place, &area);
-    });
-    return (isOver && !IsFrame(control)) || !IsIn(AreaOf(GetParent(control)), area);
-}
-
 bool HasIcon(HWND control) {
     return ClassOf(control) == "Static" && SendMessageA(control, STM_GETICON, 0, 0) != 0;
-}
-
-std::string ChoicesOf(HWND combo) {
-    std::string text;
-    int number = 0;
-    for (const std::string& item : Lines(combo, {CB_GETCOUNT, CB_GETLBTEXTLEN, CB_GETLBTEXT})) {
-        const bool chosen = SendMessageA(combo, CB_GETCURSEL, 0, 0) == number++;
-        text += (chosen ? "\n    > " : "\n      ") + item;
-    }
-    return text;
 }
 
 } // namespace
@@ -121,24 +46,6 @@ bool WaitUntil(const std::function<bool()>& condition, DWORD milliseconds) {
         Sleep(5);
     }
     return true;
-}
-
-std::string TextOf(HWND window) {
-    std::string text(4096, '\0');
-    text.resize(static_cast<std::size_t>(
-        SendMessageA(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));
-    return text;
-}
-
-std::vector<HWND> ControlsOf(HWND dialog) {
-    std::vector<HWND> controls;
-    if (IsWindow(dialog)) // without one, all windows of the screen would be listed
-        EnumChildWindows(dialog, AddTo, reinterpret_cast<LPARAM>(&controls));
-    return controls;
-}
-
-std::string TextIn(HWND dialog, int id) {
-    return ShownTextOf(GetDlgItem(dialog, id));
 }
 
 void EndProgram(HANDLE process) {
@@ -178,47 +85,8 @@ std::string WizardDriver::Seen() const {
     if (HasEnded())
         return "The program has ended, with " + std::to_string(AwaitEnd()) + ".";
     std::string text = "What it shows:";
-    for (const HWND window : TopWindows())
-        text += "\n" + Contents(window);
-    return text;
-}
-
-std::string WizardDriver::Contents(HWND dialog, const std::vector<HWND>& tabs) const {
-    std::string text = TextOf(dialog) + "\n";
-    const std::vector<HWND> controls = ControlsOf(dialog);
-    for (const HWND control : controls) {
-        const std::string type = ClassOf(control);
-        const std::string own = TextOf(control);
-        if (!IsWindowVisible(control) || ClassOf(GetParent(control)) != kDialogClass ||
-            type == kDialogClass || (type == "Static" && own.empty()))
-            continue;
-        const auto place = std::ranges::find(tabs, control);
-        text += place == tabs.end() ? "  " : std::to_string(place - tabs.begin() + 1) + " ";
-        text += type + (IsMisplaced(control, controls) ? ", misplaced" : "") +
-                (IsWindowEnabled(control) ? "" : ", disabled") +
-                (SendMessageA(control, BM_GETCHECK, 0, 0) == BST_CHECKED ? ", ticked" : "");
-        if (type == "ComboBox")
-            text += ChoicesOf(control);
-        else if (type == WC_LISTVIEWA)
-            text += LinesOfList(control);
-        else
-            text += ": " + ReplaceAll(own, "\r\n", "\n    ");
-        text += "\n";
-    }
-    return ReplaceAll(text, kVersionText, "{VERSION}");
-}
-
-std::string WizardDriver::LinesOfList(HWND list) const {
-    auto* const header = reinterpret_cast<HWND>(SendMessageA(list, LVM_GETHEADER, 0, 0));
-    const auto columns = static_cast<int>(SendMessageA(header, HDM_GETITEMCOUNT, 0, 0));
-    const auto count = static_cast<int>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0));
-    const bool hasTicks = SendMessageA(list, LVM_GETEXTENDEDLISTVIEWSTYLE, 0, 0) & 4;
-    std::string text;
-    for (int line = 0; line < count; ++line) {
-        text += std::string("\n    ") + (!hasTicks ? "" : IsTicked(list, line) ? "[x] " : "[ ] ");
-        for (int column = 0; column < columns; ++column)
-            text += (column == 0 ? "" : " | ") + CellText(list, line, column);
-    }
+    for (const HWND window : TopWindowsOf(processId_))
+        text += "\n" + ContentsOf(window);
     return text;
 }
 
@@ -242,7 +110,7 @@ void WizardDriver::CheckShows(HWND dialog, const std::string& name) const {
         const std::vector<HWND> tabs = TabOrder(); // it changes with what is enabled later
         WaitUntil(
             [&] {
-                shown = ReplaceAll(Contents(dialog, tabs), folder_, "{FOLDER}");
+                shown = ReplaceAll(ContentsOf(dialog, tabs), folder_, "{FOLDER}");
                 return shown == wanted || HasEnded();
             },
             10000);
@@ -250,22 +118,11 @@ void WizardDriver::CheckShows(HWND dialog, const std::string& name) const {
     CheckExpected("windows/" + name, shown);
 }
 
-std::vector<HWND> WizardDriver::TopWindows() const {
-    std::vector<HWND> windows;
-    EnumWindows(AddTo, reinterpret_cast<LPARAM>(&windows));
-    std::erase_if(windows, [&](HWND window) {
-        DWORD process = 0;
-        GetWindowThreadProcessId(window, &process);
-        return process != processId_ || !IsWindowVisible(window);
-    });
-    return windows;
-}
-
 HWND WizardDriver::AwaitTopWindow(const std::string& type, const std::string& titleStart,
                                   bool mayBeOwned) const {
     HWND found = nullptr;
     Await("a window \"" + titleStart + "\" of the class " + type, [&] {
-        found = FirstOf(TopWindows(), [&](HWND window) {
+        found = FirstOf(TopWindowsOf(processId_), [&](HWND window) {
             return window != window_ && (mayBeOwned || !GetWindow(window, GW_OWNER)) &&
                    ClassOf(window) == type && TextOf(window).starts_with(titleStart);
         });
@@ -328,12 +185,6 @@ void WizardDriver::GoTo(int button, const std::string& heading) const {
     Await("the page \"" + heading + "\"", [&] { return Heading() == heading; });
 }
 
-bool WizardDriver::IsTicked(HWND list, int line) {
-    const LRESULT state =
-        SendMessageA(list, LVM_GETITEMSTATE, static_cast<WPARAM>(line), LVIS_STATEIMAGEMASK);
-    return state >> 12 == 2;
-}
-
 void WizardDriver::PressSpaceOn(int list, int line) const {
     const HWND window = Control(list);
     PostMessageA(window, WM_KEYDOWN, VK_HOME, 0);
@@ -347,25 +198,6 @@ void WizardDriver::PressSpaceOn(int list, int line) const {
     ++mark;
     PostMessageA(window, LVM_SETHOVERTIME, 0, mark);
     AWAIT(*this, SendMessageA(window, LVM_GETHOVERTIME, 0, 0) == mark);
-}
-
-std::string WizardDriver::CellText(HWND list, int line, int column) const {
-    // The list reads and writes in its own process only.
-    constexpr int kLength = 400;
-    void* const there = VirtualAllocEx(process_.Get(), nullptr, sizeof(LVITEMA) + kLength,
-                                       MEM_COMMIT, PAGE_READWRITE);
-    REQUIRE_MESSAGE(there, Seen());
-    LVITEMA item{};
-    item.iSubItem = column;
-    item.pszText = static_cast<char*>(there) + sizeof item;
-    item.cchTextMax = kLength;
-    WriteProcessMemory(process_.Get(), there, &item, sizeof item, nullptr);
-    SendMessageA(list, LVM_GETITEMTEXTA, static_cast<WPARAM>(line),
-                 reinterpret_cast<LPARAM>(there));
-    std::string text(kLength, '\0');
-    ReadProcessMemory(process_.Get(), item.pszText, text.data(), kLength, nullptr);
-    VirtualFreeEx(process_.Get(), there, 0, MEM_RELEASE);
-    return text.substr(0, text.find('\0'));
 }
 
 void WizardDriver::ChangeDpi(HWND dialog, int dpi, const RECT& place) const {
@@ -405,7 +237,7 @@ void WizardDriver::AwaitClipboard(const std::string& wanted) const {
 }
 
 std::vector<std::string> WizardDriver::LogLines() const {
-    return Lines(Control(IDC_LST_PROGRESS), {LB_GETCOUNT, LB_GETTEXTLEN, LB_GETTEXT});
+    return LinesOf(Control(IDC_LST_PROGRESS));
 }
 
 void WizardDriver::Type(int id, const std::wstring& text) const {
@@ -441,7 +273,7 @@ int WizardDriver::Chosen(int combo) const {
 }
 
 std::vector<std::string> WizardDriver::Items(int combo) const {
-    return Lines(Control(combo), {CB_GETCOUNT, CB_GETLBTEXTLEN, CB_GETLBTEXT});
+    return LinesOf(Control(combo));
 }
 
 void WizardDriver::Choose(int combo, int item) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "DialogContents.h"
 #include "base/UniqueHandle.h"
 
 #include <windows.h>
@@ -14,31 +15,6 @@ namespace vesk::test {
 
 /// Polls until the condition holds. @return false when it does not within the time
 bool WaitUntil(const std::function<bool()>& condition, DWORD milliseconds = 30000);
-
-/// A window's title or text.
-std::string TextOf(HWND window);
-
-/// The text of a dialog's control that is shown, "(not shown)" for others.
-std::string TextIn(HWND dialog, int id);
-
-/// Where a window is on the screen; its size.
-inline RECT AreaOf(HWND window) {
-    RECT area{};
-    GetWindowRect(window, &area);
-    return area;
-}
-inline SIZE SizeOf(HWND window) {
-    const RECT area = AreaOf(window);
-    return {area.right - area.left, area.bottom - area.top};
-}
-
-/// All controls of a dialog, those of its pages included.
-std::vector<HWND> ControlsOf(HWND dialog);
-
-inline bool IsIn(const RECT& outer, const RECT& inner) {
-    RECT common{};
-    return IntersectRect(&common, &outer, &inner) && EqualRect(&common, &inner);
-}
 
 /// Clicks twice on a line of a list view that is in sight; does not wait for what that does.
 /// @param left pixels from the list's edge
@@ -83,11 +59,6 @@ public:
     /// disabled. The folder that the program's folder is in stands as {FOLDER} in the file.
     void CheckShows(HWND dialog, const std::string& name) const;
     void CheckShows(const std::string& name) const { CheckShows(window_, name); }
-
-    /// Whether all that a dialog shows lies in its parent, and nothing over anything else.
-    [[nodiscard]] bool IsTidy(HWND dialog) const {
-        return Contents(dialog).find(", misplaced") == std::string::npos;
-    }
 
     /// A control of the main window or of one of its pages.
     [[nodiscard]] HWND Control(int id) const;
@@ -143,12 +114,8 @@ public:
     /// Puts a text into the edit field of one of the system's dialogs.
     static void TypeInto(HWND dialog, const std::string& text);
 
-    /// Tick of a list view's line, and a press of the space bar on it.
-    [[nodiscard]] static bool IsTicked(HWND list, int line);
+    /// Presses the space bar on a line of a list view.
     void PressSpaceOn(int list, int line) const;
-
-    /// What a cell of a list view shows, in any dialog of the program.
-    [[nodiscard]] std::string CellText(HWND list, int line, int column) const;
 
     /// Tells a dialog of the program that it is on a monitor of this resolution now, and the place
     /// that it should take there.
@@ -171,12 +138,9 @@ public:
     [[nodiscard]] bool HasEnded() const;
 
 private:
-    [[nodiscard]] std::vector<HWND> TopWindows() const;
     [[nodiscard]] HWND AwaitTopWindow(const std::string& type, const std::string& titleStart,
                                       bool mayBeOwned) const;
     [[nodiscard]] std::string Seen() const;
-    [[nodiscard]] std::string Contents(HWND dialog, const std::vector<HWND>& tabs = {}) const;
-    [[nodiscard]] std::string LinesOfList(HWND list) const;
     [[nodiscard]] std::vector<HWND> TabOrder() const;
 
     UniqueHandle<EndProgram, HANDLE> process_;

@@ -33,7 +33,9 @@ TEST_CASE("categories are edited, and plug-ins follow a key that became another"
                [] {});
     editor.PressWithControl('C');
     editor.AwaitClipboard("100\t100_tools\tTools\r\n");
+    CHECK(SendMessageA(dialog, WM_QUERYENDSESSION, 0, 0) != 0);
     TypeIn(dialog, IDC_TXT_CATEGORY_KEY, "dropped");
+    CHECK(SendMessageA(dialog, WM_QUERYENDSESSION, 0, 0) == 0);
     editor.Answer(dialog, IDCANCEL);
     CHECK(editor.Text(IDC_LBL_STATE).empty());
     open();

@@ -67,7 +67,7 @@ TEST_CASE("a download shows its progress, goes on after No and ends after Yes") 
         CHECK(SendDlgItemMessageA(dialog, IDC_SHP_PROGRESS, PBM_GETPOS, 0, 0) == 1942);
         CHECK(text(IDC_LBL_FILE_NAME) == "remote.zip");
         CHECK(text(IDC_LBL_REASON) == "Another address failed: " + missing);
-        AWAIT(*download.wizard, download.wizard->IsTidy(dialog));
+        AWAIT(*download.wizard, IsTidy(dialog));
         CHECK_FALSE(IsWindowEnabled(download.wizard->Window()));
         CHECK((GetWindowLongA(dialog, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0);
         download.wizard->Answer(download.AskToCancel(), IDNO);

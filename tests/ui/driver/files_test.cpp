@@ -1,6 +1,7 @@
 #include "EditorDriver.h"
 
 #include "ExpectedText.h"
+#include "WizardSteps.h"
 #include "base/modText.h"
 
 using namespace vesk;
@@ -80,7 +81,10 @@ TEST_CASE(
     AWAIT(editor, editor.Text(IDC_TXT_BASE + kFileName) == "new.zip");
     CHECK(editor.Text(IDC_TXT_BASE + kChecksum) == clsCRC().CalculateFile(outside));
     CHECK_FALSE(FileExists(program.Path() + "new.zip"));
-    copy(IDYES);
+    const ChangedKey noDialogOfVista(
+        HKEY_CLASSES_ROOT, R"(CLSID\{DC1C5A9C-E88A-4DDE-A5A1-60F82A20AEF7}\InProcServer32)",
+        "none");
+    copy(IDYES); // as Windows XP does it
     AWAIT(editor, Holds(ReadWholeFile(digests), "new.zip"));
     CHECK(ReadWholeFile(program.Path() + "new.zip") == ReadWholeFile(outside));
 }

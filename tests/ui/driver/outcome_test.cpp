@@ -124,7 +124,7 @@ TEST_CASE("the summary warns of what is emptied and of what is missing, each tim
         CHECK(warning.find_first_of("\r\n") != 0);
         CHECK_FALSE(warning.ends_with('\n'));
         heights.push_back(SizeOf(wizard.Control(IDC_LBL_FOREIGN)).cy);
-        AWAIT(wizard, wizard.IsTidy(wizard.Window()));
+        AWAIT(wizard, IsTidy(wizard.Window()));
     }
     CHECK(heights.back() > heights.front()); // two warnings need more lines
 }
@@ -191,6 +191,9 @@ TEST_CASE("an impossible folder is refused when its page is left for the next on
     }
     CheckExpected("windows/refused_folders", ReplaceAll(told, program.Folder().Path(), "{FOLDER}"));
     TestFolder::RemoveTree(Widen(installed));
+    wizard.SetText(IDC_TXT_WIN_PATH, " " + program.Folder().Path()); // the same source
+    wizard.SetText(IDC_TXT_PROG_PATH, program.Tree());
+    CheckHolds(wizard.ClickAndAnswer(IDC_CMD_NEXT, "Vesk Builder", IDOK), "Windows source");
     // None of the other buttons minds it.
     wizard.ClickAndAnswer(IDC_CMD_HELP, "Help", IDOK);
     wizard.ClickAndAnswer(IDCANCEL, "Confirm Action", IDNO);

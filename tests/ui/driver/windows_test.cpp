@@ -70,7 +70,7 @@ TEST_CASE("controls move and grow with the window as each was told, and never sh
                [&] { // before the pages with lists are there
                    for (const char* const page : {kBaseHeading, kPluginsHeading}) {
                        wizard.Next(page);
-                       AWAIT(wizard, wizard.IsTidy(wizard.Window()));
+                       AWAIT(wizard, IsTidy(wizard.Window()));
                    }
                });
     const HWND list = wizard.Control(IDC_LST_PLUGINS);
@@ -89,9 +89,9 @@ TEST_CASE("at the largest text sizes every window still fits on the screen") {
     RECT work{};
     SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
     CHECK(IsIn(work, AreaOf(wizard.Window())));
-    AWAIT(wizard, wizard.IsTidy(wizard.Window()));
+    AWAIT(wizard, IsTidy(wizard.Window()));
     wizard.Next(kBaseHeading);
-    AWAIT(wizard, wizard.IsTidy(wizard.Window()));
+    AWAIT(wizard, IsTidy(wizard.Window()));
     wizard.Next(kPluginsHeading);
     CHECK(SendMessageA(wizard.Control(IDC_LST_PLUGINS), LVM_GETITEMCOUNT, 0, 0) == 0);
     CHECK_FALSE(wizard.IsEnabled(IDC_CMD_PLUGIN_DETAILS));
@@ -171,9 +171,9 @@ TEST_CASE("more plug-ins than can be ticked: said once, and the others keep what
     const std::string told = wizard.AnswerBox("Vesk Builder", IDOK);
     CheckHolds(told, "300");
     CheckHolds(told, "256");
-    AWAIT(wizard, !wizard.IsTicked(list, 299));
+    AWAIT(wizard, !IsTicked(list, 299));
     wizard.PressSpaceOn(IDC_LST_PLUGINS, 0);
-    CHECK_FALSE(wizard.IsTicked(list, 0));
+    CHECK_FALSE(IsTicked(list, 0));
     CHECK(IsWindowEnabled(wizard.Window())); // no second box stands in the way
 }
 

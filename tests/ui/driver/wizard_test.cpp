@@ -57,7 +57,7 @@ TEST_CASE("a whole build, page by page, each compared with what it is to show") 
     const HWND base = wizard.Control(IDC_LST_BASE);
     for (const char* state : {"Good, built though unticked", "Good"}) {
         wizard.PressSpaceOn(IDC_LST_BASE, 1);
-        AWAIT(wizard, wizard.CellText(base, 1, 2) == state);
+        AWAIT(wizard, CellText(base, 1, 2) == state);
     }
     wizard.SetText(IDC_TXT_PROG_PATH, program.Tree() + "\\");
     wizard.SetText(IDC_TXT_WIN_PATH, program.Folder() / "cd");
@@ -224,11 +224,11 @@ TEST_CASE("a Windows source is typed, browsed for and searched for, and shown as
         ClickIn(dialog, IDC_CMD_STOP);
         AWAIT(wizard, TextIn(dialog, IDC_CMD_STOP) == "&Stop" && !IsWindowEnabled(select));
         stop();
-        AWAIT(wizard, wizard.IsTidy(dialog));
+        AWAIT(wizard, IsTidy(dialog));
         CHECK(SendMessageA(list, LVM_GETSELECTEDCOUNT, 0, 0) == 1);
         CHECK(LOWORD(SendMessageA(dialog, DM_GETDEFID, 0, 0)) == IDC_CMD_SELECT);
-        const std::string found = wizard.CellText(list, 0, 0);
-        CHECK(wizard.CellText(list, 0, 1) == "Windows XP Home sp2");
+        const std::string found = CellText(list, 0, 0);
+        CHECK(CellText(list, 0, 1) == "Windows XP Home sp2");
         byMouse ? DoubleClickLine(list, 0) : ClickIn(dialog, IDC_CMD_SELECT);
         AWAIT(wizard, wizard.Text(IDC_TXT_WIN_PATH) == found);
         CHECK(wizard.Text(IDC_LBL_WIN_PRODUCT) == "Windows XP Home sp2");

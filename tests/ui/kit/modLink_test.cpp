@@ -1,6 +1,7 @@
 #include "ui/kit/modLink.h"
 
 #include "ExpectedText.h"
+#include "base/CodePage.h"
 
 using namespace vesk;
 
@@ -15,4 +16,14 @@ TEST_CASE("the word under the caret, without one punctuation character at each e
                           "\r\n", " / ");
     });
     CHECK(WordAtCaret("a", 99) == "a");
+}
+
+TEST_CASE("a letter is not taken for punctuation, nor its second byte") {
+    const CodePage before = CurrentCodePage();
+    SetCodePage({nullptr, "\xAC"}); // as the one of Central Europe has it
+    CHECK(LinkAtCaret("\xA3ukasz@host.pl", 0) == "mailto:\xA3ukasz@host.pl");
+    SetCodePage({[](unsigned char byte) { return byte >= 0x81 && byte <= 0x9F; }, ""});
+    CHECK(TrimLinkPunctuation("www.a.com/\x83]") == "www.a.com/\x83]");
+    CHECK(MakeLink("\x83@").empty());
+    SetCodePage(before);
 }
