@@ -226,7 +226,14 @@ void frmBuilder::ShowHelp() {
     }
 }
 
-void frmBuilder::OnCommand(int id) {
+void frmBuilder::OnCommand(WPARAM wparam, LPARAM lparam) {
+    // Enter on a button of a page: the system tells the window around the page.
+    const HWND teller = GetParent(reinterpret_cast<HWND>(lparam));
+    if (lparam != 0 && teller != Window()) {
+        SendMessageA(teller, WM_COMMAND, wparam, lparam);
+        return;
+    }
+    const int id = LOWORD(wparam);
     if (id == IDC_CMD_PROBLEMS)
         return frmProblems(build_->Problems()).Show(Window());
     for (std::size_t index = 0; index < kButtonIds.size(); ++index) {
@@ -341,7 +348,7 @@ INT_PTR frmBuilder::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
         Form_Load();
         return FALSE; // the keyboard is where Form_Load put it
     case WM_COMMAND:
-        OnCommand(LOWORD(wparam));
+        OnCommand(wparam, lparam);
         return TRUE;
     case WM_HELP: // the F1 key
         // It comes from boxes and dialogs of the wizard, too.

@@ -52,7 +52,7 @@ private:
     void SetButtonFace(const std::string& face);
     void Form_QueryUnload();
     void cmdButtons_Click(WizardButton button);
-    void OnCommand(int id);
+    void OnCommand(WPARAM wparam, LPARAM lparam);
     bool ConfirmExit();
     void ShowHelp();
 

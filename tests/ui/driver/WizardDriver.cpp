@@ -26,6 +26,16 @@ HWND FirstOf(const std::vector<HWND>& windows, const std::function<bool(HWND)>& 
     return found == windows.end() ? nullptr : *found;
 }
 
+bool IsInTheMiddle(const RECT& outer, const RECT& inner) {
+    const auto nearly = [](LONG a, LONG b) { return std::abs(a - b) <= 4; }; // twice the pixels
+    return nearly(outer.left + outer.right, inner.left + inner.right) &&
+           nearly(outer.top + outer.bottom, inner.top + inner.bottom);
+}
+
+bool HasIcon(HWND control) {
+    return ClassOf(control) == "Static" && SendMessageA(control, STM_GETICON, 0, 0) != 0;
+}
+
 } // namespace
 
 bool WaitUntil(const std::function<bool()>& condition, DWORD milliseconds) {
@@ -93,6 +103,8 @@ std::vector<HWND> WizardDriver::TabOrder() const {
 
 void WizardDriver::CheckShows(HWND dialog, const std::string& name) const {
     const std::string wanted = ExpectedText("windows/" + name);
+    if (const HWND owner = GetWindow(dialog, GW_OWNER))
+        CHECK(IsInTheMiddle(AreaOf(owner), AreaOf(dialog)));
     std::string shown;
     for (int attempt = 0; attempt < 2 && shown != wanted; ++attempt) {
         const std::vector<HWND> tabs = TabOrder(); // it changes with what is enabled later
@@ -134,6 +146,7 @@ void WizardDriver::Answer(HWND dialog, int button) const {
 std::string WizardDriver::AnswerBox(const std::string& title, int button) const {
     const HWND box = AwaitDialog(title);
     std::string text = TextIn(box, 0xFFFF);
+    CHECK_MESSAGE(FirstOf(ControlsOf(box), HasIcon), text);
     Answer(box, button);
     return text;
 }
@@ -197,11 +210,11 @@ void WizardDriver::ChangeDpi(HWND dialog, int dpi, const RECT& place) const {
     VirtualFreeEx(process_.Get(), there, 0, MEM_RELEASE);
 }
 
-void DoubleClickLine(HWND list, int line) {
-    POINT at = FirstLineOf(list);
-    at.y += line * HIWORD(SendMessageA(list, LVM_GETITEMSPACING, TRUE, 0));
+void DoubleClickLine(HWND list, int line, int left) {
+    const LONG down = line * HIWORD(SendMessageA(list, LVM_GETITEMSPACING, TRUE, 0));
+    const LPARAM at = MAKELPARAM(left, FirstLineOf(list).y + down);
     for (const UINT message : {WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_LBUTTONUP})
-        PostMessageA(list, message, MK_LBUTTON, MAKELPARAM(at.x, at.y));
+        PostMessageA(list, message, MK_LBUTTON, at);
 }
 
 std::string WizardDriver::AwaitTip(HWND control) const {
@@ -273,8 +286,15 @@ void WizardDriver::Choose(int combo, int item) const {
 
 void WizardDriver::PickFromLogMenu(int entry) const {
     const HWND list = Control(IDC_LST_PROGRESS);
-    PostMessageA(list, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(list), -1);
+    const bool byMouse = entry == 3;
+    PostMessageA(list, byMouse ? WM_RBUTTONDOWN : WM_CONTEXTMENU,
+                 byMouse ? MK_RBUTTON : reinterpret_cast<WPARAM>(list),
+                 byMouse ? MAKELPARAM(70, 50) : -1);
     const HWND menu = AwaitTopWindow("#32768", "", true);
+    RECT place = AreaOf(list);
+    place.top += 8; // the menu is below a line, the last one perhaps
+    place.bottom += 20;
+    CHECK(PtInRect(&place, {AreaOf(menu).left, AreaOf(menu).top}));
     // It is shown before it takes keys.
     AWAIT(*this, (ThreadOf(list).flags & GUI_INMENUMODE) != 0);
     for (int i = 0; i < entry; ++i)

@@ -17,7 +17,8 @@ namespace vesk::test {
 bool WaitUntil(const std::function<bool()>& condition, DWORD milliseconds = 30000);
 
 /// Clicks twice on a line of a list view that is in sight; does not wait for what that does.
-void DoubleClickLine(HWND list, int line);
+/// @param left pixels from the list's edge
+void DoubleClickLine(HWND list, int line, int left = 60);
 
 /// Puts a text into a field of a dialog.
 inline void TypeIn(HWND dialog, int field, const std::string& text) {
@@ -128,8 +129,8 @@ public:
 
     [[nodiscard]] std::vector<std::string> LogLines() const;
 
-    /// Picks an entry of the build log's context menu, by its number from the top. What the entry
-    /// does may come later.
+    /// Picks an entry of the build log's context menu, by its number from the top, the third one
+    /// by mouse. What the entry does may come later.
     void PickFromLogMenu(int entry) const;
 
     /// Waits for the program's end. @return its exit code

@@ -1,4 +1,5 @@
 #include "EditorDriver.h"
+#include "Growth.h"
 
 #include "ExpectedText.h"
 
@@ -17,8 +18,19 @@ TEST_CASE("categories are edited, and plug-ins follow a key that became another"
         dialog = editor.AwaitDialog("Categories");
     };
     const auto press = [&](int button) { SendDlgItemMessageA(dialog, button, BM_CLICK, 0, 0); };
+    const auto count = [&] {
+        return SendDlgItemMessageA(dialog, IDC_LST_CATEGORIES, LVM_GETITEMCOUNT, 0, 0);
+    };
     open();
     editor.CheckShows(dialog, "categories");
+    CheckGrows(dialog,
+               {{IDC_LST_CATEGORIES, {0, 0, 200, 100}},
+                {IDC_CMD_CATEGORY_ADD, {200, 0, 200, 0}},
+                {IDC_TXT_CATEGORY_KEY, {0, 100, 0, 100}},
+                {IDC_TXT_CATEGORY_FOLDER, {0, 100, 200, 100}},
+                {IDOK, {200, 100, 200, 100}},
+                {IDCANCEL, {200, 100, 200, 100}}},
+               [] {});
     editor.PressWithControl('C');
     editor.AwaitClipboard("100\t100_tools\tTools\r\n");
     CHECK(SendMessageA(dialog, WM_QUERYENDSESSION, 0, 0) != 0);
@@ -30,6 +42,10 @@ TEST_CASE("categories are edited, and plug-ins follow a key that became another"
     TypeIn(dialog, IDC_TXT_CATEGORY_KEY, "110");
     press(IDC_CMD_CATEGORY_DOWN);
     press(IDC_CMD_CATEGORY_ADD);
+    ClickIn(dialog, IDC_CMD_CATEGORY_REMOVE); // a new one holds nothing to ask about
+    AWAIT(editor, count() == 2);
+    press(IDC_CMD_CATEGORY_ADD);
+    CHECK(editor.Focus() == GetDlgItem(dialog, IDC_TXT_CATEGORY_KEY));
     TypeIn(dialog, IDC_TXT_CATEGORY_KEY, "200");
     TypeIn(dialog, IDC_TXT_CATEGORY_FOLDER, "300_new_ones");
     press(IDC_CMD_CATEGORY_UP);
@@ -59,7 +75,12 @@ TEST_CASE("categories are edited, and plug-ins follow a key that became another"
         ClickIn(dialog, IDC_CMD_CATEGORY_REMOVE);
         CheckHolds(editor.AnswerBox("Category", answer), "holds 2 plug-ins");
     }
+    press(IDC_CMD_CATEGORY_REMOVE);
+    ClickIn(dialog, IDC_CMD_CATEGORY_REMOVE);
+    CheckHolds(editor.AnswerBox("Category", IDYES), "holds 1 plug-in,");
+    AWAIT(editor, count() == 0);
+    for (const int id : {IDC_CMD_CATEGORY_REMOVE, IDC_TXT_CATEGORY_KEY, IDC_TXT_CATEGORY_FOLDER})
+        CHECK_FALSE(IsWindowEnabled(GetDlgItem(dialog, id)));
     editor.Answer(dialog, IDOK);
-    AWAIT(editor, editor.Items(IDC_CMB_BASE_PLUGIN + kCategory) ==
-                      Names{"200 - Some Apps", "300 - New Ones", "110 (no such category)"});
+    AWAIT(editor, editor.Items(IDC_CMB_BASE_PLUGIN + kCategory) == Names{"110 (no such category)"});
 }

@@ -1,4 +1,5 @@
 #include "EditorDriver.h"
+#include "Growth.h"
 
 #include "base/modText.h"
 #include "base/modWide.h"
@@ -35,7 +36,7 @@ TEST_CASE("a plug-in is added, filled in, moved and saved, and a build takes it"
     editor.Choose(IDC_CMB_INSTALL_PATH, 1);
     editor.CheckSaved(program.catalogue);
     editor.Type(IDC_TXT_BASE + kAddress, L"http://host.invalid/extras.zip");
-    editor.CheckShows("editor_edited");
+    CHECK(editor.Text(IDC_TXT_BASE + kFileName) == "extras.zip");
     editor.Apply(); // straight from the field
     CHECK(editor.Chosen(IDC_CMB_BASE) == 0);
     CHECK(editor.Chosen(IDC_CMB_BASE_PLUGIN) == 0);
@@ -58,6 +59,8 @@ TEST_CASE("entries are removed after a Yes, locked ones never, and Discard bring
     const Names all = {program.catalogue.plugins[0].name, "Beta", "Gamma"};
     program.Save();
     const Editor editor(program);
+    const HWND selector = editor.Control(IDC_CMB_BASE_PLUGIN);
+    CHECK(SendMessageA(selector, CB_GETDROPPEDWIDTH, 0, 0) > SizeOf(selector).cx);
     CHECK(editor.ClickAndAnswer(kRemoveBase, "Locked", IDOK) ==
           "Plugin is locked, unlock plugin\r\nto delete...");
     CHECK(editor.Items(IDC_CMB_BASE) == Names{"PE Builder", "Extras"});
@@ -116,8 +119,17 @@ TEST_CASE("the check goes through the edited catalogue and leads to the entry") 
     ClickIn(dialog, IDC_CMD_CHECK_COPY);
     editor.AwaitClipboard(TextIn(dialog, IDC_TXT_PROBLEM) + "\r\n");
     const LONG listWidth = SizeOf(list).cx;
-    SetWindowPos(dialog, nullptr, 0, 0, SizeOf(dialog).cx + 90, 0, SWP_NOMOVE | SWP_NOZORDER);
-    AWAIT(editor, SizeOf(list).cx == listWidth + 90);
+    const auto columnsWidth = [&] {
+        return SendMessageA(list, LVM_GETCOLUMNWIDTH, 0, 0) +
+               SendMessageA(list, LVM_GETCOLUMNWIDTH, 1, 0);
+    };
+    CheckGrows(dialog,
+               {{IDC_LST_PROBLEMS, {0, 0, 200, 100}},
+                {IDC_TXT_PROBLEM, {0, 100, 200, 100}},
+                {IDC_CMD_CHECK_COPY, {0, 100, 0, 100}},
+                {IDC_CMD_GO_TO, {200, 100, 200, 100}},
+                {IDCANCEL, {200, 100, 200, 100}}},
+               [&] { CHECK(columnsWidth() > listWidth); });
     DoubleClickLine(list, 2); // which leads nowhere
     AWAIT(editor, !IsWindowEnabled(GetDlgItem(dialog, IDC_CMD_GO_TO)));
     PostMessageA(list, WM_KEYDOWN, VK_UP, 1);
@@ -144,6 +156,12 @@ TEST_CASE("the keyboard goes on with Enter, stays where it is after Apply, and l
           "have done their last move") {
     ProgramFolder program;
     const Editor editor(program);
+    const LONG height = SizeOf(editor.Window()).cy;
+    CheckGrows(editor.Window(),
+               {{IDC_TXT_BASE, {0, 0, 200, 0}},
+                {kRemoveBase, {200, 0, 200, 0}},
+                {IDCANCEL, {200, 0, 200, 0}}},
+               [&] { CHECK(SizeOf(editor.Window()).cy == height); }); // more would show nothing
     CHECK(editor.AwaitTip(editor.Control(kDownPlugin)) == "1 of 3");
     // The tip in sight is the uppermost window of its kind.
     CHECK(SendMessageA(FindWindowA(TOOLTIPS_CLASSA, nullptr), TTM_GETTOOLCOUNT, 0, 0) == 21);

@@ -65,7 +65,14 @@ TEST_CASE(
     copy(IDCANCEL);
     CHECK(editor.Text(IDC_TXT_BASE + kFileName) == "pebuilder3110a.zip");
     CHECK_FALSE(FileExists(program.Path() + "new.zip"));
-    browse(program.Path() + "here.zip", IDOK);
+    const std::string used = program.Folder().Write("elsewhere\\uninstall.exe", "x");
+    for (const auto& [path, words] :
+         {std::pair{program.Folder().Write("program\\empty.zip", ""), "has no checksum"},
+          {used, "cannot be an archive"}}) {
+        browse(path, IDOK);
+        CheckHolds(editor.AnswerBox("Browse for File", IDOK), words);
+    }
+    browse("here.zip", IDOK); // it begins in the program folder
     AWAIT(editor, editor.Text(IDC_TXT_BASE + kFileName) == "here.zip");
     CHECK(editor.Text(IDC_TXT_BASE + kChecksum) == crc);
     CHECK_FALSE(FileExists(program.Path() + "veskbuilder.sha256"));

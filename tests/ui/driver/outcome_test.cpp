@@ -1,3 +1,4 @@
+#include "Growth.h"
 #include "WizardSteps.h"
 #include "base/modText.h"
 #include "build/clsBuildLock.h"
@@ -28,11 +29,20 @@ TEST_CASE("a build with problems lists them, to be read, copied and found again 
     const LRESULT top = SendMessageA(wizard.Control(IDC_LST_PROGRESS), LB_GETTOPINDEX, 0, 0);
     CHECK(top <= warning);
     CHECK(warning - top < 5);
+    CHECK(SendMessageA(wizard.Control(IDC_LST_PROGRESS), LB_GETCARETINDEX, 0, 0) == warning);
 
     const std::string saved = ReadWholeFile(program.Path() + kProblemsFileName);
+    CHECK(wizard.Text(IDC_CMD_PROBLEMS) == "&Problems (2)...");
+    SetWindowPos(wizard.Window(), nullptr, 40, 30, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
     wizard.Click(IDC_CMD_PROBLEMS);
     const HWND dialog = wizard.AwaitDialog(""); // its title tells their number
     wizard.CheckShows(dialog, "problems");
+    CheckGrows(dialog,
+               {{IDC_LST_NOT_DONE, {0, 0, 200, 100}},
+                {IDC_TXT_NOT_DONE, {0, 100, 200, 100}},
+                {IDC_CMD_COPY, {200, 100, 200, 100}},
+                {IDCANCEL, {200, 100, 200, 100}}},
+               [] {});
     ClickIn(dialog, IDC_CMD_COPY);
     wizard.AwaitClipboard(saved); // no line is selected: all of them
     const HWND list = GetDlgItem(dialog, IDC_LST_NOT_DONE);
@@ -65,7 +75,9 @@ TEST_CASE("the password of an archive is asked for, again while it is wrong, and
         const HWND field = GetDlgItem(box, IDC_TXT_PASSWORD);
         SendMessageW(field, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L"p\x012B"));
         CHECK_FALSE(IsWindowEnabled(GetDlgItem(box, IDOK)));
+        CheckHolds(TextIn(box, IDC_LBL_PASSWORD_HINT), "code page");
         TypeIn(box, IDC_TXT_PASSWORD, text);
+        CHECK((IsWindowEnabled(GetDlgItem(box, IDOK)) == FALSE) == text.empty());
         CHECK((GetWindowLongA(field, GWL_STYLE) & ES_PASSWORD) != 0);
         CHECK(SendMessageA(bar, PBM_GETPOS, 0, 0) == (text.empty() ? 500 : 333));
         wizard.Answer(box, text.empty() ? IDCANCEL : IDOK);
@@ -89,8 +101,11 @@ TEST_CASE("the summary warns of what is emptied and of what is missing, each tim
         const char *made, *removed;
         std::vector<const char*> parts; // of the warning; none where there is no warning
     };
+    std::vector<LONG> heights;
     for (const Row& row : {
-             Row{"tree\\mine.txt", "program\\Alpha.zip", {"1 file that no build made"}},
+             Row{"tree", "program\\Alpha.zip", {"is a file"}},
+             Row{"other", "tree", {}},
+             Row{"tree\\mine.txt", "other", {"1 file that no build made"}},
              Row{"tree\\vesklive.ini", "tree\\mine.txt", {}}, // of an earlier build
              Row{"tree\\mine.txt", "program\\pebuilder3110a.zip", {"there is no address"}},
              Row{"tree\\too.txt",
@@ -103,10 +118,15 @@ TEST_CASE("the summary warns of what is emptied and of what is missing, each tim
         wizard.GoTo(IDC_CMD_BACK, kPluginsHeading);
         wizard.Next(kSummaryHeading);
         CHECK(wizard.IsShown(IDC_LBL_FOREIGN) == !row.parts.empty());
+        const std::string warning = wizard.Text(IDC_LBL_FOREIGN);
         for (const char* part : row.parts)
-            CheckHolds(wizard.Text(IDC_LBL_FOREIGN), part);
+            CheckHolds(warning, part);
+        CHECK(warning.find_first_of("\r\n") != 0);
+        CHECK_FALSE(warning.ends_with('\n'));
+        heights.push_back(SizeOf(wizard.Control(IDC_LBL_FOREIGN)).cy);
         AWAIT(wizard, IsTidy(wizard.Window()));
     }
+    CHECK(heights.back() > heights.front()); // two warnings need more lines
 }
 
 TEST_CASE("a folder that no build made is emptied only after what is in it was told") {
@@ -140,6 +160,8 @@ TEST_CASE("a folder that no build made is emptied only after what is in it was t
     CHECK(TextIn(box, 0xFFFF) == "Project folder allready exists. Do you want to continue");
     PostMessageA(wizard.Window(), WM_CLOSE, 0, 0); // refused while the run works
     CHECK(SendMessageA(wizard.Window(), WM_QUERYENDSESSION, 0, 0) == 0);
+    for (const int button : {IDC_CMD_HELP, IDC_CMD_BACK, IDC_CMD_NEXT, IDCANCEL})
+        CHECK_FALSE(wizard.IsEnabled(button));
     wizard.Answer(box, yes ? IDYES : IDNO);
     wizard.AwaitFinish();
     CHECK(wizard.Heading() == (yes ? "Build Complete" : "Not Built"));
@@ -165,6 +187,7 @@ TEST_CASE("an impossible folder is refused when its page is left for the next on
         wizard.Type(IDC_TXT_PROG_PATH, folder);
         told += wizard.ClickAndAnswer(IDC_CMD_NEXT, "Vesk Builder", IDOK) + "\n";
         CHECK(wizard.Heading() == kBaseHeading);
+        AWAIT(wizard, wizard.Focus() == wizard.Control(IDC_TXT_PROG_PATH));
     }
     CheckExpected("windows/refused_folders", ReplaceAll(told, program.Folder().Path(), "{FOLDER}"));
     TestFolder::RemoveTree(Widen(installed));
@@ -186,32 +209,46 @@ TEST_CASE("an impossible folder is refused when its page is left for the next on
 
 TEST_CASE("without a catalogue nothing is built, and the editor is one click away") {
     const ProgramFolder program;
-    RemoveFile(program.Path() + kCatalogueFileName);
+    const std::string file = program.Path() + kCatalogueFileName;
     const std::string mine = program.Folder().Write("tree\\pebuilder.exe", "keep");
-    const Wizard wizard(program);
-    SUBCASE("the editor") {
-        CheckHolds(wizard.AnswerBox("Vesk Builder", IDYES), "there is no such file");
+    const auto opensEditor = [&](const std::string& fault, const std::string& state) {
+        const Wizard wizard(program);
+        CheckHolds(wizard.AnswerBox("Vesk Builder", IDYES), fault);
         const HWND editor = wizard.AwaitDialog("Plugin Setup");
-        AWAIT(wizard, TextIn(editor, IDC_LBL_STATE) == "A new catalogue, not saved yet.");
+        AWAIT(wizard, TextIn(editor, IDC_LBL_STATE) == state);
         CHECK(IsWindowEnabled(editor)); // nothing is asked a second time
-    }
-    SUBCASE("the wizard") {
-        wizard.AnswerBox("Vesk Builder", IDNO);
-        wizard.GoToSummary();
-        CheckHolds(wizard.ClickAndAnswer(IDC_CMD_NEXT, "Vesk Builder", IDOK), "-setup");
-        CHECK(wizard.Heading() == kSummaryHeading);
-        CHECK(FileExists(mine));
-    }
+    };
+    WriteCompleteFile(file, "[Install]\r\n");
+    opensEditor("", "Not all of the file could be read.");
+    RemoveFile(file);
+    opensEditor("there is no such file", "A new catalogue, not saved yet.");
+
+    const Wizard wizard(program);
+    wizard.AnswerBox("Vesk Builder", IDNO);
+    wizard.GoToSummary();
+    CheckHolds(wizard.ClickAndAnswer(IDC_CMD_NEXT, "Vesk Builder", IDOK), "-setup");
+    CHECK(wizard.Heading() == kSummaryHeading);
+    CHECK(FileExists(mine));
 }
 
 TEST_CASE("a catalogue that was read in part is built from only when the user says so") {
     const ProgramFolder program;
     const std::string file = program.Path() + kCatalogueFileName;
-    WriteCompleteFile(file, ReplaceAll(ReadWholeFile(file), "Enabled2=1", "Enabled2=maybe"));
+    std::string broken = "Enabled2=1";
+    SUBCASE("a plug-in") {}
+    SUBCASE("the first base component, without which nothing is built") {
+        broken = "Enabled0=1";
+    }
+    WriteCompleteFile(file, ReplaceAll(ReadWholeFile(file), broken, broken + "maybe"));
     const std::string mine = program.Folder().Write("tree\\pebuilder.exe", "keep");
     const Wizard wizard(program);
     const std::string told = wizard.AnswerBox("Vesk Builder", IDOK);
     wizard.GoToSummary();
+    if (broken == "Enabled0=1") {
+        CheckHolds(wizard.ClickAndAnswer(IDC_CMD_NEXT, "Vesk Builder", IDOK),
+                   "could not be read in full");
+        return;
+    }
     CheckHolds(wizard.ClickAndAnswer(IDC_CMD_NEXT, "Vesk Builder", IDNO),
                told); // what is missing, again
     CHECK(wizard.Heading() == kSummaryHeading);

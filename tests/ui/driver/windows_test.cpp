@@ -1,16 +1,11 @@
 #include "EditorDriver.h"
+#include "Growth.h"
 #include "WizardSteps.h"
-
-#include <array>
 
 using namespace vesk;
 using namespace vesk::test;
 
 namespace {
-
-void Resize(HWND window, LONG width, LONG height) {
-    SetWindowPos(window, nullptr, 0, 0, width, height, SWP_NOMOVE | SWP_NOZORDER);
-}
 
 /// Sets the size of the system's message font for the programs that start next.
 class MessageFont {
@@ -33,15 +28,6 @@ private:
     }
     NONCLIENTMETRICSA before_{};
 };
-
-using Place = std::array<LONG, 4>; // left, top, right, bottom
-
-/// Where a window stands within its parent.
-Place PlaceOf(HWND window) {
-    RECT place = AreaOf(window);
-    MapWindowPoints(nullptr, GetParent(window), reinterpret_cast<POINT*>(&place), 2);
-    return {place.left, place.top, place.right, place.bottom};
-}
 
 std::vector<Place> LayoutOf(HWND dialog) {
     std::vector<Place> places;
@@ -66,37 +52,29 @@ void OnFinerMonitor(const WizardDriver& program, const Look& look) {
 } // namespace
 
 TEST_CASE("controls move and grow with the window as each was told, and never shrink") {
-    struct Row {
-        int id;
-        Place gained; // by each edge, in a window that is 200 wider and 100 higher
-    };
-    constexpr std::array kRows{
-        Row{IDC_LST_PLUGINS, {0, 0, 200, 100}},   Row{IDC_LINE_TOP, {0, 0, 200, 0}},
-        Row{IDC_LINE_BOTTOM, {0, 100, 200, 100}}, Row{IDC_IMG_LOGO_SMALL, {200, 0, 200, 0}},
-        Row{IDC_CMD_HELP, {0, 100, 0, 100}},      Row{IDCANCEL, {200, 100, 200, 100}},
-        Row{IDC_CMD_PROBLEMS, {0, 100, 0, 100}}};
+    const Place stretched{0, 0, 200, 100};
     const ProgramFolder program;
     const Wizard wizard(program);
-    const SIZE size = SizeOf(wizard.Window());
-    Resize(wizard.Window(), size.cx + 200, size.cy + 100); // before the pages with lists are there
-    for (const char* const page : {kBaseHeading, kPluginsHeading}) {
-        wizard.Next(page);
-        AWAIT(wizard, IsTidy(wizard.Window()));
-    }
-    std::vector<Place> grown;
-    for (const Row& row : kRows)
-        grown.push_back(PlaceOf(wizard.Control(row.id)));
-    Resize(wizard.Window(), 100, 100);
-    CHECK(SizeOf(wizard.Window()).cx == size.cx); // never smaller than its controls need
-    for (std::size_t i = 0; i < kRows.size(); ++i) {
-        Place gained = grown[i];
-        const Place least = PlaceOf(wizard.Control(kRows[i].id));
-        for (std::size_t edge = 0; edge < gained.size(); ++edge)
-            gained[edge] -= least[edge];
-        CAPTURE(kRows[i].id);
-        CHECK(gained == kRows[i].gained);
-    }
+    CheckGrows(wizard.Window(),
+               {{IDC_LST_PLUGINS, stretched},
+                {IDC_LST_PROGRESS, stretched},
+                {IDC_TXT_WELCOME, stretched},
+                {IDC_PIC_FRAME1, stretched},
+                {IDC_PIC_FRAME3, stretched},
+                {IDC_LINE_TOP, {0, 0, 200, 0}},
+                {IDC_LINE_BOTTOM, {0, 100, 200, 100}},
+                {IDC_IMG_LOGO_SMALL, {200, 0, 200, 0}},
+                {IDC_CMD_HELP, {0, 100, 0, 100}},
+                {IDCANCEL, {200, 100, 200, 100}},
+                {IDC_CMD_PROBLEMS, {0, 100, 0, 100}}},
+               [&] { // before the pages with lists are there
+                   for (const char* const page : {kBaseHeading, kPluginsHeading}) {
+                       wizard.Next(page);
+                       AWAIT(wizard, IsTidy(wizard.Window()));
+                   }
+               });
     const HWND list = wizard.Control(IDC_LST_PLUGINS);
+    CHECK((GetWindowLongA(list, GWL_STYLE) & WS_HSCROLL) == 0);
     const LONG width = SizeOf(list).cx;
     Resize(GetParent(list), 100, 100); // which a page does not refuse
     CHECK(SizeOf(list).cx == width);
@@ -104,7 +82,9 @@ TEST_CASE("controls move and grow with the window as each was told, and never sh
 
 TEST_CASE("at the largest text sizes every window still fits on the screen") {
     const MessageFont font(36);
-    const ProgramFolder program;
+    ProgramFolder program;
+    program.catalogue.plugins = {CatalogueEntry()}; // what an editor's empty list is saved as
+    program.Save();
     const Wizard wizard(program);
     RECT work{};
     SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
@@ -112,6 +92,9 @@ TEST_CASE("at the largest text sizes every window still fits on the screen") {
     AWAIT(wizard, IsTidy(wizard.Window()));
     wizard.Next(kBaseHeading);
     AWAIT(wizard, IsTidy(wizard.Window()));
+    wizard.Next(kPluginsHeading);
+    CHECK(SendMessageA(wizard.Control(IDC_LST_PLUGINS), LVM_GETITEMCOUNT, 0, 0) == 0);
+    CHECK_FALSE(wizard.IsEnabled(IDC_CMD_PLUGIN_DETAILS));
 }
 
 TEST_CASE("on a monitor of another resolution everything is scaled, and back to what it was") {
@@ -136,7 +119,10 @@ TEST_CASE("on a monitor of another resolution everything is scaled, and back to 
     const SIZE back = listSize();
     CHECK(made.cx == doctest::Approx(1.5 * back.cx).epsilon(0.03));
     CHECK(made.cy > back.cy * 5 / 4);
-    OnFinerMonitor(wizard, [&] { CHECK(listSize().cx == made.cx); });
+    OnFinerMonitor(wizard, [&] {
+        CHECK(listSize().cx == made.cx);
+        CHECK(listSize().cy == made.cy);
+    });
     const Editor editor(program);
     OnFinerMonitor(editor, [&] {
         CHECK(SizeOf(editor.Control(IDC_CMB_INSTALL_PATH)).cy ==
@@ -167,6 +153,8 @@ TEST_CASE("a link opens by a click on it, and by none beside the text") {
     AWAIT(wizard, ReadWholeFile(trace).ends_with('\n')); // written after the text, in its own time
     CHECK(std::ranges::count(ReadWholeFile(trace), '\n') == 1);
     CHECK(Holds(ReadWholeFile(trace), "mailto:"));
+    PostMessageA(box, WM_KEYDOWN, VK_SPACE, 1); // the caret is there now
+    AWAIT(wizard, std::ranges::count(ReadWholeFile(trace), '\n') == 2);
 }
 
 TEST_CASE("more plug-ins than can be ticked: said once, and the others keep what is built") {
@@ -196,13 +184,20 @@ TEST_CASE("an entry's details open by a double click, with a long name as a whol
         name += " that goes on";
     program.catalogue.plugins[0].name = name;
     program.catalogue.plugins[0].crc = "1";
+    program.catalogue.plugins[0].url = "http://a/x, http://b/y";
     program.Save();
     const Wizard wizard(program);
     wizard.GoToPlugins();
     const HWND list = wizard.Control(IDC_LST_PLUGINS);
     CheckHolds(wizard.AwaitTip(list), "Archive: Alpha.zip");
+    const HWND tip = FindWindowA(TOOLTIPS_CLASSA, nullptr); // the uppermost one
+    CHECK(SizeOf(tip).cx < 480);                            // pixels: wrapped
 
-    DoubleClickLine(list, 0);
+    wizard.Press(VK_DOWN); // it is about a line that moves away
+    CHECK(WaitUntil([&] { return !IsWindowVisible(tip); }, 15000));
+
+    for (const int left : {8, 8, 60}) // twice on the tick, which is then what it was
+        DoubleClickLine(list, 0, left);
     const HWND dialog = wizard.AwaitDialog("Component");
     wizard.CheckShows(dialog, "details");
     const HWND field = GetDlgItem(dialog, IDC_LBL_ITEM_NAME);
@@ -210,9 +205,23 @@ TEST_CASE("an entry's details open by a double click, with a long name as a whol
     CHECK(lines > 1);
     CHECK(SizeOf(field).cy >= lines * 11); // pixels, the lowest line
     wizard.Answer(dialog, IDCANCEL);
-    wizard.Click(IDC_CMD_PLUGIN_DETAILS);
+    CHECK(IsWindowEnabled(wizard.Window())); // no second one has opened
+    const auto isOnlyDefault = [&](int id) {
+        return std::ranges::all_of(ControlsOf(wizard.Window()), [&](HWND control) {
+            const LRESULT kind = SendMessageA(control, WM_GETDLGCODE, 0, 0);
+            return ((kind & DLGC_DEFPUSHBUTTON) != 0) == (GetDlgCtrlID(control) == id);
+        });
+    };
+    wizard.FocusOn(IDC_CMD_PLUGIN_DETAILS);
+    AWAIT(wizard, isOnlyDefault(IDC_CMD_PLUGIN_DETAILS));
+    wizard.Press(VK_RETURN);
     wizard.Answer(wizard.AwaitDialog("Component"), IDCANCEL);
+    wizard.FocusOn(IDC_LST_PLUGINS);
+    AWAIT(wizard, isOnlyDefault(IDC_CMD_NEXT));
     wizard.GoTo(IDC_CMD_BACK, kBaseHeading);
-    wizard.Click(IDC_CMD_BASE_DETAILS);
-    CHECK(TextIn(wizard.AwaitDialog("Component"), IDC_LBL_ITEM_NAME) == "PE Builder");
+    wizard.FocusOn(IDC_CMD_BASE_DETAILS);
+    wizard.Press(VK_RETURN);
+    const HWND base = wizard.AwaitDialog("Component");
+    CHECK(TextIn(base, IDC_LBL_ITEM_NAME) == "PE Builder");
+    CHECK(TextIn(base, IDC_TXT_ITEM_CATEGORY) == "base component");
 }

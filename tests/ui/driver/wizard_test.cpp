@@ -22,6 +22,21 @@ bool ShowsPicture(HWND control) {
     });
 }
 
+/// Whether a window is white from its top down to a line, its heading too, and grey at its end.
+bool IsWhiteDownTo(const WizardDriver& wizard, int line) {
+    RECT inside{};
+    GetClientRect(wizard.Window(), &inside);
+    MapWindowPoints(wizard.Window(), nullptr, reinterpret_cast<POINT*>(&inside), 2);
+    const RECT heading = AreaOf(wizard.Control(IDC_LBL_HEADING));
+    const LONG right = inside.right - 1;
+    const COLORREF white = GetSysColor(COLOR_WINDOW);
+    return !HasPixel(nullptr, {right, inside.top, inside.right, AreaOf(wizard.Control(line)).top},
+                     [&](COLORREF pixel) { return pixel != white; }) &&
+           ShowsColour({right, inside.bottom - 1, inside.right, inside.bottom},
+                       GetSysColor(COLOR_BTNFACE)) &&
+           ShowsColour({heading.left, heading.top, heading.left + 1, heading.top + 1}, white);
+}
+
 } // namespace
 
 TEST_CASE("a whole build, page by page, each compared with what it is to show") {
@@ -30,13 +45,20 @@ TEST_CASE("a whole build, page by page, each compared with what it is to show") 
     const Wizard wizard(program);
     wizard.CheckShows("welcome");
     AWAIT(wizard, ShowsPicture(wizard.Control(IDC_IMG_LOGO)));
+    AWAIT(wizard, IsWhiteDownTo(wizard, IDC_LINE_BOTTOM));
     const std::string welcome = wizard.Heading();
     wizard.Next(kBaseHeading);
-    wizard.CheckShows("base");
+    CHECK(wizard.Text(IDC_TXT_PROG_PATH) == "C:\\VeskUiTest");
     AWAIT(wizard, ShowsPicture(wizard.Control(IDC_IMG_LOGO_SMALL)));
+    AWAIT(wizard, IsWhiteDownTo(wizard, IDC_LINE_TOP));
     wizard.GoTo(IDC_CMD_BACK, welcome);
     wizard.Next(kBaseHeading);
     wizard.PressSpaceOn(IDC_LST_BASE, 0); // locked: it springs back
+    const HWND base = wizard.Control(IDC_LST_BASE);
+    for (const char* state : {"Good, built though unticked", "Good"}) {
+        wizard.PressSpaceOn(IDC_LST_BASE, 1);
+        AWAIT(wizard, CellText(base, 1, 2) == state);
+    }
     wizard.SetText(IDC_TXT_PROG_PATH, program.Tree() + "\\");
     wizard.SetText(IDC_TXT_WIN_PATH, program.Folder() / "cd");
     wizard.Next(kPluginsHeading);
@@ -64,6 +86,8 @@ TEST_CASE("a whole build, page by page, each compared with what it is to show") 
     CHECK_FALSE(wizard.HasEnded());
     const auto lines = wizard.LogLines();
     REQUIRE(lines.size() > 5);
+    const auto last = static_cast<LRESULT>(lines.size() - 1);
+    CHECK(SendMessageA(wizard.Control(IDC_LST_PROGRESS), LB_GETCARETINDEX, 0, 0) == last);
     CheckStarts(lines.front(), "Vesk Builder v");
     CHECK(lines.back() == "click 'Finish' to exit");
     CHECK(ReadWholeFile(program.Tree() + "\\extra.txt") == "extra");
@@ -169,6 +193,12 @@ TEST_CASE("a Windows source is typed, browsed for and searched for, and shown as
     AWAIT(wizard, wizard.Text(IDC_LBL_WIN_PRODUCT) == "Windows XP Home SP2");
     CHECK(wizard.Text(IDC_TXT_WIN_PATH) == program.Folder() / "cd\\");
     AWAIT(wizard, ShowsColour(AreaOf(field), RGB(0, 130, 0)));
+    wizard.SetText(IDC_TXT_PROG_PATH, program.Folder() / "cd");
+    CHECK_FALSE(ShowsColour(AreaOf(wizard.Control(IDC_TXT_PROG_PATH)), RGB(0, 130, 0)));
+    wizard.SetText(IDC_TXT_WIN_PATH, "");
+    wizard.FocusOn(IDC_TXT_WIN_PATH);
+    wizard.Press(VK_TAB);
+    AWAIT(wizard, wizard.Text(IDC_LBL_WIN_PRODUCT).empty());
 
     const auto search = [&](int answer) {
         CHECK(wizard.ClickAndAnswer(IDC_CMD_SCAN, "File Search", answer) ==
@@ -185,7 +215,9 @@ TEST_CASE("a Windows source is typed, browsed for and searched for, and shown as
             AWAIT(wizard, SendMessageA(list, LVM_GETITEMCOUNT, 0, 0) > 0);
             ClickIn(dialog, IDC_CMD_STOP);
             AWAIT(wizard, TextIn(dialog, IDC_CMD_STOP) == "&Start" && IsWindowEnabled(select));
+            AWAIT(wizard, TextIn(dialog, IDC_LABEL1).empty() && wizard.Focus() == list);
         };
+        AWAIT(wizard, !TextIn(dialog, IDC_LABEL1).empty()); // the folder that it is in
         // A key in the window behind: it must not ask whether to leave.
         PostMessageA(wizard.Control(IDC_CMD_NEXT), WM_KEYDOWN, VK_ESCAPE, 1);
         stop();
@@ -221,9 +253,12 @@ TEST_CASE("the window answers again and again while an archive is extracted") {
     wizard.GoToSummary();
     wizard.Click(IDC_CMD_NEXT);
     int answers = 0;
+    bool isLogRead = false;
     wizard.Await("the build's end", [&] {
+        isLogRead |= wizard.Focus() == wizard.Control(IDC_LST_PROGRESS);
         answers += wizard.Text(IDC_LBL_FILE) == "Processing: big.zip" ? 1 : 0;
         return wizard.Text(IDC_CMD_NEXT) == "&Finish" && wizard.IsEnabled(IDC_CMD_NEXT);
     });
+    CHECK(isLogRead);    // by the keyboard
     CHECK(answers > 10); // how quickly it does is measured elsewhere
 }
