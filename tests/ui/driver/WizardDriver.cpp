@@ -57,6 +57,7 @@ void EndProgram(HANDLE process) {
 WizardDriver::WizardDriver(const std::string& program, const std::string& arguments,
                            const std::string& title)
     : folder_(ParentOf(ParentOf(program))) {
+    SetCursorPos(0, 0); // where an earlier test left it a list would show a tip
     std::string commandLine = "\"" + program + "\" " + arguments;
     STARTUPINFOA startup{};
     startup.cb = sizeof startup;

@@ -25,7 +25,14 @@ public:
     explicit Wizard(const ProgramFolder& program)
         : WizardDriver(program.Wizard()), program_(program) {}
 
-    void Next(const std::string& heading) const { GoTo(IDC_CMD_NEXT, heading); }
+    void Next(const std::string& heading) const {
+        GoTo(IDC_CMD_NEXT, heading);
+        if (heading != kSummaryHeading)
+            return;
+        // While that page comes up the wizard forgets the keys that were pressed before it.
+        FocusOn(IDC_TXT_SUMMARY);
+        FocusOn(IDC_CMD_NEXT);
+    }
 
     void GoToPlugins() const {
         Next(kBaseHeading);

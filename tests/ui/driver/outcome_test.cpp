@@ -191,7 +191,7 @@ TEST_CASE("an impossible folder is refused when its page is left for the next on
     }
     CheckExpected("windows/refused_folders", ReplaceAll(told, program.Folder().Path(), "{FOLDER}"));
     TestFolder::RemoveTree(Widen(installed));
-    wizard.SetText(IDC_TXT_WIN_PATH, " " + program.Folder().Path()); // the same source
+    wizard.SetText(IDC_TXT_WIN_PATH, " " + wizard.Text(IDC_TXT_WIN_PATH)); // the same source
     wizard.SetText(IDC_TXT_PROG_PATH, program.Tree());
     CheckHolds(wizard.ClickAndAnswer(IDC_CMD_NEXT, "Vesk Builder", IDOK), "Windows source");
     // None of the other buttons minds it.

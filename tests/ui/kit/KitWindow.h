@@ -26,11 +26,22 @@ inline HWND MakeWindow(const char* className, HWND parent, int width, int height
 /// True when a pixel of an area matches. @param window whose inside it is; null: the screen
 template <class Matches>
 bool HasPixel(HWND window, const RECT& area, Matches matches) {
+    // One copy: each look at the screen itself would be a question to the display.
     const HDC dc = GetDC(window);
+    const HDC copy = CreateCompatibleDC(dc);
+    const int width = static_cast<int>(area.right - area.left);
+    const int height = static_cast<int>(area.bottom - area.top);
+    const HBITMAP bitmap = CreateCompatibleBitmap(dc, width, height);
+    const HGDIOBJ before = SelectObject(copy, bitmap);
+    BitBlt(copy, 0, 0, width, height, dc, static_cast<int>(area.left), static_cast<int>(area.top),
+           SRCCOPY);
     bool found = false;
-    for (LONG y = area.top; y < area.bottom && !found; ++y)
-        for (LONG x = area.left; x < area.right && !found; ++x)
-            found = matches(GetPixel(dc, static_cast<int>(x), static_cast<int>(y)));
+    for (int y = 0; y < height && !found; ++y)
+        for (int x = 0; x < width && !found; ++x)
+            found = matches(GetPixel(copy, x, y));
+    SelectObject(copy, before);
+    DeleteObject(bitmap);
+    DeleteDC(copy);
     ReleaseDC(window, dc);
     return found;
 }
