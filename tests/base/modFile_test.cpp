@@ -80,6 +80,7 @@ TEST_CASE("a complete file replaces the old one, or leaves it as it was") {
     CHECK(files == 3);
     isRefusedWhileInUse(folder.Write("a.ini.vesk-new", ""));
     CHECK(ReadWholeFile(path) == "new");
+    RemoveFile(beside);
     REQUIRE(CreateHardLinkA(beside.c_str(), outside.c_str(), nullptr) != 0);
     CopyCompleteFile(source, path);
     CHECK(ReadWholeFile(path) == "copied");
