@@ -29,8 +29,8 @@ int Awaited() {
 
 } // namespace
 
-/// Says that it ran. With "wait" it stays for an hour and a half; with "awaited" it returns when another
-/// one does so; with any other argument it returns 3.
+/// Says that it ran. With "wait" it stays for an hour and a half; with "awaited" it returns when
+/// another one does so; with any other argument it returns 3.
 int main(int argc, char** argv) {
     const std::string_view word = argc > 1 ? argv[1] : "";
     if (word == "wait")

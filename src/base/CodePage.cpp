@@ -34,17 +34,23 @@ std::string WithoutTrailBytes(std::string_view text) {
     return plain;
 }
 
-std::size_t CharacterCount(std::string_view text) {
+std::size_t CharacterSize(std::string_view text) {
     const CodePage& page = CurrentCodePage();
-    std::size_t count = 0;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto byte = static_cast<unsigned char>(text[i]);
-        if (page.isUtf8 && (byte & 0xC0) == 0x80) // goes on with a character
-            continue;
-        ++count;
-        if (page.isLeadByte != nullptr && page.isLeadByte(byte))
-            ++i;
+    std::size_t size = 1;
+    if (page.isUtf8) {
+        while (size < text.size() && (static_cast<unsigned char>(text[size]) & 0xC0) == 0x80)
+            ++size; // goes on with the character
+    } else if (page.isLeadByte != nullptr && text.size() > 1 &&
+               page.isLeadByte(static_cast<unsigned char>(text.front()))) {
+        size = 2;
     }
+    return size;
+}
+
+std::size_t CharacterCount(std::string_view text) {
+    std::size_t count = 0;
+    for (; !text.empty(); text.remove_prefix(CharacterSize(text)))
+        ++count;
     return count;
 }
 

@@ -29,6 +29,9 @@ void SetCodePage(CodePage page);
 /// searched for bytes that mean what they look like.
 std::string WithoutTrailBytes(std::string_view text);
 
+/// Bytes of the character at the start of a text that is not empty.
+std::size_t CharacterSize(std::string_view text);
+
 /// How many characters the text has.
 std::size_t CharacterCount(std::string_view text);
 

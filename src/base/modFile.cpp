@@ -325,7 +325,8 @@ namespace {
     ThrowSystemError(error, what, source + " to " + target);
 }
 
-/// @param flags as the system's function takes them @return whether it worked; else see GetLastError
+/// @param flags as the system's function takes them @return whether it worked; else see
+/// GetLastError
 bool Copy(const std::string& source, const std::string& target,
           const std::function<void()>& meanwhile, DWORD flags) {
     std::function<void()> afterPiece = meanwhile;

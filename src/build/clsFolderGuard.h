@@ -37,7 +37,8 @@ public:
 
     /// The folders that hold the users' data of all programs: the parent of each data folder. Where
     /// that is the profile itself, as in Windows XP, the user's things are in it too, and it is the
-    /// data folder alone. @param profile, data absolute; an empty one of the data folders stays empty
+    /// data folder alone. @param profile, data absolute; an empty one of the data folders stays
+    /// empty
     static std::vector<std::wstring> AmongData(const std::wstring& profile,
                                                std::vector<std::wstring> data);
 

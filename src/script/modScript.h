@@ -22,8 +22,8 @@ struct ScriptContext {
 void ProcessScript(const std::string& scriptPath, const std::string& sectionName,
                    const ScriptContext& context);
 
-/// The lines of a file: none when it does not exist, at least one when it does. @throws Failure when
-/// it cannot be read
+/// The lines of a file: none when it does not exist, at least one when it does. @throws Failure
+/// when it cannot be read
 std::vector<std::string> ReadFileLines(const std::string& path);
 
 /// True when the file holds exactly this line, letter case included.

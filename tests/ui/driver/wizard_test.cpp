@@ -259,6 +259,6 @@ TEST_CASE("the window answers again and again while an archive is extracted") {
         answers += wizard.Text(IDC_LBL_FILE) == "Processing: big.zip" ? 1 : 0;
         return wizard.Text(IDC_CMD_NEXT) == "&Finish" && wizard.IsEnabled(IDC_CMD_NEXT);
     });
-    CHECK(isLogRead);    // by the keyboard
+    CHECK(isLogRead);   // by the keyboard
     CHECK(answers > 2); // how quickly it does is measured elsewhere
 }
