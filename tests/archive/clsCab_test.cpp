@@ -4,6 +4,7 @@
 #include "archive/ArchiveText.h"
 #include "archive/TreeOnDisk.h"
 
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <stdexcept>
@@ -143,7 +144,7 @@ TEST_CASE("of equal files those come out that are wanted and can be written") {
             cancel = unwanted && event == "before a";
         };
         const std::string told = f.Told(&clsCab::Extract);
-        CHECK(ReplaceAll(told, "before ", "").size() + 5 * 7 ==
+        CHECK(ReplaceAll(told, "before ", "").size() + std::size_t{5} * 7 ==
               told.size()); // each asked about once
         return ReplaceAll(f.Found(), data, "*");
     };

@@ -4,8 +4,10 @@
 #include "RecordingFrontEnd.h"
 #include "TestFolder.h"
 #include "archive/ZipBuilder.h"
+#include "base/modFile.h"
 #include "base/modText.h"
 #include "build/clsBuildLog.h"
+#include "build/clsRemovableTree.h"
 #include "build/modFileOperations.h"
 #include "catalogue/modArchiveState.h"
 
@@ -199,6 +201,7 @@ std::string TextOf(const Fixture& fixture) {
 
 // What is in the tree, asked and shown is compared whole where the delivered programs build.
 TEST_CASE_FIXTURE(Fixture, "a build adds what it moved to the catalogue, and counts all as done") {
+    CreateFolderPath(clsRemovableTree::StartMenuPath()); // of an earlier build, to be deleted
     CHECK(Run() == BuildEnding::Done);
     CHECK(frontEnd.done == frontEnd.total);
     CHECK(frontEnd.fractions.back() == 1);

@@ -3,6 +3,8 @@
 #include "ExpectedText.h"
 #include "base/CodePage.h"
 
+#include <utility>
+
 using namespace vesk;
 
 TEST_CASE("the word under the caret, without one punctuation character at each end, and its link") {
@@ -19,11 +21,11 @@ TEST_CASE("the word under the caret, without one punctuation character at each e
 }
 
 TEST_CASE("a letter is not taken for punctuation, nor its second byte") {
-    const CodePage before = CurrentCodePage();
+    CodePage before = CurrentCodePage();
     SetCodePage({nullptr, "\xAC"}); // as the one of Central Europe has it
     CHECK(LinkAtCaret("\xA3ukasz@host.pl", 0) == "mailto:\xA3ukasz@host.pl");
     SetCodePage({[](unsigned char byte) { return byte >= 0x81 && byte <= 0x9F; }, ""});
     CHECK(TrimLinkPunctuation("www.a.com/\x83]") == "www.a.com/\x83]");
     CHECK(MakeLink("\x83@").empty());
-    SetCodePage(before);
+    SetCodePage(std::move(before));
 }
